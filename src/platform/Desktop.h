@@ -1,0 +1,28 @@
+#pragma once
+#include "base/Scheduler.h"
+#include "platform/Folders.h"
+#include "platform/HapticPerformer.h"
+#include "platform/NotificationCenter.h"
+#include "platform/Pointer.h"
+#include "platform/Screens.h"
+#include "platform/SoundPlayer.h"
+#include "platform/UserDefaults.h"
+#include "platform/WindowList.h"
+
+namespace tarnwick {
+
+/// The desktop that the program runs on: one implementation of each port. All of them outlive whatever uses
+/// them.
+struct Desktop {
+  Scheduler& scheduler;
+  NotificationCenter& notifications;
+  UserDefaults& defaults;
+  Folders& folders;
+  Screens& screens;
+  Pointer& pointer;
+  WindowList& windows;
+  SoundPlayer& sounds;
+  HapticPerformer& haptics;
+};
+
+}  // namespace tarnwick

@@ -1,0 +1,25 @@
+#pragma once
+#include <functional>
+#include <map>
+#include <string>
+
+#include "base/ObservableObject.h"
+
+namespace tarnwick {
+
+using StringMap = std::map<std::string, std::string>;
+
+/// Notifications broadcast between processes of the same user session, fire and forget.
+class NotificationCenter {
+ public:
+  virtual ~NotificationCenter() = default;
+  /// Calls `receive` on the main thread with the payload of each notification of that name. A payload that is
+  /// not a map from string to string arrives as an empty map.
+  virtual Subscription observe(const std::string& name, std::function<void(const StringMap&)> receive) = 0;
+};
+
+/// Names of the notifications.
+inline constexpr const char* eventNotification = "dev.tarnwick.event";
+inline constexpr const char* showcaseNotification = "dev.tarnwick.showcase";
+
+}  // namespace tarnwick
