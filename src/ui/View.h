@@ -1,0 +1,205 @@
+#pragma once
+#include <functional>
+#include <initializer_list>
+#include <limits>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "base/Animation.h"
+#include "base/Image.h"
+#include "ui/AnyValue.h"
+#include "ui/Effects.h"
+#include "ui/Environment.h"
+#include "ui/Interaction.h"
+#include "ui/Shape.h"
+#include "ui/Transition.h"
+
+namespace tarnwick::ui {
+
+class Canvas;
+class Element;
+struct Attributes;
+struct Description;
+template<typename T>
+class State;
+
+/// As much as there is.
+inline constexpr double infinity = std::numeric_limits<double>::infinity();
+
+/// Names that belong together: views with the same matched-geometry id in one namespace are one moving thing.
+struct Namespace {
+  int number = 0;
+  static Namespace make();
+  friend bool operator==(Namespace, Namespace) = default;
+};
+
+/// Sides of a rectangle, to be combined with `|`.
+enum class Edge { top = 1, leading = 2, bottom = 4, trailing = 8, horizontal = 10, vertical = 5, all = 15 };
+constexpr Edge operator|(Edge a, Edge b) { return Edge(int(a) | int(b)); }
+constexpr bool has(Edge set, Edge edge) { return (int(set) & int(edge)) != 0; }
+
+/// A box around a view: a fixed size, or how far the view may stretch. What is absent is left to the view.
+struct FrameOptions {
+  std::optional<double> width = {}, height = {};
+  /// `infinity` fills what is offered.
+  std::optional<double> maxWidth = {}, maxHeight = {};
+  UnitPoint align = UnitPoint::center;
+  friend bool operator==(const FrameOptions&, const FrameOptions&) = default;
+};
+
+/// A description of what should be on the screen: a cheap value without effect, made anew whenever the state
+/// behind it changes. A default-constructed view is nothing at all.
+///
+/// Decorators return the decorated view and compose by chaining, inside out: `a.padding(4).background(b)` has `b`
+/// behind the padding, too.
+class View {
+ public:
+  View() = default;
+  explicit View(std::shared_ptr<const Element> element, std::vector<View> children = {});
+
+  bool isEmpty() const { return !description_; }
+  const Description& description() const { return *description_; }
+
+  // Layout
+  View frame(const FrameOptions& options) const;
+  View padding(double length) const;
+  View padding(Edge edges, double length) const;
+  /// The largest size of that ratio (width to height) that fits what is offered.
+  View aspectRatio(double ratio) const;
+  /// Another view behind this one, offered this one's size.
+  View background(View behind, UnitPoint align = UnitPoint::center) const;
+  /// Another view before this one, offered this one's size.
+  View overlay(View before, UnitPoint align = UnitPoint::center) const;
+
+  // Effects: animated, without influence on the layout
+  View opacity(double opacity) const;
+  View offset(Point offset) const;
+  View scaleEffect(double scale, UnitPoint anchor = UnitPoint::center) const;
+  View scaleEffect(double x, double y, UnitPoint anchor = UnitPoint::center) const;
+  View rotation(double degrees, UnitPoint anchor = UnitPoint::center) const;
+  View blur(double radius) const;
+  View brightness(double amount) const;
+  /// Cuts off what lies outside the shape.
+  View clipShape(Shape shape) const;
+  /// `radius` is the standard deviation in points. Several shadows add up, the first one on top.
+  View shadow(Color color, double radius, Point offset = {}) const;
+
+  // Inherited by everything inside
+  View font(const Font& font) const;
+  View foreground(Color color) const;
+  View monospacedDigits() const;
+  View truncated(Truncation truncation) const;
+  View contentTransition(ContentTransition transition) const;
+
+  // Identity and motion
+  /// Told apart from its siblings by this key instead of by its place.
+  View id(std::string key) const;
+  /// Whenever `value` changes, what changes in this view does so along `animation`.
+  View animation(const Animation& animation, AnyValue value) const;
+  View transition(Transition transition) const;
+  /// A view that vanishes while another one with the same id appears hands its place over: the new one sets out
+  /// from there.
+  View matchedGeometry(std::string id, Namespace names) const;
+  /// The view hops once whenever `value` changes; with `onAppear` also when it is first shown.
+  View bounce(AnyValue value, bool onAppear = false) const;
+  /// The view keeps dimming and lighting up gently.
+  View pulse() const;
+  /// Called once, after the view is shown for the first time.
+  View onAppear(std::function<void()> action) const;
+
+  // The pointer
+  /// The area that takes the pointer, instead of the frame.
+  View contentShape(Shape shape) const;
+  View onTap(std::function<void()> action, bool enabled = true) const;
+  View onDoubleTap(std::function<void()> action) const;
+  View onHover(std::function<void(bool)> action) const;
+  View onHover(State<bool> hovering) const;
+  View onPress(State<bool> pressed) const;
+  View onDrag(double minimumDistance, std::function<void(const DragValue&)> changed,
+              std::function<void(const DragValue&)> ended) const;
+  View tooltip(std::string text) const;
+  View allowsHitTesting(bool allows) const;
+
+  /// What the view is for assistive technology.
+  View accessibility(Role role, std::string name) const;
+
+ private:
+  template<typename Change>
+  View with(Change change) const;
+  View effect(bool alreadySet(const Effects&), const std::function<void(Effects&)>& change) const;
+  View interaction(const std::function<void(Interaction&)>& change) const;
+
+  std::shared_ptr<const Description> description_;
+};
+
+using Views = std::vector<View>;
+
+/// Children of a stack: single views and lists of views side by side.
+class ViewList {
+ public:
+  struct Item {
+    Views views;
+    Item(View view) : views{std::move(view)} {}
+    Item(Views list) : views(std::move(list)) {}
+  };
+  ViewList(std::initializer_list<Item> items);
+  ViewList(Views list) : views(std::move(list)) {}
+  Views views;
+};
+
+enum class Align { leading, center, trailing, top, bottom, firstTextBaseline };
+
+struct StackOptions {
+  double spacing = 0;
+  Align align = Align::center;
+};
+
+/// Side by side; what is flexible shares the space that is left.
+View HStack(StackOptions options, ViewList children);
+/// One below the other.
+View VStack(StackOptions options, ViewList children);
+/// On top of each other, the last one in front.
+View ZStack(UnitPoint align, ViewList children);
+/// Takes all space that is left along its stack.
+View Spacer();
+
+/// One line of text in the inherited font and colour.
+View Text(std::string text);
+/// A symbol by name, sized by the inherited font, in the inherited colour. An unknown name draws nothing.
+View Symbol(std::string name);
+/// True when there is a glyph for the name.
+bool isSymbol(const std::string& name);
+
+enum class ContentMode { fit, fill };
+/// A picture scaled to the space it is given, cropped when it is to fill it.
+View ImageView(Image image, ContentMode mode = ContentMode::fit);
+
+/// Free drawing: `draw` is called with the size; `input` is all that the drawing depends on, so that an unchanged
+/// one is not drawn again.
+View CanvasView(AnyValue input, std::function<void(Canvas&, Size)> draw);
+
+/// A view that reads its own size: `body` is called with the size that is offered.
+View GeometryReader(std::function<View(Size)> body);
+
+enum class Axis { horizontal, vertical };
+/// A window on a larger content, without scroll bars.
+View ScrollView(Axis axis, View content);
+
+/// A long vertical list with rows of one height, of which only those in view are built.
+struct LazyRows {
+  size_t count = 0;
+  double rowHeight = 0;
+  double spacing = 0;
+  /// Identity of a row; does not depend on its place.
+  std::function<std::string(size_t)> key;
+  std::function<View(size_t)> row;
+};
+/// Belongs directly into a vertical `ScrollView`.
+View LazyVStack(LazyRows rows);
+
+/// Draws its content without adding anything: a place for decorators.
+View Group(View content);
+
+}  // namespace tarnwick::ui
