@@ -1,12 +1,12 @@
 #pragma once
 #include "base/Scheduler.h"
+#include "base/UserDefaults.h"
 #include "platform/Folders.h"
 #include "platform/HapticPerformer.h"
 #include "platform/NotificationCenter.h"
 #include "platform/Pointer.h"
 #include "platform/Screens.h"
 #include "platform/SoundPlayer.h"
-#include "platform/UserDefaults.h"
 #include "platform/WindowList.h"
 
 namespace tarnwick {

@@ -1,0 +1,84 @@
+#include "support/MemoryDesktop.h"
+
+#include <filesystem>
+
+namespace tarnwick {
+
+Subscription MemoryNotificationCenter::observe(const std::string& name,
+                                               std::function<void(const StringMap&)> receive) {
+  auto observer = std::make_shared<std::function<void(const StringMap&)>>(std::move(receive));
+  observers_.emplace(name, observer);
+  return Subscription(observer);
+}
+
+void MemoryNotificationCenter::post(const std::string& name, const StringMap& payload) {
+  const auto [first, last] = observers_.equal_range(name);
+  for (auto it = first; it != last; ++it) {
+    if (auto observer = it->second.lock()) (*observer)(payload);
+  }
+}
+
+std::optional<bool> MemoryUserDefaults::boolean(const std::string& key) const {
+  const auto it = values.find(key);
+  const bool* value = it == values.end() ? nullptr : std::get_if<bool>(&it->second);
+  return value ? std::optional(*value) : std::nullopt;
+}
+
+std::optional<std::vector<std::string>> MemoryUserDefaults::strings(const std::string& key) const {
+  const auto it = values.find(key);
+  const auto* value = it == values.end() ? nullptr : std::get_if<std::vector<std::string>>(&it->second);
+  return value ? std::optional(*value) : std::nullopt;
+}
+
+void MemoryUserDefaults::set(const std::string& key, bool value) {
+  values[key] = value;
+  writes.push_back(key);
+}
+
+void MemoryUserDefaults::set(const std::string& key, const std::vector<std::string>& value) {
+  values[key] = value;
+  writes.push_back(key);
+}
+
+MemoryFolders::MemoryFolders() {
+  for (const std::string& folder : {data(), configuration(), caches()}) {
+    std::filesystem::create_directories(folder);
+  }
+}
+
+void MemoryScreens::set(std::vector<Screen> screens) {
+  screens_ = std::move(screens);
+  changes_.notifyObservers();
+}
+
+void MemoryPointer::report() {
+  if (wantsActivity_) activity_.notifyObservers();
+}
+
+void MemoryPointer::move(std::optional<Point> position) {
+  position_ = position;
+  report();
+}
+
+void MemoryPointer::press() {
+  leftButtonDown_ = true;
+  report();
+}
+
+void MemoryPointer::release() {
+  leftButtonDown_ = false;
+  report();
+}
+
+void MemoryPointer::startDrag(std::optional<std::vector<std::string>> types) {
+  ++dragChangeCount_;
+  dragTypes_ = std::move(types);
+  report();
+}
+
+void MemoryPointer::tellDragTypes(std::vector<std::string> types) {
+  dragTypes_ = std::move(types);
+  report();
+}
+
+}  // namespace tarnwick

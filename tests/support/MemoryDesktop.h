@@ -1,0 +1,127 @@
+#pragma once
+#include <map>
+#include <string>
+#include <variant>
+#include <vector>
+
+#include "platform/Desktop.h"
+#include "support/TemporaryFolder.h"
+#include "support/VirtualScheduler.h"
+
+namespace tarnwick {
+
+/// Delivers at once what a test posts.
+class MemoryNotificationCenter : public NotificationCenter {
+ public:
+  Subscription observe(const std::string& name, std::function<void(const StringMap&)> receive) override;
+  void post(const std::string& name, const StringMap& payload);
+
+ private:
+  std::multimap<std::string, std::weak_ptr<std::function<void(const StringMap&)>>> observers_;
+};
+
+/// Values of every type that a real store might hold.
+class MemoryUserDefaults : public UserDefaults {
+ public:
+  std::optional<bool> boolean(const std::string& key) const override;
+  std::optional<std::vector<std::string>> strings(const std::string& key) const override;
+  void set(const std::string& key, bool value) override;
+  void set(const std::string& key, const std::vector<std::string>& value) override;
+
+  std::map<std::string, std::variant<bool, double, std::string, std::vector<std::string>>> values;
+  /// The key of each write, in order.
+  std::vector<std::string> writes;
+};
+
+/// Folders under a temporary one; they exist.
+class MemoryFolders : public Folders {
+ public:
+  MemoryFolders();
+  std::string home() const override { return root.path(); }
+  std::string data() const override { return root.path() + "/data"; }
+  std::string configuration() const override { return root.path() + "/configuration"; }
+  std::string caches() const override { return root.path() + "/caches"; }
+
+  TemporaryFolder root;
+};
+
+class MemoryScreens : public Screens {
+ public:
+  std::vector<Screen> all() const override { return screens_; }
+  Subscription observe(std::function<void()> onChange) override {
+    return changes_.observe(std::move(onChange));
+  }
+  void set(std::vector<Screen> screens);
+
+ private:
+  std::vector<Screen> screens_;
+  ObservableObject changes_;
+};
+
+/// A pointer that a test moves. It reports activity exactly as the port says: only while somebody wants it.
+class MemoryPointer : public Pointer {
+ public:
+  std::optional<Point> position() const override { return position_; }
+  bool leftButtonDown() const override { return leftButtonDown_; }
+  int dragChangeCount() const override { return dragChangeCount_; }
+  std::optional<std::vector<std::string>> dragTypes() const override { return dragTypes_; }
+  Subscription observe(std::function<void()> onActivity) override {
+    return activity_.observe(std::move(onActivity));
+  }
+  void setWantsActivity(bool wants) override { wantsActivity_ = wants; }
+
+  bool wantsActivity() const { return wantsActivity_; }
+  void move(std::optional<Point> position);
+  void press();
+  void release();
+  /// The held button starts a drag that offers these types; none: the types are not known yet.
+  void startDrag(std::optional<std::vector<std::string>> types);
+  void tellDragTypes(std::vector<std::string> types);
+
+ private:
+  void report();
+
+  std::optional<Point> position_ = Point{-10'000, -10'000};
+  bool leftButtonDown_ = false;
+  int dragChangeCount_ = 0;
+  std::optional<std::vector<std::string>> dragTypes_;
+  bool wantsActivity_ = false;
+  ObservableObject activity_;
+};
+
+class MemoryWindowList : public WindowList {
+ public:
+  std::optional<std::vector<WindowInfo>> onScreen() const override { return windows; }
+  int64_t ownProcess() const override { return 4242; }
+
+  std::optional<std::vector<WindowInfo>> windows = std::vector<WindowInfo>{};
+};
+
+class MemorySoundPlayer : public SoundPlayer {
+ public:
+  void play(const std::string& name) override { played.push_back(name); }
+  std::vector<std::string> played;
+};
+
+class MemoryHapticPerformer : public HapticPerformer {
+ public:
+  void performAlignment() override { ++taps; }
+  int taps = 0;
+};
+
+/// A whole desktop in memory, with a clock that stands still until a test moves it.
+struct MemoryDesktop {
+  VirtualScheduler scheduler;
+  MemoryNotificationCenter notifications;
+  MemoryUserDefaults defaults;
+  MemoryFolders folders;
+  MemoryScreens screens;
+  MemoryPointer pointer;
+  MemoryWindowList windows;
+  MemorySoundPlayer sounds;
+  MemoryHapticPerformer haptics;
+
+  Desktop ports{scheduler, notifications, defaults, folders, screens, pointer, windows, sounds, haptics};
+};
+
+}  // namespace tarnwick
