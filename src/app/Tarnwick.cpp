@@ -1,0 +1,80 @@
+#include <errno.h>
+#include <limits.h>
+#include <signal.h>
+#include <stdio.h>
+#include <stdlib.h>
+#include <string.h>
+#include <unistd.h>
+
+#include <string>
+
+#include "cli/CommandLine.h"
+#include "cli/HomeFolder.h"
+#include "cli/HookCLI.h"
+#include "cli/HookInstaller.h"
+#include "cli/SessionBus.h"
+
+using namespace tarnwick;
+
+namespace {
+
+/// The absolute path of this program, links resolved; argument 0 where the system does not tell.
+std::string executablePath(const char* argument0) {
+  char path[PATH_MAX];
+  const ssize_t length = ::readlink("/proc/self/exe", path, sizeof path);
+  return length > 0 ? std::string(path, static_cast<size_t>(length)) : argument0;
+}
+
+/// Becomes the overlay. Returns only when that fails, with the process's status.
+int startOverlay(char** arguments) {
+  std::string executable = executablePath(arguments[0]);
+  const std::string folder = executable.substr(0, executable.rfind('/') + 1);
+  const std::string overlay = folder + "../libexec/Tarnwick/overlay";
+  arguments[0] = executable.data();
+  ::execv(overlay.c_str(), arguments);
+  ::fprintf(stderr, "Tarnwick: could not start the overlay %s: %s\n", overlay.c_str(), ::strerror(errno));
+  return 127;
+}
+
+HookInstaller installer(const char* argument0) {
+  // The change to the settings counts, not whether somebody reads what is printed about it.
+  ::signal(SIGPIPE, SIG_IGN);
+  return HookInstaller(homeFolder(), executablePath(argument0));
+}
+
+}  // namespace
+
+int main(int count, char** arguments) {
+  const auto commandLine = CommandLine::parse({arguments, static_cast<size_t>(count)});
+  switch (commandLine.role) {
+    case Role::hook: {
+      SessionBus bus(sessionBusAddresses());
+      HookCLI::run(bus);
+      return EXIT_SUCCESS;
+    }
+    case Role::installHooks:
+      return installer(arguments[0]).install() ? EXIT_SUCCESS : EXIT_FAILURE;
+    case Role::uninstallHooks:
+      return installer(arguments[0]).uninstall() ? EXIT_SUCCESS : EXIT_FAILURE;
+    case Role::showcase: {
+      SessionBus bus(sessionBusAddresses());
+      bus.post(showcaseNotification,
+               {{"cmd", std::string(commandLine.value)}, {"arg", std::string(commandLine.argument)}});
+      return EXIT_SUCCESS;
+    }
+    case Role::demo: {
+      SessionBus bus(sessionBusAddresses());
+      HookCLI::demo(bus, [](unsigned seconds) { ::sleep(seconds); });
+      return EXIT_SUCCESS;
+    }
+    case Role::help:
+      ::fputs(helpText, stdout);
+      return EXIT_SUCCESS;
+    case Role::version:
+      ::puts("Tarnwick " TARNWICK_VERSION);
+      return EXIT_SUCCESS;
+    case Role::snapshot:
+    case Role::application:
+      return startOverlay(arguments);
+  }
+}

@@ -1,0 +1,48 @@
+#include "cli/CommandLine.h"
+
+#include <algorithm>
+
+namespace tarnwick {
+namespace {
+
+std::string_view asView(const char* text) { return text; }
+
+}  // namespace
+
+CommandLine CommandLine::parse(std::span<const char* const> arguments) {
+  const auto find = [&](std::string_view name) { return std::ranges::find(arguments, name, asView); };
+  const auto has = [&](std::string_view name) { return find(name) != arguments.end(); };
+  // A switch that takes a value and stands last is passed over, so that a later rule can still match.
+  const auto valuesOf = [&](std::string_view name) {
+    const auto found = find(name);
+    return found == arguments.end() ? arguments.last(0) : arguments.last(arguments.end() - found - 1);
+  };
+
+  if (has("--hook")) return {Role::hook};
+  if (has("--install-hooks")) return {Role::installHooks};
+  if (has("--uninstall-hooks")) return {Role::uninstallHooks};
+  if (const auto values = valuesOf("--snapshot"); !values.empty()) return {Role::snapshot, values[0]};
+  if (const auto values = valuesOf("--showcase"); !values.empty()) {
+    return {Role::showcase, values[0], values.size() > 1 ? values[1] : ""};
+  }
+  if (has("--demo")) return {Role::demo};
+  if (has("--help")) return {Role::help};
+  if (has("--version")) return {Role::version};
+  return {};
+}
+
+const char* const helpText =
+    "Usage: Tarnwick [option]\n"
+    "Without an option, Tarnwick starts the overlay that shows running Claude Code sessions\n"
+    "at the top of the screen.\n"
+    "\n"
+    "  --install-hooks               add Tarnwick's hooks to ~/.claude/settings.json\n"
+    "  --uninstall-hooks             remove them again\n"
+    "  --hook                        relay one hook event from standard input to the overlay\n"
+    "  --demo                        play a short scripted session in the overlay\n"
+    "  --showcase <command> [arg]    drive the overlay's demonstration mode\n"
+    "  --snapshot <directory>        render still pictures into a directory\n"
+    "  --help                        show this text\n"
+    "  --version                     show the version\n";
+
+}  // namespace tarnwick

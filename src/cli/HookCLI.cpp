@@ -1,0 +1,63 @@
+#include "cli/HookCLI.h"
+
+#include <limits.h>
+#include <poll.h>
+
+#include <cerrno>
+#include <span>
+
+#include "cli/HookEvent.h"
+
+namespace tarnwick::HookCLI {
+namespace {
+
+/// The next bytes of a file, pipe or socket; a failure counts as its end.
+std::string_view readChunk(int input, std::span<char> buffer) {
+  for (;;) {
+    const ssize_t count = ::read(input, buffer.data(), buffer.size());
+    if (count >= 0) return {buffer.data(), static_cast<size_t>(count)};
+    if (errno == EAGAIN) {
+      pollfd ready{input, POLLIN, 0};
+      ::poll(&ready, 1, -1);
+    } else if (errno != EINTR) {
+      return {};
+    }
+  }
+}
+
+}  // namespace
+
+void run(NotificationPoster& poster, int input) {
+  char buffer[65536];
+  if (const auto event = readHookEvent([&] { return readChunk(input, buffer); })) {
+    poster.post(notificationName, *event);
+  }
+}
+
+void demo(NotificationPoster& poster, const std::function<void(unsigned seconds)>& sleep) {
+  struct Step {
+    StringMap added;
+    unsigned pause;
+  };
+  const Step steps[] = {
+      {{{"hook_event_name", "UserPromptSubmit"}, {"prompt", "Ajoute des tests"}}, 2},
+      {{{"hook_event_name", "PreToolUse"}, {"tool_name", "Bash"}, {"tool_detail", "npm test"}}, 3},
+      {{{"hook_event_name", "Notification"},
+        {"notification_type", "permission_prompt"},
+        {"message", "Claude needs your permission to use Bash"}},
+       4},
+      {{{"hook_event_name", "PostToolUse"}, {"tool_name", "Bash"}}, 1},
+      {{{"hook_event_name", "PreToolUse"}, {"tool_name", "Edit"}, {"tool_detail", "src/app.test.ts"}}, 3},
+      {{{"hook_event_name", "Stop"}}, 0},
+  };
+  char folder[PATH_MAX];
+  const StringMap base{{"session_id", "demo"}, {"cwd", ::getcwd(folder, sizeof folder) ? folder : ""}};
+  for (const Step& step : steps) {
+    StringMap event = step.added;
+    event.insert(base.begin(), base.end());
+    poster.post(notificationName, event);
+    sleep(step.pause);
+  }
+}
+
+}  // namespace tarnwick::HookCLI

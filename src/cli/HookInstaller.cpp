@@ -1,0 +1,181 @@
+#include "cli/HookInstaller.h"
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+
+#include "base/AtomicFile.h"
+#include "cli/Text.h"
+
+namespace tarnwick {
+namespace {
+
+void print(int stream, std::string_view text) {
+  while (!text.empty()) {
+    const ssize_t written = ::write(stream, text.data(), text.size());
+    if (written < 0 && errno == EINTR) continue;
+    if (written <= 0) return;
+    text.remove_prefix(static_cast<size_t>(written));
+  }
+}
+
+void complain(std::string_view what, std::string_view description) {
+  print(STDERR_FILENO, std::string(what) + std::string(description) + "\n");
+}
+
+constexpr std::string_view readFailure = "Could not read settings.json: ";
+constexpr std::string_view writeFailure = "Could not write settings.json: ";
+
+std::error_code createFolder(const std::string& path) {
+  if (::mkdir(path.c_str(), 0777) == 0) return {};
+  struct stat existing;
+  if (errno == EEXIST && ::stat(path.c_str(), &existing) == 0 && S_ISDIR(existing.st_mode)) return {};
+  const size_t slash = path.rfind('/');
+  if (errno == ENOENT && slash != std::string::npos && slash > 0) {
+    if (const std::error_code error = createFolder(path.substr(0, slash))) return error;
+    if (::mkdir(path.c_str(), 0777) == 0) return {};
+  }
+  return {errno, std::generic_category()};
+}
+
+/// Copies the settings to `path`, readable by nobody who cannot read the settings themselves.
+std::error_code backUp(const std::string& path, const std::string& contents, const std::string& original) {
+  struct stat status;
+  if (::stat(original.c_str(), &status) != 0) return {errno, std::generic_category()};
+  ::unlink(path.c_str());
+  return writeFileAtomically(path, contents, status.st_mode & 0777);
+}
+
+bool isOurs(const JsonValue& entry) {
+  const auto* object = entry.as<JsonObject>();
+  if (!object) return false;
+  const auto found = object->find("command");
+  const auto* command = found == object->end() ? nullptr : found->second.as<std::string>();
+  return command && command->find("Tarnwick") != command->npos && command->ends_with("--hook");
+}
+
+JsonArray* listOfObjects(JsonValue& value) {
+  auto* list = value.as<JsonArray>();
+  const auto isObject = [](const JsonValue& element) { return element.as<JsonObject>() != nullptr; };
+  return list && std::ranges::all_of(*list, isObject) ? list : nullptr;
+}
+
+/// Takes our entries out of a group. @return whether nothing is left in it.
+bool emptyGroup(JsonValue& group) {
+  auto& object = *group.as<JsonObject>();
+  const auto found = object.find("hooks");
+  auto* entries = found == object.end() ? nullptr : found->second.as<JsonArray>();
+  if (!entries) return false;
+  std::erase_if(*entries, isOurs);
+  return entries->empty();
+}
+
+/// The settings' hooks, taken out of them; empty when they are missing or of another shape.
+JsonObject takeHooks(JsonObject& settings) {
+  auto node = settings.extract("hooks");
+  auto* hooks = node.empty() ? nullptr : node.mapped().as<JsonObject>();
+  return hooks ? std::move(*hooks) : JsonObject();
+}
+
+}  // namespace
+
+std::string HookInstaller::command() const {
+  std::string quoted;
+  for (const char character : executable_) {
+    // A single quote cannot stand inside single quotes: close them, escape it, and open them again.
+    character == '\'' ? quoted += "'\\''" : quoted += character;
+  }
+  return "'" + quoted + "' --hook";
+}
+
+std::optional<JsonObject> HookInstaller::load() const {
+  std::string contents;
+  std::error_code error = readFile(path_, contents);
+  if (error == std::errc::no_such_file_or_directory || error == std::errc::not_a_directory)
+    return JsonObject();
+  if (!error) error = backUp(path_ + ".bak-tarnwick", contents, path_);
+  if (error) {
+    complain(readFailure, error.message());
+    return std::nullopt;
+  }
+  std::string problem;
+  auto settings = parseJson(std::move(contents), problem);
+  if (!settings) {
+    complain(readFailure, problem);
+    return std::nullopt;
+  }
+  auto* object = settings->as<JsonObject>();
+  if (!object) {
+    complain("settings.json is not a JSON object", "");
+    return std::nullopt;
+  }
+  return std::move(*object);
+}
+
+JsonObject HookInstaller::removingOurs(JsonObject hooks) {
+  for (auto event = hooks.begin(); event != hooks.end();) {
+    auto* groups = listOfObjects(event->second);
+    if (groups) std::erase_if(*groups, emptyGroup);
+    event = groups && groups->empty() ? hooks.erase(event) : std::next(event);
+  }
+  return hooks;
+}
+
+bool HookInstaller::save(JsonObject settings) const {
+  if (const std::error_code error = createFolder(folder_)) {
+    complain(writeFailure, error.message());
+    return false;
+  }
+  const auto text = writeJson({std::move(settings)});
+  if (!text) {
+    complain(writeFailure, "the path of the program is not valid UTF-8");
+    return false;
+  }
+  if (const std::error_code error = writeFileAtomically(path_, *text)) {
+    complain(writeFailure, error.message());
+    return false;
+  }
+  return true;
+}
+
+JsonObject HookInstaller::ourGroup(std::string_view event) const {
+  JsonObject entry{{"type", {"command"}}, {"command", {command()}}, {"timeout", {JsonNumber{"5"}}}};
+  JsonObject group{{"hooks", {JsonArray{{std::move(entry)}}}}};
+  if (std::ranges::find(toolEvents, event) != toolEvents.end()) group["matcher"] = {std::string("*")};
+  return group;
+}
+
+bool HookInstaller::install() const {
+  auto settings = load();
+  if (!settings) return false;
+  JsonObject hooks = removingOurs(takeHooks(*settings));
+  for (const std::string_view event : events) {
+    JsonValue& groups = hooks[std::string(event)];
+    if (!listOfObjects(groups)) groups = {JsonArray()};
+    groups.as<JsonArray>()->emplace_back().value = ourGroup(event);
+  }
+  settings->insert_or_assign("hooks", JsonValue{std::move(hooks)});
+  if (!save(std::move(*settings))) return false;
+  print(STDOUT_FILENO, "Tarnwick hooks installed in " + path_ + "\nCommand: " + command() + "\n");
+  return true;
+}
+
+bool HookInstaller::uninstall() const {
+  auto settings = load();
+  if (!settings) return false;
+  JsonObject hooks = removingOurs(takeHooks(*settings));
+  if (!hooks.empty()) settings->insert_or_assign("hooks", JsonValue{std::move(hooks)});
+  if (!save(std::move(*settings))) return false;
+  print(STDOUT_FILENO, "Tarnwick hooks removed from " + path_ + "\n");
+  return true;
+}
+
+bool HookInstaller::isInstalled() const {
+  std::string text;
+  return !readFile(path_, text) && isValidUtf8(text) && text.find("Tarnwick") != text.npos &&
+         text.find("--hook") != text.npos;
+}
+
+}  // namespace tarnwick

@@ -1,0 +1,51 @@
+#pragma once
+#include <array>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "cli/JsonValue.h"
+
+namespace tarnwick {
+
+/// Adds the program's hook command to Claude Code's settings file and removes it again; all else in the file
+/// is kept. Errors go to standard error, results to standard output.
+class HookInstaller {
+ public:
+  /// The hook events that the program wants to hear of.
+  static constexpr std::array<std::string_view, 7> events{
+      "SessionStart", "UserPromptSubmit", "PreToolUse", "PostToolUse", "Notification", "Stop", "SessionEnd"};
+  /// The events that take a tool matcher.
+  static constexpr std::array<std::string_view, 2> toolEvents{"PreToolUse", "PostToolUse"};
+
+  /// @param home the user's home folder, without a slash at its end.
+  /// @param executable the absolute path of the program to run at each hook event.
+  HookInstaller(const std::string& home, std::string executable)
+      : folder_(home + "/.claude"), path_(folder_ + "/settings.json"), executable_(std::move(executable)) {}
+
+  /// The hook command, quoted for the shell.
+  std::string command() const;
+
+  bool install() const;
+  bool uninstall() const;
+  /// Whether the settings file mentions the hook command.
+  bool isInstalled() const;
+
+  /// Reads the settings file, after copying it to its backup. An absent file is an empty object; nothing is
+  /// returned, after a message, when the file cannot be read, copied or understood.
+  std::optional<JsonObject> load() const;
+  /// Replaces the settings file. @return false, after a message, when it cannot be written.
+  bool save(JsonObject settings) const;
+  /// The settings' `hooks` without the program's own entries, the groups that held nothing else, and the
+  /// events that are left without groups.
+  static JsonObject removingOurs(JsonObject hooks);
+
+ private:
+  JsonObject ourGroup(std::string_view event) const;
+
+  std::string folder_;
+  std::string path_;
+  std::string executable_;
+};
+
+}  // namespace tarnwick

@@ -1,0 +1,46 @@
+#pragma once
+#include <cstddef>
+#include <map>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <variant>
+#include <vector>
+
+namespace tarnwick {
+
+struct JsonValue;
+using JsonArray = std::vector<JsonValue>;
+using JsonObject = std::map<std::string, JsonValue, std::less<>>;
+
+/// A number as it is written, whatever its size or precision.
+struct JsonNumber {
+  std::string text;
+  friend bool operator==(const JsonNumber&, const JsonNumber&) = default;
+};
+
+/// A JSON value of which nothing is lost from reading to writing but the order of keys: objects are sorted by
+/// key, and of a key given twice the last value is kept.
+struct JsonValue {
+  std::variant<std::nullptr_t, bool, JsonNumber, std::string, JsonArray, JsonObject> value;
+
+  template<class Type>
+  const Type* as() const {
+    return std::get_if<Type>(&value);
+  }
+  template<class Type>
+  Type* as() {
+    return std::get_if<Type>(&value);
+  }
+  bool operator==(const JsonValue&) const;
+};
+
+/// Reads a JSON text, of any top-level type. @param error what is wrong and where, when nothing is returned:
+/// malformed JSON, invalid UTF-8, or more than 512 levels.
+std::optional<JsonValue> parseJson(std::string text, std::string& error);
+
+/// The value on several lines with an indentation of two blanks and a line break at the end; slashes and
+/// characters outside ASCII are not escaped. @return nothing when a string in it is not valid UTF-8.
+std::optional<std::string> writeJson(const JsonValue& value);
+
+}  // namespace tarnwick

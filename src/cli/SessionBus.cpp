@@ -1,0 +1,99 @@
+#include "cli/SessionBus.h"
+
+#include <poll.h>
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstddef>
+#include <cstring>
+
+#include "cli/BusMessage.h"
+#include "cli/BusReplies.h"
+
+namespace tarnwick {
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+class Socket {
+ public:
+  Socket() : descriptor_(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0)) {}
+  ~Socket() {
+    if (descriptor_ >= 0) ::close(descriptor_);
+  }
+  Socket(const Socket&) = delete;
+  Socket& operator=(const Socket&) = delete;
+  operator int() const { return descriptor_; }
+
+ private:
+  int descriptor_;
+};
+
+/// Milliseconds for poll(2), rounded up so that it does not return early again and again.
+int until(Clock::time_point deadline) {
+  const auto left = std::chrono::ceil<std::chrono::milliseconds>(deadline - Clock::now()).count();
+  return static_cast<int>(std::max<decltype(left)>(left, 0));
+}
+
+bool connectTo(const Socket& socket, const BusAddress& address, Clock::time_point deadline) {
+  sockaddr_un name{};
+  name.sun_family = AF_UNIX;
+  if (address.name.size() + 1 > sizeof name.sun_path) return false;
+  std::memcpy(name.sun_path + address.isAbstract, address.name.data(), address.name.size());
+  const auto length = static_cast<socklen_t>(offsetof(sockaddr_un, sun_path) + address.name.size() + 1);
+  for (;;) {
+    if (::connect(socket, reinterpret_cast<const sockaddr*>(&name), length) == 0) return true;
+    // The bus has too many callers waiting; nothing tells when it has taken one in.
+    if (errno != EAGAIN || until(deadline) == 0) return false;
+    ::poll(nullptr, 0, 1);
+  }
+}
+
+/// Sends `bytes` and waits until that many calls in them have been answered; gives up silently when the bus
+/// does.
+void exchange(const Socket& socket, std::string_view bytes, size_t calls, Clock::time_point deadline) {
+  BusReplies replies;
+  while (replies.count() < calls) {
+    if (!bytes.empty()) {
+      const ssize_t sent = ::send(socket, bytes.data(), bytes.size(), MSG_NOSIGNAL);
+      if (sent < 0 && errno != EAGAIN && errno != EINTR) return;
+      bytes.remove_prefix(static_cast<size_t>(std::max<ssize_t>(sent, 0)));
+    }
+    pollfd ready{socket, static_cast<short>(bytes.empty() ? POLLIN : POLLIN | POLLOUT), 0};
+    const int wait = until(deadline);
+    if (wait == 0 || ::poll(&ready, 1, wait) == 0) return;
+    if (!(ready.revents & ~POLLOUT)) continue;
+    char buffer[4096];
+    const ssize_t received = ::recv(socket, buffer, sizeof buffer, 0);
+    if (received < 0 && (errno == EAGAIN || errno == EINTR)) continue;
+    if (received <= 0 || !replies.consume({buffer, static_cast<size_t>(received)})) return;
+  }
+}
+
+}  // namespace
+
+void SessionBus::post(std::string_view name, const StringMap& userInfo) {
+  const size_t dot = name.rfind('.');
+  std::string path = "/" + std::string(name.substr(0, dot));
+  std::ranges::replace(path, '.', '/');
+
+  // Everything goes out in one write. Closing at once would lose it, for a bus drops what it has not read of
+  // a closed connection; the answer to a call sent after the signal tells that the bus has passed it on.
+  std::string bytes(BusMessage::authentication);
+  bytes += BusMessage::busCall(1, "org.freedesktop.DBus", "Hello");
+  bytes += BusMessage::signal(2, path, name.substr(0, dot), name.substr(dot + 1), userInfo);
+  bytes += BusMessage::busCall(3, "org.freedesktop.DBus.Peer", "Ping");
+
+  const Clock::time_point deadline = Clock::now() + patience_;
+  for (const BusAddress& address : addresses_) {
+    const Socket socket;
+    if (socket < 0 || !connectTo(socket, address, deadline)) continue;
+    exchange(socket, bytes, 2, deadline);
+    return;
+  }
+}
+
+}  // namespace tarnwick

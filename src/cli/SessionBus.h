@@ -1,0 +1,28 @@
+#pragma once
+#include <chrono>
+#include <string>
+#include <vector>
+
+#include "cli/BusAddress.h"
+#include "cli/NotificationPoster.h"
+
+namespace tarnwick {
+
+/// Posts notifications as signals on the session's message bus. Written here, and not left to a library,
+/// because a hook waits for it: one connection, one write, one answer.
+class SessionBus : public NotificationPoster {
+ public:
+  /// @param addresses the first that can be connected to is used.
+  /// @param patience how long a post may take when the bus does not answer.
+  explicit SessionBus(std::vector<BusAddress> addresses,
+                      std::chrono::milliseconds patience = std::chrono::milliseconds(300))
+      : addresses_(std::move(addresses)), patience_(patience) {}
+
+  void post(std::string_view name, const StringMap& userInfo) override;
+
+ private:
+  std::vector<BusAddress> addresses_;
+  std::chrono::milliseconds patience_;
+};
+
+}  // namespace tarnwick

@@ -1,0 +1,75 @@
+#include "cli/Text.h"
+
+#include <utf8proc.h>
+
+#include <algorithm>
+
+namespace tarnwick {
+namespace {
+
+constexpr std::string_view replacementCharacter = "\xEF\xBF\xBD";
+
+struct CodePoint {
+  utf8proc_int32_t value;
+  size_t length;
+  bool isValid;
+};
+
+CodePoint firstCodePoint(std::string_view text) {
+  utf8proc_int32_t value;
+  const auto bytes = reinterpret_cast<const utf8proc_uint8_t*>(text.data());
+  const utf8proc_ssize_t length = utf8proc_iterate(bytes, static_cast<utf8proc_ssize_t>(text.size()), &value);
+  if (length <= 0) return {0xFFFD, 1, false};
+  return {value, static_cast<size_t>(length), true};
+}
+
+size_t lengthOfPlainAscii(std::string_view text) {
+  const auto isPlain = [](char byte) { return byte > 0; };
+  return static_cast<size_t>(std::ranges::find_if_not(text, isPlain) - text.begin());
+}
+
+}  // namespace
+
+std::string_view firstCharacters(std::string_view text, size_t count, size_t maximumBytes) {
+  // No text has more characters than bytes: the usual short one needs no look at the character tables.
+  if (text.size() <= count && text.size() <= maximumBytes) return text;
+  utf8proc_int32_t previous = 0, state = 0;
+  size_t position = 0, characters = 0;
+  while (position < text.size()) {
+    const CodePoint next = firstCodePoint(text.substr(position));
+    if (position == 0 || utf8proc_grapheme_break_stateful(previous, next.value, &state)) {
+      if (characters == count) break;
+      ++characters;
+    }
+    if (position + next.length > maximumBytes) break;
+    position += next.length;
+    previous = next.value;
+  }
+  return text.substr(0, position);
+}
+
+bool isValidUtf8(std::string_view text) {
+  for (;;) {
+    text.remove_prefix(lengthOfPlainAscii(text));
+    if (text.empty()) return true;
+    const CodePoint next = firstCodePoint(text);
+    if (!next.isValid) return false;
+    text.remove_prefix(next.length);
+  }
+}
+
+std::string withoutInvalidUtf8(std::string_view text) {
+  std::string clean;
+  clean.reserve(text.size());
+  for (;;) {
+    const size_t plain = lengthOfPlainAscii(text);
+    clean += text.substr(0, plain);
+    text.remove_prefix(plain);
+    if (text.empty()) return clean;
+    const CodePoint next = firstCodePoint(text);
+    clean += next.isValid && next.value != 0 ? text.substr(0, next.length) : replacementCharacter;
+    text.remove_prefix(next.length);
+  }
+}
+
+}  // namespace tarnwick

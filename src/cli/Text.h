@@ -1,0 +1,17 @@
+#pragma once
+#include <string>
+#include <string_view>
+
+namespace tarnwick {
+
+/// The first `count` user-perceived characters of `text`, which is UTF-8. The cut also comes before more than
+/// `maximumBytes` bytes are kept, since one character may carry any number of combining marks; it is never
+/// inside a code point.
+std::string_view firstCharacters(std::string_view text, size_t count, size_t maximumBytes);
+
+bool isValidUtf8(std::string_view text);
+
+/// `text` with every byte that is not part of valid UTF-8, and every U+0000, replaced by U+FFFD.
+std::string withoutInvalidUtf8(std::string_view text);
+
+}  // namespace tarnwick
