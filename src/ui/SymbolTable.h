@@ -1,0 +1,18 @@
+#pragma once
+#include <optional>
+#include <string_view>
+
+namespace tarnwick::ui {
+
+/// The glyph of the symbol font that stands for a symbol.
+struct SymbolGlyph {
+  char32_t codepoint;
+  /// Optical correction of its size, about its centre.
+  double scale = 1;
+};
+
+/// The glyph for a symbol name, or none for an unknown name.
+std::optional<SymbolGlyph> symbolGlyph(std::string_view name);
+std::optional<char32_t> symbolCodepoint(std::string_view name);
+
+}  // namespace tarnwick::ui
