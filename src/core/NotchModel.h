@@ -1,0 +1,82 @@
+#pragma once
+#include <optional>
+
+#include "base/Animation.h"
+#include "base/AppSettings.h"
+#include "base/Geometry.h"
+#include "base/Observed.h"
+#include "base/Records.h"
+#include "base/Scheduler.h"
+#include "claude/ClaudeService.h"
+#include "platform/Desktop.h"
+#include "services/AudioService.h"
+#include "services/CalendarService.h"
+#include "services/MediaService.h"
+#include "services/NotesStore.h"
+#include "services/PowerService.h"
+#include "services/TrayStore.h"
+
+namespace tarnwick {
+
+/// The state of the notch: what it shows, how large its surface is, and the services that it shows. The
+/// controller writes what the pointer does, the services report into it, the views draw it.
+class NotchModel : public ObservableObject {
+ public:
+  /// Makes the services and listens to them; starts none. `desktop` must outlive the model.
+  explicit NotchModel(const Desktop& desktop);
+
+  /// The camera notch of the screen, or the area that is taken for one.
+  Observed<Size> notchSize{*this, {185, 32}};
+  /// The screen has a camera notch.
+  Observed<bool> hasNotch{*this, true};
+  Observed<bool> isExpanded{*this};
+  Observed<bool> isHovering{*this};
+  Observed<Tab> tab{*this, Tab::home};
+  /// +1 or -1: where the last change of the tab went in the tab bar.
+  Observed<double> tabDirection{*this, 1};
+  /// Files are being dragged near the notch, which shows the expanded layout for them.
+  Observed<bool> isDraggingFiles{*this};
+  Observed<bool> isDropTargeted{*this};
+  /// Another program fills the screen.
+  Observed<bool> hiddenForFullscreen{*this};
+  Observed<std::optional<Transient>> transient{*this};
+  Observed<std::optional<Banner>> banner{*this};
+  /// The demonstration drives the model: the pointer and real sessions do not.
+  bool showcase = false;
+
+  AppSettings settings;
+  ClaudeService claude;
+  MediaService media;
+  AudioService audio;
+  PowerService power;
+  CalendarService calendar;
+  TrayStore tray;
+  NotesStore notes;
+
+  Presentation presentation() const;
+  /// The size of the black surface, in points.
+  Size size() const;
+
+  /// Shows an indicator for that many seconds, in place of the one on show. Nothing while expanded.
+  void show(const Transient& value, double seconds);
+  /// Shows a banner for that many seconds, in place of the one on show. While expanded it waits behind the
+  /// body.
+  void present(const Banner& value, double seconds);
+  void dismissBanner();
+  /// Opens the body: on the given tab, else on the sessions when one of them calls, else on the tab of
+  /// before.
+  void expand(std::optional<Tab> on = std::nullopt);
+  void collapse();
+  void setHovering(bool hovering);
+  void select(Tab selected);
+  void setDraggingFiles(bool dragging);
+  /// Puts a scene on stage at once: no animation and no other effect.
+  void debugSet(bool expanded, Tab selected, bool hovering);
+
+ private:
+  Scheduler& scheduler_;
+  Task transientTask_;
+  Task bannerTask_;
+};
+
+}  // namespace tarnwick
