@@ -1,0 +1,194 @@
+#include "core/NotchController.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace tarnwick {
+namespace {
+
+/// Room for the largest surface with its shadow.
+constexpr Size panelSize{940, 380};
+/// What is taken for a notch on a screen without one; at least as high as this, else as the menu bar.
+constexpr Size pretendedNotch{190, 24};
+
+constexpr double verticalSwipe = 14;
+constexpr double horizontalSwipe = 36;
+
+constexpr Animation dropTargetOn = spring(0.3, 0.7);
+constexpr Animation dropTargetOff = easeOut(0.2);
+constexpr Animation dropLands = spring(0.35, 0.7);
+
+std::string value(const StringMap& map, const char* key) {
+  const auto it = map.find(key);
+  return it == map.end() ? "" : it->second;
+}
+
+/// Lengths in points may be fractions of pixels; a window that is a point off is off.
+bool isSame(double a, double b) { return std::abs(a - b) < 0.5; }
+
+/// The horizontal position does not count.
+bool covers(const WindowInfo& window, const Rect& screen, int64_t ownProcess) {
+  return window.layer == 0 && window.owner != ownProcess && window.bounds &&
+         isSame(window.bounds->width, screen.width) && isSame(window.bounds->height, screen.height) &&
+         isSame(window.bounds->y, screen.y);
+}
+
+}  // namespace
+
+NotchController::NotchController(const Desktop& desktop, const PanelFactory& makePanel)
+    : desktop_(desktop),
+      model_(desktop_),
+      panel_(makePanel(model_)),
+      haptics_(model_.settings, desktop_.haptics),
+      tracker_(desktop_.scheduler, desktop_.pointer, model_, *panel_, haptics_) {
+  panel_->onScroll = [this](const ScrollEvent& event) { return handleScroll(event); };
+  panel_->onDragEnter = [this] { dragEntered(); };
+  panel_->onDragExit = [this] { dragExited(); };
+  panel_->onDropFiles = [this](const std::vector<FilePath>& files) { filesDropped(files); };
+  layout();
+  panel_->orderFrontRegardless();
+  startServices();
+  listen();
+}
+
+std::optional<Screen> NotchController::targetScreen() const {
+  const std::vector<Screen> screens = desktop_.screens.all();
+  if (screens.empty()) return std::nullopt;
+  const auto withNotch = std::find_if(screens.begin(), screens.end(),
+                                      [](const Screen& screen) { return screen.auxiliaryTopLeftWidth; });
+  return withNotch != screens.end() ? *withNotch : screens.front();
+}
+
+void NotchController::layout() {
+  const std::optional<Screen> screen = targetScreen();
+  if (!screen) return;
+  const Rect& frame = screen->frame;
+  model_.hasNotch = screen->auxiliaryTopLeftWidth && screen->auxiliaryTopRightWidth;
+  if (model_.hasNotch) {
+    model_.notchSize = {frame.width - *screen->auxiliaryTopLeftWidth - *screen->auxiliaryTopRightWidth,
+                        screen->topSafeAreaInset};
+  } else {
+    const double menuBar = screen->visibleFrame.y - frame.y;
+    model_.notchSize = {pretendedNotch.width, std::max(menuBar, pretendedNotch.height)};
+  }
+  panel_->setFrame({frame.midX() - panelSize.width / 2, frame.y, panelSize.width, panelSize.height});
+  tracker_.reconsider();
+}
+
+void NotchController::startServices() {
+  model_.media.start();
+  model_.power.start(model_.settings);
+  if (model_.settings.calendarEnabled) {
+    // Not now: it may have to ask the user for permission.
+    tasks_.push_back(desktop_.scheduler.post([this] { model_.calendar.start(); }));
+  }
+  model_.audio.start();
+}
+
+void NotchController::listen() {
+  subscriptions_.push_back(desktop_.screens.observe([this] { layout(); }));
+  subscriptions_.push_back(desktop_.notifications.observe(
+      eventNotification, [this](const StringMap& event) { handleEvent(event); }));
+  subscriptions_.push_back(desktop_.notifications.observe(
+      showcaseNotification, [this](const StringMap& payload) { handleShowcase(payload); }));
+  tasks_.push_back(desktop_.scheduler.every(1, [this] { checkFullscreen(); }));
+  tasks_.push_back(desktop_.scheduler.every(30, [this] { model_.claude.prune(); }));
+}
+
+void NotchController::checkFullscreen() {
+  const std::optional<Screen> screen = targetScreen();
+  if (!screen) return;
+  const auto windows = desktop_.windows.onScreen();
+  if (!windows) return;
+  const int64_t ownProcess = desktop_.windows.ownProcess();
+  const bool covered = std::any_of(windows->begin(), windows->end(), [&](const WindowInfo& window) {
+    return covers(window, screen->frame, ownProcess);
+  });
+  if (covered != model_.hiddenForFullscreen) {
+    withAnimation(notchClose, [&] { model_.hiddenForFullscreen = covered; });
+  }
+}
+
+void NotchController::handleEvent(const StringMap& event) {
+  // Real sessions do not disturb a running demonstration.
+  if (model_.showcase && !value(event, "session_id").starts_with("showcase")) return;
+  withAnimation(notchOpen, [&] { model_.claude.handle(event); });
+}
+
+void NotchController::handleShowcase(const StringMap& payload) {
+  if (!onShowcaseCommand) return;
+  onShowcaseCommand(value(payload, "cmd"), value(payload, "arg"));
+  tracker_.reconsider();
+}
+
+bool NotchController::handleScroll(const ScrollEvent& event) {
+  if (model_.isExpanded && model_.tab != Tab::home) return false;
+  if (!event.precise || event.momentum) return true;
+  if (event.phase == ScrollEvent::Phase::began || event.phase == ScrollEvent::Phase::mayBegin) {
+    swipe_ = {};
+    swipeHandled_ = false;
+  }
+  // The fingers' own direction, whichever way the content is set to scroll.
+  const double sign = event.directionInverted ? 1 : -1;
+  swipe_ = swipe_ + Point{event.deltaX * sign, event.deltaY * sign};
+  if (!swipeHandled_) swipeHandled_ = actOnSwipe();
+  if (event.phase == ScrollEvent::Phase::ended || event.phase == ScrollEvent::Phase::cancelled) {
+    swipe_ = {};
+    swipeHandled_ = false;
+  }
+  return true;
+}
+
+/// @return whether the gesture has gone far enough to mean something
+bool NotchController::actOnSwipe() {
+  if (std::abs(swipe_.x) * 1.2 < std::abs(swipe_.y)) {
+    if (swipe_.y > verticalSwipe) {
+      if (!model_.isExpanded) {
+        model_.expand();
+        haptics_.tap();
+      }
+      return true;
+    }
+    if (swipe_.y < -verticalSwipe) {
+      if (model_.isExpanded) {
+        model_.collapse();
+        if (panel_->isKey()) panel_->resignKey();
+        haptics_.tap();
+      }
+      return true;
+    }
+    return false;
+  }
+  if (std::abs(swipe_.x) <= horizontalSwipe || model_.media.title->empty()) return false;
+  if (swipe_.x >= 0) {
+    model_.media.previousTrack();
+  } else {
+    model_.media.nextTrack();
+  }
+  haptics_.tap();
+  return true;
+}
+
+void NotchController::dragEntered() {
+  if (!model_.isDraggingFiles) {
+    haptics_.tap();
+    model_.setDraggingFiles(true);
+  }
+  withAnimation(dropTargetOn, [this] { model_.isDropTargeted = true; });
+}
+
+void NotchController::dragExited() {
+  withAnimation(dropTargetOff, [this] { model_.isDropTargeted = false; });
+}
+
+void NotchController::filesDropped(const std::vector<FilePath>& files) {
+  withAnimation(dropLands, [&] {
+    model_.tray.add(files);
+    model_.isDropTargeted = false;
+    model_.expand(Tab::tray);
+    model_.setDraggingFiles(false);
+    haptics_.tap();
+  });
+}
+
+}  // namespace tarnwick

@@ -1,0 +1,63 @@
+#pragma once
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "core/HapticFeedback.h"
+#include "core/NotchModel.h"
+#include "core/NotchPanel.h"
+#include "core/PointerTracker.h"
+#include "platform/Desktop.h"
+
+namespace tarnwick {
+
+/// Brings the notch to life: makes the model and its window, keeps the window over the notch of the right
+/// screen, starts the services, and turns hook events, swipes, drops and full-screen windows into state.
+class NotchController {
+ public:
+  /// Makes the window that shows the model. It is not on the screen yet.
+  using PanelFactory = std::function<std::unique_ptr<NotchPanel>(NotchModel&)>;
+
+  /// The whole start-up: when it returns the notch is on the screen. `desktop`'s ports must outlive the
+  /// controller.
+  NotchController(const Desktop& desktop, const PanelFactory& makePanel);
+
+  NotchModel& model() { return model_; }
+
+  /// Takes the commands of the demonstration mode and their arguments; without it they are ignored.
+  std::function<void(const std::string& command, const std::string& argument)> onShowcaseCommand;
+
+ private:
+  std::optional<Screen> targetScreen() const;
+  void layout();
+  void startServices();
+  void listen();
+  void checkFullscreen();
+
+  void handleEvent(const StringMap& event);
+  void handleShowcase(const StringMap& payload);
+
+  bool handleScroll(const ScrollEvent& event);
+  bool actOnSwipe();
+  void dragEntered();
+  void dragExited();
+  void filesDropped(const std::vector<FilePath>& files);
+
+  const Desktop desktop_;
+  NotchModel model_;
+  std::unique_ptr<NotchPanel> panel_;
+  HapticFeedback haptics_;
+  PointerTracker tracker_;
+
+  /// How far the fingers of the current trackpad gesture have moved, in points.
+  Point swipe_;
+  /// The current gesture has done its one action.
+  bool swipeHandled_ = false;
+
+  std::vector<Task> tasks_;
+  std::vector<Subscription> subscriptions_;
+};
+
+}  // namespace tarnwick

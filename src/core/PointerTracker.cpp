@@ -1,0 +1,185 @@
+#include "core/PointerTracker.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace tarnwick {
+namespace {
+
+constexpr double ticksPerSecond = 60;
+constexpr double hoverLinger = 0.04;
+constexpr double bodyLinger = 0.12;
+/// Eighteen ticks; less a little, so that rounding does not make them nineteen.
+constexpr double dwell = 0.3 - 1e-6;
+/// A drop still arrives after the button's release; only then is a drag over that ended elsewhere.
+constexpr double dropGrace = 0.4;
+
+/// The current surface in global points. It reaches above the edge of the screen, where a pointer that is
+/// pushed against the edge ends up.
+Rect surfaceRect(const Rect& frame, Size size) {
+  return {frame.midX() - size.width / 2, frame.y - 2, size.width, size.height + 2};
+}
+Rect hoverArea(const Rect& surface) { return surface.grownBy(3, 3); }
+Rect dragCatchArea(const Rect& surface) { return surface.grownBy(140, 110); }
+Rect dragKeepArea(const Rect& surface) { return surface.grownBy(220, 180); }
+
+bool contains(const Rect& area, const std::optional<Point>& position) {
+  return position && area.contains(*position);
+}
+
+}  // namespace
+
+PointerTracker::PointerTracker(Scheduler& scheduler, Pointer& pointer, NotchModel& model, NotchPanel& panel,
+                               const HapticFeedback& haptics)
+    : scheduler_(scheduler), pointer_(pointer), model_(model), panel_(panel), haptics_(haptics) {
+  const auto notice = [this] { reconsider(); };
+  // The surface's size follows from all of these.
+  subscriptions_ = {model_.observe(notice), model_.settings.observe(notice), model_.claude.observe(notice),
+                    model_.media.observe(notice), pointer_.observe([this] { wake(); })};
+  panel_.setPointerArea(area_);
+  pointer_.setWantsActivity(false);
+  tickAt(std::floor(scheduler_.uptime() * ticksPerSecond) + 1);
+}
+
+PointerTracker::PointerState PointerTracker::pointerState() const {
+  PointerState state{.position = pointer_.position(), .buttonDown = pointer_.leftButtonDown()};
+  if (state.buttonDown) {
+    state.dragChangeCount = pointer_.dragChangeCount();
+    // A drag whose types are not known yet may be one of text, for which the notch must never open.
+    const auto types = pointer_.dragTypes();
+    state.offersFiles = types && std::find(types->begin(), types->end(), fileListType) != types->end();
+  }
+  return state;
+}
+
+PointerTracker::NotchState PointerTracker::notchState() const {
+  return {panel_.frame(),
+          model_.size(),
+          model_.isExpanded,
+          model_.isHovering,
+          model_.isDraggingFiles,
+          model_.showcase,
+          model_.settings.expandOnHover};
+}
+
+void PointerTracker::trackMouse() {
+  const NotchState notch = notchState();
+  if (notch.showcase) {
+    inside_ = false;
+    setPointerArea(std::nullopt);
+    sleep();
+    return;
+  }
+  const PointerState pointer = pointerState();
+  const bool moved = pointer.position != pointerSeen_.position;
+  pointerSeen_ = pointer;
+
+  const double now = scheduler_.uptime();
+  const Rect surface = surfaceRect(notch.frame, notch.size);
+  inside_ = contains(hoverArea(surface), pointer.position);
+  const bool draggingFiles = followFileDrag(pointer, surface);
+  wasMouseDown_ = pointer.buttonDown;
+  if (inside_) {
+    pointerIsInside(pointer, now);
+  } else {
+    pointerIsOutside(now);
+  }
+
+  const Rect shown = surfaceRect(panel_.frame(), model_.size());
+  setPointerArea(model_.isDraggingFiles ? dragKeepArea(shown)
+                 : draggingFiles        ? dragCatchArea(shown)
+                                        : hoverArea(shown));
+
+  // A pointer on its way is somewhere else at the next tick: looking costs less than being told of each step.
+  if (moved || notchState() != notch || timeCouldChangeSomething()) {
+    tickAt(std::round(now * ticksPerSecond) + 1);
+  } else {
+    sleep();
+  }
+}
+
+/// @return whether a drag of files is in progress, wherever it is
+bool PointerTracker::followFileDrag(const PointerState& pointer, const Rect& surface) {
+  if (!pointer.buttonDown) {
+    if (wasMouseDown_ && model_.isDraggingFiles) {
+      dropCleanUp_ = scheduler_.after(dropGrace, [this] {
+        model_.isDropTargeted = false;
+        model_.setDraggingFiles(false);
+      });
+    }
+    return false;
+  }
+  if (!wasMouseDown_) dragChangeCount_ = pointer.dragChangeCount;
+  if (pointer.dragChangeCount == dragChangeCount_ || !pointer.offersFiles) return false;
+
+  // The end of the drag before must not end this one.
+  dropCleanUp_.cancel();
+  if (!model_.isDraggingFiles && contains(dragCatchArea(surface), pointer.position)) {
+    model_.setDraggingFiles(true);
+    haptics_.tap();
+  }
+  if (model_.isDraggingFiles && !contains(dragKeepArea(surface), pointer.position)) {
+    model_.setDraggingFiles(false);
+  }
+  return true;
+}
+
+void PointerTracker::pointerIsOutside(double now) {
+  enteredAt_.reset();
+  if (now - lastInside_ > hoverLinger) model_.setHovering(false);
+  if (model_.isExpanded && now - lastInside_ > bodyLinger && !model_.isDraggingFiles) {
+    model_.collapse();
+    if (panel_.isKey()) panel_.resignKey();
+  }
+}
+
+void PointerTracker::pointerIsInside(const PointerState& pointer, double now) {
+  lastInside_ = now;
+  if (!enteredAt_) {
+    enteredAt_ = now;
+    if (!model_.isExpanded) haptics_.tap();
+  }
+  model_.setHovering(true);
+  if (model_.settings.expandOnHover && !model_.isExpanded && !pointer.buttonDown &&
+      now - *enteredAt_ > dwell) {
+    model_.expand();
+  }
+}
+
+void PointerTracker::setPointerArea(const std::optional<Rect>& area) {
+  if (area == area_) return;
+  area_ = area;
+  panel_.setPointerArea(area);
+}
+
+bool PointerTracker::timeCouldChangeSomething() const {
+  if (inside_) return model_.settings.expandOnHover && !model_.isExpanded && !wasMouseDown_;
+  return model_.isHovering || (model_.isExpanded && !model_.isDraggingFiles);
+}
+
+void PointerTracker::tickAt(double index) {
+  tick_ = scheduler_.after(index / ticksPerSecond - scheduler_.uptime(), [this] { trackMouse(); });
+}
+
+void PointerTracker::sleep() {
+  asleep_ = true;
+  notchSeen_ = notchState();
+  pointer_.setWantsActivity(!model_.showcase);
+  // Nobody reported what happened between this tick's look and the line above.
+  if (!model_.showcase && pointerState() != pointerSeen_) wake();
+}
+
+void PointerTracker::wake() {
+  if (!asleep_) return;
+  asleep_ = false;
+  pointer_.setWantsActivity(false);
+  const double lastTick = std::floor(scheduler_.uptime() * ticksPerSecond);
+  if (inside_) lastInside_ = std::max(lastInside_, lastTick / ticksPerSecond);
+  tickAt(lastTick + 1);
+}
+
+void PointerTracker::reconsider() {
+  if (asleep_ && notchState() != notchSeen_) wake();
+}
+
+}  // namespace tarnwick

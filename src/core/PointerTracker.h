@@ -1,0 +1,84 @@
+#pragma once
+#include <array>
+#include <limits>
+#include <optional>
+
+#include "base/Scheduler.h"
+#include "core/HapticFeedback.h"
+#include "core/NotchModel.h"
+#include "core/NotchPanel.h"
+#include "platform/Pointer.h"
+
+namespace tarnwick {
+
+/// Turns the pointer into hover, expansion on dwell, collapse after leaving and file drags, and keeps the
+/// panel from taking clicks that are not for the notch.
+///
+/// It looks sixty times a second, on a fixed grid of time, but sleeps while a further look could change
+/// nothing: the outcome is that of a tracker that always looks. Asleep with the pointer inside counts as
+/// having looked and found it inside.
+class PointerTracker {
+ public:
+  /// All arguments must outlive the tracker.
+  PointerTracker(Scheduler& scheduler, Pointer& pointer, NotchModel& model, NotchPanel& panel,
+                 const HapticFeedback& haptics);
+
+  /// Call it after a change of what the tracker depends on and cannot observe: the panel's frame and the
+  /// model's `showcase`.
+  void reconsider();
+
+ private:
+  struct PointerState {
+    std::optional<Point> position;
+    bool buttonDown = false;
+    int dragChangeCount = 0;
+    bool offersFiles = false;
+    friend bool operator==(const PointerState&, const PointerState&) = default;
+  };
+  struct NotchState {
+    Rect frame;
+    Size size;
+    bool isExpanded = false, isHovering = false, isDraggingFiles = false, showcase = false;
+    bool expandOnHover = false;
+    friend bool operator==(const NotchState&, const NotchState&) = default;
+  };
+
+  PointerState pointerState() const;
+  NotchState notchState() const;
+
+  void trackMouse();
+  bool followFileDrag(const PointerState& pointer, const Rect& surface);
+  void pointerIsInside(const PointerState& pointer, double now);
+  void pointerIsOutside(double now);
+  void setPointerArea(const std::optional<Rect>& area);
+
+  bool timeCouldChangeSomething() const;
+  void tickAt(double index);
+  void sleep();
+  void wake();
+
+  Scheduler& scheduler_;
+  Pointer& pointer_;
+  NotchModel& model_;
+  NotchPanel& panel_;
+  const HapticFeedback& haptics_;
+
+  // Times are uptimes in seconds.
+  double lastInside_ = -std::numeric_limits<double>::infinity();
+  std::optional<double> enteredAt_;
+  bool wasMouseDown_ = false;
+  int dragChangeCount_ = 0;
+  std::optional<Rect> area_;
+
+  bool asleep_ = false;
+  bool inside_ = false;
+  /// As the last tick found them.
+  PointerState pointerSeen_;
+  NotchState notchSeen_;
+
+  Task tick_;
+  Task dropCleanUp_;
+  std::array<Subscription, 5> subscriptions_;
+};
+
+}  // namespace tarnwick
