@@ -1,0 +1,251 @@
+#include "claude/ClaudeService.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "support/ForcedLanguage.h"
+#include "support/MemoryDesktop.h"
+
+namespace tarnwick {
+namespace {
+
+using testing::ElementsAre;
+
+class ClaudeServiceTest : public testing::Test {
+ protected:
+  ClaudeServiceTest() {
+    claude.onBanner = [this](const Banner& banner, double seconds) { banners.emplace_back(banner, seconds); };
+  }
+
+  void send(const std::string& name, StringMap more = {}) {
+    more.emplace("session_id", "s");
+    more["hook_event_name"] = name;
+    claude.handle(more);
+  }
+  void pass(double seconds) { desktop.scheduler.advance(seconds); }
+  const Session& session(const std::string& id = "s") const { return claude.sessions->at(id); }
+  std::vector<std::string> order() const {
+    std::vector<std::string> ids;
+    for (const Session& each : claude.ordered()) ids.push_back(each.id);
+    return ids;
+  }
+
+  const ForcedLanguage english{"en"};
+  MemoryDesktop desktop;
+  ClaudeService claude{desktop.scheduler, desktop.sounds};
+  std::vector<std::pair<Banner, double>> banners;
+};
+
+TEST_F(ClaudeServiceTest, AWholePieceOfWork) {
+  const Date start = desktop.scheduler.now();
+  send("UserPromptSubmit", {{"cwd", "/src/shop"}});
+  EXPECT_EQ(session(), (Session{"s", "shop", Phase::working, "Thinking…", start, {}, start}));
+  pass(2);
+  send("PreToolUse", {{"cwd", "/src/shop"}, {"tool_name", "Bash"}, {"tool_detail", "npm test"}});
+  EXPECT_EQ(session(), (Session{"s", "shop", Phase::working, "Running · npm test", start, {}, start + 2}));
+  EXPECT_TRUE(banners.empty());
+  pass(3);
+  send("Notification", {{"cwd", "/src/shop"},
+                        {"notification_type", "permission_prompt"},
+                        {"message", "Claude needs your permission to use Bash"}});
+  EXPECT_EQ(session().phase, Phase::waiting);
+  ASSERT_EQ(banners.size(), 1u);
+  const Banner wait = banners[0].first;
+  EXPECT_EQ(wait, (Banner{wait.id, "hand.raised.fill", colors::yellow, "shop", "Permission needed: Bash",
+                          CrabMood::waiting}));
+  EXPECT_EQ(banners[0].second, 8);
+  pass(4);
+  send("PostToolUse", {{"cwd", "/src/shop"}, {"tool_name", "Bash"}});
+  EXPECT_EQ(session(), (Session{"s", "shop", Phase::working, "Thinking…", start, {}, start + 9}));
+  pass(4);
+  send("Stop", {{"cwd", "/src/shop"}});
+  EXPECT_EQ(session(), (Session{"s", "shop", Phase::done, "Done in 13s", start, start + 13, start + 13}));
+  ASSERT_EQ(banners.size(), 2u);
+  const Banner done = banners[1].first;
+  EXPECT_EQ(done, (Banner{done.id, "checkmark.circle.fill", colors::green, "shop", "Done in 13s",
+                          CrabMood::happy}));
+  EXPECT_EQ(banners[1].second, 5);
+  EXPECT_NE(done.id, wait.id);
+  EXPECT_THAT(desktop.sounds.played, ElementsAre("Funk", "Glass"));
+}
+
+TEST_F(ClaudeServiceTest, ToolsRestartTheClockOnlyOfSessionsAtRest) {
+  const Date start = desktop.scheduler.now();
+  send("SessionStart");
+  EXPECT_EQ(session().phase, Phase::idle);
+  EXPECT_EQ(session().activity, "");
+  pass(10);
+  send("PreToolUse");
+  EXPECT_EQ(session().startedAt, start + 10) << "was idle";
+  send("Notification");
+  pass(10);
+  send("PreToolUse");
+  EXPECT_EQ(session().startedAt, start + 10) << "was waiting";
+  send("Stop");
+  pass(10);
+  send("PostToolUse");
+  EXPECT_EQ(session().startedAt, start + 10) << "the end of a tool starts nothing";
+  send("Stop");
+  send("PreToolUse");
+  EXPECT_EQ(session().startedAt, start + 30) << "was done";
+  EXPECT_TRUE(session().finishedAt) << "only a prompt clears it";
+  send("SessionStart");
+  EXPECT_EQ(session().phase, Phase::working);
+  send("UserPromptSubmit");
+  EXPECT_FALSE(session().finishedAt);
+}
+
+TEST_F(ClaudeServiceTest, EventsThatChangeNothing) {
+  int changes = 0;
+  send("UserPromptSubmit");
+  const auto subscription = claude.observe([&] { ++changes; });
+  const Session before = session();
+  pass(1);
+  const StringMap ignored[] = {
+      {},
+      {{"session_id", "s"}},
+      {{"session_id", "s"}, {"hook_event_name", "stop"}},
+      {{"session_id", "new"}, {"hook_event_name", "PreCompact"}},
+      {{"session_id", "new"}, {"hook_event_name", "SessionEnd"}},
+      {{"session_id", "s"}, {"hook_event_name", "Notification"}, {"notification_type", "idle_prompt"}},
+      {{"session_id", "new"},
+       {"hook_event_name", "Notification"},
+       {"message", "Claude is waiting for your input"}},
+      {{"session_id", "s"}, {"hook_event_name", "Notification"}, {"message", "WAITING FOR YOUR INPUT!"}},
+  };
+  for (const StringMap& event : ignored) claude.handle(event);
+  EXPECT_EQ(changes, 0);
+  EXPECT_EQ(claude.sessions->size(), 1u);
+  EXPECT_EQ(session(), before);
+  EXPECT_TRUE(banners.empty());
+  EXPECT_TRUE(desktop.sounds.played.empty());
+
+  send("Notification", {{"notification_type", "Idle_prompt"}, {"message", "waiting for you"}});
+  EXPECT_EQ(session().phase, Phase::waiting) << "neither the type nor the phrase";
+  EXPECT_EQ(changes, 1);
+}
+
+TEST_F(ClaudeServiceTest, NamesAndIdentifiers) {
+  const struct {
+    StringMap event;
+    const char *id, *project;
+  } cases[] = {
+      {{{"cwd", "/src/shop"}}, "default", "shop"},
+      {{{"session_id", "a"}, {"cwd", "/src/shop/"}}, "a", "shop"},
+      {{{"session_id", "a"}, {"cwd", "/"}}, "a", "/"},
+      {{{"session_id", "a"}, {"cwd", ""}}, "a", "Claude Code"},
+      {{{"session_id", "a"}}, "a", "Claude Code"},
+      {{{"session_id", ""}, {"cwd", "relative"}}, "", "relative"},
+  };
+  for (auto [event, id, project] : cases) {
+    event["hook_event_name"] = "SessionStart";
+    claude.handle(event);
+    EXPECT_EQ(session(id).project, project);
+    EXPECT_EQ(session(id).id, id);
+  }
+  EXPECT_EQ(claude.sessions->size(), 3u);
+}
+
+TEST_F(ClaudeServiceTest, SoundsFollowTheSetting) {
+  AppSettings settings(desktop.defaults);
+  claude.settings = &settings;
+  settings.claudeSounds = false;
+  send("Notification");
+  send("Stop");
+  EXPECT_EQ(banners.size(), 2u);
+  EXPECT_TRUE(desktop.sounds.played.empty());
+  settings.claudeSounds = true;
+  send("Stop");
+  EXPECT_THAT(desktop.sounds.played, ElementsAre("Glass"));
+}
+
+TEST_F(ClaudeServiceTest, TextsAreMadeInTheLanguageOfTheMoment) {
+  send("Stop");
+  EXPECT_EQ(session().activity, "Done in 0s");
+  const ForcedLanguage french("fr");
+  send("Stop");
+  EXPECT_EQ(session().activity, "Terminé en 0s");
+  send("UserPromptSubmit");
+  EXPECT_EQ(session().activity, "Réfléchit…");
+  pass(901);
+  claude.prune();
+  EXPECT_EQ(session().activity, "Inactif");
+}
+
+TEST_F(ClaudeServiceTest, SessionsThatWantTheUserComeFirst) {
+  for (const char* name : {"SessionStart", "Stop", "PreToolUse", "Notification"}) {
+    for (const char* age : {"older", "newer"}) {
+      send(name, {{"session_id", std::string(name) + " " + age}});
+      pass(1);
+    }
+  }
+  EXPECT_THAT(order(),
+              ElementsAre("Notification newer", "Notification older", "PreToolUse newer", "PreToolUse older",
+                          "Stop newer", "Stop older", "SessionStart newer", "SessionStart older"));
+  EXPECT_EQ(claude.workingCount(), 2);
+  EXPECT_TRUE(claude.anyWaiting());
+
+  // An observer that reads the derived values sees the new ones.
+  std::vector<std::string> seen;
+  const auto subscription = claude.observe([&] { seen = order(); });
+  claude.clearFinished();
+  EXPECT_THAT(
+      seen, ElementsAre("Notification newer", "Notification older", "PreToolUse newer", "PreToolUse older"));
+  send("SessionEnd", {{"session_id", "Notification older"}});
+  send("Stop", {{"session_id", "Notification newer"}});
+  EXPECT_THAT(seen, ElementsAre("PreToolUse newer", "PreToolUse older", "Notification newer"));
+  EXPECT_FALSE(claude.anyWaiting());
+  claude.sessions = {};
+  EXPECT_EQ(claude.workingCount(), 0);
+  EXPECT_TRUE(claude.ordered().empty());
+}
+
+TEST_F(ClaudeServiceTest, OrderIsSortedOnceBetweenChanges) {
+  send("SessionStart");
+  const Session* first = claude.ordered().data();
+  EXPECT_EQ(claude.ordered().data(), first);
+  claude.prune();
+  EXPECT_EQ(claude.ordered().data(), first) << "nothing changed";
+}
+
+TEST_F(ClaudeServiceTest, SessionsAge) {
+  const struct {
+    const char* event;
+    double age;
+    std::optional<Phase> phase;
+  } cases[] = {
+      {"PreToolUse", 900, Phase::working},   {"PreToolUse", 901, Phase::idle},
+      {"PreToolUse", 1200, Phase::idle},     {"PreToolUse", 1201, std::nullopt},
+      {"SessionStart", 1200, Phase::idle},   {"SessionStart", 1201, std::nullopt},
+      {"Stop", 1200, Phase::done},           {"Stop", 1201, std::nullopt},
+      {"Notification", 1e6, Phase::waiting},
+  };
+  for (const auto& c : cases) {
+    claude.sessions = {};
+    send(c.event);
+    pass(c.age);
+    claude.prune();
+    const auto it = claude.sessions->find("s");
+    const std::optional<Phase> phase =
+        it == claude.sessions->end() ? std::nullopt : std::optional(it->second.phase);
+    EXPECT_EQ(phase, c.phase) << c.event << " " << c.age;
+  }
+}
+
+TEST_F(ClaudeServiceTest, AForgottenSessionStaysIdleForAWhile) {
+  send("PreToolUse");
+  const Date last = desktop.scheduler.now();
+  pass(901);
+  claude.prune();
+  EXPECT_EQ(session().activity, "Idle");
+  EXPECT_EQ(session().updatedAt, last) << "going idle is no event";
+  pass(299);
+  claude.prune();
+  EXPECT_EQ(claude.sessions->size(), 1u);
+  pass(1);
+  claude.prune();
+  EXPECT_TRUE(claude.sessions->empty());
+}
+
+}  // namespace
+}  // namespace tarnwick

@@ -1,0 +1,131 @@
+#include "services/NotesStore.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+
+#include "support/MemoryDesktop.h"
+
+namespace tarnwick {
+namespace {
+
+class NotesStoreTest : public testing::Test {
+ protected:
+  NotesStore make() { return NotesStore(desktop.scheduler, desktop.folders); }
+  std::string saved(const std::string& name = "notes.txt") const { return contentsOf(folder + "/" + name); }
+  void leaveOnDisk(const std::string& contents) {
+    desktop.folders.root.write("data/Tarnwick/notes.txt", contents);
+  }
+  void pass(double seconds) { desktop.scheduler.advance(seconds); }
+
+  MemoryDesktop desktop;
+  const std::string folder = desktop.folders.data() + "/Tarnwick";
+};
+
+TEST_F(NotesStoreTest, ABurstOfTypingIsWrittenOnceAfterAPause) {
+  NotesStore notes(desktop.scheduler, desktop.folders);
+  std::string typed;
+  for (const char letter : std::string("0123456789")) {
+    notes.setText(typed += letter);
+    pass(0.1);
+    EXPECT_EQ(saved(), "(no file)");
+  }
+  pass(0.29);
+  EXPECT_EQ(saved(), "(no file)");
+  pass(0.02);
+  EXPECT_EQ(saved(), "0123456789");
+  EXPECT_EQ(desktop.scheduler.nextDue(), std::nullopt);
+
+  notes.setText("");
+  pass(0.41);
+  EXPECT_EQ(saved(), "");
+}
+
+TEST_F(NotesStoreTest, TextComesBack) {
+  EXPECT_EQ(make().text(), "");
+  leaveOnDisk("péché\n✳ last line without an end");
+  EXPECT_EQ(make().text(), "péché\n✳ last line without an end");
+}
+
+TEST_F(NotesStoreTest, OnlyADifferenceIsNewsButEverythingIsSaved) {
+  NotesStore notes(desktop.scheduler, desktop.folders);
+  int changes = 0;
+  const auto subscription = notes.observe([&] { ++changes; });
+  notes.setText("a");
+  notes.setText("a");
+  EXPECT_EQ(changes, 1);
+  pass(1);
+  std::filesystem::remove(folder + "/notes.txt");
+  notes.setText("a");
+  pass(1);
+  EXPECT_EQ(saved(), "a");
+}
+
+TEST_F(NotesStoreTest, ASlowWriteIsNeverOvertaken) {
+  NotesStore notes(desktop.scheduler, desktop.folders);
+  desktop.scheduler.backgroundSeconds = 5;
+  notes.setText("first");
+  pass(0.5);
+  desktop.scheduler.backgroundSeconds = 0;
+  notes.setText("second");
+  pass(0.5);
+  notes.setText("third");
+  pass(0.5);
+  EXPECT_EQ(saved(), "(no file)") << "the first write is still under way";
+  pass(5);
+  EXPECT_EQ(saved(), "third");
+}
+
+TEST_F(NotesStoreTest, AWriteUnderWaySurvivesItsStore) {
+  {
+    NotesStore notes(desktop.scheduler, desktop.folders);
+    desktop.scheduler.backgroundSeconds = 5;
+    notes.setText("kept");
+    pass(0.5);
+  }
+  pass(5);
+  EXPECT_EQ(saved(), "kept");
+}
+
+TEST_F(NotesStoreTest, WhatIsNoTextIsKeptAside) {
+  const std::string foreign[] = {"caf\xe9", "cut \xe2\x9c", "\xed\xa0\x80", "\xc0\x80", "\xff\xfeh\0i\0"};
+  int number = 0;
+  for (const std::string& contents : foreign) {
+    leaveOnDisk(contents);
+    NotesStore notes(desktop.scheduler, desktop.folders);
+    EXPECT_EQ(notes.text(), "");
+    notes.setText("");
+    pass(1);
+    EXPECT_EQ(saved(), contents) << "nothing was typed";
+    notes.setText("new");
+    pass(1);
+    notes.setText("");
+    pass(1);
+    EXPECT_EQ(saved(), "") << "from now on the notes are the user's own";
+    ++number;
+    EXPECT_EQ(
+        saved(number == 1 ? "notes.unreadable.txt" : "notes.unreadable-" + std::to_string(number) + ".txt"),
+        contents);
+  }
+}
+
+TEST_F(NotesStoreTest, WhatIsNoFileIsKeptAside) {
+  std::filesystem::create_directories(folder + "/notes.txt/inside");
+  NotesStore notes(desktop.scheduler, desktop.folders);
+  notes.setText("new");
+  pass(1);
+  EXPECT_EQ(saved(), "new");
+  EXPECT_TRUE(std::filesystem::exists(folder + "/notes.unreadable.txt/inside"));
+}
+
+TEST_F(NotesStoreTest, AFolderThatCannotBeMadeCostsOnlyTheFile) {
+  desktop.folders.root.write("data/Tarnwick", "in the way");
+  NotesStore notes(desktop.scheduler, desktop.folders);
+  notes.setText("typed");
+  pass(1);
+  EXPECT_EQ(notes.text(), "typed");
+  EXPECT_EQ(contentsOf(folder), "in the way");
+}
+
+}  // namespace
+}  // namespace tarnwick

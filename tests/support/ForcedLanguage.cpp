@@ -1,0 +1,10 @@
+#include "support/ForcedLanguage.h"
+
+#include "base/L10n.h"
+
+namespace tarnwick {
+
+ForcedLanguage::ForcedLanguage(const char* code) { L10n::forced = code; }
+ForcedLanguage::~ForcedLanguage() { L10n::forced.reset(); }
+
+}  // namespace tarnwick
