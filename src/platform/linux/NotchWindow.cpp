@@ -1,0 +1,49 @@
+#include "platform/linux/NotchWindow.h"
+
+#include <QDropEvent>
+#include <QMimeData>
+
+#include "platform/Pointer.h"
+#include "platform/linux/FileList.h"
+
+namespace tarnwick {
+
+NotchWindow::NotchWindow()
+    : QWidget(nullptr, Qt::BypassWindowManagerHint | Qt::FramelessWindowHint | Qt::Tool |
+                           Qt::WindowStaysOnTopHint | Qt::NoDropShadowWindowHint) {
+  setAttribute(Qt::WA_TranslucentBackground);
+  setAttribute(Qt::WA_ShowWithoutActivating);
+  setAttribute(Qt::WA_AlwaysShowToolTips);  // it is never the active window
+  setAcceptDrops(true);
+}
+
+bool NotchWindow::event(QEvent* event) {
+  if ((event->type() == QEvent::Enter || event->type() == QEvent::Leave) && onCrossing) onCrossing();
+  return QWidget::event(event);
+}
+
+void NotchWindow::dragEnterEvent(QDragEnterEvent* event) {
+  if (!event->mimeData()->hasFormat(fileListType)) return event->ignore();
+  event->setDropAction(Qt::CopyAction);
+  event->accept();
+  if (onDragEnter) onDragEnter();
+}
+
+void NotchWindow::dragMoveEvent(QDragMoveEvent* event) {
+  event->setDropAction(Qt::CopyAction);
+  event->accept();
+}
+
+void NotchWindow::dragLeaveEvent(QDragLeaveEvent*) {
+  if (onDragExit) onDragExit();
+}
+
+void NotchWindow::dropEvent(QDropEvent* event) {
+  const QByteArray list = event->mimeData()->data(fileListType);
+  const std::vector<FilePath> files = filesOfUriList({list.data(), static_cast<size_t>(list.size())});
+  event->setDropAction(files.empty() ? Qt::IgnoreAction : Qt::CopyAction);
+  event->setAccepted(!files.empty());
+  if (onDropFiles) onDropFiles(files);
+}
+
+}  // namespace tarnwick

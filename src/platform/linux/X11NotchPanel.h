@@ -1,0 +1,74 @@
+#pragma once
+#include <QObject>
+#include <QPainterPath>
+#include <QRegion>
+
+#include "core/NotchPanel.h"
+#include "platform/linux/NotchWindow.h"
+#include "platform/linux/ScrollDevices.h"
+#include "platform/linux/ScrollGesture.h"
+#include "platform/linux/X11Compositor.h"
+#include "platform/linux/X11Connection.h"
+#include "platform/linux/X11Focus.h"
+#include "platform/linux/X11Screens.h"
+#include "platform/linux/X11Stacking.h"
+
+namespace tarnwick {
+
+/// The notch's window on X11 and XWayland. It hosts the content widget, which is always as large as the
+/// panel's frame; under XWayland the window shows only the part of it that the surface covers.
+class X11NotchPanel : public QObject, public NotchPanel {
+ public:
+  /// The outline of the surface as it is shown now, in the content's coordinates.
+  using Surface = std::function<QPainterPath()>;
+
+  /// The content must outlive the panel's use of it; the panel becomes its parent.
+  X11NotchPanel(X11Connection& connection, const X11Screens& screens, Scheduler& scheduler, QWidget& content,
+                Surface surface);
+  ~X11NotchPanel() override;
+
+  void setFrame(const Rect& frame) override;
+  Rect frame() const override { return frame_; }
+  void orderFrontRegardless() override;
+  void setPointerArea(const std::optional<Rect>& area) override;
+  bool isKey() const override;
+  void resignKey() override;
+
+  /// Takes the keyboard focus, for a text field of the content.
+  void becomeKey();
+  /// To be called with each frame in which the surface's outline may have changed. Free where a compositor
+  /// blends the window.
+  void surfaceChanged();
+
+  /// The pointer came or left the window.
+  std::function<void()> onPointerCrossing;
+
+ protected:
+  bool eventFilter(QObject* watched, QEvent* event) override;
+
+ private:
+  bool scroll(const QWheelEvent& event);
+  void applySurface();
+  void applyPointerArea();
+  void setBoundingShape(const std::optional<QRegion>& region);
+  void setShape(uint8_t kind, const QRegion& pixels);
+
+  X11Connection& connection_;
+  const X11Screens& screens_;
+  QWidget& content_;
+  Surface surface_;
+  NotchWindow window_;
+  X11Compositor compositor_;
+  X11Stacking stacking_;
+  X11Focus focus_;
+  ScrollDevices scrollDevices_;
+  ScrollGesture scrollGesture_;
+
+  Rect frame_;
+  std::optional<Rect> pointerArea_;
+  /// In physical pixels of the window, as the server has them; no bounding shape: the whole window.
+  std::optional<QRegion> inputShape_, boundingShape_;
+  Subscription compositorChanges_;
+};
+
+}  // namespace tarnwick

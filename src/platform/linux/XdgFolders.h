@@ -1,0 +1,16 @@
+#pragma once
+#include "platform/Folders.h"
+
+namespace tarnwick {
+
+/// The base directories of the XDG convention, read from the environment each time.
+class XdgFolders : public Folders {
+ public:
+  /// HOME, else the user database's entry.
+  std::string home() const override;
+  std::string data() const override;
+  std::string configuration() const override;
+  std::string caches() const override;
+};
+
+}  // namespace tarnwick
