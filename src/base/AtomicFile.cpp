@@ -27,7 +27,8 @@ class Descriptor {
   int value_;
 };
 
-/// Follows symbolic links, also a dangling one, to the place where the file is or would be.
+/// Follows symbolic links, also a dangling one, to the place where the file is or would be; empty when they run
+/// in a circle.
 std::string resolved(std::string path) {
   for (int depth = 0; depth < 40; ++depth) {
     char target[PATH_MAX];
@@ -37,7 +38,7 @@ std::string resolved(std::string path) {
     if (!next.starts_with('/')) next = path.substr(0, path.rfind('/') + 1) + next;
     path = std::move(next);
   }
-  return path;
+  return {};
 }
 
 bool writeAll(int file, std::string_view bytes) {
@@ -61,6 +62,7 @@ void syncFolder(const std::string& path) {
 
 std::error_code writeFileAtomically(const std::string& path, std::string_view contents, unsigned mode) {
   const std::string target = resolved(path);
+  if (target.empty()) return std::make_error_code(std::errc::too_many_symbolic_link_levels);
   std::string temporary = target + ".XXXXXX";
   const Descriptor file(::mkostemp(temporary.data(), O_CLOEXEC));
   if (file < 0) return lastError();

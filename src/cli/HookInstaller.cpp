@@ -31,7 +31,9 @@ constexpr std::string_view writeFailure = "Could not write settings.json: ";
 std::error_code createFolder(const std::string& path) {
   if (::mkdir(path.c_str(), 0777) == 0) return {};
   struct stat existing;
-  if (errno == EEXIST && ::stat(path.c_str(), &existing) == 0 && S_ISDIR(existing.st_mode)) return {};
+  if (errno == EEXIST && ::stat(path.c_str(), &existing) == 0) {
+    return S_ISDIR(existing.st_mode) ? std::error_code() : std::make_error_code(std::errc::not_a_directory);
+  }
   const size_t slash = path.rfind('/');
   if (errno == ENOENT && slash != std::string::npos && slash > 0) {
     if (const std::error_code error = createFolder(path.substr(0, slash))) return error;

@@ -1,0 +1,58 @@
+#include "cli/CommandLine.h"
+
+#include <gtest/gtest.h>
+
+#include <vector>
+
+using namespace tarnwick;
+
+TEST(CommandLine, SelectsTheFirstRoleThatMatches) {
+  struct Case {
+    std::vector<const char*> arguments;
+    Role role;
+    std::string_view value = "", argument = "";
+  };
+  const Case cases[] = {
+      {{}, Role::application},
+      {{"--hook"}, Role::hook},
+      {{"--install-hooks"}, Role::installHooks},
+      {{"--uninstall-hooks"}, Role::uninstallHooks},
+      {{"--snapshot", "/out"}, Role::snapshot, "/out"},
+      {{"--showcase", "begin"}, Role::showcase, "begin"},
+      {{"--showcase", "hud", "0.4", "more"}, Role::showcase, "hud", "0.4"},
+      {{"--demo"}, Role::demo},
+      {{"--help"}, Role::help},
+      {{"--version"}, Role::version},
+      // Precedence, whatever the order.
+      {{"--demo", "--showcase", "begin", "--snapshot", "/out", "--uninstall-hooks", "--install-hooks",
+        "--hook"},
+       Role::hook},
+      {{"--uninstall-hooks", "--install-hooks"}, Role::installHooks},
+      {{"--snapshot", "/out", "--uninstall-hooks"}, Role::uninstallHooks},
+      {{"--showcase", "begin", "--snapshot", "/out"}, Role::snapshot, "/out"},
+      {{"--demo", "--showcase", "begin"}, Role::showcase, "begin"},
+      {{"--version", "--help", "--demo"}, Role::demo},
+      {{"--version", "--help"}, Role::help},
+      // A switch without its value is passed over; only its first place counts.
+      {{"--snapshot"}, Role::application},
+      {{"--demo", "--snapshot"}, Role::demo},
+      {{"--demo", "--showcase"}, Role::demo},
+      {{"--showcase", "--showcase"}, Role::showcase, "--showcase"},
+      {{"--snapshot", "--demo"}, Role::snapshot, "--demo"},
+      {{"--showcase", "begin", "--snapshot"}, Role::showcase, "begin", "--snapshot"},
+      // Neither a switch.
+      {{"--Hook"}, Role::application},
+      {{"--hook=1"}, Role::application},
+      {{"hook", "-hook", "--hooks", ""}, Role::application},
+      {{"--unknown", "file", "--hook"}, Role::hook},
+  };
+  for (const Case& one : cases) {
+    std::vector<const char*> arguments{"/opt/bin/Tarnwick"};
+    arguments.insert(arguments.end(), one.arguments.begin(), one.arguments.end());
+    const auto result = CommandLine::parse(arguments);
+    const std::string shown = testing::PrintToString(one.arguments);
+    EXPECT_EQ(result.role, one.role) << shown;
+    EXPECT_EQ(result.value, one.value) << shown;
+    EXPECT_EQ(result.argument, one.argument) << shown;
+  }
+}

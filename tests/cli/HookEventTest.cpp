@@ -1,0 +1,182 @@
+#include "cli/HookEvent.h"
+
+#include <gmock/gmock.h>
+
+using namespace tarnwick;
+using namespace std::string_literals;
+
+namespace {
+
+/// Hands a text out in pieces of one size.
+ByteSource inPieces(std::string_view text, size_t size) {
+  return [text, size]() mutable {
+    const std::string_view piece = text.substr(0, size);
+    text.remove_prefix(piece.size());
+    return piece;
+  };
+}
+
+std::optional<StringMap> read(std::string_view text) { return readHookEvent(inPieces(text, 65536)); }
+
+std::string repeated(std::string_view text, size_t count) {
+  std::string result;
+  while (count-- > 0) result += text;
+  return result;
+}
+
+}  // namespace
+
+TEST(HookEvent, IsReducedToAFlatMap) {
+  struct Case {
+    const char* json;
+    StringMap map;
+  };
+  const Case cases[] = {
+      {"{}", {}},
+      {" \n{ } \t\r\n", {}},
+      {R"({"hook_event_name":"Stop","session_id":"s","cwd":"/w","tool_name":"Bash","message":"m",
+           "notification_type":"n","prompt":"p","transcript_path":"/t","stop_hook_active":true})",
+       {{"hook_event_name", "Stop"},
+        {"session_id", "s"},
+        {"cwd", "/w"},
+        {"tool_name", "Bash"},
+        {"message", "m"},
+        {"notification_type", "n"},
+        {"prompt", "p"}}},
+      // Only strings are copied.
+      {R"({"session_id":7,"cwd":null,"tool_name":true,"message":{"message":"x"},"prompt":["x"],
+           "notification_type":1.5,"hook_event_name":"Stop"})",
+       {{"hook_event_name", "Stop"}}},
+      {R"({"prompt":"","\u0070rompt2":"x"})", {{"prompt", ""}}},
+      {R"({"\u0063wd":"a\n\"\\\/\u00e9\ud83d\ude00\u0000z"})", {{"cwd", "a\n\"\\/é😀\0z"s}}},
+      // Known keys count at the top level only.
+      {R"({"other":{"prompt":"x","tool_input":{"command":"x"}},"list":[{"cwd":"x"}]})", {}},
+      // Of a key given twice the last value counts.
+      {R"({"prompt":"a","prompt":"b"})", {{"prompt", "b"}}},
+      {R"({"prompt":"a","prompt":{}})", {}},
+      {R"({"prompt":[],"prompt":"b"})", {{"prompt", "b"}}},
+  };
+  for (const Case& one : cases) EXPECT_EQ(read(one.json), one.map) << one.json;
+}
+
+TEST(HookEvent, TakesTheToolDetailFromTheFirstKeyThatHoldsAString) {
+  struct Case {
+    const char* input;
+    std::optional<std::string> detail;
+  };
+  const Case cases[] = {
+      {R"({"query":"q","url":"u","description":"d","pattern":"p","file_path":"f","command":"c"})", "c"},
+      {R"({"query":"q","url":"u","description":"d","pattern":"p","file_path":"f"})", "f"},
+      {R"({"query":"q","url":"u","description":"d","pattern":"p"})", "p"},
+      {R"({"query":"q","url":"u","description":"d"})", "d"},
+      {R"({"query":"q","url":"u"})", "u"},
+      {R"({"query":"q"})", "q"},
+      {R"({"command":1,"file_path":"f"})", "f"},
+      {R"({"command":null,"file_path":["f"],"pattern":{"command":"x"}})", std::nullopt},
+      {R"({"command":"","file_path":"f"})", ""},
+      {R"({"old":{"command":"x"},"list":[{"command":"y"}],"url":"u"})", "u"},
+      {R"({"command":"a","command":2,"url":"u"})", "u"},
+      {R"(["command"])", std::nullopt},
+      {R"([{"command":"x"}])", std::nullopt},
+      {R"("command")", std::nullopt},
+      {"{}", std::nullopt},
+      {R"({"command":"a"},"tool_input":{"url":"u"})", "u"},
+      {R"({"command":"a"},"tool_input":7)", std::nullopt},
+      {R"({"command":"a"},"command":"b","other":{"command":"c"})", "a"},
+  };
+  for (const Case& one : cases) {
+    StringMap expected;
+    if (one.detail) expected["tool_detail"] = *one.detail;
+    EXPECT_EQ(read(R"({"tool_input":)"s + one.input + "}"), expected) << one.input;
+  }
+}
+
+TEST(HookEvent, CutsLongTexts) {
+  const std::string family = "👩\u200D👩\u200D👧";
+  for (const std::string_view character :
+       {std::string_view("x"), std::string_view("é"), std::string_view(family)}) {
+    const std::string text = repeated(character, 250);
+    const auto map = read(R"({"prompt":")" + text + R"(","tool_input":{"command":")" + text + R"("}})");
+    ASSERT_TRUE(map);
+    EXPECT_EQ(map->at("prompt"), repeated(character, 200));
+    EXPECT_EQ(map->at("tool_detail"), repeated(character, 120));
+  }
+  const auto map = read(R"({"prompt":")" + repeated("\u0301", 1 << 20) + R"("})");
+  ASSERT_TRUE(map);
+  EXPECT_LE(map->at("prompt").size(), 16384u);
+}
+
+TEST(HookEvent, IsNothingUnlessTheInputIsAJsonObject) {
+  const std::string texts[] = {
+      "",
+      " ",
+      "[]",
+      R"([{"prompt":"x"}])",
+      R"("prompt")",
+      "7",
+      "null",
+      "true",
+      "{",
+      "}",
+      "{]",
+      R"({"prompt")",
+      R"({"prompt":"x")",
+      R"({"prompt":"x",})",
+      R"({"prompt":"x"}})",
+      R"({"prompt":"x"} {})",
+      R"({"prompt":"x"} x)",
+      "{\"prompt\":\"x\"}\0"s,
+      "{\"prompt\":\"x\"}\0{}"s,
+      "{\"prompt\":\"x\0\"}"s,
+      "{\"prompt\":\"x\ny\"}",
+      "{'prompt':'x'}",
+      "{prompt:\"x\"}",
+      R"({"prompt":"\x"})",
+      R"({"prompt":"\u12g4"})",
+      R"({"prompt":"\ud800"})",
+      R"({"prompt":"\udc00"})",
+      R"({"prompt":"\udc00\ud800"})",
+      R"({"other":["\udfff"]})",
+      R"({"\udfff":1})",
+      R"({"prompt":01})",
+      R"({"prompt":NaN})",
+      R"({"prompt":"x"/*no*/})",
+      "{\"prompt\":\"caf\xE9\"}",
+      "{\"other\":\"\xED\xA0\x80\"}",
+      "{\"\xC0\x80\":1}",
+      "\xEF\xBB\xBF{}",
+      "{\0\"\0a\0\"\0:\0\"\0b\0\"\0}\0"s,
+      std::string(100000, '['),
+      "{\"a\":" + std::string(100000, '['),
+      repeated("{\"a\":", 100000),
+  };
+  for (const std::string& text : texts) EXPECT_EQ(read(text), std::nullopt) << text.substr(0, 60);
+}
+
+TEST(HookEvent, MayBeNestedDeeply) {
+  const std::string brackets = std::string(100000, '[') + std::string(100000, ']');
+  EXPECT_EQ(read("{\"a\":" + brackets + ",\"prompt\":\"x\"}"), (StringMap{{"prompt", "x"}}));
+}
+
+TEST(HookEvent, DoesNotDependOnHowTheInputArrives) {
+  const std::string text =
+      R"({"cwd":"/é/\ud83d\ude00","tool_input":{"command":"npm test","url":-1.5e+3},"a":[true,null]} )";
+  const auto whole = read(text);
+  ASSERT_TRUE(whole);
+  for (size_t size = 1; size < text.size(); ++size)
+    EXPECT_EQ(readHookEvent(inPieces(text, size)), whole) << size;
+  for (size_t end = 0; end < text.size() - 1; ++end) EXPECT_FALSE(read(text.substr(0, end))) << end;
+}
+
+TEST(HookEvent, ReadsTheInputToItsEndWhateverIsInIt) {
+  for (const char* text : {R"({"prompt":"x"} and more)", "[1, 2, 3, 4]", "garbage, garbage"}) {
+    bool isAtEnd = false;
+    auto pieces = inPieces(text, 2);
+    readHookEvent([&] {
+      const auto piece = pieces();
+      isAtEnd = piece.empty();
+      return piece;
+    });
+    EXPECT_TRUE(isAtEnd) << text;
+  }
+}
