@@ -1,0 +1,230 @@
+"""A private desktop: an X server without a screen, a window manager, a compositor and a session bus, in a home of
+its own. Tests, measurements and demonstrations run the real overlay on it."""
+
+import json
+import os
+import shutil
+import signal
+import subprocess
+import tempfile
+import time
+from pathlib import Path
+
+import dbus.bus
+from Xlib import X, Xatom
+from Xlib.display import Display
+from Xlib.ext import xtest  # noqa: F401  (registers the extension)
+
+from picture import WALLPAPER, Picture
+
+BUILD = Path(os.environ.get("TARNWICK_BUILD", Path(__file__).resolve().parents[2] / "build"))
+PROGRAM = BUILD / "bin/Tarnwick"
+BUS_NAME = "dev.tarnwick.Tarnwick"
+
+# Long enough for sanitizers on a busy machine: a bound on failing, not a time that passing takes.
+PATIENCE = 30
+
+
+def wait_until(condition, what, patience=PATIENCE):
+    """Returns the first true answer of `condition`; fails when there is none in time."""
+    end = time.monotonic() + patience
+    while True:
+        answer = condition()
+        if answer:
+            return answer
+        if time.monotonic() > end:
+            raise AssertionError(f"waited {patience} s in vain for {what}")
+        time.sleep(0.02)
+
+
+class Desktop:
+    def __init__(self, compositor=True, size=(1280, 800), scale=1, language="en"):
+        self.size = size
+        self.processes = []
+        self.overlay = None
+        self.root_folder = Path(tempfile.mkdtemp(prefix="tarnwick-desktop-"))
+        self.home = self.root_folder / "home"
+        folders = {"HOME": self.home, "XDG_CONFIG_HOME": self.home / ".config",
+                   "XDG_DATA_HOME": self.home / ".local/share", "XDG_CACHE_HOME": self.home / ".cache",
+                   "XDG_RUNTIME_DIR": self.root_folder / "run"}
+        for folder in folders.values():
+            folder.mkdir(parents=True, mode=0o700)
+        self.defaults_file = folders["XDG_CONFIG_HOME"] / "Tarnwick/defaults.json"
+        self.environment = {name: value for name, value in os.environ.items()
+                            if name not in ("DISPLAY", "WAYLAND_DISPLAY", "DBUS_SESSION_BUS_ADDRESS",
+                                            "QT_QPA_PLATFORM", "LC_ALL", "LC_MESSAGES")}
+        self.environment.update({name: str(folder) for name, folder in folders.items()})
+        self.environment.update(LANG="C.UTF-8", LANGUAGE=language, QT_ACCESSIBILITY="0")
+        if scale != 1:
+            self.environment["QT_SCALE_FACTOR"] = str(scale)
+        try:
+            self._start(compositor)
+        except BaseException:
+            self.close()
+            raise
+
+    def __enter__(self):
+        return self
+
+    def __exit__(self, *_):
+        self.close()
+
+    def _start(self, compositor):
+        width, height = self.size
+        number = self._start_telling("-displayfd", ["Xvfb", "-screen", "0", f"{width}x{height}x24", "-nolisten",
+                                                    "tcp", "-noreset", "+extension", "Composite"])
+        self.environment["DISPLAY"] = f":{number}"
+        # The X client library takes its server from the environment's name only.
+        self.x = Display(f":{number}")
+        self.root = self.x.screen().root
+        self.bus_address = self._start_telling("--print-address", ["dbus-daemon", "--session", "--nofork"])
+        self.environment["DBUS_SESSION_BUS_ADDRESS"] = self.bus_address
+        self.bus = dbus.bus.BusConnection(self.bus_address)
+        self.paint_wallpaper(lambda _: WALLPAPER)
+        self.start(["openbox"])
+        wait_until(lambda: self._property(self.root, "_NET_SUPPORTING_WM_CHECK"), "the window manager")
+        if compositor:
+            self.start(["picom", "--backend", "xrender", "--config", "/dev/null"])
+            selection = self.x.intern_atom("_NET_WM_CM_S0")
+            wait_until(lambda: self.x.get_selection_owner(selection) != X.NONE, "the compositor")
+
+    def _start_telling(self, option, command):
+        """Starts a server that writes where it is to be found into a descriptor, and returns that."""
+        read_end, write_end = os.pipe()
+        argument = [f"{option}={write_end}"] if option.startswith("--") else [option, str(write_end)]
+        self.start(command + argument, pass_fds=[write_end])
+        os.close(write_end)
+        with os.fdopen(read_end) as answer:
+            line = answer.readline().strip()
+        if not line:
+            raise AssertionError(f"{command[0]} did not start")
+        return line
+
+    def start(self, command, **options):
+        """Starts a program on this desktop; it ends with the desktop."""
+        log = open(self.root_folder / f"{len(self.processes)}-{Path(command[0]).name}.log", "wb")
+        process = subprocess.Popen([str(part) for part in command], env=self.environment, cwd=self.home,
+                                   stdin=options.pop("stdin", subprocess.DEVNULL), stdout=log, stderr=log,
+                                   start_new_session=True, **options)
+        process.log = Path(log.name)
+        log.close()
+        self.processes.append(process)
+        return process
+
+    def close(self):
+        for process in reversed(self.processes):
+            if process.poll() is None:
+                process.terminate()
+                try:
+                    process.wait(5)
+                except subprocess.TimeoutExpired:
+                    process.kill()
+                    process.wait()
+        shutil.rmtree(self.root_folder, ignore_errors=True)
+
+    # The overlay
+
+    def start_overlay(self, defaults=None):
+        """Starts the overlay and returns when it hears notifications."""
+        if defaults is not None:
+            self.defaults_file.parent.mkdir(parents=True, exist_ok=True)
+            self.defaults_file.write_text(json.dumps(defaults))
+        self.overlay = self.start([PROGRAM])
+        wait_until(lambda: self.overlay_runs() and self.bus.name_has_owner(BUS_NAME), "the overlay's bus name")
+        return self.overlay
+
+    def overlay_runs(self):
+        """Fails with what it said when the overlay has ended by itself."""
+        if self.overlay.poll() is not None:
+            raise AssertionError(f"the overlay ended with {self.overlay.returncode}: "
+                                 + self.overlay.log.read_text(errors="replace")[-4000:])
+        return True
+
+    def kill_overlay(self):
+        self.overlay.send_signal(signal.SIGKILL)
+        self.overlay.wait()
+        wait_until(lambda: not self.bus.name_has_owner(BUS_NAME), "the bus to miss the overlay")
+
+    def run(self, *arguments, stdin=b"", timeout=PATIENCE):
+        """Runs the program in a command-line role."""
+        return subprocess.run([str(PROGRAM), *arguments], input=stdin, env=self.environment, cwd=self.home,
+                              capture_output=True, timeout=timeout)
+
+    def hook(self, **event):
+        """Relays one event; a hook succeeds silently, whatever happens."""
+        result = self.run("--hook", stdin=json.dumps(event).encode())
+        assert (result.returncode, result.stdout, result.stderr) == (0, b"", b""), result
+
+    def defaults(self):
+        return json.loads(self.defaults_file.read_text()) if self.defaults_file.exists() else {}
+
+    # The screen
+
+    def paint_wallpaper(self, colour_of_row):
+        """Fills the root window, for the server and for the compositor alike."""
+        width, height = self.size
+        self.wallpaper = self.root.create_pixmap(width, height, 24)
+        brush = self.wallpaper.create_gc()
+        for y in range(height):
+            red, green, blue = colour_of_row(y)
+            brush.change(foreground=red << 16 | green << 8 | blue)
+            self.wallpaper.fill_rectangle(brush, 0, y, width, 1)
+        self.root.change_property(self.x.intern_atom("_XROOTPMAP_ID"), Xatom.PIXMAP, 32, [self.wallpaper.id])
+        self.root.change_attributes(background_pixmap=self.wallpaper)
+        self.root.clear_area(0, 0, width, height)
+        self.x.sync()
+
+    def picture(self, x=0, y=0, width=None, height=None):
+        width, height = width or self.size[0] - x, height or self.size[1] - y
+        image = self.root.get_image(x, y, width, height, X.ZPixmap, 0xFFFFFFFF)
+        return Picture(x, y, width, height, bytes(image.data))
+
+    def top(self):
+        """The part of the screen that the overlay may draw on."""
+        return self.picture((self.size[0] - 940) // 2, 0, 940, 380)
+
+    def wait_for(self, condition, what, patience=PATIENCE):
+        """Waits for a picture of the overlay's part that satisfies the condition, and returns it."""
+        def look():
+            if self.overlay is not None:
+                self.overlay_runs()
+            picture = self.top()
+            return picture if condition(picture) else None
+        return wait_until(look, what, patience)
+
+    def wait_for_notch(self, width, height):
+        """Waits until the surface has come to rest at that size (0 × 0: is not to be seen). Its body is twelve
+        points narrower than the surface: the ears."""
+        body = max(width - 12, 0)
+        seen = []
+
+        def resting(picture):
+            seen.append(picture.notch()[:2])
+            return len(seen) >= 12 and all(size == (body, height) for size in seen[-12:])
+        try:
+            return self.wait_for(resting, f"a surface of {width} × {height}")
+        except AssertionError as error:
+            raise AssertionError(f"{error}; its body was last {seen[-1]}") from None
+
+    # The pointer
+
+    def move_pointer(self, x, y):
+        self.x.xtest_fake_input(X.MotionNotify, x=x, y=y)
+        self.x.sync()
+
+    def press(self, button=1):
+        self.x.xtest_fake_input(X.ButtonPress, button)
+        self.x.sync()
+
+    def release(self, button=1):
+        self.x.xtest_fake_input(X.ButtonRelease, button)
+        self.x.sync()
+
+    def click(self, button=1):
+        self.press(button)
+        self.release(button)
+
+    # Small helpers
+
+    def _property(self, window, name):
+        return window.get_full_property(self.x.intern_atom(name), X.AnyPropertyType)
