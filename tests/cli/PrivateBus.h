@@ -1,0 +1,38 @@
+#pragma once
+#include <string>
+#include <vector>
+
+#include "ChildProcess.h"
+#include "platform/NotificationCenter.h"
+
+namespace tarnwick {
+
+/// A message bus of the test's own, listening on the socket `bus` in a folder of its own.
+class PrivateBus {
+ public:
+  PrivateBus();
+  const std::string& folder() const { return folder_.path(); }
+  std::string address() const { return "unix:path=" + folder() + "/bus"; }
+
+ private:
+  TemporaryFolder folder_;
+  ChildProcess daemon_;
+};
+
+/// Hears the program's signals on a bus.
+class BusListener {
+ public:
+  struct Signal {
+    std::string member;
+    StringMap map;
+  };
+
+  explicit BusListener(const PrivateBus& bus);
+  /// Waits until that many signals have come in all, for a minute at most. @return all that have come
+  std::vector<Signal> waitFor(size_t count);
+
+ private:
+  ChildProcess monitor_;
+};
+
+}  // namespace tarnwick

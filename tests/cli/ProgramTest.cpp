@@ -1,0 +1,285 @@
+#include <gmock/gmock.h>
+#include <sys/stat.h>
+
+#include <atomic>
+#include <filesystem>
+#include <random>
+#include <thread>
+
+#include "ChildProcess.h"
+#include "FakeBus.h"
+#include "PrivateBus.h"
+#include "base/AtomicFile.h"
+#include "cli/JsonValue.h"
+
+using namespace tarnwick;
+using namespace std::chrono_literals;
+namespace fs = std::filesystem;
+
+namespace {
+
+#ifdef __SANITIZE_ADDRESS__
+constexpr size_t manyHooks = 200;
+constexpr auto startingTime = 2000ms;
+constexpr long memoryLimit = 1 << 20;
+#else
+constexpr size_t manyHooks = 2000;
+constexpr auto startingTime = 0ms;
+constexpr long memoryLimit = 160 << 10;
+#endif
+
+const std::string program = TARNWICK_PROGRAM;
+
+std::vector<std::string> at(const std::string& address) { return {"DBUS_SESSION_BUS_ADDRESS=" + address}; }
+
+/// Runs the program, which has to be silent and content.
+void expectSilence(const std::vector<std::string>& arguments, const std::vector<std::string>& environment,
+                   const std::string& input = "{}") {
+  std::vector<std::string> all{program};
+  all.insert(all.end(), arguments.begin(), arguments.end());
+  const auto result = ChildProcess::run(all, environment, input);
+  EXPECT_EQ(result.status, 0);
+  EXPECT_EQ(result.output + result.error, "");
+  EXPECT_LT(result.duration, startingTime + 500ms);
+}
+
+TEST(Program, RelaysHookEvents) {
+  const PrivateBus bus;
+  BusListener listener(bus);
+  expectSilence({"--hook"}, at(bus.address()), R"({"session_id":"1","prompt":"caf\u00e9 \u0000","cwd":7})");
+  // It wins over every other role; the address may be the last of several, or come from the runtime folder.
+  expectSilence({"--demo", "--install-hooks", "--hook"}, at("unix:path=/none;" + bus.address()), "{}");
+  expectSilence({"--hook"}, {"XDG_RUNTIME_DIR=" + bus.folder()}, R"({"session_id":"3"})");
+  expectSilence({"--hook"}, at(bus.address()), "[]");
+  expectSilence({"--hook"}, at(bus.address()), R"({"session_id":"not JSON)");
+  expectSilence({"--showcase", "type", "it's \xE9"}, at(bus.address()));
+  expectSilence({"--showcase", "begin"}, at(bus.address()));
+
+  const auto signals = listener.waitFor(5);
+  ASSERT_EQ(signals.size(), 5u);
+  EXPECT_EQ(signals[0].member, "event");
+  EXPECT_EQ(signals[0].map, (StringMap{{"session_id", "1"}, {"prompt", "café \uFFFD"}}));
+  EXPECT_EQ(signals[1].map, StringMap());
+  EXPECT_EQ(signals[2].map, (StringMap{{"session_id", "3"}}));
+  EXPECT_EQ(signals[3].member, "showcase");
+  EXPECT_EQ(signals[3].map, (StringMap{{"cmd", "type"}, {"arg", "it's \uFFFD"}}));
+  EXPECT_EQ(signals[4].map, (StringMap{{"cmd", "begin"}, {"arg", ""}}));
+}
+
+TEST(Program, RelaysEveryOneOfManyHookEvents) {
+  const PrivateBus bus;
+  BusListener listener(bus);
+  std::atomic<size_t> next = 0;
+  std::vector<std::thread> callers;
+  for (int caller = 0; caller < 8; ++caller) {
+    callers.emplace_back([&] {
+      for (size_t number = next++; number < manyHooks; number = next++) {
+        const std::string event = R"({"session_id":")" + std::to_string(number) + R"("})";
+        EXPECT_EQ(ChildProcess::run({program, "--hook"}, at(bus.address()), event).status, 0);
+      }
+    });
+  }
+  for (std::thread& caller : callers) caller.join();
+  std::vector<bool> hasCome(manyHooks);
+  for (const auto& signal : listener.waitFor(manyHooks))
+    hasCome[std::stoul(signal.map.at("session_id"))] = true;
+  EXPECT_THAT(hasCome, testing::Each(true));
+}
+
+TEST(Program, RelaysAHugePromptWithLittleMemory) {
+  const PrivateBus bus;
+  BusListener listener(bus);
+  const std::string event = R"({"prompt":")" + std::string(64 << 20, 'x') + R"(","session_id":"huge"})";
+  const auto result = ChildProcess::run({program, "--hook"}, at(bus.address()), event);
+  EXPECT_EQ(result.status, 0);
+  EXPECT_LT(result.memory, memoryLimit);
+  const auto signals = listener.waitFor(1);
+  ASSERT_EQ(signals.size(), 1u);
+  EXPECT_EQ(signals[0].map, (StringMap{{"prompt", std::string(200, 'x')}, {"session_id", "huge"}}));
+}
+
+TEST(Program, EndsSoonAndSilentlyWithoutAWorkingBus) {
+  const auto untilHangUp = [](int connection) {
+    char bytes[4096];
+    while (::read(connection, bytes, sizeof bytes) > 0) {
+    }
+  };
+  const auto oneByteAtATime = [](const std::string& start) {
+    return [start](int connection) {
+      for (size_t index = 0;; ++index) {
+        const char byte = index < start.size() ? start[index] : 'x';
+        if (::send(connection, &byte, 1, MSG_NOSIGNAL) < 0) return;
+        std::this_thread::sleep_for(1ms);
+      }
+    };
+  };
+  const auto flood = [](int connection) {
+    const std::string bytes =
+        "OK\r\n" + std::string("l\4\1\1\0\0\0\1\1\0\0\0\0\0\0\0", 16) + std::string(65536, 'x');
+    while (::send(connection, bytes.data(), bytes.size(), MSG_NOSIGNAL) > 0) {
+    }
+  };
+  const auto refuse = [&](int connection) {
+    ::send(connection, "REJECTED EXTERNAL\r\n", 19, MSG_NOSIGNAL);
+    untilHangUp(connection);
+  };
+  const auto hangUp = [](int) {};
+  for (const std::function<void(int)>& treat : std::initializer_list<std::function<void(int)>>{
+           nullptr, untilHangUp, oneByteAtATime(""), oneByteAtATime("DATA\r\nOK 0123\r\nl"), flood, refuse,
+           hangUp}) {
+    const FakeBus bus(treat);
+    expectSilence({"--hook"}, at(bus.address()));
+  }
+
+  // A queue of callers that is full.
+  const FakeBus busy(nullptr, 0);
+  std::vector<int> waiting;
+  for (int caller = busy.connect(); caller >= 0; caller = busy.connect()) waiting.push_back(caller);
+  expectSilence({"--hook"}, at(busy.address()));
+  for (const int caller : waiting) ::close(caller);
+
+  expectSilence({"--hook"}, {});
+  for (const std::string address : {"", "nonsense", "unix:path=/none", "unix:path=/dev/null",
+                                    "tcp:host=localhost", "unix:abstract=tarnwick-none"}) {
+    expectSilence({"--hook"}, at(address));
+  }
+  const std::string tooLong(200, 'x');
+  expectSilence({"--hook"}, at("unix:path=/" + tooLong));
+  expectSilence({"--showcase", "begin"}, at("unix:abstract=" + tooLong));
+}
+
+TEST(Program, AnswersWithItsExitStatus) {
+  const TemporaryFolder home;
+  const std::vector<std::string> environment{"HOME=" + home.path() + "//"};
+  const auto status = [&](const std::vector<std::string>& arguments) {
+    std::vector<std::string> all{program};
+    all.insert(all.end(), arguments.begin(), arguments.end());
+    return ChildProcess::run(all, environment).status;
+  };
+  const std::string path = home.path() + "/.claude/settings.json";
+  EXPECT_EQ(status({"--install-hooks", "--uninstall-hooks"}), 0);
+  EXPECT_NE(contentsOf(path).find("Tarnwick' --hook"), std::string::npos);
+  EXPECT_EQ(status({"--uninstall-hooks"}), 0);
+  EXPECT_EQ(contentsOf(path), "{}\n");
+  ASSERT_FALSE(writeFileAtomically(path, "[]"));
+  EXPECT_EQ(status({"--install-hooks"}), 1);
+  EXPECT_EQ(status({"--uninstall-hooks"}), 1);
+  EXPECT_EQ(contentsOf(path), "[]");
+
+  const auto help = ChildProcess::run({program, "--version", "--help"}, {});
+  EXPECT_EQ(help.status, 0);
+  EXPECT_THAT(help.output, testing::StartsWith("Usage: Tarnwick"));
+  EXPECT_THAT(ChildProcess::run({program, "--version"}, {}).output,
+              testing::MatchesRegex("Tarnwick [0-9.]+\n"));
+}
+
+/// A copy of the program in a tree of its own, in a folder whose name is a test of the shell's quoting.
+class InstalledTree {
+ public:
+  InstalledTree() {
+    fs::create_directories(folder + "/bin");
+    fs::create_directories(folder + "/libexec/Tarnwick");
+    fs::copy_file(program, executable);
+  }
+  const TemporaryFolder root;
+  const std::string folder = fs::canonical(root.path()).string() + "/it's \"$HOME\" `a` \\ 'Tarn";
+  const std::string executable = folder + "/bin/Tarnwick";
+};
+
+TEST(Program, BecomesTheOverlay) {
+  const InstalledTree tree;
+  const std::string overlay = tree.folder + "/bin/../libexec/Tarnwick/overlay";
+  const auto missing = ChildProcess::run({tree.executable}, {});
+  EXPECT_EQ(missing.status, 127);
+  EXPECT_EQ(missing.error,
+            "Tarnwick: could not start the overlay " + overlay + ": No such file or directory\n");
+
+  // What stands in for the overlay tells its arguments and its environment.
+  ASSERT_FALSE(writeFileAtomically(overlay, "#!/bin/sh\nprintf '%s\\n' \"$@\" \"$A\"; exit 7\n", 0700));
+  fs::create_symlink(tree.executable, tree.root.path() + "/link");
+  for (const std::string& start : {tree.executable, tree.root.path() + "/link"}) {
+    const auto result = ChildProcess::run({start, "--unknown", "a b"}, {"A=1"});
+    EXPECT_EQ(result.status, 7);
+    EXPECT_EQ(result.output, "--unknown\na b\n1\n");
+    EXPECT_EQ(ChildProcess::run({start, "--snapshot", "/out"}, {}).output, "--snapshot\n/out\n\n");
+  }
+
+  // Argument 0 is the program's real path.
+  fs::remove(overlay);
+  fs::copy_file("/bin/cat", overlay);
+  const auto result = ChildProcess::run({tree.root.path() + "/link", "/proc/self/cmdline"}, {});
+  EXPECT_EQ(result.output, tree.executable + std::string("\0/proc/self/cmdline\0", 20));
+}
+
+TEST(Program, IsRunByTheCommandThatItInstalls) {
+  const InstalledTree tree;
+  const PrivateBus bus;
+  BusListener listener(bus);
+  const auto installed =
+      ChildProcess::run({tree.executable, "--install-hooks"}, {"HOME=" + tree.root.path()});
+  ASSERT_EQ(installed.status, 0);
+  const size_t start = installed.output.find("Command: ") + 9;
+  const std::string command = installed.output.substr(start, installed.output.size() - start - 1);
+
+  const auto result =
+      ChildProcess::run({"sh", "-c", command}, at(bus.address()), R"({"session_id":"quoted"})");
+  EXPECT_EQ(result.status, 0);
+  EXPECT_EQ(result.error, "");
+  const auto signals = listener.waitFor(1);
+  ASSERT_EQ(signals.size(), 1u);
+  EXPECT_EQ(signals[0].map, (StringMap{{"session_id", "quoted"}}));
+
+  ASSERT_EQ(ChildProcess::run({tree.executable, "--uninstall-hooks"}, {"HOME=" + tree.root.path()}).status,
+            0);
+  EXPECT_EQ(contentsOf(tree.root.path() + "/.claude/settings.json"), "{}\n");
+}
+
+/// A settings file that takes a while to write, and the two texts that it may ever hold.
+class LargeSettings {
+ public:
+  LargeSettings() {
+    JsonArray list(20000, JsonValue{JsonObject{{"key", {"some text of the user's"}}}});
+    fs::create_directories(home.path() + "/.claude");
+    EXPECT_FALSE(writeFileAtomically(path, *writeJson({JsonObject{{"list", {std::move(list)}}}})));
+    run("--install-hooks").wait();
+    installed = contentsOf(path);
+    run("--uninstall-hooks").wait();
+    uninstalled = contentsOf(path);
+    EXPECT_NE(installed, uninstalled);
+  }
+  ChildProcess run(const std::string& role) const { return {{program, role}, {"HOME=" + home.path()}}; }
+  bool isWhole() const {
+    const std::string contents = contentsOf(path);
+    return contents == installed || contents == uninstalled;
+  }
+  const TemporaryFolder home;
+  const std::string path = home.path() + "/.claude/settings.json";
+  std::string installed, uninstalled;
+};
+
+TEST(Program, KilledAtAnyInstantLeavesAWholeFile) {
+  const LargeSettings settings;
+  const auto usual = settings.run("--install-hooks").wait().duration;
+  std::mt19937 random(1);
+  std::uniform_int_distribution<long> instant(0, std::chrono::microseconds(usual).count());
+  for (int round = 0; round < 60; ++round) {
+    ChildProcess process = settings.run(round % 2 ? "--install-hooks" : "--uninstall-hooks");
+    // The instant of the kill is what varies here: nothing is waited for.
+    std::this_thread::sleep_for(std::chrono::microseconds(instant(random)));
+    process.kill();
+    process.wait();
+    ASSERT_TRUE(settings.isWhole());
+  }
+}
+
+TEST(Program, RunTwiceAtOnceLeavesAWholeFile) {
+  const LargeSettings settings;
+  for (int round = 0; round < 10; ++round) {
+    ChildProcess first = settings.run("--install-hooks"), second = settings.run("--uninstall-hooks");
+    EXPECT_EQ(first.wait().status, 0);
+    EXPECT_EQ(second.wait().status, 0);
+    ASSERT_TRUE(settings.isWhole());
+  }
+}
+
+}  // namespace
