@@ -28,7 +28,7 @@ class DBusNotificationCenter : public QObject, public NotificationCenter {
 
   Subscription observe(const std::string& name, std::function<void(const StringMap&)> receive) override;
 
- private slots:
+ private Q_SLOTS:
   void receive(const QDBusMessage& message);
   void disconnected();
 

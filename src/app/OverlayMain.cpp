@@ -1,0 +1,102 @@
+#include <fcntl.h>
+#include <signal.h>
+#include <unistd.h>
+
+#include <QApplication>
+#include <QSocketNotifier>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <string>
+
+#include "app/AppDelegate.h"
+
+namespace {
+
+int signalPipe[2];
+
+void noteSignal(int) {
+  const char byte = 0;
+  // Nothing can be done when the pipe is full: then the loop has been told already.
+  [[maybe_unused]] const ssize_t written = ::write(signalPipe[1], &byte, 1);
+}
+
+/// Lets the loop end when the session or the user ends the process.
+void quitOnSignals(QApplication& application) {
+  if (::pipe2(signalPipe, O_CLOEXEC | O_NONBLOCK) != 0) return;
+  auto* notifier = new QSocketNotifier(signalPipe[0], QSocketNotifier::Read, &application);
+  QObject::connect(notifier, &QSocketNotifier::activated, &application, &QApplication::quit);
+  struct sigaction action = {};
+  action.sa_handler = noteSignal;
+  action.sa_flags = SA_RESTART;
+  for (const int signal : {SIGTERM, SIGINT, SIGHUP}) ::sigaction(signal, &action, nullptr);
+}
+
+/// The path of the command that users know: what started us, or its place beside this program.
+std::string commandPath(const char* argument) {
+  if (std::filesystem::path(argument).filename() == "Tarnwick") return argument;
+  std::error_code error;
+  const auto self = std::filesystem::read_symlink("/proc/self/exe", error);
+  return (self.parent_path() / "../../bin/Tarnwick").lexically_normal();
+}
+
+/// Sets a variable that only the toolkit's start shall see, not the programs that we start.
+class StartupVariable {
+ public:
+  StartupVariable(const char* name, const char* value)
+      : name_(name), wasSet_(qEnvironmentVariableIsSet(name)) {
+    before_ = qgetenv(name);
+    qputenv(name, value);
+  }
+  ~StartupVariable() { wasSet_ ? qputenv(name_, before_) : qunsetenv(name_); }
+
+ private:
+  const char* name_;
+  bool wasSet_;
+  QByteArray before_;
+};
+
+std::unique_ptr<QApplication> makeApplication(int& count, char** arguments) {
+  // Everything about the window is X11; a Wayland session offers it through XWayland.
+  const StartupVariable platform("QT_QPA_PLATFORM", "xcb");
+  // Desktop themes load a second toolkit, for looks that none of our windows show.
+  const StartupVariable theme("QT_QPA_PLATFORMTHEME", "generic");
+  QCoreApplication::setAttribute(Qt::AA_DisableSessionManager);
+  QApplication::setDesktopSettingsAware(false);
+  auto application = std::make_unique<QApplication>(count, arguments);
+  QApplication::setApplicationName("Tarnwick");
+  QGuiApplication::setDesktopFileName("dev.tarnwick.Tarnwick");
+  QApplication::setQuitOnLastWindowClosed(false);
+  return application;
+}
+
+}  // namespace
+
+int main(int, char** argv) {
+  const auto connection = tarnwick::X11Connection::open();
+  if (!connection) {
+    std::fputs(
+        "Tarnwick: no X display can be opened. Start it inside a graphical session, or set DISPLAY.\n"
+        "In a Wayland session, XWayland must be running.\n",
+        stderr);
+    return EXIT_FAILURE;
+  }
+
+  // Unknown arguments mean the overlay, and mean nothing to the toolkit either.
+  std::string command = commandPath(argv[0]);
+  char* arguments[] = {command.data(), nullptr};
+  int count = 1;
+  const auto application = makeApplication(count, arguments);
+  quitOnSignals(*application);
+
+  tarnwick::AppDelegate delegate(*connection);
+  if (delegate.anotherOverlayRuns()) {
+    std::fputs("Tarnwick is running already.\n", stderr);
+    return EXIT_SUCCESS;
+  }
+  connection->start();
+  delegate.applicationDidFinishLaunching();
+  QApplication::exec();
+  // The stores have written what changed. Taking everything apart would only wait for services that may hang.
+  std::_Exit(EXIT_SUCCESS);
+}
