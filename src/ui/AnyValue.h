@@ -14,7 +14,9 @@ class AnyValue {
     requires(!std::same_as<T, AnyValue>)
   AnyValue(T value) : box_(std::make_shared<Box<T>>(std::move(value))) {}
 
-  friend bool operator==(const AnyValue& a, const AnyValue& b) {
+  // A template, so that nothing is converted to compare it: every pair that holds a value would ask for that.
+  template<std::same_as<AnyValue> Same>
+  friend bool operator==(const Same& a, const Same& b) {
     if (a.box_ == b.box_) return true;
     return a.box_ && b.box_ && a.box_->equals(*b.box_);
   }
