@@ -1,0 +1,41 @@
+#include "views/BannerView.h"
+
+#include "ui/Dynamic.h"
+
+namespace tarnwick {
+
+using namespace ui;
+
+namespace {
+
+constexpr Animation pop = spring(0.45, 0.55).delayed(0.08);
+
+View badge(const Banner& banner, bool appeared) {
+  return Circle()
+      .fill(banner.tint.opacity(0.18))
+      .frame({.width = 40, .height = 40})
+      .overlay(Symbol(banner.icon).font({20, Weight::semibold}).foreground(banner.tint).bounce(appeared))
+      .scaleEffect(appeared ? 1 : 0.4);
+}
+
+}  // namespace
+
+View bannerView(const Banner& banner) {
+  return stateful(false, [banner](State<bool> appeared) {
+    return HStack({.spacing = 14},
+                  {
+                      badge(banner, appeared),
+                      VStack({.spacing = 2, .align = Align::leading},
+                             {
+                                 Text(banner.title).font({14, Weight::semibold}),
+                                 Text(banner.subtitle).font({12}).foreground(white(0.65)),
+                             }),
+                      Spacer(),
+                  })
+        .padding(Edge::horizontal, 22)
+        .padding(Edge::top, 10)
+        .onAppear([appeared] { withAnimation(pop, [&] { appeared.set(true); }); });
+  });
+}
+
+}  // namespace tarnwick

@@ -1,0 +1,29 @@
+#include "views/ExpandedBody.h"
+
+#include "ui/View.h"
+#include "views/ClaudeView.h"
+#include "views/Transitions.h"
+
+namespace tarnwick {
+
+using namespace ui;
+
+namespace {
+
+/// The home, audio, tray and notes pages do not exist yet.
+View page(NotchModel& model) { return model.tab == Tab::claude ? claudeView(model.claude) : View(); }
+
+}  // namespace
+
+View expandedBody(NotchModel& model) {
+  const View shown = page(model)
+                         .frame({.maxWidth = infinity, .maxHeight = infinity, .align = UnitPoint::top})
+                         .id(std::string(rawValue(model.tab)))
+                         .transition(tabSlide(model.tabDirection));
+  return ZStack(UnitPoint::top, {shown})
+      .padding(Edge::horizontal, 18)
+      .padding(Edge::top, 6)
+      .padding(Edge::bottom, 12);
+}
+
+}  // namespace tarnwick

@@ -1,0 +1,86 @@
+#include "views/NotchRootView.h"
+
+#include "base/L10n.h"
+#include "ui/Dynamic.h"
+#include "views/BannerView.h"
+#include "views/ExpandedBody.h"
+#include "views/NotchShape.h"
+#include "views/TopStrip.h"
+#include "views/Transitions.h"
+
+namespace tarnwick {
+
+using namespace ui;
+
+namespace {
+
+View glow(Color color, UnitPoint center, double radius) {
+  return Rectangle().fill(radialGradient({color, color.opacity(0)}, center, radius));
+}
+
+/// The light that what is shown throws on the surface, or none.
+View glow(const NotchModel& model) {
+  const Presentation presentation = model.presentation();
+  if (presentation == Presentation::banner) {
+    return glow((*model.banner)->tint.opacity(0.25), {0.1, 0.75}, 220)
+        .id("banner")
+        .transition(Transition::opacity());
+  }
+  if (presentation == Presentation::expanded && model.tab == Tab::home && !model.media.title->empty() &&
+      !model.isDraggingFiles) {
+    Transition slowFade = Transition::opacity();
+    slowFade.insertionAnimation = slowFade.removalAnimation = easeInOut(0.5);
+    return glow(model.media.accent->opacity(0.32), {0.14, 0.62}, 300).id("home").transition(slowFade);
+  }
+  return {};
+}
+
+View banner(const NotchModel& model) {
+  if (model.presentation() != Presentation::banner) return {};
+  const Banner& shown = **model.banner;
+  return bannerView(shown)
+      .padding(Edge::top, model.notchSize->height)
+      .id(shown.id.text())
+      .transition(notchContent(0.06, UnitPoint::top));
+}
+
+View body(NotchModel& model) {
+  if (model.presentation() != Presentation::expanded) return {};
+  return expandedBody(model)
+      .padding(Edge::top, model.notchSize->height)
+      .id("expanded")
+      .transition(notchContent(0.07, UnitPoint::top));
+}
+
+View surface(NotchModel& model, Namespace names, const std::function<void()>& openSettings) {
+  const Presentation presentation = model.presentation();
+  const Size size = model.size();
+  const Shape shape = NotchShape(notchFlare, notchBottomRadius(presentation, model.isHovering));
+  const bool expanded = presentation == Presentation::expanded;
+  const bool casts = expanded || presentation == Presentation::banner;
+  const bool hidden = presentation == Presentation::idle && !model.hasNotch && !model.isHovering;
+  return ZStack(UnitPoint::top, {topStrip(model, names, openSettings), banner(model), body(model)})
+      .padding(Edge::horizontal, notchFlare)
+      .foreground(white())
+      .frame({.width = size.width, .height = size.height, .align = UnitPoint::top})
+      .background(ZStack(UnitPoint::center, {Rectangle().fill(black()), glow(model)}))
+      .clipShape(shape)
+      .shadow(black(casts ? 0.35 : 0), 8, {0, 3})
+      .shadow(black(casts ? 0.3 : 0), 26, {0, 10})
+      .opacity(hidden ? 0 : 1)
+      .contentShape(shape)
+      .onTap([&model] { withAnimation(notchOpen, [&] { model.expand(); }); }, !expanded)
+      .id(surfaceId);
+}
+
+}  // namespace
+
+View notchRootView(NotchModel& model, std::function<void()> openSettings) {
+  const Namespace names = Namespace::make();
+  return observing({&model, &model.settings, &model.claude, &model.media}, [&model, names, openSettings] {
+    return VStack({}, {surface(model, names, openSettings)})
+        .frame({.maxWidth = infinity, .maxHeight = infinity, .align = UnitPoint::top});
+  });
+}
+
+}  // namespace tarnwick

@@ -1,0 +1,78 @@
+#include "views/SessionRow.h"
+
+#include "base/L10n.h"
+#include "claude/ClaudeService.h"
+#include "ui/Dynamic.h"
+#include "views/ClaudeStatusGlyph.h"
+#include "views/CrabView.h"
+#include "views/SparkleSpinner.h"
+
+namespace tarnwick {
+
+using namespace ui;
+
+namespace {
+
+View phaseIndicator(Phase phase) {
+  switch (phase) {
+    case Phase::working:
+      return sparkleSpinner(crabOrange).id("working").transition(Transition::opacity());
+    case Phase::waiting:
+      return raisedHand().id("waiting").transition(Transition::opacity());
+    case Phase::done:
+      return Symbol("checkmark.circle.fill")
+          .foreground(colors::green)
+          .id("done")
+          .transition(Transition::scale(0.00001).combined(Transition::opacity()));
+    case Phase::idle:
+      return Symbol("moon.zzz.fill").foreground(white(0.4)).id("idle").transition(Transition::opacity());
+  }
+  return {};
+}
+
+View texts(const Session& session) {
+  return VStack({.spacing = 1, .align = Align::leading},
+                {
+                    Text(session.project).font({13, Weight::semibold, Design::rounded}),
+                    Text(session.activity)
+                        .font({11, Weight::regular, Design::monospaced})
+                        .foreground(white(0.55))
+                        .truncated(Truncation::middle)
+                        .contentTransition(ContentTransition::opacity),
+                });
+}
+
+}  // namespace
+
+std::string elapsedText(const Session& session, Date now) {
+  if (!session.finishedAt) return ClaudeService::format(now - session.startedAt);
+  const auto seconds = static_cast<long long>(now - *session.finishedAt);
+  if (seconds <= 59) return tr("just now", "à l'instant");
+  const std::string minutes = std::to_string(seconds / 60);
+  return tr(minutes + " min ago", "il y a " + minutes + " min");
+}
+
+View sessionRow(const Session& session) {
+  return stateful(false, [session](State<bool> hovering) {
+    return HStack({.spacing = 10},
+                  {
+                      ZStack(UnitPoint::center, {phaseIndicator(session.phase)}).frame({.width = 20}),
+                      texts(session),
+                      Spacer(),
+                      everySecond([session](Date now) {
+                        return Text(elapsedText(session, now))
+                            .font({11, Weight::medium})
+                            .monospacedDigits()
+                            .foreground(white(0.45));
+                      }),
+                  })
+        .padding(Edge::horizontal, 10)
+        .frame({.height = sessionRowHeight})
+        .background(RoundedRectangle(10).fill(white(hovering ? 0.07 : 0.03)))
+        .animation(easeOut(0.15), hovering.get())
+        .onHover(hovering)
+        .accessibility(Role::text, session.project + ": " + session.activity);
+  });
+}
+
+}  // namespace tarnwick

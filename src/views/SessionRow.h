@@ -1,0 +1,18 @@
+#pragma once
+#include <string>
+
+#include "claude/Session.h"
+#include "ui/View.h"
+
+namespace tarnwick {
+
+/// Height of a row in the list of sessions, in points.
+inline constexpr double sessionRowHeight = 40;
+
+/// One Claude Code session: what it is up to, its project and activity, and since when.
+ui::View sessionRow(const Session& session);
+
+/// How long the session has been at it, or how long ago it finished.
+std::string elapsedText(const Session& session, Date now);
+
+}  // namespace tarnwick

@@ -1,0 +1,13 @@
+#pragma once
+#include "core/NotchModel.h"
+#include "ui/View.h"
+
+namespace tarnwick {
+
+/// What a tab is called in the user's language.
+std::string tabTitle(Tab tab);
+
+/// The expanded notch's tabs. The mascot shares the matched geometry "crab" of `names`.
+ui::View tabBar(NotchModel& model, ui::Namespace names);
+
+}  // namespace tarnwick
