@@ -29,7 +29,14 @@ Transition Transition::combined(const Transition& other) const {
   return {.insertion = combine(insertion, other.insertion),
           .removal = combine(removal, other.removal),
           .insertionAnimation = other.insertionAnimation ? other.insertionAnimation : insertionAnimation,
-          .removalAnimation = other.removalAnimation ? other.removalAnimation : removalAnimation};
+          .removalAnimation = other.removalAnimation ? other.removalAnimation : removalAnimation,
+          .governsPredecessor = governsPredecessor || other.governsPredecessor};
+}
+
+Transition Transition::andPredecessor() const {
+  Transition copy = *this;
+  copy.governsPredecessor = true;
+  return copy;
 }
 
 }  // namespace tarnwick::ui

@@ -13,6 +13,9 @@ struct Transition {
   /// Without an animation of its own a side runs along the one of the commit, or not at all.
   std::optional<Animation> insertionAnimation = {};
   std::optional<Animation> removalAnimation = {};
+  /// The view whose place the new one takes leaves by this transition, too, instead of by its own: for moves with
+  /// a direction that is only known when the move happens.
+  bool governsPredecessor = false;
 
   /// Fades.
   static Transition opacity();
@@ -22,6 +25,8 @@ struct Transition {
   static Transition identity();
   /// Both at the same time; the other's animations win where it has some.
   Transition combined(const Transition& other) const;
+  /// This transition, with `governsPredecessor` set.
+  Transition andPredecessor() const;
 };
 
 }  // namespace tarnwick::ui

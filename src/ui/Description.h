@@ -1,0 +1,57 @@
+#pragma once
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "ui/Element.h"
+#include "ui/View.h"
+
+namespace tarnwick::ui {
+
+/// What every kind of view can carry besides its own content.
+struct Attributes {
+  struct Match {
+    std::string id;
+    Namespace names;
+    friend bool operator==(const Match&, const Match&) = default;
+  };
+  struct Shadow {
+    Color color;
+    double radius;
+    Point offset;
+    friend bool operator==(const Shadow&, const Shadow&) = default;
+  };
+  struct Bounce {
+    AnyValue value;
+    bool onAppear;
+  };
+
+  std::string key;
+  Effects effects;
+  bool hasEffects = false;
+  std::optional<Shape> clip;
+  std::vector<Shadow> shadows;
+  std::vector<std::pair<Animation, AnyValue>> animations;
+  std::optional<Transition> transition;
+  std::optional<Match> match;
+  std::optional<Bounce> bounce;
+  std::optional<Font> font;
+  std::optional<Color> foreground;
+  std::optional<Truncation> truncation;
+  std::optional<ContentTransition> contentTransition;
+  bool monospacedDigits = false;
+  std::shared_ptr<const Interaction> interaction;
+  std::function<void()> onAppear;
+};
+
+/// What a `View` holds: shared and never changed once it is.
+struct Description {
+  std::shared_ptr<const Element> element;
+  std::vector<View> children;
+  Attributes attributes;
+};
+
+}  // namespace tarnwick::ui

@@ -1,0 +1,20 @@
+#pragma once
+#include "ui/Dynamic.h"
+#include "ui/Element.h"
+
+namespace tarnwick::ui {
+
+/// Stands for the view that its body makes.
+class DynamicElement : public Element {
+ public:
+  explicit DynamicElement(DynamicBody body) : body_(std::move(body)) {}
+  std::string_view kind() const override { return "Dynamic"; }
+  bool equals(const Element&) const override { return false; }
+  bool affectsLayout(const Element&) const override { return false; }
+  const DynamicBody& body() const { return body_; }
+
+ private:
+  DynamicBody body_;
+};
+
+}  // namespace tarnwick::ui

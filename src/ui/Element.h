@@ -1,0 +1,74 @@
+#pragma once
+#include <memory>
+#include <optional>
+#include <string_view>
+#include <vector>
+
+#include "base/Geometry.h"
+#include "ui/Environment.h"
+
+class QPainter;
+class QPainterPath;
+
+namespace tarnwick::ui {
+
+class Node;
+class View;
+
+/// The size that a parent offers; absent: the child's own choice.
+struct Proposal {
+  std::optional<double> width, height;
+  friend bool operator==(const Proposal&, const Proposal&) = default;
+};
+
+/// What a child answers.
+struct Measured {
+  Size size;
+  /// Distance of the first line's baseline from the top.
+  std::optional<double> baseline = {};
+};
+
+/// What an element draws with.
+struct DrawContext {
+  QPainter& painter;
+  /// The size as presented now, and the one it was laid out for.
+  Size size, layoutSize;
+  const Environment& environment;
+  /// `animatedValues`, as presented now.
+  const std::vector<double>& values;
+  /// While one content gives way to another: what was shown before, and how far the change is (0…1).
+  const class Element* previous;
+  double change;
+};
+
+/// One kind of view: how it measures itself, places its children and draws. Elements never change; what changes
+/// lives in the `Node` that shows them.
+class Element {
+ public:
+  virtual ~Element() = default;
+  virtual std::string_view kind() const = 0;
+  /// Whether it draws and measures as `other`, which is of the same kind.
+  virtual bool equals(const Element& other) const = 0;
+
+  /// Whether it may need another size than `before`, which it takes over from.
+  virtual bool affectsLayout(const Element&) const { return true; }
+
+  /// The numbers that are to be animated when they change.
+  virtual std::vector<double> animatedValues(const Environment&) const { return {}; }
+  /// The first child's answer; without children all that is offered, 10 points where nothing is.
+  virtual Measured measure(Node& node, Proposal proposal) const;
+  /// Gives every child all of `size`.
+  virtual void place(Node& node, Size size) const;
+  virtual void draw(DrawContext&) const {}
+  /// Whether `draw` does anything.
+  virtual bool draws() const { return false; }
+  /// The outline of what is drawn, for a shadow; empty: none known.
+  virtual const class ShapeElement* shape() const { return nullptr; }
+  /// How far it draws beyond its frame, in points.
+  virtual double overflow() const { return 0; }
+};
+
+/// Whether two elements are interchangeable.
+bool equal(const Element& a, const Element& b);
+
+}  // namespace tarnwick::ui

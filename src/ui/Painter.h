@@ -1,0 +1,36 @@
+#pragma once
+#include <QImage>
+#include <QTransform>
+
+#include "ui/Node.h"
+
+class QPainter;
+
+namespace tarnwick::ui {
+
+/// Draws presented nodes into a picture.
+class Painter {
+ public:
+  explicit Painter(double pixelRatio) : ratio_(pixelRatio) {}
+  /// Clears and paints the part `area` (points) of the scene in `target`.
+  void paint(Node& root, QImage& target, const Rect& area);
+
+ private:
+  /// What is drawn on: from the scene's points to its pixels.
+  struct Surface {
+    QImage& image;
+    QPainter& painter;
+    QTransform toPixels;
+    /// In scene points: nothing outside needs drawing.
+    Rect clip;
+  };
+  void draw(Node& node, Surface& surface, double opacity);
+  void drawContent(Node& node, Surface& surface, double opacity);
+  void drawGroup(Node& node, Surface& surface, double opacity);
+  void drawShadows(Node& node, Surface& surface, double opacity);
+  QImage render(Node& node, const Rect& rect, double scale, double blurRadius);
+
+  double ratio_;
+};
+
+}  // namespace tarnwick::ui

@@ -1,0 +1,85 @@
+#pragma once
+#include <functional>
+#include <memory>
+#include <optional>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "base/Animation.h"
+#include "base/Scheduler.h"
+#include "ui/SceneInput.h"
+#include "ui/View.h"
+
+class QImage;
+
+namespace tarnwick::ui {
+
+class Node;
+
+/// A tree of views on the screen. It compares each new description with what is shown, keeps what moves moving,
+/// and knows what must be painted again. It draws nothing by itself: a host asks for frames.
+class Scene : public transaction::Committer {
+ public:
+  Scene(Scheduler& scheduler, Size size, View root, double pixelRatio = 1);
+  ~Scene() override;
+
+  void setSize(Size size);
+  /// Device pixels per point.
+  void setPixelRatio(double ratio);
+  Size size() const { return size_; }
+  double pixelRatio() const { return pixelRatio_; }
+
+  /// Called when there is something to show: the host is to call `frame` soon.
+  std::function<void()> onNeedsFrame;
+
+  /// Takes over pending changes and moves everything to the present. @return true while anything is in motion.
+  bool frame();
+  /// What has to be painted again since the last call, in points.
+  std::vector<Rect> takeDamage();
+  /// Paints what lies in `area` (points) into `target`, which shows the scene from its top left corner at
+  /// `pixelRatio`.
+  void paint(QImage& target, const Rect& area);
+
+  /// What the pointer does; all in points.
+  SceneInput& input() { return input_; }
+
+  /// The frame, as presented now, of the view with that explicit id; none while there is no such view or it
+  /// cannot be seen.
+  std::optional<Rect> presentedFrame(const std::string& id) const;
+  /// The shape that the view with that id is clipped to, as presented now, in its own coordinates.
+  std::optional<Shape> presentedClip(const std::string& id) const;
+
+  void commit(const std::optional<Animation>& animation) override;
+
+ private:
+  friend class Reconciler;
+  friend class SceneInput;
+  friend class Inspector;
+
+  void invalidate(Node& node);
+  void scrolled();
+  void layOut(class Reconciler& reconciler);
+  void finishLeaving(Node& node);
+  void updateTimelines();
+  void discard(std::unique_ptr<Node> node);
+  void forget(Node& node);
+  void addDamage(const Rect& rect);
+  Node* find(Node& node, const std::string& key) const;
+
+  Scheduler& scheduler_;
+  Size size_;
+  double pixelRatio_;
+  std::unique_ptr<Node> root_;
+  std::set<Node*> dirty_;
+  std::set<Node*> timelines_;
+  std::vector<std::function<void()>> appeared_;
+  std::vector<Rect> damage_;
+  Task pendingCommit_;
+  unsigned commitNumber_ = 0;
+  bool committing_ = false;
+  bool structureChanged_ = true;
+  SceneInput input_;
+};
+
+}  // namespace tarnwick::ui

@@ -1,0 +1,62 @@
+#pragma once
+#include <functional>
+#include <optional>
+#include <set>
+#include <string>
+
+#include "base/Geometry.h"
+#include "base/ObservableObject.h"
+#include "base/Scheduler.h"
+
+namespace tarnwick::ui {
+
+class Node;
+class Scene;
+
+/// Brings the pointer to the views of a scene.
+class SceneInput {
+ public:
+  explicit SceneInput(Scene& scene) : scene_(scene) {}
+
+  void moved(Point point);
+  void left();
+  void pressed(Point point);
+  void released(Point point);
+  /// Scrolls the innermost scroll view at `point` that has a way to go. @return false where there is none.
+  bool scrolled(Point point, Point delta);
+
+  /// The text of the tooltip on show, and where the pointer rests.
+  struct Tooltip {
+    std::string text;
+    Point point;
+  };
+  const std::optional<Tooltip>& tooltip() const { return tooltip_; }
+  /// Notifies when the tooltip comes or goes.
+  const ObservableObject& tooltipChanges() const { return tooltipChanges_; }
+
+ private:
+  friend class Scene;
+  void sceneMoved();
+  void forget(Node& node);
+  void forgetAll();
+  void updateHover();
+  void setTooltip(std::optional<Tooltip> tooltip);
+  Node* hit(Node& node, Point point, const std::function<bool(const Node&)>& wanted) const;
+  Point inNode(const Node& node, Point point) const;
+
+  Scene& scene_;
+  std::optional<Point> pointer_;
+  std::set<Node*> hovered_;
+  Node* pressed_ = nullptr;
+  Point pressedAt_;
+  bool dragging_ = false;
+  bool pressShown_ = false;
+  Node* lastTapped_ = nullptr;
+  double lastTapTime_ = 0;
+  Node* tooltipNode_ = nullptr;
+  std::optional<Tooltip> tooltip_;
+  Task tooltipTimer_;
+  ObservableObject tooltipChanges_;
+};
+
+}  // namespace tarnwick::ui

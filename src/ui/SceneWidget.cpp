@@ -1,0 +1,102 @@
+#include "ui/SceneWidget.h"
+
+#include <QMouseEvent>
+#include <QPainter>
+#include <QScreen>
+#include <algorithm>
+#include <cmath>
+
+#include "ui/Drawing.h"
+
+namespace tarnwick::ui {
+namespace {
+
+Point fromQt(QPointF p) { return {p.x(), p.y()}; }
+
+/// Points that one notch of a wheel scrolls.
+constexpr double wheelStep = 48;
+
+}  // namespace
+
+SceneWidget::SceneWidget(Scheduler& scheduler, Size size, View root)
+    : scheduler_(scheduler), scene_(scheduler, size, std::move(root)) {
+  setAttribute(Qt::WA_NoSystemBackground);
+  setAttribute(Qt::WA_OpaquePaintEvent);
+  setMouseTracking(true);
+  resize(int(size.width), int(size.height));
+  clock_.setSingleShot(true);
+  clock_.setTimerType(Qt::PreciseTimer);
+  connect(&clock_, &QTimer::timeout, this, [this] { runFrame(); });
+  scene_.onNeedsFrame = [this] { scheduleFrame(); };
+}
+
+double SceneWidget::frameInterval() const {
+  const double rate = screen() ? screen()->refreshRate() : 60;
+  return 1 / std::clamp(rate, 30.0, 240.0);
+}
+
+/// The next frame is at once, or a frame's time after the last one.
+void SceneWidget::scheduleFrame() {
+  if (clock_.isActive() || !isVisible()) return;
+  const double wait = lastFrame_ + frameInterval() - scheduler_.uptime();
+  clock_.start(std::max(0, int(std::floor(wait * 1000))));
+}
+
+void SceneWidget::adoptPixelRatio() {
+  const double ratio = devicePixelRatioF();
+  const QSize pixels(int(std::ceil(scene_.size().width * ratio)), int(std::ceil(scene_.size().height * ratio)));
+  if (image_.size() == pixels && scene_.pixelRatio() == ratio) return;
+  image_ = QImage(pixels, QImage::Format_ARGB32_Premultiplied);
+  image_.fill(Qt::transparent);
+  scene_.setPixelRatio(ratio);
+}
+
+void SceneWidget::runFrame() {
+  if (!isVisible()) return;
+  lastFrame_ = scheduler_.uptime();
+  adoptPixelRatio();
+  const bool moving = scene_.frame();
+  QRegion region;
+  for (const Rect& area : scene_.takeDamage()) {
+    scene_.paint(image_, area);
+    region += toQt(area).toAlignedRect();
+  }
+  if (onFrame) onFrame();
+  if (!region.isEmpty()) repaint(region & rect());
+  if (onFirstFrame) std::exchange(onFirstFrame, nullptr)();
+  if (moving) scheduleFrame();
+}
+
+void SceneWidget::showEvent(QShowEvent*) { runFrame(); }
+
+void SceneWidget::paintEvent(QPaintEvent* event) {
+  QPainter painter(this);
+  painter.setCompositionMode(QPainter::CompositionMode_Source);
+  const double ratio = scene_.pixelRatio();
+  for (const QRect& area : event->region()) {
+    painter.drawImage(QRectF(area), image_,
+                      QRectF(area.x() * ratio, area.y() * ratio, area.width() * ratio, area.height() * ratio));
+  }
+}
+
+void SceneWidget::mouseMoveEvent(QMouseEvent* event) { scene_.input().moved(fromQt(event->position())); }
+
+void SceneWidget::mousePressEvent(QMouseEvent* event) {
+  if (event->button() == Qt::LeftButton) scene_.input().pressed(fromQt(event->position()));
+}
+
+void SceneWidget::mouseReleaseEvent(QMouseEvent* event) {
+  if (event->button() == Qt::LeftButton) scene_.input().released(fromQt(event->position()));
+}
+
+void SceneWidget::enterEvent(QEnterEvent* event) { scene_.input().moved(fromQt(event->position())); }
+
+void SceneWidget::leaveEvent(QEvent*) { scene_.input().left(); }
+
+void SceneWidget::wheelEvent(QWheelEvent* event) {
+  const QPoint smooth = event->pixelDelta();
+  const QPointF delta = smooth.isNull() ? QPointF(event->angleDelta()) / 120 * wheelStep : QPointF(smooth);
+  event->setAccepted(scene_.input().scrolled(fromQt(event->position()), {delta.x(), delta.y()}));
+}
+
+}  // namespace tarnwick::ui

@@ -1,0 +1,46 @@
+#pragma once
+#include <QImage>
+#include <QTimer>
+#include <QWidget>
+#include <functional>
+
+#include "ui/Scene.h"
+
+namespace tarnwick::ui {
+
+/// Shows a scene in a window of the toolkit: frames at the screen's rate, only while something moves, and only
+/// what changed is painted.
+class SceneWidget : public QWidget {
+ public:
+  SceneWidget(Scheduler& scheduler, Size size, View root);
+
+  Scene& scene() { return scene_; }
+  /// Called after each frame, before it is on the screen.
+  std::function<void()> onFrame;
+  /// Called once, when the first frame has been painted.
+  std::function<void()> onFirstFrame;
+
+ protected:
+  void paintEvent(QPaintEvent* event) override;
+  void showEvent(QShowEvent* event) override;
+  void mouseMoveEvent(QMouseEvent* event) override;
+  void mousePressEvent(QMouseEvent* event) override;
+  void mouseReleaseEvent(QMouseEvent* event) override;
+  void enterEvent(QEnterEvent* event) override;
+  void leaveEvent(QEvent* event) override;
+  void wheelEvent(QWheelEvent* event) override;
+
+ private:
+  double frameInterval() const;
+  void scheduleFrame();
+  void runFrame();
+  void adoptPixelRatio();
+
+  Scheduler& scheduler_;
+  Scene scene_;
+  QImage image_;
+  QTimer clock_;
+  double lastFrame_ = -1;
+};
+
+}  // namespace tarnwick::ui

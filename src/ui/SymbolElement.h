@@ -1,0 +1,28 @@
+#pragma once
+#include <string>
+
+#include "ui/Element.h"
+
+namespace tarnwick::ui {
+
+/// One glyph of the symbols' font.
+class SymbolElement : public Element {
+ public:
+  explicit SymbolElement(std::string name) : name_(std::move(name)) {}
+  std::string_view kind() const override { return "Symbol"; }
+  bool equals(const Element& other) const override {
+    return static_cast<const SymbolElement&>(other).name_ == name_;
+  }
+  std::vector<double> animatedValues(const Environment& environment) const override;
+  Measured measure(Node& node, Proposal proposal) const override;
+  void draw(DrawContext& context) const override;
+  bool draws() const override { return true; }
+  bool affectsLayout(const Element&) const override { return false; }
+  const std::string& name() const { return name_; }
+
+ private:
+  void drawGlyph(DrawContext& context, double scale, double opacity) const;
+  std::string name_;
+};
+
+}  // namespace tarnwick::ui

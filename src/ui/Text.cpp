@@ -1,0 +1,168 @@
+#include <QPainter>
+#include <QString>
+#include <QStringList>
+#include <algorithm>
+#include <cmath>
+
+#include "ui/Drawing.h"
+#include "ui/Elements.h"
+#include "ui/FontBook.h"
+#include "ui/Node.h"
+#include "ui/TextElement.h"
+
+namespace tarnwick::ui {
+namespace {
+
+/// Text in one line. The measure of a text belongs to its font, so it is kept per font.
+std::vector<double> colorNumbers(Color color) { return {color.red, color.green, color.blue, color.alpha}; }
+
+/// The sparkle's characters are dingbats, which an emoji font would like to draw.
+bool isDingbat(const QString& text) {
+  return text.size() == 1 && text[0].unicode() >= 0x2720 && text[0].unicode() <= 0x274F;
+}
+
+const fontBook::Face& faceFor(const QString& text, const Font& font) {
+  return isDingbat(text) || text == QChar(0xB7) ? fontBook::sparkleFace(font) : fontBook::face(font);
+}
+
+/// A text cut into the cells that it is drawn in: digits of equal width one by one, the rest in runs.
+struct Cell {
+  QString text;
+  double x;
+  double width;
+};
+
+std::vector<Cell> cells(const QString& text, const fontBook::Face& face) {
+  std::vector<Cell> result;
+  double x = 0;
+  for (qsizetype i = 0; i < text.size();) {
+    qsizetype end = i + 1;
+    double width;
+    if (text[i].isDigit()) {
+      width = face.digitWidth;
+    } else {
+      while (end < text.size() && !text[end].isDigit()) ++end;
+      width = face.metrics.horizontalAdvance(text.mid(i, end - i));
+    }
+    result.push_back({text.mid(i, end - i), x, width});
+    x += width;
+    i = end;
+  }
+  return result;
+}
+
+double width(const QString& text, const fontBook::Face& face, bool digitsInCells) {
+  if (!digitsInCells) return face.metrics.horizontalAdvance(text);
+  const std::vector<Cell> parts = cells(text, face);
+  return parts.empty() ? 0 : parts.back().x + parts.back().width;
+}
+
+void drawCell(QPainter& painter, const Cell& cell, const fontBook::Face& face, double baseline) {
+  const double own = face.metrics.horizontalAdvance(cell.text);
+  painter.drawText(QPointF(cell.x + (cell.width - own) / 2, baseline), cell.text);
+}
+
+/// The number in a text, to tell in which direction its digits roll.
+double numberIn(const QString& text) {
+  QString digits;
+  for (const QChar c : text) {
+    if (c.isDigit()) digits += c;
+  }
+  return digits.toDouble();
+}
+
+}  // namespace
+
+bool TextElement::equals(const Element& other) const {
+  return static_cast<const TextElement&>(other).text_ == text_;
+}
+
+std::vector<double> TextElement::animatedValues(const Environment& environment) const {
+  return colorNumbers(environment.foreground);
+}
+
+Measured TextElement::measure(Node& node, Proposal proposal) const {
+  const Environment& environment = node.environment;
+  const QString text = QString::fromStdString(text_);
+  const fontBook::Face& face = faceFor(text, environment.font);
+  const bool inCells = environment.monospacedDigits || environment.contentTransition == ContentTransition::numericText;
+  double wanted = std::ceil(width(text, face, inCells) * node.pixelRatio) / node.pixelRatio;
+  if (proposal.width) wanted = std::min(wanted, std::max(0.0, *proposal.width));
+  return {{wanted, std::ceil(face.metrics.height())}, std::round(face.metrics.ascent())};
+}
+
+void TextElement::draw(DrawContext& context) const {
+  const auto* before = dynamic_cast<const TextElement*>(context.previous);
+  const Environment& environment = context.environment;
+  if (before && environment.contentTransition == ContentTransition::numericText) return drawRolling(context, *before);
+  if (before && context.change < 1) {
+    const double opacity = context.painter.opacity();
+    context.painter.setOpacity(opacity * (1 - context.change));
+    before->drawLine(context);
+    context.painter.setOpacity(opacity * context.change);
+    drawLine(context);
+    context.painter.setOpacity(opacity);
+    return;
+  }
+  drawLine(context);
+}
+
+void TextElement::prepare(DrawContext& context, const QFont& font) const {
+  const std::vector<double>& c = context.values;
+  context.painter.setFont(font);
+  context.painter.setPen(toQt(Color{c[0], c[1], c[2], c[3]}));
+}
+
+void TextElement::drawLine(DrawContext& context) const {
+  const Environment& environment = context.environment;
+  QString text = QString::fromStdString(text_);
+  const fontBook::Face& face = faceFor(text, environment.font);
+  const bool inCells = environment.monospacedDigits || environment.contentTransition == ContentTransition::numericText;
+  const double space = context.layoutSize.width;
+  if (width(text, face, inCells) > space + 0.5) {
+    const auto mode = environment.truncation == Truncation::middle ? Qt::ElideMiddle : Qt::ElideRight;
+    text = face.metrics.elidedText(text, mode, space + 0.5);
+  }
+  prepare(context, face.font);
+  const double baseline = std::round(face.metrics.ascent());
+  if (!inCells) {
+    context.painter.drawText(QPointF(0, baseline), text);
+    return;
+  }
+  for (const Cell& cell : cells(text, face)) drawCell(context.painter, cell, face, baseline);
+}
+
+void TextElement::drawRolling(DrawContext& context, const TextElement& before) const {
+  const QString text = QString::fromStdString(text_), oldText = QString::fromStdString(before.text_);
+  const fontBook::Face& face = faceFor(text, context.environment.font);
+  const double up = numberIn(text) >= numberIn(oldText) ? 1 : -1;
+  const double travel = face.metrics.height() * 0.7, baseline = std::round(face.metrics.ascent());
+  const double progress = std::clamp(context.change, 0.0, 1.0);
+  QPainter& painter = context.painter;
+  prepare(context, face.font);
+  const double opacity = painter.opacity();
+  const std::vector<Cell> oldCells = cells(oldText, face), newCells = cells(text, face);
+  // Counted from the right: the places of a number stay comparable.
+  const size_t count = std::max(oldCells.size(), newCells.size());
+  for (size_t i = 0; i < count; ++i) {
+    const Cell* from = i < oldCells.size() ? &oldCells[oldCells.size() - 1 - i] : nullptr;
+    const Cell* to = i < newCells.size() ? &newCells[newCells.size() - 1 - i] : nullptr;
+    if (from && to && from->text == to->text) {
+      drawCell(painter, {to->text, from->x + (to->x - from->x) * progress, to->width}, face, baseline);
+      continue;
+    }
+    if (from) {
+      painter.setOpacity(opacity * (1 - progress));
+      drawCell(painter, *from, face, baseline - up * travel * progress);
+    }
+    if (to) {
+      painter.setOpacity(opacity * progress);
+      drawCell(painter, *to, face, baseline + up * travel * (1 - progress));
+    }
+    painter.setOpacity(opacity);
+  }
+}
+
+View Text(std::string text) { return View(std::make_shared<TextElement>(std::move(text))); }
+
+}  // namespace tarnwick::ui

@@ -1,0 +1,51 @@
+#include "ui/Tooltip.h"
+
+#include <algorithm>
+
+#include "ui/Dynamic.h"
+#include "ui/Node.h"
+
+namespace tarnwick::ui {
+namespace {
+
+/// Puts its child below a point, or above it where there is no room.
+class BesidePoint : public Element {
+ public:
+  explicit BesidePoint(Point point) : point_(point) {}
+  std::string_view kind() const override { return "BesidePoint"; }
+  bool equals(const Element& other) const override {
+    return static_cast<const BesidePoint&>(other).point_ == point_;
+  }
+  Measured measure(Node&, Proposal proposal) const override {
+    return {{proposal.width.value_or(0), proposal.height.value_or(0)}};
+  }
+  void place(Node& node, Size size) const override {
+    constexpr double below = 18, above = 8, margin = 4;
+    const Size own = node.onlyChild()->measure({}).size;
+    const double x = std::clamp(point_.x - own.width / 2, margin, std::max(margin, size.width - own.width - margin));
+    double y = point_.y + below;
+    if (y + own.height + margin > size.height) y = point_.y - own.height - above;
+    node.onlyChild()->place({x, std::max(margin, y), own.width, own.height});
+  }
+
+ private:
+  Point point_;
+};
+
+}  // namespace
+
+View tooltipView(const SceneInput& input) {
+  return observing({&input.tooltipChanges()}, [&input] {
+    if (!input.tooltip()) return View();
+    View bubble = Text(input.tooltip()->text)
+                      .font({11, Weight::medium})
+                      .foreground(white(0.92))
+                      .padding(Edge::horizontal, 8)
+                      .padding(Edge::vertical, 4)
+                      .background(RoundedRectangle(6).fill(Color{0.17, 0.17, 0.18, 0.97}))
+                      .overlay(RoundedRectangle(6).stroke(white(0.12), {.width = 1, .inside = true}));
+    return View(std::make_shared<BesidePoint>(input.tooltip()->point), {std::move(bubble)}).allowsHitTesting(false);
+  });
+}
+
+}  // namespace tarnwick::ui

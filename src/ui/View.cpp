@@ -1,0 +1,184 @@
+#include "ui/View.h"
+
+#include "ui/Description.h"
+#include "ui/Dynamic.h"
+#include "ui/Elements.h"
+
+namespace tarnwick::ui {
+
+Namespace Namespace::make() {
+  static int last = 0;
+  return {++last};
+}
+
+View::View(std::shared_ptr<const Element> element, std::vector<View> children)
+    : description_(std::make_shared<Description>(Description{std::move(element), std::move(children), {}})) {}
+
+ViewList::ViewList(std::initializer_list<Item> items) {
+  for (const Item& item : items) views.insert(views.end(), item.views.begin(), item.views.end());
+}
+
+template<typename Change>
+View View::with(Change change) const {
+  if (isEmpty()) return *this;
+  auto copy = std::make_shared<Description>(*description_);
+  change(copy->attributes);
+  View view;
+  view.description_ = std::move(copy);
+  return view;
+}
+
+/// Two effects of one kind on the same view nest: the second one gets a group of its own.
+View View::effect(bool alreadySet(const Effects&), const std::function<void(Effects&)>& change) const {
+  if (isEmpty()) return *this;
+  const Attributes& mine = description_->attributes;
+  if ((mine.hasEffects && alreadySet(mine.effects)) || mine.clip || !mine.shadows.empty()) {
+    return Group(*this).effect(alreadySet, change);
+  }
+  return with([&](Attributes& attributes) {
+    attributes.hasEffects = true;
+    change(attributes.effects);
+  });
+}
+
+View View::interaction(const std::function<void(Interaction&)>& change) const {
+  return with([&](Attributes& attributes) {
+    auto copy = attributes.interaction ? std::make_shared<Interaction>(*attributes.interaction)
+                                       : std::make_shared<Interaction>();
+    change(*copy);
+    attributes.interaction = std::move(copy);
+  });
+}
+
+View View::frame(const FrameOptions& options) const {
+  return View(std::make_shared<FrameElement>(options), {*this});
+}
+View View::padding(double length) const { return padding(Edge::all, length); }
+View View::padding(Edge edges, double length) const {
+  if (isEmpty()) return *this;
+  return View(std::make_shared<PaddingElement>(edges, length), {*this});
+}
+View View::aspectRatio(double ratio) const {
+  return View(std::make_shared<AspectRatioElement>(ratio), {*this});
+}
+View View::background(View behind, UnitPoint align) const {
+  return View(std::make_shared<LayerElement>(align, LayerElement::Side::behind), {std::move(behind), *this});
+}
+View View::overlay(View before, UnitPoint align) const {
+  return View(std::make_shared<LayerElement>(align, LayerElement::Side::before), {*this, std::move(before)});
+}
+
+View View::opacity(double opacity) const {
+  return effect([](const Effects& e) { return e.opacity != 1; }, [=](Effects& e) { e.opacity = opacity; });
+}
+View View::offset(Point offset) const {
+  return effect([](const Effects& e) { return e.offset != Point{}; }, [=](Effects& e) { e.offset = offset; });
+}
+View View::scaleEffect(double scale, UnitPoint anchor) const { return scaleEffect(scale, scale, anchor); }
+View View::scaleEffect(double x, double y, UnitPoint anchor) const {
+  return effect([](const Effects& e) { return e.scaleX != 1 || e.scaleY != 1 || e.rotation != 0; },
+                [=](Effects& e) {
+                  e.scaleX = x;
+                  e.scaleY = y;
+                  e.anchor = anchor;
+                });
+}
+View View::rotation(double degrees, UnitPoint anchor) const {
+  return effect([](const Effects& e) { return e.scaleX != 1 || e.scaleY != 1 || e.rotation != 0; },
+                [=](Effects& e) {
+                  e.rotation = degrees;
+                  e.anchor = anchor;
+                });
+}
+View View::blur(double radius) const {
+  return effect([](const Effects& e) { return e.blur != 0; }, [=](Effects& e) { e.blur = radius; });
+}
+View View::brightness(double amount) const {
+  return effect([](const Effects& e) { return e.brightness != 0; }, [=](Effects& e) { e.brightness = amount; });
+}
+View View::clipShape(Shape shape) const {
+  if (isEmpty()) return *this;
+  return Group(*this).with([&](Attributes& a) { a.clip = std::move(shape); });
+}
+View View::shadow(Color color, double radius, Point offset) const {
+  return with([&](Attributes& a) { a.shadows.push_back({color, radius, offset}); });
+}
+
+View View::font(const Font& font) const {
+  return with([&](Attributes& a) { a.font = font; });
+}
+View View::foreground(Color color) const {
+  return with([&](Attributes& a) { a.foreground = color; });
+}
+View View::monospacedDigits() const {
+  return with([](Attributes& a) { a.monospacedDigits = true; });
+}
+View View::truncated(Truncation truncation) const {
+  return with([=](Attributes& a) { a.truncation = truncation; });
+}
+View View::contentTransition(ContentTransition transition) const {
+  return with([=](Attributes& a) { a.contentTransition = transition; });
+}
+
+View View::id(std::string key) const {
+  return with([&](Attributes& a) { a.key = std::move(key); });
+}
+View View::animation(const Animation& animation, AnyValue value) const {
+  return with([&](Attributes& a) { a.animations.emplace_back(animation, std::move(value)); });
+}
+View View::transition(Transition transition) const {
+  return with([&](Attributes& a) { a.transition = std::move(transition); });
+}
+View View::matchedGeometry(std::string id, Namespace names) const {
+  if (isEmpty()) return *this;
+  return View(std::make_shared<MatchElement>(), {*this}).with([&](Attributes& a) {
+    a.match = Attributes::Match{std::move(id), names};
+  });
+}
+View View::bounce(AnyValue value, bool onAppear) const {
+  return with([&](Attributes& a) { a.bounce = Attributes::Bounce{std::move(value), onAppear}; });
+}
+View View::onAppear(std::function<void()> action) const {
+  return with([&](Attributes& a) { a.onAppear = std::move(action); });
+}
+
+View View::contentShape(Shape shape) const {
+  return interaction([&](Interaction& i) { i.hitShape = std::move(shape); });
+}
+View View::onTap(std::function<void()> action, bool enabled) const {
+  return interaction([&](Interaction& i) { i.onTap = enabled ? std::move(action) : nullptr; });
+}
+View View::onDoubleTap(std::function<void()> action) const {
+  return interaction([&](Interaction& i) { i.onDoubleTap = std::move(action); });
+}
+View View::onHover(std::function<void(bool)> action) const {
+  return interaction([&](Interaction& i) { i.onHover = std::move(action); });
+}
+View View::onHover(State<bool> hovering) const {
+  return onHover([hovering](bool value) { hovering.set(value); });
+}
+View View::onPress(State<bool> pressed) const {
+  return interaction([&](Interaction& i) { i.onPress = [pressed](bool value) { pressed.set(value); }; });
+}
+View View::onDrag(double minimumDistance, std::function<void(const DragValue&)> changed,
+                  std::function<void(const DragValue&)> ended) const {
+  return interaction([&](Interaction& i) {
+    i.dragDistance = minimumDistance;
+    i.onDrag = std::move(changed);
+    i.onDragEnd = std::move(ended);
+  });
+}
+View View::tooltip(std::string text) const {
+  return interaction([&](Interaction& i) { i.tooltip = std::move(text); });
+}
+View View::allowsHitTesting(bool allows) const {
+  return interaction([=](Interaction& i) { i.disabled = !allows; });
+}
+View View::accessibility(Role role, std::string name) const {
+  return interaction([&](Interaction& i) {
+    i.role = role;
+    i.accessibilityName = std::move(name);
+  });
+}
+
+}  // namespace tarnwick::ui
