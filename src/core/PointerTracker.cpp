@@ -7,10 +7,14 @@ namespace tarnwick {
 namespace {
 
 constexpr double ticksPerSecond = 60;
+/// Far less than a tick: times this close are the same.
+constexpr double rounding = 1e-6;
+
+// In seconds.
 constexpr double hoverLinger = 0.04;
 constexpr double bodyLinger = 0.12;
-/// Eighteen ticks; less a little, so that rounding does not make them nineteen.
-constexpr double dwell = 0.3 - 1e-6;
+/// Eighteen ticks, whatever rounding says.
+constexpr double dwell = 0.3 - rounding;
 /// A drop still arrives after the button's release; only then is a drag over that ended elsewhere.
 constexpr double dropGrace = 0.4;
 
@@ -137,7 +141,8 @@ void PointerTracker::pointerIsInside(const PointerState& pointer, double now) {
   lastInside_ = now;
   if (!enteredAt_) {
     enteredAt_ = now;
-    if (!model_.isExpanded) haptics_.tap();
+    // A drag was felt when it began, and has brought the surface to the pointer.
+    if (!model_.isExpanded && !model_.isDraggingFiles) haptics_.tap();
   }
   model_.setHovering(true);
   if (model_.settings.expandOnHover && !model_.isExpanded && !pointer.buttonDown &&
@@ -173,9 +178,9 @@ void PointerTracker::wake() {
   if (!asleep_) return;
   asleep_ = false;
   pointer_.setWantsActivity(false);
-  const double lastTick = std::floor(scheduler_.uptime() * ticksPerSecond);
-  if (inside_) lastInside_ = std::max(lastInside_, lastTick / ticksPerSecond);
-  tickAt(lastTick + 1);
+  const double nextTick = std::ceil(scheduler_.uptime() * ticksPerSecond - rounding);
+  if (inside_) lastInside_ = std::max(lastInside_, (nextTick - 1) / ticksPerSecond);
+  tickAt(nextTick);
 }
 
 void PointerTracker::reconsider() {

@@ -1,13 +1,20 @@
 #include "support/VirtualScheduler.h"
 
+#include <cmath>
 #include <cstdio>
 #include <cstdlib>
 
 namespace tarnwick {
+namespace {
+
+/// Whole nanoseconds: sums of intervals that mean the same instant are the same instant.
+double instant(double seconds) { return std::round(seconds * 1e9) / 1e9; }
+
+}  // namespace
 
 Task VirtualScheduler::schedule(double seconds, double period, Work work) {
   auto job = std::make_shared<Job>(Job{std::move(work), uptime_, period});
-  queue_[{uptime_ + seconds, sequence_++}] = job;
+  queue_[{instant(uptime_ + seconds), sequence_++}] = job;
   return Task([weak = std::weak_ptr<Job>(job)] {
     if (auto cancelled = weak.lock()) cancelled->cancelled = true;
   });
@@ -27,7 +34,7 @@ Task VirtualScheduler::background(Work work, Work thenOnMain) {
     work();
     if (job->work && !job->cancelled) queue_[{uptime_, sequence_++}] = job;
   };
-  queue_[{uptime_ + backgroundSeconds, sequence_++}] = std::make_shared<Job>(Job{std::move(run)});
+  queue_[{instant(uptime_ + backgroundSeconds), sequence_++}] = std::make_shared<Job>(Job{std::move(run)});
   return Task([weak = std::weak_ptr<Job>(job)] {
     if (auto cancelled = weak.lock()) cancelled->cancelled = true;
   });
@@ -44,7 +51,7 @@ std::optional<double> VirtualScheduler::nextDue() {
 }
 
 void VirtualScheduler::advance(double seconds) {
-  const double end = uptime_ + seconds;
+  const double end = instant(uptime_ + seconds);
   int runsAtThisInstant = 0;
   for (auto due = nextDue(); due && *due <= end; due = nextDue()) {
     const std::shared_ptr<Job> job = queue_.begin()->second;
@@ -60,7 +67,7 @@ void VirtualScheduler::advance(double seconds) {
     // Entered again before it runs, so that it can cancel itself. From the start, so that no error adds up.
     if (job->period > 0) {
       const double next = job->start + static_cast<double>(++job->runs + 1) * job->period;
-      queue_[{next, sequence_++}] = job;
+      queue_[{instant(next), sequence_++}] = job;
     }
     job->work();
   }

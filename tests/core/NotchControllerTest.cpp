@@ -1,0 +1,323 @@
+#include "core/NotchController.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "support/MemoryDesktop.h"
+#include "support/MemoryPanel.h"
+
+namespace tarnwick {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+using ScrollPhase = ScrollEvent::Phase;
+
+const Screen plain{.frame = {0, 0, 1920, 1080}, .visibleFrame = {0, 30, 1920, 1050}};
+const Screen notched{.frame = {-1512, 100, 1512, 982},
+                     .visibleFrame = {-1512, 138, 1512, 944},
+                     .topSafeAreaInset = 32,
+                     .auxiliaryTopLeftWidth = 663,
+                     .auxiliaryTopRightWidth = 664};
+
+class NotchControllerTest : public testing::Test {
+ protected:
+  NotchControllerTest() { desktop.screens.set({plain}); }
+
+  void start() {
+    controller = std::make_unique<NotchController>(desktop.ports, [this](NotchModel&) {
+      auto made = std::make_unique<MemoryPanel>();
+      panel = made.get();
+      return made;
+    });
+    controller->model().media.onCommand = [this](const std::string& command) { commands.push_back(command); };
+  }
+  NotchModel& model() { return controller->model(); }
+  void pass(double seconds) { desktop.scheduler.advance(seconds); }
+
+  MemoryDesktop desktop;
+  std::unique_ptr<NotchController> controller;
+  MemoryPanel* panel = nullptr;
+  std::vector<std::string> commands;
+};
+
+TEST_F(NotchControllerTest, StartsWithTheWindowOnTheScreen) {
+  start();
+  EXPECT_TRUE(panel->shown);
+  EXPECT_EQ(panel->frame(), (Rect{490, 0, 940, 380}));
+  EXPECT_EQ(panel->pointerArea, std::nullopt) << "it takes no click before the first look at the pointer";
+  pass(1);
+  EXPECT_NE(panel->pointerArea, std::nullopt);
+}
+
+TEST_F(NotchControllerTest, LiesOverTheNotchOfTheRightScreen) {
+  Screen half = notched, low = plain, bare = plain;
+  half.auxiliaryTopRightWidth.reset();
+  low.frame = {1920, 200, 1280, 1024};
+  low.visibleFrame = {1920, 242, 1280, 982};
+  bare.visibleFrame = bare.frame;
+  const struct {
+    const char* what;
+    std::vector<Screen> screens;
+    bool hasNotch;
+    Size notch;
+    Point origin;
+  } cases[] = {
+      {"a panel at the top", {plain}, false, {190, 30}, {490, 0}},
+      {"no panel", {bare}, false, {190, 24}, {490, 0}},
+      {"the main screen of two", {low, plain}, false, {190, 42}, {2090, 200}},
+      {"the one with a notch", {plain, low, notched}, true, {185, 32}, {-1226, 100}},
+      {"half a notch is none", {plain, half}, false, {190, 38}, {-1226, 100}},
+  };
+  start();
+  for (const auto& c : cases) {
+    desktop.screens.set(c.screens);
+    EXPECT_EQ(model().hasNotch, c.hasNotch) << c.what;
+    EXPECT_EQ(*model().notchSize, c.notch) << c.what;
+    EXPECT_EQ(panel->frame(), (Rect{c.origin.x, c.origin.y, 940, 380})) << c.what;
+    pass(1);
+    EXPECT_EQ(panel->pointerArea->midX(), panel->frame().midX()) << c.what;
+    EXPECT_EQ(panel->pointerArea->y, c.origin.y - 5) << c.what;
+  }
+  const Rect last = panel->frame();
+  desktop.screens.set({});
+  pass(2);
+  EXPECT_EQ(panel->frame(), last) << "no screen: nothing moves";
+}
+
+TEST_F(NotchControllerTest, NoticesFullScreenWindows) {
+  const WindowInfo whole{.layer = 0, .owner = 7, .bounds = notched.frame};
+  const auto with = [&](auto change) {
+    WindowInfo window = whole;
+    change(window);
+    return window;
+  };
+  const struct {
+    const char* what;
+    std::vector<WindowInfo> windows;
+    bool covered;
+  } cases[] = {
+      {"whole screen", {whole}, true},
+      {"no window", {}, false},
+      {"behind others", {with([](auto& w) { w.bounds->width = 100; }), whole}, true},
+      {"a point lower", {with([](auto& w) { w.bounds->y += 1; })}, false},
+      {"at the top of another screen", {with([](auto& w) { w.bounds->y = 0; })}, false},
+      {"narrower", {with([](auto& w) { w.bounds->width -= 1; })}, false},
+      {"lower", {with([](auto& w) { w.bounds->height -= 38; })}, false},
+      {"further right", {with([](auto& w) { w.bounds->x += 50; })}, true},
+      {"a fraction of a pixel off", {with([](auto& w) { w.bounds->width += 0.3; })}, true},
+      {"a panel's layer", {with([](auto& w) { w.layer = 25; })}, false},
+      {"no layer", {with([](auto& w) { w.layer.reset(); })}, false},
+      {"no bounds", {with([](auto& w) { w.bounds.reset(); })}, false},
+      {"our own", {with([&](auto& w) { w.owner = desktop.windows.ownProcess(); })}, false},
+      {"nobody's", {with([](auto& w) { w.owner.reset(); })}, true},
+  };
+  desktop.screens.set({plain, notched});
+  start();
+  for (const auto& c : cases) {
+    desktop.windows.windows = c.windows;
+    pass(1);
+    EXPECT_EQ(model().hiddenForFullscreen, c.covered) << c.what;
+  }
+  std::vector<std::optional<Animation>> animations;
+  const auto subscription = model().observe([&] { animations.push_back(transaction::current()); });
+  desktop.windows.windows = std::vector<WindowInfo>{};
+  pass(1);
+  desktop.windows.windows = std::nullopt;
+  pass(1);
+  desktop.screens.set({});
+  desktop.windows.windows = {whole};
+  pass(5);
+  EXPECT_FALSE(model().hiddenForFullscreen) << "without a list or a screen it keeps its value";
+  EXPECT_THAT(animations, ElementsAre(notchClose));
+}
+
+TEST_F(NotchControllerTest, HandsHookEventsToTheTracker) {
+  start();
+  std::vector<std::optional<Animation>> animations;
+  const auto subscription = model().claude.observe([&] { animations.push_back(transaction::current()); });
+  desktop.notifications.post(eventNotification,
+                             {{"hook_event_name", "UserPromptSubmit"}, {"session_id", "a"}});
+  EXPECT_EQ(model().claude.workingCount(), 1);
+  EXPECT_THAT(animations, ElementsAre(notchOpen));
+  desktop.notifications.post(eventNotification, {});
+  EXPECT_EQ(model().claude.sessions->size(), 1u);
+
+  model().showcase = true;
+  for (const char* id : {"b", "", "Showcase", "showcase-1", "showcase"}) {
+    desktop.notifications.post(eventNotification, {{"hook_event_name", "PreToolUse"}, {"session_id", id}});
+  }
+  desktop.notifications.post(eventNotification, {{"hook_event_name", "PreToolUse"}});
+  std::vector<std::string> ids;
+  for (const auto& [id, session] : *model().claude.sessions) ids.push_back(id);
+  EXPECT_THAT(ids, ElementsAre("a", "showcase", "showcase-1"));
+}
+
+TEST_F(NotchControllerTest, HandsOnDemonstrationCommands) {
+  start();
+  desktop.notifications.post(showcaseNotification, {{"cmd", "begin"}});
+  std::vector<std::string> heard;
+  controller->onShowcaseCommand = [&](const std::string& command, const std::string& argument) {
+    heard.push_back(command + "|" + argument);
+    model().showcase = command == "begin";
+  };
+  pass(1);
+  EXPECT_NE(panel->pointerArea, std::nullopt);
+  desktop.notifications.post(showcaseNotification, {{"cmd", "begin"}, {"arg", "fr"}});
+  pass(0.1);
+  EXPECT_EQ(panel->pointerArea, std::nullopt) << "the tracker learns of the demonstration at once";
+  desktop.notifications.post(showcaseNotification, {{"cmd", "end"}});
+  desktop.notifications.post(showcaseNotification, {});
+  EXPECT_THAT(heard, ElementsAre("begin|fr", "end|", "|"));
+}
+
+TEST_F(NotchControllerTest, ForgetsStaleSessions) {
+  start();
+  desktop.notifications.post(eventNotification, {{"hook_event_name", "PreToolUse"}});
+  pass(899);
+  EXPECT_EQ(model().claude.workingCount(), 1);
+  pass(32);
+  EXPECT_EQ(model().claude.workingCount(), 0);
+  EXPECT_EQ(model().claude.sessions->size(), 1u);
+  pass(300);
+  EXPECT_TRUE(model().claude.sessions->empty());
+}
+
+TEST_F(NotchControllerTest, WakesOnceASecondAtRest) {
+  start();
+  pass(1);
+  for (const Point pointer : {Point{960, 10}, Point{100, 900}}) {
+    desktop.pointer.move(pointer);
+    pass(1.5);
+    const int before = desktop.scheduler.wakeUps();
+    pass(600);
+    EXPECT_EQ(desktop.scheduler.wakeUps() - before, 600);
+  }
+}
+
+TEST_F(NotchControllerTest, TakesDroppedFiles) {
+  start();
+  panel->onDragEnter();
+  EXPECT_TRUE(model().isDraggingFiles && model().isDropTargeted);
+  EXPECT_EQ(desktop.haptics.taps, 1);
+  panel->onDragExit();
+  EXPECT_TRUE(model().isDraggingFiles && !model().isDropTargeted) << "it may come back";
+  panel->onDragEnter();
+  EXPECT_EQ(desktop.haptics.taps, 1);
+  panel->onDropFiles({"/tmp/a", "/tmp/b"});
+  EXPECT_THAT(*model().tray.items, ElementsAre("/tmp/a", "/tmp/b"));
+  EXPECT_TRUE(model().isExpanded && !model().isDraggingFiles && !model().isDropTargeted);
+  EXPECT_EQ(model().tab, Tab::tray);
+  EXPECT_EQ(desktop.haptics.taps, 2);
+}
+
+TEST_F(NotchControllerTest, SwipesOpenCloseAndSkip) {
+  enum Before { compact, home, notes };
+  const auto step = [](double x, double y, ScrollPhase phase = ScrollPhase::changed) {
+    return ScrollEvent{.phase = phase, .precise = true, .directionInverted = true, .deltaX = x, .deltaY = y};
+  };
+  const auto begin = [&](double x, double y) { return step(x, y, ScrollPhase::began); };
+  const auto unnatural = [&](double x, double y) {
+    ScrollEvent event = begin(x, y);
+    event.directionInverted = false;
+    return event;
+  };
+  ScrollEvent wheel = begin(0, 100), inertia = step(0, 100);
+  wheel.precise = false;
+  inertia.momentum = true;
+
+  const struct {
+    const char* what;
+    Before before;
+    std::vector<ScrollEvent> gesture;
+    bool expanded;
+    std::vector<std::string> commands;
+    int taps;
+  } cases[] = {
+      {"down", compact, {begin(0, 15)}, true, {}, 1},
+      {"down, not far enough", compact, {begin(0, 14)}, false, {}, 0},
+      {"down in small steps", compact, {begin(0, 5), step(0, 5), step(0, 5)}, true, {}, 1},
+      {"down in two gestures", compact, {begin(0, 10), begin(0, 10)}, false, {}, 0},
+      {"down again, after the end",
+       compact,
+       {begin(0, 10), step(0, 0, ScrollPhase::ended), step(0, 10)},
+       false,
+       {},
+       0},
+      {"down after a cancelled one",
+       compact,
+       {begin(0, 10), step(0, 0, ScrollPhase::cancelled), step(0, 10)},
+       false,
+       {},
+       0},
+      {"down with resting fingers",
+       compact,
+       {begin(0, 10), step(0, 0, ScrollPhase::mayBegin), step(0, 10)},
+       false,
+       {},
+       0},
+      {"the end itself counts", compact, {begin(0, 10), step(0, 5, ScrollPhase::ended)}, true, {}, 1},
+      {"fingers down, content up", compact, {unnatural(0, -15)}, true, {}, 1},
+      {"fingers up, content down", compact, {unnatural(0, 15)}, false, {}, 0},
+      {"down and back up", home, {begin(0, 15), step(0, -60)}, true, {}, 0},
+      {"up", home, {begin(0, -15)}, false, {}, 1},
+      {"up, not far enough", home, {begin(0, -14)}, true, {}, 0},
+      {"up and back down", compact, {begin(0, -15), step(0, 60)}, false, {}, 0},
+      {"open and close in one", compact, {begin(0, 15), step(0, -60)}, true, {}, 1},
+      {"left", compact, {begin(-40, 0)}, false, {"cmd 4"}, 1},
+      {"right", compact, {begin(40, 0)}, false, {"cmd 5"}, 1},
+      {"right, not far enough", compact, {begin(36, 0)}, false, {}, 0},
+      {"right on and on", home, {begin(40, 0), step(40, 0), step(-200, 0)}, true, {"cmd 5"}, 1},
+      {"right twice", compact, {begin(40, 0), begin(40, 0)}, false, {"cmd 5", "cmd 5"}, 2},
+      {"askew, rather right", compact, {begin(40, 47)}, false, {"cmd 5"}, 1},
+      {"askew, rather down", compact, {begin(40, 49)}, true, {}, 1},
+      {"a mouse wheel", compact, {wheel}, false, {}, 0},
+      {"inertia", compact, {begin(0, 10), inertia}, false, {}, 0},
+      {"inertia resets nothing", compact, {begin(0, 10), inertia, step(0, 5)}, true, {}, 1},
+      {"another tab scrolls itself", notes, {begin(0, -100)}, true, {}, 0},
+  };
+  for (const bool playing : {true, false}) {
+    for (const auto& c : cases) {
+      desktop.haptics.taps = 0;
+      commands.clear();
+      start();
+      model().media.title = playing ? "Song" : "";
+      if (c.before != compact) model().expand(c.before == home ? Tab::home : Tab::notes);
+      for (const ScrollEvent& event : c.gesture)
+        EXPECT_EQ(panel->onScroll(event), c.before != notes) << c.what;
+      EXPECT_EQ(model().isExpanded, c.expanded) << c.what;
+      if (playing || c.commands.empty()) {
+        EXPECT_EQ(commands, c.commands) << c.what;
+        EXPECT_EQ(desktop.haptics.taps, c.taps) << c.what;
+      } else {
+        EXPECT_THAT(commands, IsEmpty()) << c.what;
+        EXPECT_EQ(desktop.haptics.taps, 0) << c.what;
+      }
+    }
+  }
+}
+
+TEST_F(NotchControllerTest, ClosingBySwipeGivesTheFocusBack) {
+  start();
+  model().expand(Tab::home);
+  panel->key = true;
+  panel->onScroll({.phase = ScrollPhase::began, .precise = true, .directionInverted = true, .deltaY = -15});
+  EXPECT_FALSE(model().isExpanded);
+  EXPECT_EQ(panel->resignations, 1);
+}
+
+TEST_F(NotchControllerTest, NothingIsLeftBehind) {
+  start();
+  model().show(Transient::lowPowerMode(true), 1);
+  model().notes.setText("typed");
+  pass(0.1);
+  controller.reset();
+  desktop.notifications.post(eventNotification, {{"hook_event_name", "Stop"}});
+  desktop.screens.set({notched});
+  desktop.pointer.move(Point{960, 10});
+  pass(60);
+  EXPECT_EQ(desktop.scheduler.nextDue(), std::nullopt);
+}
+
+}  // namespace
+}  // namespace tarnwick
