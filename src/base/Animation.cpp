@@ -84,7 +84,7 @@ void commitAll() {
 
 Motion::Sample Motion::at(double time) const {
   double t = time - start - animation.delay;
-  if (t <= 0) return {from, 0};
+  if (t < 0) return {from, 0};
   if (animation.kind == Animation::Kind::spring) {
     if (finishedAt(time)) return {to, 0};
     const Sample offset = springAt(animation, from - to, velocity, t);
