@@ -1,0 +1,68 @@
+"""The overlay's window among others."""
+
+import unittest
+
+from Xlib import X
+
+from claude_code import ClaudeCode
+from desktop import PATIENCE, PROGRAM, wait_until
+from desktop_test import BANNER, CLAUDE, HIDDEN, DesktopTest
+
+
+class Window(DesktopTest):
+    def test_a_second_overlay_ends_at_once(self):
+        first = self.desktop.start_overlay()
+        second = self.desktop.start([PROGRAM])
+        self.assertEqual(second.wait(PATIENCE), 0)
+        self.assertEqual(second.log.read_bytes(), b"")
+        self.desktop.hook(hook_event_name="UserPromptSubmit", session_id="a")
+        self.desktop.wait_for_notch(*CLAUDE)
+        self.assertIsNone(first.poll())
+
+    def test_a_window_that_fills_the_screen_hides_the_wings_but_not_a_banner(self):
+        self.desktop.start_overlay()
+        self.desktop.hook(hook_event_name="UserPromptSubmit", session_id="a")
+        self.desktop.wait_for_notch(*CLAUDE)
+        window = self.full_screen_window()
+        self.desktop.wait_for_notch(*HIDDEN)
+        self.desktop.hook(hook_event_name="Notification", session_id="a", message="May I?")
+        self.desktop.wait_for_notch(*BANNER)
+        window.destroy()
+        self.desktop.x.sync()
+        self.desktop.wait_for_notch(*CLAUDE)
+
+    def full_screen_window(self):
+        """A window as a film player has it, in the wallpaper's colour."""
+        display, (width, height) = self.desktop.x, self.desktop.size
+        window = self.desktop.root.create_window(0, 0, width, height, 0, display.screen().root_depth,
+                                                 background_pixmap=self.desktop.wallpaper)
+        state, full = (display.intern_atom(name) for name in ("_NET_WM_STATE", "_NET_WM_STATE_FULLSCREEN"))
+        window.change_property(state, display.intern_atom("ATOM"), 32, [full])
+        window.map()
+        wait_until(lambda: window.get_attributes().map_state == X.IsViewable
+                   and window.get_geometry().height == height, "the full-screen window")
+        return window
+
+
+class WithoutCompositor(DesktopTest):
+    compositor = False
+
+    def test_nothing_but_the_notch_is_black(self):
+        self.desktop.start_overlay()
+        self.desktop.wait_for_notch(*HIDDEN)
+        self.assert_wallpaper_around(0, 0)
+        self.desktop.hook(hook_event_name="UserPromptSubmit", session_id="a")
+        self.desktop.wait_for_notch(*CLAUDE)
+        self.assert_wallpaper_around(*CLAUDE)
+
+    def assert_wallpaper_around(self, width, height):
+        picture = self.desktop.top()
+        left, right = self.middle - width // 2, self.middle + width // 2
+        corner = picture.pixel(picture.x, 379)
+        strangers = [(x, y) for y in range(picture.height) for x in range(picture.x, picture.x + picture.width)
+                     if not (y < height and left <= x < right) and picture.pixel(x, y) != corner]
+        self.assertEqual(strangers[:5], [])
+
+
+if __name__ == "__main__":
+    unittest.main()
