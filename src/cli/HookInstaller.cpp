@@ -149,27 +149,33 @@ JsonObject HookInstaller::ourGroup(std::string_view event) const {
   return group;
 }
 
-bool HookInstaller::install() const {
-  auto settings = load();
-  if (!settings) return false;
-  JsonObject hooks = removingOurs(takeHooks(*settings));
+JsonObject HookInstaller::withOurs(JsonObject settings) const {
+  JsonObject hooks = removingOurs(takeHooks(settings));
   for (const std::string_view event : events) {
     JsonValue& groups = hooks[std::string(event)];
     if (!listOfObjects(groups)) groups = {JsonArray()};
     groups.as<JsonArray>()->emplace_back().value = ourGroup(event);
   }
-  settings->insert_or_assign("hooks", JsonValue{std::move(hooks)});
-  if (!save(std::move(*settings))) return false;
+  settings["hooks"].value = std::move(hooks);
+  return settings;
+}
+
+JsonObject HookInstaller::withoutOurs(JsonObject settings) {
+  JsonObject hooks = removingOurs(takeHooks(settings));
+  if (!hooks.empty()) settings["hooks"].value = std::move(hooks);
+  return settings;
+}
+
+bool HookInstaller::install() const {
+  auto settings = load();
+  if (!settings || !save(withOurs(std::move(*settings)))) return false;
   print(STDOUT_FILENO, "Tarnwick hooks installed in " + path_ + "\nCommand: " + command() + "\n");
   return true;
 }
 
 bool HookInstaller::uninstall() const {
   auto settings = load();
-  if (!settings) return false;
-  JsonObject hooks = removingOurs(takeHooks(*settings));
-  if (!hooks.empty()) settings->insert_or_assign("hooks", JsonValue{std::move(hooks)});
-  if (!save(std::move(*settings))) return false;
+  if (!settings || !save(withoutOurs(std::move(*settings)))) return false;
   print(STDOUT_FILENO, "Tarnwick hooks removed from " + path_ + "\n");
   return true;
 }

@@ -36,6 +36,11 @@ class HookInstaller {
   std::optional<JsonObject> load() const;
   /// Replaces the settings file. @return false, after a message, when it cannot be written.
   bool save(JsonObject settings) const;
+  /// The settings with one group of ours at the end of every event; a `hooks` or an event of another shape
+  /// than Claude Code's is replaced.
+  JsonObject withOurs(JsonObject settings) const;
+  /// The settings without what is ours, and without `hooks` when nothing is left in it.
+  static JsonObject withoutOurs(JsonObject settings);
   /// The settings' `hooks` without the program's own entries, the groups that held nothing else, and the
   /// events that are left without groups.
   static JsonObject removingOurs(JsonObject hooks);

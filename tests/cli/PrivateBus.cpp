@@ -12,9 +12,9 @@
 namespace tarnwick {
 namespace {
 
-/// Looks at a file at each change of it until `isDone` accepts what it holds, for a minute at most.
+/// Looks at a file at each change of it until `isDone` accepts what it holds, for 20 seconds at most.
 std::string waitForContents(const std::string& path, const std::function<bool(const std::string&)>& isDone) {
-  const auto deadline = std::chrono::steady_clock::now() + std::chrono::minutes(1);
+  const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(20);
   const int changes = ::inotify_init1(IN_NONBLOCK);
   EXPECT_GE(::inotify_add_watch(changes, path.c_str(), IN_MODIFY), 0) << path;
   std::string contents = contentsOf(path);

@@ -28,7 +28,7 @@ class BusListener {
   };
 
   explicit BusListener(const PrivateBus& bus);
-  /// Waits until that many signals have come in all, for a minute at most. @return all that have come
+  /// Waits until that many signals have come in all, for 20 seconds at most. @return all that have come
   std::vector<Signal> waitFor(size_t count);
 
  private:

@@ -3,6 +3,7 @@
 
 #include <atomic>
 #include <filesystem>
+#include <memory>
 #include <random>
 #include <thread>
 
@@ -241,13 +242,15 @@ class LargeSettings {
     JsonArray list(20000, JsonValue{JsonObject{{"key", {"some text of the user's"}}}});
     fs::create_directories(home.path() + "/.claude");
     EXPECT_FALSE(writeFileAtomically(path, *writeJson({JsonObject{{"list", {std::move(list)}}}})));
-    run("--install-hooks").wait();
+    start("--install-hooks")->wait();
     installed = contentsOf(path);
-    run("--uninstall-hooks").wait();
+    start("--uninstall-hooks")->wait();
     uninstalled = contentsOf(path);
     EXPECT_NE(installed, uninstalled);
   }
-  ChildProcess run(const std::string& role) const { return {{program, role}, {"HOME=" + home.path()}}; }
+  std::unique_ptr<ChildProcess> start(const std::string& role) const {
+    return std::make_unique<ChildProcess>(std::vector{program, role}, std::vector{"HOME=" + home.path()});
+  }
   bool isWhole() const {
     const std::string contents = contentsOf(path);
     return contents == installed || contents == uninstalled;
@@ -259,25 +262,28 @@ class LargeSettings {
 
 TEST(Program, KilledAtAnyInstantLeavesAWholeFile) {
   const LargeSettings settings;
-  const auto usual = settings.run("--install-hooks").wait().duration;
+  const auto usual = settings.start("--install-hooks")->wait().duration;
   std::mt19937 random(1);
   std::uniform_int_distribution<long> instant(0, std::chrono::microseconds(usual).count());
   for (int round = 0; round < 60; ++round) {
-    ChildProcess process = settings.run(round % 2 ? "--install-hooks" : "--uninstall-hooks");
+    const auto process = settings.start(round % 2 ? "--install-hooks" : "--uninstall-hooks");
     // The instant of the kill is what varies here: nothing is waited for.
     std::this_thread::sleep_for(std::chrono::microseconds(instant(random)));
-    process.kill();
-    process.wait();
+    process->kill();
+    process->wait();
     ASSERT_TRUE(settings.isWhole());
   }
 }
 
-TEST(Program, RunTwiceAtOnceLeavesAWholeFile) {
+TEST(Program, RunSeveralTimesAtOnceLeavesAWholeFile) {
   const LargeSettings settings;
   for (int round = 0; round < 10; ++round) {
-    ChildProcess first = settings.run("--install-hooks"), second = settings.run("--uninstall-hooks");
-    EXPECT_EQ(first.wait().status, 0);
-    EXPECT_EQ(second.wait().status, 0);
+    std::vector<std::unique_ptr<ChildProcess>> processes;
+    for (const char* role :
+         {"--install-hooks", "--uninstall-hooks", "--install-hooks", "--uninstall-hooks"}) {
+      processes.push_back(settings.start(role));
+    }
+    for (const auto& process : processes) EXPECT_EQ(process->wait().status, 0);
     ASSERT_TRUE(settings.isWhole());
   }
 }
