@@ -45,7 +45,8 @@ Scene::Scene(Scheduler& scheduler, Size size, View root, double pixelRatio)
   committing_ = true;
   ++commitNumber_;
   Reconciler reconciler(*this, std::nullopt, true);
-  root_ = reconciler.build(nullptr, ZStack(UnitPoint::topLeading, {std::move(root), tooltipView(input_)}), {});
+  const View centred = root.frame({.maxWidth = infinity, .maxHeight = infinity});
+  root_ = reconciler.build(nullptr, ZStack(UnitPoint::topLeading, {centred, tooltipView(input_)}), {});
   layOut(reconciler);
   committing_ = false;
 }

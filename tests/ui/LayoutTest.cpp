@@ -1,0 +1,123 @@
+#include <gtest/gtest.h>
+
+#include "ui/Stage.h"
+
+namespace tarnwick::ui {
+namespace {
+
+View box(double width, double height, const char* id) {
+  return Rectangle().fill(white()).frame({.width = width, .height = height}).id(id);
+}
+View filling(const char* id) { return Rectangle().fill(white()).id(id); }
+
+struct Case {
+  const char* name;
+  std::function<View()> view;
+  std::vector<std::pair<const char*, Rect>> frames;
+};
+
+TEST(Layout, placesViews) {
+  const std::vector<Case> cases{
+      {"a row centres across and shares what is left among the flexible",
+       [] { return HStack({.spacing = 10}, {box(50, 20, "a"), filling("b"), box(30, 40, "c"), filling("d")}); },
+       {{"a", {0, 140, 50, 20}}, {"b", {60, 0, 145, 300}}, {"c", {215, 130, 30, 40}}, {"d", {255, 0, 145, 300}}}},
+      {"a spacer pushes to the end",
+       [] { return HStack({}, {box(50, 20, "a"), Spacer(), box(30, 20, "b")}); },
+       {{"a", {0, 140, 50, 20}}, {"b", {370, 140, 30, 20}}}},
+      {"a column aligns at the leading edge",
+       [] {
+         return VStack({.spacing = 4, .align = Align::leading}, {box(50, 20, "a"), box(30, 40, "b")})
+             .frame({.width = 100, .height = 64, .align = UnitPoint::topLeading})
+             .frame({.maxWidth = infinity, .maxHeight = infinity, .align = UnitPoint::bottomTrailing});
+       },
+       {{"a", {300, 236, 50, 20}}, {"b", {300, 260, 30, 40}}}},
+      {"nothing takes no place and no spacing",
+       [] { return HStack({.spacing = 10}, {box(50, 20, "a"), View(), box(30, 20, "b"), Spacer()}); },
+       {{"b", {60, 140, 30, 20}}}},
+      {"padding, background and overlay",
+       [] {
+         return box(50, 20, "a").padding(Edge::horizontal, 5).padding(Edge::top, 2).background(filling("b")).overlay(
+             box(10, 10, "c"), UnitPoint::topTrailing)
+             .frame({.maxWidth = infinity, .maxHeight = infinity, .align = UnitPoint::topLeading});
+       },
+       {{"a", {5, 2, 50, 20}}, {"b", {0, 0, 60, 22}}, {"c", {50, 0, 10, 10}}}},
+      {"an aspect ratio fits",
+       [] { return filling("a").aspectRatio(2).frame({.width = 100, .height = 80, .align = UnitPoint::top}); },
+       {{"a", {150, 110, 100, 50}}}},
+      {"layers align in the largest",
+       [] { return ZStack(UnitPoint::bottomLeading, {box(50, 60, "a"), box(20, 10, "b")}).frame({.width = 50, .height = 60}); },
+       {{"a", {175, 120, 50, 60}}, {"b", {175, 170, 20, 10}}}},
+  };
+  for (const Case& test : cases) {
+    Stage stage([&] {
+      return test.view().frame({.maxWidth = infinity, .maxHeight = infinity});
+    });
+    for (const auto& [id, frame] : test.frames) {
+      const auto found = stage.inspect.id(id);
+      ASSERT_TRUE(found) << test.name << ": " << id;
+      const Rect f = found->frame();
+      EXPECT_NEAR(f.x, frame.x, 0.01) << test.name << ": " << id;
+      EXPECT_NEAR(f.y, frame.y, 0.01) << test.name << ": " << id;
+      EXPECT_NEAR(f.width, frame.width, 0.01) << test.name << ": " << id;
+      EXPECT_NEAR(f.height, frame.height, 0.01) << test.name << ": " << id;
+    }
+  }
+}
+
+TEST(Layout, textBaselinesAlign) {
+  Stage stage([] {
+    return HStack({.spacing = 6, .align = Align::firstTextBaseline},
+                  {Text("22").font({20, Weight::bold}).id("large"), Text("Sunday").font({11}).id("small")});
+  });
+  const Rect large = stage.inspect.id("large")->frame(), small = stage.inspect.id("small")->frame();
+  EXPECT_GT(small.y, large.y + 4);
+  EXPECT_LT(small.bottom(), large.bottom());
+}
+
+TEST(Layout, longTextsGiveWayToWhatCannot) {
+  Stage stage([] {
+    return HStack({.spacing = 5}, {Text(std::string(200, 'm')).id("text"), Spacer(), box(80, 10, "fixed")})
+        .frame({.width = 200});
+  });
+  EXPECT_NEAR(stage.inspect.id("fixed")->frame().right(), 300, 0.1);
+  EXPECT_LE(stage.inspect.id("text")->frame().width, 115);
+}
+
+TEST(Layout, digitsKeepTheirWidth) {
+  Stage stage([] {
+    return VStack({}, {Text("1:11").monospacedDigits().id("a"), Text("0:00").monospacedDigits().id("b")});
+  });
+  EXPECT_EQ(stage.inspect.id("a")->frame().width, stage.inspect.id("b")->frame().width);
+}
+
+TEST(Layout, buildsOnlyRowsInView) {
+  size_t built = 0;
+  const auto rows = [&] {
+    return ScrollView(Axis::vertical, LazyVStack({.count = 1000,
+                                                  .rowHeight = 40,
+                                                  .spacing = 2,
+                                                  .key = [](size_t i) { return "row" + std::to_string(i); },
+                                                  .row = [&](size_t i) {
+                                                    ++built;
+                                                    return Text(std::to_string(i));
+                                                  }}))
+        .frame({.width = 300, .height = 84})
+        .id("list");
+  };
+  Stage stage(rows);
+  EXPECT_LE(built, 10u);
+  EXPECT_TRUE(stage.inspect.id("row0"));
+  EXPECT_FALSE(stage.inspect.id("row500"));
+  const auto list = stage.inspect.id("list");
+  ASSERT_TRUE(stage.inspect.scroll(*list, {0, -42.0 * 500}));
+  stage.scene.frame();
+  ASSERT_TRUE(stage.inspect.id("row500"));
+  EXPECT_NEAR(stage.inspect.id("row500")->frame().y, stage.inspect.id("list")->frame().y, 0.1);
+  EXPECT_FALSE(stage.inspect.id("row0"));
+  EXPECT_LE(built, 40u);
+  EXPECT_TRUE(stage.inspect.scroll(*stage.inspect.id("list"), {0, -1e9}));
+  EXPECT_FALSE(stage.inspect.scroll(*stage.inspect.id("list"), {0, -10}));
+}
+
+}  // namespace
+}  // namespace tarnwick::ui

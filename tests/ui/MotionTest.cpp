@@ -1,0 +1,243 @@
+#include <gtest/gtest.h>
+
+#include "ui/Stage.h"
+
+namespace tarnwick::ui {
+namespace {
+
+View box(double width, const char* id) {
+  return Rectangle().fill(white()).frame({.width = width, .height = 20}).id(id);
+}
+
+double width(Stage& stage, const char* id) { return stage.inspect.id(id)->frame().width; }
+
+TEST(Motion, changesWithoutAnimationAreThereAtOnce) {
+  double w = 100;
+  Stage stage([&] { return box(w, "a"); });
+  stage.change([&] { w = 200; });
+  EXPECT_DOUBLE_EQ(width(stage, "a"), 200);
+  EXPECT_FALSE(stage.inspect.step());
+}
+
+TEST(Motion, aSpringOvershootsAndComesToRest) {
+  double w = 100;
+  Stage stage([&] { return box(w, "a"); });
+  stage.change([&] { w = 200; }, notchOpen);
+  EXPECT_DOUBLE_EQ(width(stage, "a"), 100);
+  double largest = 0;
+  for (int i = 0; i < 120; ++i) {
+    stage.run(1.0 / 60);
+    largest = std::max(largest, width(stage, "a"));
+  }
+  EXPECT_GT(largest, 202);
+  EXPECT_LT(largest, 210);
+  EXPECT_DOUBLE_EQ(width(stage, "a"), 200);
+  EXPECT_FALSE(stage.inspect.step()) << "a scene at rest asks for no more frames";
+}
+
+TEST(Motion, aRetargetedSpringKeepsItsSpeed) {
+  double w = 100;
+  Stage stage([&] { return box(w, "a"); });
+  stage.change([&] { w = 300; }, notchOpen);
+  stage.run(0.1);
+  const double before = width(stage, "a");
+  stage.run(1.0 / 60);
+  const double here = width(stage, "a"), speed = (here - before) * 60;
+  ASSERT_GT(speed, 100);
+  stage.change([&] { w = 100; }, notchOpen);
+  EXPECT_NEAR(width(stage, "a"), here, 0.01);
+  stage.run(1.0 / 60);
+  // It goes on growing for a moment before it turns.
+  EXPECT_GT(width(stage, "a"), here);
+  stage.run(2);
+  EXPECT_DOUBLE_EQ(width(stage, "a"), 100);
+}
+
+TEST(Motion, innerAnimationsAreForWhatTheInnerChangeAltered) {
+  double a = 100, b = 100;
+  ObservableObject state;
+  VirtualScheduler scheduler;
+  Scene scene(scheduler, {400, 300}, observing({&state}, [&] { return VStack({}, {box(a, "a"), box(b, "b")}); }));
+  Inspector inspect(scene);
+  scene.frame();
+  const auto set = [&](double& value) {
+    value = 200;
+    state.notifyObservers();
+  };
+  withAnimation(linear(1), [&] {
+    set(a);
+    withAnimation(linear(0.1), [&] { set(b); });
+  });
+  scene.frame();
+  scheduler.advance(0.5);
+  scene.frame();
+  EXPECT_NEAR(inspect.id("a")->frame().width, 150, 0.5);
+  EXPECT_DOUBLE_EQ(inspect.id("b")->frame().width, 200);
+}
+
+TEST(Motion, anAnimationBoundToAValueRunsWhenThatChanges) {
+  bool on = false;
+  int other = 0;
+  Stage stage([&] {
+    return VStack({}, {Text(std::to_string(other)), Rectangle()
+                                                        .fill(white(on ? 1 : 0))
+                                                        .animation(linear(1), on)
+                                                        .frame({.width = 20, .height = 20})
+                                                        .id("a")});
+  });
+  const auto alpha = [&] { return stage.inspect.id("a")->children()[0].color().alpha; };
+  stage.change([&] { on = true; });
+  stage.run(0.5);
+  EXPECT_NEAR(alpha(), 0.5, 0.03);
+  stage.change([&] { ++other; });
+  stage.run(0.25);
+  EXPECT_NEAR(alpha(), 0.75, 0.03) << "another change does not disturb what moves";
+}
+
+const Transition slide{.insertion = {.opacity = 0, .offset = {40, 0}},
+                       .removal = {.opacity = 0, .offset = {-40, 0}}};
+
+TEST(Motion, viewsEnterAndLeaveByTheirTransition) {
+  bool shown = false;
+  Stage stage([&] { return ZStack(UnitPoint::center, {box(300, "back"), shown ? box(20, "a").transition(slide) : View()}); });
+  stage.change([&] { shown = true; }, linear(1));
+  EXPECT_NEAR(stage.inspect.id("a")->frame().x, 190 + 40, 0.1);
+  EXPECT_NEAR(stage.inspect.id("a")->opacity(), 0, 0.01);
+  stage.run(0.5);
+  EXPECT_NEAR(stage.inspect.id("a")->frame().x, 190 + 20, 1);
+  stage.run(0.6);
+  EXPECT_NEAR(stage.inspect.id("a")->frame().x, 190, 0.1);
+  stage.change([&] { shown = false; }, linear(1));
+  stage.run(0.5);
+  EXPECT_FALSE(stage.inspect.id("a"));
+  const auto leaving = stage.inspect.first([](const auto& f) { return f.id() == "a"; });
+  ASSERT_TRUE(leaving);
+  EXPECT_NEAR(leaving->frame().x, 190 - 20, 1);
+  // Back before it is gone: from where it is.
+  stage.change([&] { shown = true; }, linear(1));
+  EXPECT_NEAR(stage.inspect.id("a")->frame().x, 190 - 20, 1);
+  stage.run(1.1);
+  EXPECT_NEAR(stage.inspect.id("a")->frame().x, 190, 0.1);
+  stage.change([&] { shown = false; });
+  EXPECT_FALSE(stage.inspect.first([](const auto& f) { return f.id() == "a"; })) << "without animation it is gone";
+}
+
+TEST(Motion, thePageThatIsReplacedLeavesInTheDirectionOfTheMove) {
+  std::string page = "one";
+  double direction = 1;
+  Stage stage([&] {
+    const Transition move{.insertion = {.opacity = 0, .offset = {40 * direction, 0}},
+                          .removal = {.opacity = 0, .offset = {-40 * direction, 0}}};
+    return ZStack(UnitPoint::center, {box(50, page.c_str()).transition(move.andPredecessor())});
+  });
+  stage.change([&] { page = "two"; direction = -1; }, linear(1));
+  stage.run(0.5);
+  EXPECT_GT(stage.inspect.first([](const auto& f) { return f.id() == "one"; })->frame().x, 180);
+  EXPECT_LT(stage.inspect.id("two")->frame().x, 170);
+}
+
+TEST(Motion, aViewThatEntersAGrowingBoxKeepsToTheSideThatItIsPinnedTo) {
+  double w = 100;
+  bool shown = false;
+  Stage stage([&] {
+    return (shown ? box(20, "a").transition(Transition::opacity()) : View())
+        .frame({.width = w, .height = 20, .align = UnitPoint::trailing})
+        .id("box");
+  });
+  stage.change([&] { w = 300; shown = true; }, linear(1));
+  for (int i = 0; i < 70; ++i) {
+    EXPECT_NEAR(stage.inspect.id("box")->frame().right(), stage.inspect.id("a")->frame().right(), 0.6);
+    stage.run(1.0 / 60);
+  }
+  stage.change([&] { w = 100; shown = false; }, linear(1));
+  stage.run(0.5);
+  const auto leaving = stage.inspect.first([](const auto& f) { return f.id() == "a"; });
+  ASSERT_TRUE(leaving);
+  EXPECT_NEAR(stage.inspect.id("box")->frame().right(), leaving->frame().right(), 0.6);
+}
+
+TEST(Motion, matchedViewsHandTheirPlaceOver) {
+  int selected = 0;
+  const Namespace names = Namespace::make();
+  Stage stage([&] {
+    Views buttons;
+    for (int i = 0; i < 3; ++i) {
+      buttons.push_back(Rectangle().fill(white()).frame({.width = 40, .height = 20}).background(
+          selected == i ? Capsule().fill(white(0.2)).matchedGeometry("pill", names).id("pill") : View()));
+    }
+    return HStack({}, {buttons}).frame({.maxWidth = infinity, .align = UnitPoint::leading});
+  });
+  const auto pills = [&] { return stage.inspect.all([](const auto& f) { return f.id() == "pill"; }); };
+  EXPECT_NEAR(pills()[0].frame().x, 0, 0.1);
+  stage.change([&] { selected = 2; }, linear(1));
+  ASSERT_EQ(pills().size(), 1u);
+  EXPECT_NEAR(pills()[0].frame().x, 0, 0.5);
+  EXPECT_NEAR(pills()[0].opacity(), 1, 0.01);
+  stage.run(0.5);
+  EXPECT_NEAR(pills()[0].frame().x, 40, 1);
+  EXPECT_EQ(pills().size(), 1u);
+  stage.run(0.6);
+  EXPECT_NEAR(pills()[0].frame().x, 80, 0.1);
+}
+
+TEST(Motion, timelinesTickOnlyWhileTheyCanBeSeen) {
+  int made = 0;
+  double opacity = 1;
+  bool paused = false;
+  Stage stage([&] {
+    return timeline(0.1, paused, [&](Date) {
+             ++made;
+             return Text(std::to_string(made));
+           })
+        .opacity(opacity);
+  });
+  stage.run(1);
+  EXPECT_NEAR(made, 11, 1);
+  stage.change([&] { opacity = 0; });
+  const int hidden = made;
+  stage.run(5);
+  EXPECT_EQ(made, hidden);
+  stage.change([&] { opacity = 1; });
+  stage.run(1);
+  EXPECT_NEAR(made - hidden, 11, 2);
+  stage.change([&] { paused = true; });
+  const int stopped = made;
+  stage.run(5);
+  EXPECT_EQ(made, stopped);
+}
+
+TEST(Motion, repaintsOnlyWhatChanged) {
+  int ticks = 0;
+  Stage stage([&] {
+    return HStack({}, {Text(std::to_string(ticks % 10)).monospacedDigits().frame({.width = 20, .height = 20}).id("tick"),
+                       Spacer(), Text("still").id("still")});
+  });
+  stage.scene.takeDamage();
+  stage.change([&] { ++ticks; });
+  const auto damage = stage.scene.takeDamage();
+  ASSERT_EQ(damage.size(), 1u);
+  EXPECT_LT(damage[0].width, 30);
+  EXPECT_TRUE(damage[0].intersects(stage.inspect.id("tick")->frame()));
+  stage.change([] {});
+  EXPECT_TRUE(stage.scene.takeDamage().empty());
+}
+
+TEST(Motion, localStateLivesAsLongAsItsPlace) {
+  bool shown = true;
+  Stage stage([&] {
+    return shown ? stateful(0, [](State<int> count) {
+                     return Text("taps " + std::to_string(count.get())).onTap([=] { count.set(count.get() + 1); });
+                   })
+                 : View();
+  });
+  stage.inspect.tap(*stage.inspect.text("taps 0"));
+  stage.scene.frame();
+  stage.change([] {});
+  EXPECT_TRUE(stage.inspect.text("taps 1"));
+  stage.change([&] { shown = false; });
+  stage.change([&] { shown = true; });
+  EXPECT_TRUE(stage.inspect.text("taps 0"));
+}
+
+}  // namespace
+}  // namespace tarnwick::ui
