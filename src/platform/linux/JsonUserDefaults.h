@@ -3,7 +3,7 @@
 #include <vector>
 
 #include "platform/Folders.h"
-#include "platform/UserDefaults.h"
+#include "base/UserDefaults.h"
 
 namespace tarnwick {
 
