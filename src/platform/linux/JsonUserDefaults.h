@@ -2,8 +2,8 @@
 #include <string>
 #include <vector>
 
-#include "platform/Folders.h"
 #include "base/UserDefaults.h"
+#include "platform/Folders.h"
 
 namespace tarnwick {
 
