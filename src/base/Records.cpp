@@ -9,6 +9,8 @@ template<typename... Cases>
 struct Overloaded : Cases... {
   using Cases::operator()...;
 };
+template<class... Cases>
+Overloaded(Cases...) -> Overloaded<Cases...>;
 
 }  // namespace
 

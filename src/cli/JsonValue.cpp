@@ -156,8 +156,6 @@ bool write(Writer& writer, const JsonValue& value) {
 
 }  // namespace
 
-bool JsonValue::operator==(const JsonValue&) const = default;
-
 std::optional<JsonValue> parseJson(std::string text, std::string& error) {
   Builder builder(takeNumbers(text));
   rapidjson::MemoryStream stream(text.data(), text.size());

@@ -32,7 +32,7 @@ struct JsonValue {
   Type* as() {
     return std::get_if<Type>(&value);
   }
-  bool operator==(const JsonValue&) const;
+  friend bool operator==(const JsonValue& one, const JsonValue& other) { return one.value == other.value; }
 };
 
 /// Reads a JSON text, of any top-level type. @param error what is wrong and where, when nothing is returned:
