@@ -51,7 +51,8 @@ TEST_F(NotchControllerTest, StartsWithTheWindowOnTheScreen) {
 }
 
 TEST_F(NotchControllerTest, LiesOverTheNotchOfTheRightScreen) {
-  Screen half = notched, low = plain, bare = plain;
+  Screen half = notched, low = plain, bare = plain, moved = plain;
+  moved.frame.x = moved.visibleFrame.x = 1280;
   half.auxiliaryTopRightWidth.reset();
   low.frame = {1920, 200, 1280, 1024};
   low.visibleFrame = {1920, 242, 1280, 982};
@@ -64,6 +65,7 @@ TEST_F(NotchControllerTest, LiesOverTheNotchOfTheRightScreen) {
     Point origin;
   } cases[] = {
       {"a panel at the top", {plain}, false, {190, 30}, {490, 0}},
+      {"elsewhere, else the same", {moved}, false, {190, 30}, {1770, 0}},
       {"no panel", {bare}, false, {190, 24}, {490, 0}},
       {"the main screen of two", {low, plain}, false, {190, 42}, {2090, 200}},
       {"the one with a notch", {plain, low, notched}, true, {185, 32}, {-1226, 100}},

@@ -241,6 +241,13 @@ TEST_F(PointerTrackerTest, TakesThePointerWhereItCountsAsInside) {
   model.claude.handle({{"hook_event_name", "PreToolUse"}});
   pass(2 * tick);
   EXPECT_EQ(panel.pointerArea->width, 203 + 88);
+  model.claude.sessions = {};
+  pass(2 * tick);
+  EXPECT_EQ(panel.pointerArea->width, 203);
+  model.media.title = "Song";
+  model.media.playing = true;
+  pass(2 * tick);
+  EXPECT_EQ(panel.pointerArea->width, 203 + 88);
   panel.setFrame(window.movedBy({100, 50}));
   tracker.reconsider();
   pass(2 * tick);
