@@ -485,7 +485,7 @@ TEST(PointerTrackerTwins, SleepingMakesNoDifference) {
     }
   };
 
-  for (int run = 0; run < 200; ++run) {
+  for (int run = 0; run < 100; ++run) {
     Stage sleepy, wakeful;
     PointerTracker tracker(sleepy.desktop.scheduler, sleepy.desktop.pointer, sleepy.model, sleepy.panel,
                            sleepy.haptics);
