@@ -1,40 +1,22 @@
 #include "app/AppDelegate.h"
 
-#include <QPainter>
-
 #include "platform/linux/X11NotchPanel.h"
+#include "ui/Drawing.h"
+#include "ui/SceneWidget.h"
+#include "views/NotchRootView.h"
 
 namespace tarnwick {
 namespace {
 
-/// The bare surface, without anything on it: stands in for the root view until there is one.
-class PlainSurface : public QWidget {
- public:
-  explicit PlainSurface(NotchModel& model) : model_(model) {
-    changes_ = model_.observe([this] { update(); });
-  }
+/// The window is laid out as large as the largest surface with its shadows.
+constexpr Size contentSize{940, 380};
 
-  QPainterPath outline() const {
-    const Size size = model_.size();
-    QPainterPath path;
-    path.addRoundedRect((width() - size.width) / 2, -16, size.width, size.height + 16, 16, 16);
-    return path;
-  }
-
-  std::function<void()> onFrame;
-
- protected:
-  void paintEvent(QPaintEvent*) override {
-    QPainter painter(this);
-    painter.setRenderHint(QPainter::Antialiasing);
-    painter.fillPath(outline(), Qt::black);
-    if (onFrame) onFrame();
-  }
-
- private:
-  NotchModel& model_;
-  Subscription changes_;
-};
+/// The black surface as it is shown now; empty while it cannot be seen.
+QPainterPath presentedSurface(const ui::Scene& scene) {
+  const auto frame = scene.presentedFrame(surfaceId);
+  const auto shape = scene.presentedClip(surfaceId);
+  return frame && shape ? ui::outline(*shape, frame->size()).translated(frame->x, frame->y) : QPainterPath();
+}
 
 }  // namespace
 
@@ -48,9 +30,10 @@ void AppDelegate::applicationDidFinishLaunching() {
 }
 
 std::unique_ptr<NotchPanel> AppDelegate::makePanel(NotchModel& model) {
-  auto* content = new PlainSurface(model);
+  // The settings window does not exist yet.
+  auto* content = new ui::SceneWidget(scheduler_, contentSize, notchRootView(model, [] {}));
   auto panel = std::make_unique<X11NotchPanel>(connection_, screens_, scheduler_, *content,
-                                               [content] { return content->outline(); });
+                                               [content] { return presentedSurface(content->scene()); });
   content->onFrame = [panel = panel.get()] { panel->surfaceChanged(); };
   panel->onPointerCrossing = [this] { pointer_.noteActivity(); };
   return panel;

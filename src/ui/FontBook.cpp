@@ -9,9 +9,10 @@ void loadTarnwickResources() { Q_INIT_RESOURCE(symbols); }
 namespace tarnwick::ui::fontBook {
 namespace {
 
-const char* family(Design design) {
+const char* family(Design design, Weight weight) {
   switch (design) {
-    case Design::rounded: return "Quicksand";
+    // The medium weight is a family of its own.
+    case Design::rounded: return weight == Weight::medium ? "Quicksand Medium" : "Quicksand";
     case Design::monospaced: return "JetBrains Mono";
     default: return "Inter";
   }
@@ -39,7 +40,7 @@ const Face& cached(const Font& font, bool sparkle) {
   const Key key{int(font.size * 4), int(font.weight), int(font.design), sparkle};
   auto found = faces.find(key);
   if (found == faces.end()) {
-    found = faces.emplace(key, makeFace(sparkle ? "DejaVu Sans" : family(font.design), font)).first;
+    found = faces.emplace(key, makeFace(sparkle ? "DejaVu Sans" : family(font.design, font.weight), font)).first;
   }
   return found->second;
 }

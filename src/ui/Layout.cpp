@@ -1,6 +1,7 @@
 // The elements that only arrange others.
 #include <algorithm>
 #include <cmath>
+#include <functional>
 
 #include "ui/Elements.h"
 #include "ui/Node.h"
@@ -134,6 +135,7 @@ struct StackElement::Share {
 };
 
 /// Offers what is left in equal parts, the least flexible child first, so that the flexible ones get the rest.
+/// Spacers come last: they take what nobody else wants.
 std::vector<StackElement::Share> StackElement::shares(Node& node, Proposal proposal) const {
   const bool horizontal = axis_ == Axis::horizontal;
   const auto along = [=](Size size) { return horizontal ? size.width : size.height; };
@@ -155,13 +157,16 @@ std::vector<StackElement::Share> StackElement::shares(Node& node, Proposal propo
     share.most = along(share.node->measure(offer(1e6)).size);
     order.push_back(&share);
   }
-  std::stable_sort(order.begin(), order.end(),
+  const auto isSpacer = [](const Share* share) { return share->node->element->kind() == "Spacer"; };
+  const auto spacers = std::stable_partition(order.begin(), order.end(), std::not_fn(isSpacer));
+  std::stable_sort(order.begin(), spacers,
                    [](const Share* a, const Share* b) { return a->most - a->least < b->most - b->least; });
   // What the inflexible rest needs at the least is kept for it.
   double reserved = 0;
   for (const Share* share : order) reserved += share->least;
-  size_t waiting = order.size();
+  auto waiting = spacers - order.begin();
   for (Share* share : order) {
+    if (waiting == 0) waiting = order.end() - spacers;
     reserved -= share->least;
     const double part = std::max(share->least, std::min((left) / double(waiting), left - reserved));
     share->measured = share->node->measure(offer(std::max(0.0, part)));

@@ -237,6 +237,8 @@ std::optional<Rect> Scene::presentedFrame(const std::string& id) const {
 
 std::optional<Shape> Scene::presentedClip(const std::string& id) const {
   const Node* node = find(*root_, id);
+  // The clip may stand inside effects of the same view.
+  while (node && !node->attributes.clip && node->children.size() == 1) node = node->onlyChild();
   if (!node || !node->attributes.clip) return std::nullopt;
   Shape shape = *node->attributes.clip;
   shape.animated = node->clip.presented();

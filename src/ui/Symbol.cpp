@@ -24,14 +24,17 @@ const QPainterPath& glyph(const std::string& name) {
   const auto found = glyphs.find(name);
   if (found != glyphs.end()) return found->second;
   QPainterPath path;
-  if (const auto symbol = symbolCodepoint(name)) {
+  if (const auto symbol = symbolGlyph(name)) {
     constexpr double size = 1000;
     const QRawFont font = fontBook::symbols(size);
-    const QString text = QString::fromUcs4(&*symbol, 1);
+    const QString text = QString::fromUcs4(&symbol->codepoint, 1);
     const auto indexes = font.glyphIndexesForString(text);
     if (!indexes.isEmpty() && indexes[0] != 0) {
       // Centred by the em square, as the designers of the glyphs meant it.
-      path = QTransform::fromScale(1 / size, 1 / size).map(font.pathForGlyph(indexes[0]).translated(0, size));
+      const QTransform aboutCenter = QTransform::fromTranslate(0.5, 0.5)
+                                         .scale(symbol->scale / size, symbol->scale / size)
+                                         .translate(-size / 2, -size / 2);
+      path = aboutCenter.map(font.pathForGlyph(indexes[0]).translated(0, size));
     }
   }
   path.setFillRule(Qt::WindingFill);

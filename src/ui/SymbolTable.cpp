@@ -75,9 +75,4 @@ std::optional<SymbolGlyph> symbolGlyph(std::string_view name) {
   return found->glyph;
 }
 
-std::optional<char32_t> symbolCodepoint(std::string_view name) {
-  const auto glyph = symbolGlyph(name);
-  return glyph ? std::optional(glyph->codepoint) : std::nullopt;
-}
-
 }  // namespace tarnwick::ui

@@ -13,6 +13,5 @@ struct SymbolGlyph {
 
 /// The glyph for a symbol name, or none for an unknown name.
 std::optional<SymbolGlyph> symbolGlyph(std::string_view name);
-std::optional<char32_t> symbolCodepoint(std::string_view name);
 
 }  // namespace tarnwick::ui

@@ -25,25 +25,21 @@ const fontBook::Face& faceFor(const QString& text, const Font& font) {
   return isDingbat(text) || text == QChar(0xB7) ? fontBook::sparkleFace(font) : fontBook::face(font);
 }
 
-/// A text cut into the cells that it is drawn in: digits of equal width one by one, the rest in runs.
+/// A text cut into the cells that it is drawn in: digits one by one, of equal width where wanted, the rest in runs.
 struct Cell {
   QString text;
   double x;
   double width;
 };
 
-std::vector<Cell> cells(const QString& text, const fontBook::Face& face) {
+std::vector<Cell> cells(const QString& text, const fontBook::Face& face, bool equalDigits) {
   std::vector<Cell> result;
   double x = 0;
   for (qsizetype i = 0; i < text.size();) {
     qsizetype end = i + 1;
-    double width;
-    if (text[i].isDigit()) {
-      width = face.digitWidth;
-    } else {
-      while (end < text.size() && !text[end].isDigit()) ++end;
-      width = face.metrics.horizontalAdvance(text.mid(i, end - i));
-    }
+    while (!text[i].isDigit() && end < text.size() && !text[end].isDigit()) ++end;
+    const bool equal = equalDigits && text[i].isDigit();
+    const double width = equal ? face.digitWidth : face.metrics.horizontalAdvance(text.mid(i, end - i));
     result.push_back({text.mid(i, end - i), x, width});
     x += width;
     i = end;
@@ -51,9 +47,9 @@ std::vector<Cell> cells(const QString& text, const fontBook::Face& face) {
   return result;
 }
 
-double width(const QString& text, const fontBook::Face& face, bool digitsInCells) {
-  if (!digitsInCells) return face.metrics.horizontalAdvance(text);
-  const std::vector<Cell> parts = cells(text, face);
+double width(const QString& text, const fontBook::Face& face, bool equalDigits) {
+  if (!equalDigits) return face.metrics.horizontalAdvance(text);
+  const std::vector<Cell> parts = cells(text, face, true);
   return parts.empty() ? 0 : parts.back().x + parts.back().width;
 }
 
@@ -85,8 +81,7 @@ Measured TextElement::measure(Node& node, Proposal proposal) const {
   const Environment& environment = node.environment;
   const QString text = QString::fromStdString(text_);
   const fontBook::Face& face = faceFor(text, environment.font);
-  const bool inCells = environment.monospacedDigits || environment.contentTransition == ContentTransition::numericText;
-  double wanted = std::ceil(width(text, face, inCells) * node.pixelRatio) / node.pixelRatio;
+  double wanted = std::ceil(width(text, face, environment.monospacedDigits) * node.pixelRatio) / node.pixelRatio;
   if (proposal.width) wanted = std::min(wanted, std::max(0.0, *proposal.width));
   return {{wanted, std::ceil(face.metrics.height())}, std::round(face.metrics.ascent())};
 }
@@ -117,19 +112,18 @@ void TextElement::drawLine(DrawContext& context) const {
   const Environment& environment = context.environment;
   QString text = QString::fromStdString(text_);
   const fontBook::Face& face = faceFor(text, environment.font);
-  const bool inCells = environment.monospacedDigits || environment.contentTransition == ContentTransition::numericText;
   const double space = context.layoutSize.width;
-  if (width(text, face, inCells) > space + 0.5) {
+  if (width(text, face, environment.monospacedDigits) > space + 0.5) {
     const auto mode = environment.truncation == Truncation::middle ? Qt::ElideMiddle : Qt::ElideRight;
     text = face.metrics.elidedText(text, mode, space + 0.5);
   }
   prepare(context, face.font);
   const double baseline = std::round(face.metrics.ascent());
-  if (!inCells) {
+  if (!environment.monospacedDigits) {
     context.painter.drawText(QPointF(0, baseline), text);
     return;
   }
-  for (const Cell& cell : cells(text, face)) drawCell(context.painter, cell, face, baseline);
+  for (const Cell& cell : cells(text, face, true)) drawCell(context.painter, cell, face, baseline);
 }
 
 void TextElement::drawRolling(DrawContext& context, const TextElement& before) const {
@@ -141,7 +135,8 @@ void TextElement::drawRolling(DrawContext& context, const TextElement& before) c
   QPainter& painter = context.painter;
   prepare(context, face.font);
   const double opacity = painter.opacity();
-  const std::vector<Cell> oldCells = cells(oldText, face), newCells = cells(text, face);
+  const bool equalDigits = context.environment.monospacedDigits;
+  const std::vector<Cell> oldCells = cells(oldText, face, equalDigits), newCells = cells(text, face, equalDigits);
   // Counted from the right: the places of a number stay comparable.
   const size_t count = std::max(oldCells.size(), newCells.size());
   for (size_t i = 0; i < count; ++i) {

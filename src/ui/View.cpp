@@ -1,5 +1,8 @@
 #include "ui/View.h"
 
+#include <cmath>
+#include <numbers>
+
 #include "ui/Description.h"
 #include "ui/Dynamic.h"
 #include "ui/Elements.h"
@@ -137,6 +140,14 @@ View View::matchedGeometry(std::string id, Namespace names) const {
 }
 View View::bounce(AnyValue value, bool onAppear) const {
   return with([&](Attributes& a) { a.bounce = Attributes::Bounce{std::move(value), onAppear}; });
+}
+View View::pulse() const {
+  // Slow enough that a few steps a second look smooth.
+  constexpr double interval = 1.0 / 15, period = 1.5, least = 0.4;
+  return timeline(interval, false, [view = *this](Date now) {
+    const double phase = std::fmod(now.secondsSince1970, period) / period;
+    return view.opacity(least + (1 - least) * (0.5 + 0.5 * std::cos(2 * std::numbers::pi * phase)));
+  });
 }
 View View::onAppear(std::function<void()> action) const {
   return with([&](Attributes& a) { a.onAppear = std::move(action); });
