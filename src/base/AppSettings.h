@@ -28,6 +28,7 @@ class AppSettings : public ObservableObject {
   explicit AppSettings(UserDefaults& defaults) : defaults_(defaults) {}
 
  private:
+  // Before the switches, which read it while they are made.
   UserDefaults& defaults_;
 
  public:
