@@ -23,10 +23,12 @@ namespace {
 constexpr size_t manyHooks = 200;
 constexpr auto startingTime = 2000ms;
 constexpr long memoryLimit = 1 << 20;
+constexpr size_t manySettings = 2000;
 #else
 constexpr size_t manyHooks = 2000;
 constexpr auto startingTime = 0ms;
 constexpr long memoryLimit = 160 << 10;
+constexpr size_t manySettings = 20000;
 #endif
 
 const std::string program = TARNWICK_PROGRAM;
@@ -239,7 +241,7 @@ TEST(Program, IsRunByTheCommandThatItInstalls) {
 class LargeSettings {
  public:
   LargeSettings() {
-    JsonArray list(20000, JsonValue{JsonObject{{"key", {"some text of the user's"}}}});
+    JsonArray list(manySettings, JsonValue{JsonObject{{"key", {"some text of the user's"}}}});
     fs::create_directories(home.path() + "/.claude");
     EXPECT_FALSE(writeFileAtomically(path, *writeJson({JsonObject{{"list", {std::move(list)}}}})));
     start("--install-hooks")->wait();
