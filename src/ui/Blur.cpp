@@ -21,23 +21,33 @@ std::array<int, 3> boxWidths(double sigma) {
   return widths;
 }
 
-/// One box blur along a line of `count` pixels with `channels` bytes each, `stride` bytes apart.
-template<int channels>
-void boxLine(const uint8_t* source, uint8_t* target, int count, std::ptrdiff_t stride, int width) {
+/// Sums of up to 255 bytes fit into 16 bits; wider boxes are what reduced copies are for.
+constexpr int widestBox = 255;
+
+/// A moving sum over `count` steps of `lanes` bytes side by side: all of a line of pixels, or all channels of one
+/// pixel. The loops over the lanes are what the compiler turns into vector instructions.
+template<int fixedLanes>
+void movingSum(const uint8_t* source, uint8_t* target, int count, std::ptrdiff_t stride, int freeLanes, int width,
+               uint16_t* sum) {
+  const int lanes = fixedLanes ? fixedLanes : freeLanes;
   const int radius = width / 2;
-  const uint32_t scale = (1u << 24) / uint32_t(width);
-  std::array<uint32_t, channels> sum{};
-  const auto at = [&](int i, int c) { return source[std::ptrdiff_t(i) * stride + c]; };
+  const uint32_t scale = (1u << 16) / uint32_t(width) + 1;
+  std::fill_n(sum, lanes, uint16_t(0));
   for (int i = 0; i < std::min(radius, count); ++i) {
-    for (int c = 0; c < channels; ++c) sum[size_t(c)] += at(i, c);
+    const uint8_t* enters = source + i * stride;
+    for (int lane = 0; lane < lanes; ++lane) sum[lane] = uint16_t(sum[lane] + enters[lane]);
   }
   for (int i = 0; i < count; ++i) {
-    const int enters = i + radius, leaves = i - radius - 1;
-    for (int c = 0; c < channels; ++c) {
-      if (enters < count) sum[size_t(c)] += at(enters, c);
-      if (leaves >= 0) sum[size_t(c)] -= at(leaves, c);
-      target[std::ptrdiff_t(i) * stride + c] = uint8_t((uint64_t(sum[size_t(c)]) * scale + (1u << 23)) >> 24);
+    if (i + radius < count) {
+      const uint8_t* enters = source + (i + radius) * stride;
+      for (int lane = 0; lane < lanes; ++lane) sum[lane] = uint16_t(sum[lane] + enters[lane]);
     }
+    if (i - radius - 1 >= 0) {
+      const uint8_t* leaves = source + (i - radius - 1) * stride;
+      for (int lane = 0; lane < lanes; ++lane) sum[lane] = uint16_t(sum[lane] - leaves[lane]);
+    }
+    uint8_t* to = target + i * stride;
+    for (int lane = 0; lane < lanes; ++lane) to[lane] = uint8_t(sum[lane] * scale >> 16);
   }
 }
 
@@ -45,14 +55,15 @@ template<int channels>
 void blurPlane(uint8_t* data, int width, int height, std::ptrdiff_t rowStride, double sigma) {
   if (width <= 0 || height <= 0) return;
   std::vector<uint8_t> copy(size_t(rowStride) * size_t(height));
-  for (const int box : boxWidths(sigma)) {
+  std::vector<uint16_t> sum(size_t(width) * channels);
+  for (int box : boxWidths(sigma)) {
     if (box <= 1) continue;
+    box = std::min(box, widestBox);
     for (int y = 0; y < height; ++y) {
-      boxLine<channels>(data + y * rowStride, copy.data() + y * rowStride, width, channels, box);
+      movingSum<channels>(data + y * rowStride, copy.data() + y * rowStride, width, channels, channels, box,
+                          sum.data());
     }
-    for (int x = 0; x < width; ++x) {
-      boxLine<channels>(copy.data() + x * channels, data + x * channels, height, rowStride, box);
-    }
+    movingSum<0>(copy.data(), data, height, rowStride, width * channels, box, sum.data());
   }
 }
 
@@ -62,6 +73,26 @@ void blur(AlphaMap& map, double sigma) { blurPlane<1>(map.values.data(), map.wid
 
 void blur(QImage& image, double sigma) {
   blurPlane<4>(image.bits(), image.width(), image.height(), image.bytesPerLine(), sigma);
+}
+
+QImage halved(const QImage& image) {
+  QImage half((image.width() + 1) / 2, (image.height() + 1) / 2, QImage::Format_ARGB32_Premultiplied);
+  for (int y = 0; y < half.height(); ++y) {
+    const auto* upper = reinterpret_cast<const uint32_t*>(image.constScanLine(2 * y));
+    const auto* lower =
+        2 * y + 1 < image.height() ? reinterpret_cast<const uint32_t*>(image.constScanLine(2 * y + 1)) : upper;
+    auto* to = reinterpret_cast<uint32_t*>(half.scanLine(y));
+    const int pairs = image.width() / 2;
+    for (int x = 0; x < pairs; ++x) {
+      const uint32_t a = upper[2 * x], b = upper[2 * x + 1], c = lower[2 * x], d = lower[2 * x + 1];
+      const uint32_t even = ((a & 0xFF00FF) + (b & 0xFF00FF) + (c & 0xFF00FF) + (d & 0xFF00FF)) >> 2 & 0xFF00FF;
+      const uint32_t odd = ((a >> 8 & 0xFF00FF) + (b >> 8 & 0xFF00FF) + (c >> 8 & 0xFF00FF) + (d >> 8 & 0xFF00FF))
+                               << 6 & 0xFF00FF00;
+      to[x] = even | odd;
+    }
+    if (pairs < half.width()) to[pairs] = upper[2 * pairs];
+  }
+  return half;
 }
 
 }  // namespace tarnwick::ui

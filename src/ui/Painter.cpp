@@ -12,9 +12,11 @@
 namespace tarnwick::ui {
 namespace {
 
-/// Blurs run on a copy reduced until their standard deviation is about this many pixels.
-constexpr double reducedSigma = 2.5;
+/// Blurs run on a copy halved until their standard deviation is at most this many pixels.
+constexpr double reducedSigma = 1.3;
 constexpr double leastBlur = 0.1;
+/// Points around a group that are kept free for a blur to spread into.
+constexpr double largestBlur = 30;
 
 /// How many nodes below draw something; counting ends at two.
 int drawing(const Node& node) {
@@ -42,6 +44,21 @@ void brighten(QImage& image, double amount) {
       line[x] = uint32_t(a) << 24 | channel(16) | channel(8) | channel(0);
     }
   }
+}
+
+/// Whether everything that a clipped node covers is hidden behind an opaque area at its very back.
+bool hasOpaqueBack(const Node& node, const Node& clipped) {
+  if (node.opacity < 1 || node.blurRadius > 0) return false;
+  if (const ShapeElement* shape = node.element->shape()) {
+    const Rect& back = node.ownBounds;
+    const Rect& front = clipped.contentBounds;
+    constexpr double slack = 0.01;
+    return shape->outline().cornerExtent == 0 && ShapeElement::color(node.values.presented()).alpha >= 1 &&
+           node.values.presented().size() == 4 && back.x <= front.x + slack && back.y <= front.y + slack &&
+           back.right() >= front.right() - slack && back.bottom() >= front.bottom() - slack;
+  }
+  const Node* back = node.leaving.empty() ? node.onlyChild() : nullptr;
+  return !node.element->draws() && back && hasOpaqueBack(*back, clipped);
 }
 
 QPainterPath clipPath(const Node& node) {
@@ -106,47 +123,61 @@ void Painter::drawContent(Node& node, Surface& surface, double opacity) {
   if (scrolls) painter.restore();
 }
 
-/// The content of a node, in its own coordinates and without its effects.
-QImage Painter::render(Node& node, const Rect& rect, double scale, double blurRadius) {
-  QImage image(std::max(1, int(std::ceil(rect.width * scale))), std::max(1, int(std::ceil(rect.height * scale))),
-               QImage::Format_ARGB32_Premultiplied);
-  image.fill(Qt::transparent);
-  {
-    QPainter painter(&image);
-    painter.setRenderHints(QPainter::Antialiasing | QPainter::TextAntialiasing | QPainter::SmoothPixmapTransform);
-    QTransform toPixels = node.transform.inverted();
-    toPixels *= QTransform::fromTranslate(-rect.x, -rect.y);
-    toPixels *= QTransform::fromScale(scale, scale);
-    Surface surface{image, painter, toPixels, fromQt(node.transform.mapRect(toQt(rect)))};
-    drawContent(node, surface, 1);
-    if (node.attributes.clip) {
-      painter.setTransform(QTransform::fromTranslate(-rect.x, -rect.y) * QTransform::fromScale(scale, scale));
-      painter.setOpacity(1);
-      painter.setCompositionMode(QPainter::CompositionMode_DestinationIn);
-      // A path that fills everything outside itself with nothing needs a picture of its own.
-      QImage mask(image.size(), QImage::Format_Alpha8);
-      mask.fill(0);
-      QPainter masking(&mask);
-      masking.setRenderHint(QPainter::Antialiasing);
-      masking.setTransform(painter.transform());
-      masking.fillPath(clipPath(node), Qt::black);
-      masking.end();
-      painter.resetTransform();
-      painter.drawImage(0, 0, mask);
-    }
+/// Cuts off what lies outside the clip of `node`. Where its edges are straight there is nothing to cut, so only the
+/// strips with the corners are gone through.
+void Painter::applyClip(const Node& node, QImage& image, QPainter& painter, const QTransform& toPixels) {
+  const double corner = node.attributes.clip->cornerExtent;
+  const QRectF box = toPixels.mapRect(QRectF(0, 0, node.presentedSize.width, node.presentedSize.height));
+  const double strip = corner * toPixels.m11() + 1;
+  std::vector<QRect> parts;
+  if (corner < 0 || 2 * strip >= box.width()) {
+    parts.push_back(image.rect());
+  } else {
+    parts.push_back(QRect(QPoint(0, 0), QPoint(int(std::ceil(box.left() + strip)), image.height())) & image.rect());
+    parts.push_back(QRect(QPoint(int(std::floor(box.right() - strip)), 0), QPoint(image.width(), image.height())) &
+                    image.rect());
   }
-  if (blurRadius > leastBlur) blur(image, blurRadius * scale);
+  painter.setOpacity(1);
+  painter.setCompositionMode(QPainter::CompositionMode_DestinationIn);
+  painter.resetTransform();
+  for (const QRect& part : parts) {
+    if (part.isEmpty()) continue;
+    // A picture of its own: a path alone would leave what lies outside of it as it is.
+    QImage mask(part.size(), QImage::Format_ARGB32_Premultiplied);
+    mask.fill(Qt::transparent);
+    QPainter masking(&mask);
+    masking.setRenderHint(QPainter::Antialiasing);
+    masking.setTransform(toPixels * QTransform::fromTranslate(-part.x(), -part.y()));
+    masking.fillPath(clipPath(node), Qt::black);
+    masking.end();
+    painter.drawImage(part.topLeft(), mask);
+  }
+}
+
+/// The content of a node, in its own coordinates and without its effects.
+QImage Painter::render(Node& node, const Rect& rect, double scale) {
+  QImage image(std::max(1, int(std::ceil(rect.width * scale - 1e-6))),
+               std::max(1, int(std::ceil(rect.height * scale - 1e-6))), QImage::Format_ARGB32_Premultiplied);
+  image.fill(Qt::transparent);
+  QPainter painter(&image);
+  painter.setRenderHints(QPainter::Antialiasing | QPainter::TextAntialiasing | QPainter::SmoothPixmapTransform);
+  const QTransform toPixels =
+      QTransform::fromTranslate(-rect.x, -rect.y) * QTransform::fromScale(scale, scale);
+  Surface surface{image, painter, node.transform.inverted() * toPixels, fromQt(node.transform.mapRect(toQt(rect)))};
+  drawContent(node, surface, 1);
+  if (node.attributes.clip) applyClip(node, image, painter, toPixels);
+  painter.end();
   if (node.brightening != 0) brighten(image, node.brightening);
   return image;
 }
 
 void Painter::drawGroup(Node& node, Surface& surface, double opacity) {
-  const double outerScale = std::sqrt(std::abs(surface.toPixels.determinant()));
+  const double scale = std::sqrt(std::abs(surface.toPixels.determinant()));
   const QTransform toScene = node.transform;
-  const double reach = 3 * node.blurRadius;
+  const bool blurs = node.blurRadius > leastBlur;
   // In the node's own coordinates: all of it where it will be used again, else what has to be drawn.
-  const bool reusable = !node.attributes.clip && node.brightening == 0 &&
-                        (node.blurRadius > leastBlur || node.opacity < 0.998);
+  const bool reusable =
+      !node.attributes.clip && node.brightening == 0 && (blurs || node.opacity < 0.998);
   Rect wanted = fromQt(toScene.inverted().mapRect(toQt(node.contentBounds)));
   if (!reusable) {
     const Rect seen = fromQt(toScene.inverted().mapRect(toQt(surface.clip)));
@@ -155,38 +186,48 @@ void Painter::drawGroup(Node& node, Surface& surface, double opacity) {
               std::min(wanted.bottom(), seen.bottom()) - top};
     if (wanted.isEmpty()) return;
   }
-  double scale = outerScale;
-  while (node.blurRadius * scale > reducedSigma * 2) scale /= 2;
-  const double step = 1 / scale;
-  const auto down = [&](double v) { return std::floor(v / step) * step; };
-  const auto up = [&](double v) { return std::ceil(v / step) * step; };
-  wanted = wanted.grownBy(reach, reach);
+  // Room for the blur to spread, on whole pixels also of the copies at half the size and below.
+  size_t halvings = 0;
+  double reduced = scale;
+  for (; node.blurRadius * reduced > reducedSigma; reduced /= 2) ++halvings;
+  constexpr int steps = 32;
+  const double step = (reusable ? steps : 1) / scale, room = reusable ? largestBlur : 0;
+  const auto down = [&](double v) { return std::floor((v - room) / step) * step; };
+  const auto up = [&](double v) { return std::ceil((v + room) / step) * step; };
   const Rect rect{down(wanted.x), down(wanted.y), up(wanted.right()) - down(wanted.x),
                   up(wanted.bottom()) - down(wanted.y)};
 
-  const auto put = [&](const QImage& image) {
+  const auto put = [&](const QImage& image, double pictureScale) {
     QPainter& painter = surface.painter;
-    painter.setTransform(QTransform::fromScale(1 / scale, 1 / scale) * QTransform::fromTranslate(rect.x, rect.y) *
-                         toScene * surface.toPixels);
+    QTransform place = QTransform::fromScale(1 / pictureScale, 1 / pictureScale) *
+                       QTransform::fromTranslate(rect.x, rect.y) * toScene * surface.toPixels;
     painter.setOpacity(opacity);
+    if (std::abs(place.m11() - 1) < 1e-6 && std::abs(place.m22() - 1) < 1e-6 && place.m12() == 0) {
+      // Whole pixels: as crisp as drawn directly, and a plain copy.
+      painter.resetTransform();
+      painter.drawImage(QPoint(int(std::round(place.dx())), int(std::round(place.dy()))), image);
+      return;
+    }
+    painter.setTransform(place);
     painter.drawImage(QPointF(0, 0), image);
   };
   if (!reusable) {
-    put(render(node, rect, scale, 0));
+    QImage picture = render(node, rect, scale);
+    if (blurs) blur(picture, node.blurRadius * scale);
+    put(picture, scale);
     return;
   }
   // Kept is the sharp content; what moves on top of it (opacity, place, blur) costs no drawing of views.
   if (!node.group || node.contentChanged || node.group->scale != scale || !(node.group->rect == rect)) {
-    node.group = std::make_unique<Node::Group>(Node::Group{render(node, rect, scale, 0), rect, scale});
+    node.group = std::make_unique<Node::Group>(Node::Group{{render(node, rect, scale)}, rect, scale});
     node.contentChanged = false;
   }
-  if (node.blurRadius <= leastBlur) {
-    put(node.group->image);
-    return;
-  }
-  QImage blurred = node.group->image;
-  blur(blurred, node.blurRadius * scale);
-  put(blurred);
+  std::vector<QImage>& images = node.group->images;
+  while (images.size() <= halvings) images.push_back(halved(images.back()));
+  if (!blurs) return put(images[0], scale);
+  QImage blurred = images[halvings];
+  blur(blurred, node.blurRadius * reduced);
+  put(blurred, reduced);
 }
 
 void Painter::drawShadows(Node& node, Surface& surface, double opacity) {
@@ -204,6 +245,12 @@ void Painter::drawShadows(Node& node, Surface& surface, double opacity) {
   const QTransform toPixels = shaped->transform * surface.toPixels;
   const double scale = std::sqrt(std::abs(toPixels.determinant()));
   const QRect clip = surface.toPixels.mapRect(toQt(surface.clip)).toAlignedRect();
+  QRect hidden;
+  if (node.attributes.clip && shape->cornerExtent >= 0 && opacity >= 0.998 && hasOpaqueBack(node, node)) {
+    const double corner = shape->cornerExtent;
+    const QRectF middle(corner, 0, node.presentedSize.width - 2 * corner, node.presentedSize.height);
+    hidden = toPixels.mapRect(middle).toAlignedRect().adjusted(1, 1, -1, -1);
+  }
   for (auto shadow = node.attributes.shadows.rbegin(); shadow != node.attributes.shadows.rend(); ++shadow) {
     Color color = shadow->color.opacity(opacity);
     if (color.alpha <= 0.002) continue;
@@ -211,15 +258,16 @@ void Painter::drawShadows(Node& node, Surface& surface, double opacity) {
       const auto patch = ShadowPatch::of(*shape, shaped->presentedSize, shadow->radius, scale);
       const QPointF corner = toPixels.map(QPointF(0, 0)) + QPointF(shadow->offset.x, shadow->offset.y) * scale;
       const QSizeF size(shaped->presentedSize.width * scale, shaped->presentedSize.height * scale);
-      patch->draw(surface.image, corner, size, color, clip);
+      patch->draw(surface.image, corner, size, color, clip, hidden);
       continue;
     }
     // Anything else casts the shadow of its own picture.
+    double reduced = scale;
+    while (shadow->radius * reduced > reducedSigma) reduced /= 2;
     const double reach = 3 * shadow->radius;
     const Rect rect = fromQt(node.transform.inverted().mapRect(toQt(node.contentBounds))).grownBy(reach, reach);
-    double reduced = scale;
-    while (shadow->radius * reduced > reducedSigma * 2) reduced /= 2;
-    QImage picture = render(node, rect, reduced, shadow->radius);
+    QImage picture = render(node, rect, reduced);
+    blur(picture, shadow->radius * reduced);
     QPainter tint(&picture);
     tint.setCompositionMode(QPainter::CompositionMode_SourceIn);
     tint.fillRect(picture.rect(), toQt(shadow->color));

@@ -28,7 +28,8 @@ class Painter {
   void drawContent(Node& node, Surface& surface, double opacity);
   void drawGroup(Node& node, Surface& surface, double opacity);
   void drawShadows(Node& node, Surface& surface, double opacity);
-  QImage render(Node& node, const Rect& rect, double scale, double blurRadius);
+  void applyClip(const Node& node, QImage& image, QPainter& painter, const QTransform& toPixels);
+  QImage render(Node& node, const Rect& rect, double scale);
 
   double ratio_;
 };

@@ -53,6 +53,16 @@ Point targetOrigin(const Node& node) {
   return origin;
 }
 
+/// Where the corner of a node that has not been presented yet sets out from, effects left aside.
+Point presentedOrigin(const Node& node) {
+  Point origin;
+  for (const Node* n = &node; n; n = n->parent) {
+    origin = origin + n->presentedFrame().origin();
+    if (n->parent) origin = origin - n->parent->scroll;
+  }
+  return origin;
+}
+
 }  // namespace
 
 Reconciler::Reconciler(Scene& scene, std::optional<Animation> animation, bool first)
@@ -293,8 +303,8 @@ void Reconciler::handOver() {
     const QPointF corner =
         node->parent->contentTransform.inverted().map(QPointF(handover.rect.x, handover.rect.y));
     const bool parentShown = !node->parent->isNew || node->parent->visible;
-    const Point parentOrigin = targetOrigin(*node->parent);
-    const Point start = parentShown ? Point{corner.x(), corner.y()} : handover.rect.origin() - parentOrigin;
+    const Point start = parentShown ? Point{corner.x(), corner.y()}
+                                    : handover.rect.origin() - presentedOrigin(*node->parent);
     node->frameMotion.startFrom({start.x, start.y, handover.rect.width, handover.rect.height}, node->commitAnimation,
                                 now_);
     if (!handover.hasTransition) {

@@ -25,9 +25,10 @@ struct Key {
 
 std::shared_ptr<const ShadowPatch> ShadowPatch::of(const Shape& shape, Size size, double radius, double scale) {
   const double sigma = std::max(0.5, radius * scale);
-  const double reach = std::ceil(3 * sigma);
+  // Beyond this a blurred edge is below half a level of the strongest shadow that we draw.
+  const double reach = std::ceil(2.5 * sigma);
   // The middle may be stretched when it lies beyond what corners and blur change.
-  const double corner = shape.cornerExtent * scale + 2 * reach;
+  const double corner = shape.cornerExtent * scale + reach;
   const QSizeF whole(size.width * scale, size.height * scale);
   const bool stretches = shape.cornerExtent >= 0 && whole.width() > 2 * corner + 2;
   const QSizeF box(stretches ? 2 * corner + 2 : whole.width(), whole.height());
@@ -91,48 +92,76 @@ std::vector<ShadowPatch::Sample> ShadowPatch::samples(double start, double lengt
   return result;
 }
 
-void ShadowPatch::draw(QImage& target, QPointF corner, QSizeF size, Color color, const QRect& clip) const {
+/// A row of the map at the width of the target, in 1/256 of its values.
+std::vector<uint16_t> ShadowPatch::widened(int row, const std::vector<Sample>& columns) const {
+  const uint8_t* values = map_.values.data() + size_t(row) * size_t(map_.width);
+  std::vector<uint16_t> wide(columns.size());
+  for (size_t x = 0; x < columns.size(); ++x) {
+    const Sample column = columns[x];
+    wide[x] = uint16_t(values[column.index] * (256 - column.fraction) + values[column.index + 1] * column.fraction);
+  }
+  return wide;
+}
+
+namespace {
+
+/// Premultiplied colour over what lies below, by a coverage of 0…255·256 that lies between two lines.
+struct Blend {
+  uint32_t alpha, redBlue, green;
+
+  explicit Blend(Color color) {
+    const double strength = std::clamp(color.alpha, 0.0, 1.0);
+    const auto byte = [&](double channel) { return uint32_t(std::lround(255 * std::clamp(channel, 0.0, 1.0))); };
+    alpha = uint32_t(std::lround(256 * strength));
+    redBlue = byte(color.red) << 16 | byte(color.blue);
+    green = byte(color.green);
+  }
+
+  void run(uint32_t* pixels, const uint16_t* upper, const uint16_t* lower, uint32_t fraction, int count) const {
+    const uint32_t rest = 256 - fraction;
+    for (int x = 0; x < count; ++x) {
+      const uint32_t coverage = (upper[x] * rest + lower[x] * fraction) >> 8;
+      const uint32_t a = (coverage * alpha + (1u << 15)) >> 16;
+      const uint32_t keep = 256 - a - (a >> 7), below = pixels[x], scale = a + (a >> 7);
+      const uint32_t rb = ((below & 0xFF00FF) * keep + redBlue * scale) >> 8 & 0xFF00FF;
+      const uint32_t g = ((below >> 8 & 0xFF) * keep + green * scale) >> 8 & 0xFF;
+      const uint32_t al = ((below >> 24) * keep >> 8) + a;
+      pixels[x] = al << 24 | g << 8 | rb;
+    }
+  }
+};
+
+}  // namespace
+
+void ShadowPatch::draw(QImage& target, QPointF corner, QSizeF size, Color color, const QRect& clip,
+                       const QRect& hidden) const {
   if (map_.values.empty() || color.alpha <= 0) return;
   const QRect reachable = QRectF(corner, size).adjusted(-reach_, -reach_, reach_, reach_).toAlignedRect();
   const QRect area = reachable & clip & target.rect();
   if (area.isEmpty()) return;
   const std::vector<Sample> columns = samples(corner.x(), size.width(), area.x(), area.width(), true);
   const std::vector<Sample> rows = samples(corner.y(), size.height(), area.y(), area.height(), false);
+  const QRect skipped = hidden & area;
+  const Blend blend(color);
 
-  // 16.16 factors that turn a coverage of 0…255·256 into premultiplied channels.
-  const double strength = std::clamp(color.alpha, 0.0, 1.0);
-  const auto factor = [&](double channel) { return uint32_t(std::round(channel * strength * 65536 / 256)); };
-  const uint32_t fa = factor(1), fr = factor(color.red), fg = factor(color.green), fb = factor(color.blue);
-  const bool black = fr == 0 && fg == 0 && fb == 0;
-
-  std::vector<uint32_t> line(static_cast<size_t>(map_.width));
+  // Rows of the map are few; each is brought to the width of the target once.
+  int above = -2;
+  std::vector<uint16_t> upper, lower;
   for (int y = 0; y < area.height(); ++y) {
     const Sample row = rows[size_t(y)];
-    const uint8_t* upper = map_.values.data() + size_t(row.index) * size_t(map_.width);
-    const uint8_t* lower = upper + map_.width;
-    for (int x = 0; x < map_.width; ++x) {
-      line[size_t(x)] = upper[x] * uint32_t(256 - row.fraction) + lower[x] * uint32_t(row.fraction);
+    if (row.index != above) {
+      upper = row.index == above + 1 ? std::move(lower) : widened(row.index, columns);
+      lower = widened(row.index + 1, columns);
+      above = row.index;
     }
     auto* pixels = reinterpret_cast<uint32_t*>(target.scanLine(area.y() + y)) + area.x();
-    for (int x = 0; x < area.width(); ++x) {
-      const Sample column = columns[size_t(x)];
-      const uint32_t coverage =
-          (line[size_t(column.index)] * uint32_t(256 - column.fraction) +
-           line[size_t(column.index) + 1] * uint32_t(column.fraction)) >> 8;
-      if (coverage == 0) continue;
-      const uint32_t a = (coverage * fa + (1u << 15)) >> 16;
-      const uint32_t below = pixels[x];
-      if (below == 0 && black) {
-        pixels[x] = a << 24;
-        continue;
-      }
-      const uint32_t keep = 255 - a;
-      const auto mix = [&](int shift, uint32_t f) {
-        const uint32_t value = ((below >> shift & 255) * keep + 127) / 255 + ((coverage * f + (1u << 15)) >> 16);
-        return std::min(255u, value) << shift;
-      };
-      pixels[x] = mix(24, fa) | mix(16, fr) | mix(8, fg) | mix(0, fb);
-    }
+    const bool crosses = !skipped.isEmpty() && area.y() + y >= skipped.top() && area.y() + y <= skipped.bottom();
+    const int left = crosses ? skipped.left() - area.x() : area.width();
+    blend.run(pixels, upper.data(), lower.data(), uint32_t(row.fraction), left);
+    if (!crosses) continue;
+    const int right = skipped.right() + 1 - area.x();
+    blend.run(pixels + right, upper.data() + right, lower.data() + right, uint32_t(row.fraction),
+              area.width() - right);
   }
 }
 

@@ -18,8 +18,9 @@ class ShadowPatch {
   static std::shared_ptr<const ShadowPatch> of(const Shape& shape, Size size, double radius, double scale);
 
   /// Draws it in `color` onto `target` (premultiplied ARGB), for a box whose top left corner is at `corner` and
-  /// whose size is `size`, all in pixels; only inside `clip`.
-  void draw(QImage& target, QPointF corner, QSizeF size, Color color, const QRect& clip) const;
+  /// whose size is `size`, all in pixels; only inside `clip`, and not inside `hidden`, which something opaque will
+  /// cover.
+  void draw(QImage& target, QPointF corner, QSizeF size, Color color, const QRect& clip, const QRect& hidden) const;
 
  private:
   /// For each pixel of a line: the two samples that it lies between, and how far it is to the second, 0…256.
@@ -28,6 +29,7 @@ class ShadowPatch {
     int fraction;
   };
   std::vector<Sample> samples(double start, double length, int from, int count, bool horizontal) const;
+  std::vector<uint16_t> widened(int row, const std::vector<Sample>& columns) const;
 
   AlphaMap map_;
   /// Pixels of the target a pixel of the map.
