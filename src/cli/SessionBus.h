@@ -15,7 +15,7 @@ class SessionBus : public NotificationPoster {
   /// @param addresses the first that can be connected to is used.
   /// @param patience how long a post may take when the bus does not answer.
   explicit SessionBus(std::vector<BusAddress> addresses,
-                      std::chrono::milliseconds patience = std::chrono::milliseconds(300))
+                      std::chrono::milliseconds patience = std::chrono::milliseconds(350))
       : addresses_(std::move(addresses)), patience_(patience) {}
 
   void post(std::string_view name, const StringMap& userInfo) override;
