@@ -13,7 +13,8 @@ from pathlib import Path
 import dbus.bus
 from Xlib import X, Xatom
 from Xlib.display import Display
-from Xlib.ext import xtest  # noqa: F401  (registers the extension)
+from Xlib.error import BadWindow
+from Xlib.ext import shape
 
 from picture import WALLPAPER, Picture
 
@@ -74,7 +75,6 @@ class Desktop:
         number = self._start_telling("-displayfd", ["Xvfb", "-screen", "0", f"{width}x{height}x24", "-nolisten",
                                                     "tcp", "-noreset", "+extension", "Composite"])
         self.environment["DISPLAY"] = f":{number}"
-        # The X client library takes its server from the environment's name only.
         self.x = Display(f":{number}")
         self.root = self.x.screen().root
         self.bus_address = self._start_telling("--print-address", ["dbus-daemon", "--session", "--nofork"])
@@ -85,8 +85,7 @@ class Desktop:
         wait_until(lambda: self._property(self.root, "_NET_SUPPORTING_WM_CHECK"), "the window manager")
         if compositor:
             self.start(["picom", "--backend", "xrender", "--config", "/dev/null"])
-            selection = self.x.intern_atom("_NET_WM_CM_S0")
-            wait_until(lambda: self.x.get_selection_owner(selection) != X.NONE, "the compositor")
+            wait_until(lambda: self.selection_is_owned("_NET_WM_CM_S0"), "the compositor")
 
     def _start_telling(self, option, command):
         """Starts a server that writes where it is to be found into a descriptor, and returns that."""
@@ -112,6 +111,8 @@ class Desktop:
         return process
 
     def close(self):
+        if hasattr(self, "x"):
+            self.x.close()
         for process in reversed(self.processes):
             if process.poll() is None:
                 process.terminate()
@@ -125,13 +126,28 @@ class Desktop:
     # The overlay
 
     def start_overlay(self, defaults=None):
-        """Starts the overlay and returns when it hears notifications."""
+        """Starts the overlay and returns when it hears notifications and follows the pointer."""
         if defaults is not None:
             self.defaults_file.parent.mkdir(parents=True, exist_ok=True)
             self.defaults_file.write_text(json.dumps(defaults))
         self.overlay = self.start([PROGRAM])
         wait_until(lambda: self.overlay_runs() and self.bus.name_has_owner(BUS_NAME), "the overlay's bus name")
+        # The first tick of its pointer tracker, the last thing of its start, leaves the window open to the pointer
+        # at the top only.
+        wait_until(lambda: self.overlay_runs() and 0 < self._height_open_to_pointer() < 100, "the overlay's window")
         return self.overlay
+
+    def _height_open_to_pointer(self):
+        for window in self.root.query_tree().children:
+            try:
+                process = self._property(window, "_NET_WM_PID")
+                if (process and process.value[0] == self.overlay.pid
+                        and window.get_attributes().map_state == X.IsViewable):
+                    areas = window.shape_get_rectangles(shape.SK.Input).rectangles
+                    return max((area.y + area.height for area in areas), default=0)
+            except BadWindow:
+                pass  # it has gone meanwhile
+        return 0
 
     def overlay_runs(self):
         """Fails with what it said when the overlay has ended by itself."""
@@ -225,6 +241,9 @@ class Desktop:
         self.release(button)
 
     # Small helpers
+
+    def selection_is_owned(self, name):
+        return self.x.get_selection_owner(self.x.intern_atom(name)) != X.NONE
 
     def _property(self, window, name):
         return window.get_full_property(self.x.intern_atom(name), X.AnyPropertyType)

@@ -99,8 +99,9 @@ class Pointer(DesktopTest):
         wait_until(ready.exists, "the program to drag from")
         self.desktop.move_pointer(150, 550)
         self.desktop.press()
-        for step in range(1, 12):  # a hand's way: a drag starts with some travel
-            self.desktop.move_pointer(150 + 4 * step, 550)
+        self.desktop.move_pointer(160, 550)
+        self.desktop.move_pointer(180, 550)
+        wait_until(lambda: self.desktop.selection_is_owned("XdndSelection"), "the drag to start")
         # Near the notch, but not on it, the drop area opens.
         self.desktop.move_pointer(self.middle, 110)
         self.desktop.wait_for_notch(*EXPANDED)
