@@ -254,6 +254,7 @@ void Reconciler::insert(Node& node, const Context& context) {
 
 void Reconciler::revive(Node& node, const Context& context) {
   node.isLeaving = false;
+  scene_.addDamage(node.bounds);
   const Transition* own = transitionOf(node);
   const auto& animation = own && own->insertionAnimation ? own->insertionAnimation : context.animation;
   if (node.transition.target().empty()) node.transition.jump(atRest);
@@ -267,11 +268,12 @@ void Reconciler::remove(std::unique_ptr<Node> node, const Context& context, cons
     const Transition* next = transitionOf(*successor);
     if (next && next->governsPredecessor) transition = next;
   }
-  noteMatches(*node, *node, transition != nullptr);
   static const Transition fade = Transition::opacity();
   const Transition& leaving = transition ? *transition : fade;
   const auto& animation = leaving.removalAnimation ? leaving.removalAnimation : context.animation;
-  if (!animation || !context.transitions || node->bounds.isEmpty()) {
+  const bool goesAtOnce = !animation || !context.transitions || node->bounds.isEmpty();
+  noteMatches(*node, goesAtOnce ? nullptr : node.get(), transition != nullptr);
+  if (goesAtOnce) {
     scene_.discard(std::move(node));
     return;
   }
@@ -279,18 +281,33 @@ void Reconciler::remove(std::unique_ptr<Node> node, const Context& context, cons
   node->transition.set(numbers(leaving.removal), animation, now_);
   node->transitionAnchor = leaving.removal.anchor;
   node->isLeaving = true;
+  // It goes behind its siblings at once.
+  scene_.addDamage(node->bounds);
   Node& parent = *node->parent;
   parent.leaving.push_back(std::move(node));
 }
 
-void Reconciler::noteMatches(Node& node, Node& root, bool hasTransition) {
+void Reconciler::noteMatches(Node& node, Node* root, bool hasTransition) {
   if (node.attributes.match && !node.isNew) {
     const Size size = node.presentedFrame().size();
     const QRectF rect = node.transform.mapRect(QRectF(0, 0, size.width, size.height));
     handovers_.emplace_back(*node.attributes.match,
-                            Handover{&node, &root, {rect.x(), rect.y(), rect.width(), rect.height()}, hasTransition});
+                            Handover{&node, root, {rect.x(), rect.y(), rect.width(), rect.height()}, hasTransition});
   }
   for (const auto& child : node.children) noteMatches(*child, root, hasTransition);
+}
+
+/// Ends the leaving of a view whose thing has moved over to another one.
+void Reconciler::takeAway(Node& root) {
+  auto& siblings = root.parent->leaving;
+  const auto gone = std::find_if(siblings.begin(), siblings.end(), [&](const auto& s) { return s.get() == &root; });
+  if (gone == siblings.end()) return;
+  for (auto& [match, handover] : handovers_) {
+    if (handover.root == &root) handover.root = nullptr;
+  }
+  std::unique_ptr<Node> old = std::move(*gone);
+  siblings.erase(gone);
+  scene_.discard(std::move(old));
 }
 
 void Reconciler::handOver() {
@@ -298,7 +315,7 @@ void Reconciler::handOver() {
     const auto found = std::find_if(handovers_.begin(), handovers_.end(),
                                     [&](const auto& entry) { return entry.first == *node->attributes.match; });
     if (found == handovers_.end() || !node->commitAnimation) continue;
-    const Handover& handover = found->second;
+    const Handover handover = found->second;
     // From the old view's place in the scene, seen from the new parent as it is presented now.
     const QPointF corner =
         node->parent->contentTransform.inverted().map(QPointF(handover.rect.x, handover.rect.y));
@@ -313,15 +330,8 @@ void Reconciler::handOver() {
         if (!n->attributes.transition && !n->transition.target().empty()) n->transition.jump(atRest);
         if (n->attributes.transition) break;
       }
-      auto& siblings = handover.root->parent->leaving;
-      const auto gone = std::find_if(siblings.begin(), siblings.end(),
-                                     [&](const auto& s) { return s.get() == handover.root; });
-      if (gone != siblings.end()) {
-        std::unique_ptr<Node> old = std::move(*gone);
-        siblings.erase(gone);
-        scene_.discard(std::move(old));
-      }
-    } else if (handover.root->isLeaving) {
+      if (handover.root) takeAway(*handover.root);
+    } else if (handover.root && handover.root->isLeaving) {
       Node& old = *handover.leaving;
       const Point place = targetOrigin(*node) - targetOrigin(*old.parent);
       old.frameMotion.set(numbersOf({place.x, place.y, node->frame.width, node->frame.height}), node->commitAnimation,

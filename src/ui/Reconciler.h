@@ -36,6 +36,7 @@ class Reconciler {
   };
   struct Handover {
     Node* leaving;
+    /// What vanishes as a whole, with `leaving` in it; null when both are gone already.
     Node* root;
     Rect rect;
     bool hasTransition;
@@ -49,7 +50,8 @@ class Reconciler {
   void insert(Node& node, const Context& context);
   void remove(std::unique_ptr<Node> node, const Context& context, const Node* successor);
   void revive(Node& node, const Context& context);
-  void noteMatches(Node& node, Node& root, bool hasTransition);
+  void takeAway(Node& root);
+  void noteMatches(Node& node, Node* root, bool hasTransition);
   Context contextInside(const Node& node) const;
 
   Scene& scene_;

@@ -19,10 +19,17 @@ struct Case {
 TEST(Layout, placesViews) {
   const std::vector<Case> cases{
       {"a row centres across and shares what is left among the flexible",
-       [] { return HStack({.spacing = 10}, {box(50, 20, "a"), filling("b"), box(30, 40, "c"), filling("d")}); },
-       {{"a", {0, 140, 50, 20}}, {"b", {60, 0, 145, 300}}, {"c", {215, 130, 30, 40}}, {"d", {255, 0, 145, 300}}}},
+       [] {
+         return HStack({.spacing = 10}, {box(50, 20, "a"), filling("b"), box(30, 40, "c"), filling("d")});
+       },
+       {{"a", {0, 140, 50, 20}},
+        {"b", {60, 0, 145, 300}},
+        {"c", {215, 130, 30, 40}},
+        {"d", {255, 0, 145, 300}}}},
       {"a spacer pushes to the end",
-       [] { return HStack({}, {box(50, 20, "a"), Spacer(), box(30, 20, "b")}); },
+       [] {
+         return HStack({}, {box(50, 20, "a"), Spacer(), box(30, 20, "b")});
+       },
        {{"a", {0, 140, 50, 20}}, {"b", {370, 140, 30, 20}}}},
       {"a column aligns at the leading edge",
        [] {
@@ -32,26 +39,34 @@ TEST(Layout, placesViews) {
        },
        {{"a", {300, 236, 50, 20}}, {"b", {300, 260, 30, 40}}}},
       {"nothing takes no place and no spacing",
-       [] { return HStack({.spacing = 10}, {box(50, 20, "a"), View(), box(30, 20, "b"), Spacer()}); },
+       [] {
+         return HStack({.spacing = 10}, {box(50, 20, "a"), View(), box(30, 20, "b"), Spacer()});
+       },
        {{"b", {60, 140, 30, 20}}}},
       {"padding, background and overlay",
        [] {
-         return box(50, 20, "a").padding(Edge::horizontal, 5).padding(Edge::top, 2).background(filling("b")).overlay(
-             box(10, 10, "c"), UnitPoint::topTrailing)
+         return box(50, 20, "a")
+             .padding(Edge::horizontal, 5)
+             .padding(Edge::top, 2)
+             .background(filling("b"))
+             .overlay(box(10, 10, "c"), UnitPoint::topTrailing)
              .frame({.maxWidth = infinity, .maxHeight = infinity, .align = UnitPoint::topLeading});
        },
        {{"a", {5, 2, 50, 20}}, {"b", {0, 0, 60, 22}}, {"c", {50, 0, 10, 10}}}},
       {"an aspect ratio fits",
-       [] { return filling("a").aspectRatio(2).frame({.width = 100, .height = 80, .align = UnitPoint::top}); },
+       [] {
+         return filling("a").aspectRatio(2).frame({.width = 100, .height = 80, .align = UnitPoint::top});
+       },
        {{"a", {150, 110, 100, 50}}}},
       {"layers align in the largest",
-       [] { return ZStack(UnitPoint::bottomLeading, {box(50, 60, "a"), box(20, 10, "b")}).frame({.width = 50, .height = 60}); },
+       [] {
+         return ZStack(UnitPoint::bottomLeading, {box(50, 60, "a"), box(20, 10, "b")})
+             .frame({.width = 50, .height = 60});
+       },
        {{"a", {175, 120, 50, 60}}, {"b", {175, 170, 20, 10}}}},
   };
   for (const Case& test : cases) {
-    Stage stage([&] {
-      return test.view().frame({.maxWidth = infinity, .maxHeight = infinity});
-    });
+    Stage stage([&] { return test.view().frame({.maxWidth = infinity, .maxHeight = infinity}); });
     for (const auto& [id, frame] : test.frames) {
       const auto found = stage.inspect.id(id);
       ASSERT_TRUE(found) << test.name << ": " << id;
@@ -97,10 +112,11 @@ TEST(Layout, buildsOnlyRowsInView) {
                                                   .rowHeight = 40,
                                                   .spacing = 2,
                                                   .key = [](size_t i) { return "row" + std::to_string(i); },
-                                                  .row = [&](size_t i) {
-                                                    ++built;
-                                                    return Text(std::to_string(i));
-                                                  }}))
+                                                  .row =
+                                                      [&](size_t i) {
+                                                        ++built;
+                                                        return Text(std::to_string(i));
+                                                      }}))
         .frame({.width = 300, .height = 84})
         .id("list");
   };

@@ -57,7 +57,9 @@ TEST(Motion, innerAnimationsAreForWhatTheInnerChangeAltered) {
   double a = 100, b = 100;
   ObservableObject state;
   VirtualScheduler scheduler;
-  Scene scene(scheduler, {400, 300}, observing({&state}, [&] { return VStack({}, {box(a, "a"), box(b, "b")}); }));
+  Scene scene(scheduler, {400, 300}, observing({&state}, [&] {
+                return VStack({}, {box(a, "a"), box(b, "b")});
+              }));
   Inspector inspect(scene);
   scene.frame();
   const auto set = [&](double& value) {
@@ -99,7 +101,9 @@ const Transition slide{.insertion = {.opacity = 0, .offset = {40, 0}},
 
 TEST(Motion, viewsEnterAndLeaveByTheirTransition) {
   bool shown = false;
-  Stage stage([&] { return ZStack(UnitPoint::center, {box(300, "back"), shown ? box(20, "a").transition(slide) : View()}); });
+  Stage stage([&] {
+    return ZStack(UnitPoint::center, {box(300, "back"), shown ? box(20, "a").transition(slide) : View()});
+  });
   stage.change([&] { shown = true; }, linear(1));
   EXPECT_NEAR(stage.inspect.id("a")->frame().x, 190 + 40, 0.1);
   EXPECT_NEAR(stage.inspect.id("a")->opacity(), 0, 0.01);
@@ -119,7 +123,8 @@ TEST(Motion, viewsEnterAndLeaveByTheirTransition) {
   stage.run(1.1);
   EXPECT_NEAR(stage.inspect.id("a")->frame().x, 190, 0.1);
   stage.change([&] { shown = false; });
-  EXPECT_FALSE(stage.inspect.first([](const auto& f) { return f.id() == "a"; })) << "without animation it is gone";
+  EXPECT_FALSE(stage.inspect.first([](const auto& f) { return f.id() == "a"; }))
+      << "without animation it is gone";
 }
 
 TEST(Motion, thePageThatIsReplacedLeavesInTheDirectionOfTheMove) {
@@ -130,7 +135,12 @@ TEST(Motion, thePageThatIsReplacedLeavesInTheDirectionOfTheMove) {
                           .removal = {.opacity = 0, .offset = {-40 * direction, 0}}};
     return ZStack(UnitPoint::center, {box(50, page.c_str()).transition(move.andPredecessor())});
   });
-  stage.change([&] { page = "two"; direction = -1; }, linear(1));
+  stage.change(
+      [&] {
+        page = "two";
+        direction = -1;
+      },
+      linear(1));
   stage.run(0.5);
   EXPECT_GT(stage.inspect.first([](const auto& f) { return f.id() == "one"; })->frame().x, 180);
   EXPECT_LT(stage.inspect.id("two")->frame().x, 170);
@@ -144,12 +154,22 @@ TEST(Motion, aViewThatEntersAGrowingBoxKeepsToTheSideThatItIsPinnedTo) {
         .frame({.width = w, .height = 20, .align = UnitPoint::trailing})
         .id("box");
   });
-  stage.change([&] { w = 300; shown = true; }, linear(1));
+  stage.change(
+      [&] {
+        w = 300;
+        shown = true;
+      },
+      linear(1));
   for (int i = 0; i < 70; ++i) {
     EXPECT_NEAR(stage.inspect.id("box")->frame().right(), stage.inspect.id("a")->frame().right(), 0.6);
     stage.run(1.0 / 60);
   }
-  stage.change([&] { w = 100; shown = false; }, linear(1));
+  stage.change(
+      [&] {
+        w = 100;
+        shown = false;
+      },
+      linear(1));
   stage.run(0.5);
   const auto leaving = stage.inspect.first([](const auto& f) { return f.id() == "a"; });
   ASSERT_TRUE(leaving);
@@ -162,8 +182,12 @@ TEST(Motion, matchedViewsHandTheirPlaceOver) {
   Stage stage([&] {
     Views buttons;
     for (int i = 0; i < 3; ++i) {
-      buttons.push_back(Rectangle().fill(white()).frame({.width = 40, .height = 20}).background(
-          selected == i ? Capsule().fill(white(0.2)).matchedGeometry("pill", names).id("pill") : View()));
+      buttons.push_back(
+          Rectangle()
+              .fill(white())
+              .frame({.width = 40, .height = 20})
+              .background(selected == i ? Capsule().fill(white(0.2)).matchedGeometry("pill", names).id("pill")
+                                        : View()));
     }
     return HStack({}, {buttons}).frame({.maxWidth = infinity, .align = UnitPoint::leading});
   });
@@ -185,10 +209,11 @@ TEST(Motion, timelinesTickOnlyWhileTheyCanBeSeen) {
   double opacity = 1;
   bool paused = false;
   Stage stage([&] {
-    return timeline(0.1, paused, [&](Date) {
-             ++made;
-             return Text(std::to_string(made));
-           })
+    return timeline(0.1, paused,
+                    [&](Date) {
+                      ++made;
+                      return Text(std::to_string(made));
+                    })
         .opacity(opacity);
   });
   stage.run(1);
@@ -209,8 +234,10 @@ TEST(Motion, timelinesTickOnlyWhileTheyCanBeSeen) {
 TEST(Motion, repaintsOnlyWhatChanged) {
   int ticks = 0;
   Stage stage([&] {
-    return HStack({}, {Text(std::to_string(ticks % 10)).monospacedDigits().frame({.width = 20, .height = 20}).id("tick"),
-                       Spacer(), Text("still").id("still")});
+    return HStack(
+        {},
+        {Text(std::to_string(ticks % 10)).monospacedDigits().frame({.width = 20, .height = 20}).id("tick"),
+         Spacer(), Text("still").id("still")});
   });
   stage.scene.takeDamage();
   stage.change([&] { ++ticks; });
@@ -225,9 +252,12 @@ TEST(Motion, repaintsOnlyWhatChanged) {
 TEST(Motion, localStateLivesAsLongAsItsPlace) {
   bool shown = true;
   Stage stage([&] {
-    return shown ? stateful(0, [](State<int> count) {
-                     return Text("taps " + std::to_string(count.get())).onTap([=] { count.set(count.get() + 1); });
-                   })
+    return shown ? stateful(0,
+                            [](State<int> count) {
+                              return Text("taps " + std::to_string(count.get())).onTap([=] {
+                                count.set(count.get() + 1);
+                              });
+                            })
                  : View();
   });
   stage.inspect.tap(*stage.inspect.text("taps 0"));

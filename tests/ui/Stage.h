@@ -26,8 +26,10 @@ class Stage {
       edit();
       state_.notifyObservers();
     };
-    if (animation) withAnimation(*animation, both);
-    else both();
+    if (animation)
+      withAnimation(*animation, both);
+    else
+      both();
     scene.frame();
   }
   /// Lets time pass, a frame every 1/60 s.

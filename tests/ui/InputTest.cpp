@@ -1,0 +1,152 @@
+#include <gtest/gtest.h>
+
+#include "ui/Button.h"
+#include "ui/Stage.h"
+
+namespace tarnwick::ui {
+namespace {
+
+TEST(Input, tapsReachTheInnermostControlOnly) {
+  int outer = 0, inner = 0;
+  bool outerOn = true;
+  Stage stage([&] {
+    return ZStack(
+               UnitPoint::center,
+               {Rectangle().fill(black()),
+                Circle().fill(white()).frame({.width = 60, .height = 60}).contentShape(Circle()).onTap([&] {
+                  ++inner;
+                })})
+        .frame({.width = 200, .height = 100})
+        .onTap([&] { ++outer; }, outerOn);
+  });
+  stage.inspect.tap(Point{200, 150});
+  EXPECT_EQ(inner, 1);
+  EXPECT_EQ(outer, 0);
+  stage.inspect.tap(Point{172, 122});  // in the circle's box, not in the circle
+  EXPECT_EQ(inner, 1);
+  EXPECT_EQ(outer, 1);
+  stage.inspect.tap(Point{20, 20});
+  stage.change([&] { outerOn = false; });
+  stage.inspect.tap(Point{110, 110});
+  EXPECT_EQ(outer, 1);
+}
+
+TEST(Input, aButtonActsOnReleaseInsideOnly) {
+  int pressed = 0;
+  Stage stage([&] {
+    return Button(
+        "go", [&] { ++pressed; }, Text("Go"),
+        [](View label, bool down, bool hovering) {
+          return label.frame({.width = 40, .height = 20})
+              .overlay(Text("").id(down       ? "down"
+                                   : hovering ? "hover"
+                                              : "rest"));
+        });
+  });
+  ASSERT_TRUE(stage.inspect.id("rest"));
+  stage.inspect.hover(*stage.inspect.control("go"));
+  stage.scene.frame();
+  ASSERT_TRUE(stage.inspect.id("hover"));
+  stage.inspect.press(*stage.inspect.control("go"));
+  stage.scene.frame();
+  ASSERT_TRUE(stage.inspect.id("down"));
+  stage.inspect.hover(Point{10, 10});
+  stage.scene.frame();
+  EXPECT_FALSE(stage.inspect.id("down")) << "away from it nothing would happen";
+  stage.inspect.release({10, 10});
+  EXPECT_EQ(pressed, 0);
+  stage.inspect.tap(*stage.inspect.control("go"));
+  EXPECT_EQ(pressed, 1);
+  stage.inspect.leave();
+  stage.scene.frame();
+  EXPECT_TRUE(stage.inspect.id("rest"));
+}
+
+TEST(Input, dragsTellTheirPlaceInTheView) {
+  std::vector<double> seen;
+  int ended = 0;
+  double distance = 0;
+  Stage stage([&] {
+    return Rectangle()
+        .fill(white())
+        .frame({.width = 100, .height = 20})
+        .scaleEffect(2)
+        .onDrag(
+            distance, [&](const DragValue& drag) { seen.push_back(drag.location.x / drag.size.width); },
+            [&](const DragValue&) { ++ended; });
+  });
+  stage.inspect.drag({150, 150}, {250, 150});
+  ASSERT_EQ(seen.size(), 3u) << "the press counts as well";
+  EXPECT_NEAR(seen.front(), 0.25, 0.01);
+  EXPECT_NEAR(seen.back(), 0.75, 0.01);
+  EXPECT_EQ(ended, 1);
+  seen.clear();
+  stage.change([&] { distance = 200; });
+  stage.inspect.drag({150, 150}, {250, 150});
+  EXPECT_TRUE(seen.empty());
+  EXPECT_EQ(ended, 1);
+}
+
+TEST(Input, doubleTapsCountWithinTheirTime) {
+  int doubles = 0;
+  Stage stage([&] { return Rectangle().fill(white()).onDoubleTap([&] { ++doubles; }); });
+  stage.inspect.tap(Point{50, 50});
+  stage.scheduler.advance(1);
+  stage.inspect.tap(Point{50, 50});
+  EXPECT_EQ(doubles, 0);
+  stage.scheduler.advance(0.1);
+  stage.inspect.tap(Point{50, 50});
+  EXPECT_EQ(doubles, 1);
+}
+
+TEST(Input, aTooltipShowsWhereThePointerRests) {
+  Stage stage([] {
+    return Rectangle()
+        .fill(white())
+        .frame({.width = 30, .height = 20})
+        .tooltip("Settings")
+        .frame({.maxWidth = infinity, .maxHeight = infinity, .align = UnitPoint::topTrailing});
+  });
+  stage.inspect.hover(Point{390, 10});
+  stage.run(0.5);
+  EXPECT_FALSE(stage.inspect.text("Settings"));
+  stage.run(0.5);
+  ASSERT_TRUE(stage.inspect.text("Settings"));
+  EXPECT_LT(stage.inspect.text("Settings")->frame().right(), 400) << "inside the scene";
+  EXPECT_GT(stage.inspect.text("Settings")->frame().y, 20) << "below the pointer";
+  stage.inspect.hover(Point{10, 200});
+  stage.run(0.5);
+  EXPECT_FALSE(stage.inspect.text("Settings"));
+}
+
+TEST(Input, hoverFollowsWhatMovesUnderARestingPointer) {
+  bool hovering = false;
+  double x = 0;
+  Stage stage([&] {
+    return Rectangle()
+        .fill(white())
+        .frame({.width = 40, .height = 40})
+        .onHover([&](bool h) { hovering = h; })
+        .frame({.width = 400, .align = UnitPoint::leading})
+        .offset({x, 0});
+  });
+  stage.inspect.hover(Point{120, 150});
+  EXPECT_FALSE(hovering);
+  stage.change([&] { x = 100; });
+  EXPECT_TRUE(hovering);
+}
+
+TEST(Input, viewsThatLeaveTakeNoPointer) {
+  bool shown = true;
+  int taps = 0;
+  Stage stage([&] {
+    return shown ? Rectangle().fill(white()).onTap([&] { ++taps; }).transition(Transition::opacity())
+                 : View();
+  });
+  stage.change([&] { shown = false; }, linear(1));
+  stage.inspect.tap(Point{200, 150});
+  EXPECT_EQ(taps, 0);
+}
+
+}  // namespace
+}  // namespace tarnwick::ui

@@ -1,0 +1,183 @@
+#include <gtest/gtest.h>
+
+#include <QImage>
+#include <random>
+
+#include "ui/Stage.h"
+
+namespace tarnwick::ui {
+namespace {
+
+QImage picture(Scene& scene) {
+  const double ratio = scene.pixelRatio();
+  QImage image(int(scene.size().width * ratio), int(scene.size().height * ratio),
+               QImage::Format_ARGB32_Premultiplied);
+  image.fill(Qt::red);
+  scene.paint(image, {0, 0, scene.size().width, scene.size().height});
+  return image;
+}
+
+int alphaAt(const QImage& image, int x, int y) { return qAlpha(image.pixel(x, y)); }
+
+TEST(Painting, clipsWithSmoothEdges) {
+  Stage stage(
+      [] { return Rectangle().fill(white()).frame({.width = 100, .height = 100}).clipShape(Circle()); });
+  const QImage image = picture(stage.scene);
+  EXPECT_EQ(alphaAt(image, 200, 150), 255);
+  EXPECT_EQ(alphaAt(image, 152, 102), 0) << "the corner is cut";
+  int soft = 0;
+  for (int x = 150; x < 250; ++x) soft += alphaAt(image, x, 115) > 0 && alphaAt(image, x, 115) < 255;
+  EXPECT_GE(soft, 2);
+}
+
+TEST(Painting, shadowsFallAroundTheOutline) {
+  for (const bool wide : {false, true}) {
+    const double width = wide ? 300 : 60;
+    Stage stage([&] {
+      return Rectangle()
+          .fill(black())
+          .frame({.width = width, .height = 60})
+          .clipShape(RoundedRectangle(10))
+          .shadow(black(0.5), 8, {0, 4});
+    });
+    const QImage image = picture(stage.scene);
+    const int left = int(200 - width / 2);
+    EXPECT_EQ(alphaAt(image, 200, 150), 255);
+    // On the middle of a straight edge a Gaussian has half its strength, less what the offset moves.
+    EXPECT_NEAR(alphaAt(image, left - 1, 154), 0.5 * 0.5 * 255, 14) << wide;
+    EXPECT_NEAR(alphaAt(image, 200, 184), 0.5 * 0.5 * 255, 14) << wide;
+    EXPECT_GT(alphaAt(image, 200, 190), alphaAt(image, 200, 110)) << "it falls downwards";
+    EXPECT_EQ(alphaAt(image, 200, 215), 0);
+    EXPECT_NEAR(alphaAt(image, left - 5, 150), alphaAt(image, int(199 + width / 2) + 5, 150), 2)
+        << "even on both sides";
+  }
+}
+
+TEST(Painting, blurSpreadsAndKeepsTheAmountOfInk) {
+  const auto ink = [](const QImage& image) {
+    double sum = 0;
+    for (int y = 0; y < image.height(); ++y) {
+      for (int x = 0; x < image.width(); ++x) sum += alphaAt(image, x, y);
+    }
+    return sum;
+  };
+  for (const double radius : {0.6, 2.0, 7.0, 15.0}) {
+    Stage stage([&] { return Rectangle().fill(white()).frame({.width = 60, .height = 60}).blur(radius); });
+    const QImage image = picture(stage.scene);
+    EXPECT_NEAR(ink(image) / (60.0 * 60 * 255), 1, 0.04) << radius;
+    EXPECT_NEAR((alphaAt(image, 169, 150) + alphaAt(image, 170, 150)) / 2, 128, 8) << radius;
+  }
+}
+
+TEST(Painting, fadesAGroupAsOne) {
+  Stage stage([] {
+    return ZStack(UnitPoint::center, {Rectangle().fill(black()), Rectangle().fill(white())})
+        .frame({.width = 40, .height = 40})
+        .opacity(0.5);
+  });
+  const QRgb pixel = picture(stage.scene).pixel(200, 150);
+  EXPECT_NEAR(qAlpha(pixel), 128, 1);
+  EXPECT_NEAR(qRed(pixel), qAlpha(pixel), 2) << "the black behind does not shine through";
+}
+
+TEST(Painting, drawsSymbolsAndTexts) {
+  for (const char* name : {"hand.raised.fill", "checkmark.circle.fill", "gearshape.fill"}) {
+    EXPECT_TRUE(isSymbol(name)) << name;
+  }
+  EXPECT_FALSE(isSymbol("no.such.symbol"));
+  Stage stage([] { return Text("Claude").font({40, Weight::bold}).foreground({1, 0, 0}); });
+  const QImage image = picture(stage.scene);
+  int red = 0;
+  for (int y = 120; y < 180; ++y) {
+    for (int x = 120; x < 280; ++x) red += qRed(image.pixel(x, y)) > 200;
+  }
+  EXPECT_GT(red, 300);
+}
+
+/// What is repainted bit by bit looks as if all had been painted at once.
+TEST(Painting, repairsExactlyWhatChanged) {
+  for (unsigned seed = 0; seed < 6; ++seed) {
+    std::mt19937 random(seed);
+    const auto roll = [&](int sides) { return int(random() % unsigned(sides)); };
+    struct Item {
+      double width = 30;
+      bool shown = true, blurred = false, shadow = false;
+      double opacity = 1;
+    };
+    std::vector<Item> items(5);
+    double spacing = 4;
+    Stage stage([&] {
+      Views views;
+      for (size_t i = 0; i < items.size(); ++i) {
+        const Item& item = items[i];
+        if (!item.shown) continue;
+        View view =
+            RoundedRectangle(6).fill(hsb(double(i) / 5, 0.8, 0.9)).frame({.width = item.width, .height = 24});
+        if (item.shadow) view = view.shadow(black(0.6), 5, {0, 3});
+        views.push_back(HStack({.spacing = 3}, {view, Text("item " + std::to_string(i))})
+                            .blur(item.blurred ? 4 : 0)
+                            .opacity(item.opacity)
+                            .id(std::to_string(i))
+                            .transition({.insertion = {.opacity = 0, .blur = 5, .scaleX = 0.6, .scaleY = 0.6},
+                                         .removal = {.opacity = 0, .offset = {20, 0}}}));
+      }
+      return VStack({.spacing = spacing}, {views})
+          .padding(10)
+          .background(Rectangle().fill(black()))
+          .clipShape(RoundedRectangle(14))
+          .shadow(black(0.4), 10, {0, 4});
+    });
+    QImage shown = picture(stage.scene);
+    stage.scene.takeDamage();
+    for (int step = 0; step < 120; ++step) {
+      if (step % 9 == 0) {
+        Item& item = items[size_t(roll(5))];
+        stage.change(
+            [&] {
+              switch (roll(6)) {
+                case 0:
+                  item.width = 20 + roll(100);
+                  break;
+                case 1:
+                  item.shown = !item.shown;
+                  break;
+                case 2:
+                  item.blurred = !item.blurred;
+                  break;
+                case 3:
+                  item.opacity = item.opacity < 1 ? 1 : 0.4;
+                  break;
+                case 4:
+                  item.shadow = !item.shadow;
+                  break;
+                default:
+                  spacing = roll(12);
+              }
+            },
+            roll(4) ? std::optional(notchOpen) : std::nullopt);
+      } else {
+        stage.run(1.0 / 60);
+      }
+      for (const Rect& area : stage.scene.takeDamage()) stage.scene.paint(shown, area);
+      const QImage whole = picture(stage.scene);
+      int wrong = 0;
+      QRect where;
+      for (int y = 0; y < whole.height(); ++y) {
+        for (int x = 0; x < whole.width(); ++x) {
+          const QRgb a = whole.pixel(x, y), b = shown.pixel(x, y);
+          const int off = std::max({std::abs(qAlpha(a) - qAlpha(b)), std::abs(qRed(a) - qRed(b)),
+                                    std::abs(qGreen(a) - qGreen(b)), std::abs(qBlue(a) - qBlue(b))});
+          if (off > 24) {
+            ++wrong;
+            where |= QRect(x, y, 1, 1);
+          }
+        }
+      }
+      ASSERT_EQ(wrong, 0) << "seed " << seed << " step " << step << " at " << where.x() << "," << where.y()
+                          << " " << where.width() << "x" << where.height();
+    }
+  }
+}
+
+}  // namespace
+}  // namespace tarnwick::ui
