@@ -28,7 +28,7 @@ constexpr const char* knownAtoms[] = {
     "_NET_WM_WINDOW_TYPE_DOCK",
     "_NET_WM_WINDOW_TYPE_DESKTOP",
     "_NET_WORKAREA",
-    "TARGETS",
+
     "XdndSelection",
     "text/uri-list",
 };
@@ -146,14 +146,6 @@ xcb_atom_t X11Connection::atom(const std::string& name) const {
   const auto cookie = xcb_intern_atom(connection_, 0, static_cast<uint16_t>(name.size()), name.data());
   const auto reply = owned(xcb_intern_atom_reply(connection_, cookie, nullptr));
   return atoms_[name] = reply ? reply->atom : xcb_atom_t{XCB_ATOM_NONE};
-}
-
-std::string X11Connection::atomName(xcb_atom_t atom) const {
-  const auto reply =
-      owned(xcb_get_atom_name_reply(connection_, xcb_get_atom_name(connection_, atom), nullptr));
-  if (!reply) return {};
-  return {xcb_get_atom_name_name(reply.get()),
-          static_cast<size_t>(xcb_get_atom_name_name_length(reply.get()))};
 }
 
 xcb_get_property_cookie_t X11Connection::requestProperty(xcb_window_t window, const char* name) const {

@@ -48,7 +48,6 @@ class X11Connection {
   /// The server serves X programs in a Wayland session: it sees the pointer only over X windows.
   bool isXWayland() const { return isXWayland_; }
   xcb_atom_t atom(const std::string& name) const;
-  std::string atomName(xcb_atom_t atom) const;
 
   uint8_t xfixesEventBase() const { return xfixesEventBase_; }
   /// Major opcode of the input extension, by which its events are known; none without version 2.2 of it.

@@ -3,8 +3,6 @@
 #include <xcb/xfixes.h>
 #include <xcb/xinput.h>
 
-#include <algorithm>
-#include <string_view>
 
 #include "platform/linux/FileList.h"
 
@@ -110,51 +108,31 @@ void X11Pointer::handle(const xcb_generic_event_t& event) {
 void X11Pointer::dragStarted(xcb_timestamp_t timestamp) {
   ++dragChangeCount_;
   dragTypes_.reset();
-  targets_.reset();
-  holdsFiles_.reset();
   dragTimestamp_ = timestamp;
-  // The list of types alone is unreliable: only a source that hands files out has some.
-  for (const char* target : {"TARGETS", fileListType}) {
-    const xcb_atom_t atom = connection_.atom(target);
-    xcb_convert_selection(connection_, requestor_, connection_.atom(dragSelection), atom, atom, timestamp);
-  }
+  // Lists of types are unreliable, and some sources have none: only one that hands files out has some.
+  const xcb_atom_t type = connection_.atom(fileListType);
+  xcb_convert_selection(connection_, requestor_, connection_.atom(dragSelection), type, type, timestamp);
   xcb_flush(connection_);
   noteActivity();
 }
 
 void X11Pointer::conversionArrived(const xcb_selection_notify_event_t& event) {
   if (event.requestor != requestor_ || event.time != dragTimestamp_) return;
-  std::vector<std::string> targets;
-  bool holdsFiles = false;
-  if (event.property != XCB_ATOM_NONE) {
-    constexpr uint32_t limit = 65536;  // in units of four bytes; enough to see whether there is a file
-    const auto reply = owned(xcb_get_property_reply(
-        connection_,
-        xcb_get_property(connection_, 1, requestor_, event.property, XCB_GET_PROPERTY_TYPE_ANY, 0, limit),
-        nullptr));
-    if (reply && reply->format == 32 && event.target == connection_.atom("TARGETS")) {
-      const auto* atoms = static_cast<const xcb_atom_t*>(xcb_get_property_value(reply.get()));
-      const int count = xcb_get_property_value_length(reply.get()) / 4;
-      for (int i = 0; i < count; ++i) targets.push_back(connection_.atomName(atoms[i]));
-    } else if (reply && reply->format == 8) {
-      holdsFiles = !filesOfUriList({static_cast<const char*>(xcb_get_property_value(reply.get())),
-                                    static_cast<size_t>(xcb_get_property_value_length(reply.get()))})
-                        .empty();
-    } else if (reply && reply->format == 32) {
-      holdsFiles = true;  // announced as too long for one piece
-    }
-  }
-  if (event.target == connection_.atom("TARGETS")) {
-    targets_ = targets;
-  } else {
-    holdsFiles_ = holdsFiles;
-  }
-  if (!targets_ || !holdsFiles_) return;
-
-  dragTypes_ = targets_;
-  std::erase(*dragTypes_, fileListType);
-  if (*holdsFiles_) dragTypes_->push_back(fileListType);
+  dragTypes_.emplace();
+  if (event.property != XCB_ATOM_NONE && holdsFiles(event.property)) dragTypes_->push_back(fileListType);
   noteActivity();
+}
+
+bool X11Pointer::holdsFiles(xcb_atom_t property) const {
+  constexpr uint32_t limit = 65536;  // in units of four bytes; enough to see whether there is a file
+  const auto reply = owned(xcb_get_property_reply(
+      connection_,
+      xcb_get_property(connection_, 1, requestor_, property, XCB_GET_PROPERTY_TYPE_ANY, 0, limit), nullptr));
+  if (!reply) return false;
+  if (reply->format == 32) return true;  // announced as too long for one piece: no link is that long
+  return !filesOfUriList({static_cast<const char*>(xcb_get_property_value(reply.get())),
+                          static_cast<size_t>(xcb_get_property_value_length(reply.get()))})
+              .empty();
 }
 
 }  // namespace tarnwick

@@ -16,6 +16,7 @@ class X11Pointer : public Pointer {
   std::optional<Point> position() const override;
   bool leftButtonDown() const override;
   int dragChangeCount() const override { return dragChangeCount_; }
+  /// Tells files from everything else: the list holds their type or nothing.
   std::optional<std::vector<std::string>> dragTypes() const override { return dragTypes_; }
   Subscription observe(std::function<void()> onActivity) override;
   void setWantsActivity(bool wants) override;
@@ -35,6 +36,7 @@ class X11Pointer : public Pointer {
   void handle(const xcb_generic_event_t& event);
   void dragStarted(xcb_timestamp_t timestamp);
   void conversionArrived(const xcb_selection_notify_event_t& event);
+  bool holdsFiles(xcb_atom_t property) const;
 
   X11Connection& connection_;
   const X11Screens& screens_;
@@ -47,10 +49,6 @@ class X11Pointer : public Pointer {
   int dragChangeCount_ = 0;
   std::optional<std::vector<std::string>> dragTypes_;
   xcb_timestamp_t dragTimestamp_ = 0;
-  /// What the running drag's source has answered; none until it has.
-  std::optional<std::vector<std::string>> targets_;
-  std::optional<bool> holdsFiles_;
-
   ObservableObject activity_;
   Subscription events_;
 };
