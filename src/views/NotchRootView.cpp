@@ -23,14 +23,14 @@ View glow(const NotchModel& model) {
   const Presentation presentation = model.presentation();
   if (presentation == Presentation::banner) {
     return glow((*model.banner)->tint.opacity(0.25), {0.1, 0.75}, 220)
-        .id("banner")
+        .id("bannerGlow")
         .transition(Transition::opacity());
   }
   if (presentation == Presentation::expanded && model.tab == Tab::home && !model.media.title->empty() &&
       !model.isDraggingFiles) {
     Transition slowFade = Transition::opacity();
     slowFade.insertionAnimation = slowFade.removalAnimation = easeInOut(0.5);
-    return glow(model.media.accent->opacity(0.32), {0.14, 0.62}, 300).id("home").transition(slowFade);
+    return glow(model.media.accent->opacity(0.32), {0.14, 0.62}, 300).id("homeGlow").transition(slowFade);
   }
   return {};
 }

@@ -31,15 +31,16 @@ View phaseIndicator(Phase phase) {
 }
 
 View texts(const Session& session) {
-  return VStack({.spacing = 1, .align = Align::leading},
-                {
-                    Text(session.project).font({13, Weight::semibold, Design::rounded}),
-                    Text(session.activity)
-                        .font({11, Weight::regular, Design::monospaced})
-                        .foreground(white(0.55))
-                        .truncated(Truncation::middle)
-                        .contentTransition(ContentTransition::opacity),
-                });
+  View activity;
+  if (!session.activity.empty()) {
+    activity = Text(session.activity)
+                   .font({11, Weight::regular, Design::monospaced})
+                   .foreground(white(0.55))
+                   .truncated(Truncation::middle)
+                   .contentTransition(ContentTransition::opacity);
+  }
+  const View project = Text(session.project).font({13, Weight::semibold, Design::rounded});
+  return VStack({.spacing = 1, .align = Align::leading}, {project, activity});
 }
 
 }  // namespace

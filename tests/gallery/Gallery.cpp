@@ -214,6 +214,8 @@ void hang(const std::vector<Exhibit>& exhibits, Size each, double ratio, const Q
     NotchStage stage(ratio);
     exhibits[size_t(i)].prepare(stage);
     stage.settle();
+    // The bars of the equalizer happen to be level just now.
+    stage.play(0.5);
     painter.drawImage(QPoint(i % columns * (width + gap), i / columns * (height + gap)),
                       photograph(stage, ratio, each.width, each.height));
   }

@@ -1,0 +1,189 @@
+#include <gmock/gmock.h>
+
+#include "NotchStage.h"
+#include "ViewStage.h"
+#include "support/ForcedLanguage.h"
+#include "views/CrabView.h"
+#include "views/SessionRow.h"
+
+namespace tarnwick {
+namespace {
+
+using testing::Contains;
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::Not;
+
+void prompt(NotchStage& stage, const std::string& session) {
+  // Sessions are told apart by when they were updated.
+  stage.desktop.scheduler.advance(0.01);
+  stage.hook(session, "UserPromptSubmit", {{"cwd", "/home/me/" + session}});
+}
+
+void stop(NotchStage& stage, const std::string& session) {
+  stage.hook(session, "Stop", {{"cwd", "/home/me/" + session}});
+  stage.model.dismissBanner();
+}
+
+void wait(NotchStage& stage, const std::string& session) {
+  stage.hook(session, "Notification", {{"cwd", "/home/me/" + session}, {"message", "Look here"}});
+  stage.model.dismissBanner();
+}
+
+void openSessions(NotchStage& stage) {
+  withAnimation(notchOpen, [&] { stage.model.expand(Tab::claude); });
+  stage.settle();
+}
+
+TEST(ClaudeStatusGlyph, CallsBeforeItCounts) {
+  NotchStage stage;
+  prompt(stage, "a");
+  stage.settle();
+  EXPECT_THAT(stage.inspector->symbols(), IsEmpty());
+  EXPECT_THAT(stage.inspector->texts(), testing::SizeIs(1)) << "the sparkle alone";
+  EXPECT_EQ(stage.inspector->kind("Text")[0].color(), crabOrange);
+
+  prompt(stage, "b");
+  prompt(stage, "c");
+  stage.settle();
+  EXPECT_THAT(stage.inspector->texts(), Contains("3"));
+
+  wait(stage, "b");
+  stage.settle();
+  EXPECT_THAT(stage.inspector->symbols(), ElementsAre("hand.raised.fill"));
+  EXPECT_THAT(stage.inspector->texts(), IsEmpty());
+  EXPECT_EQ(stage.inspector->symbol("hand.raised.fill")->color(), colors::yellow);
+}
+
+TEST(ClaudeView, SaysThatThereAreNoSessions) {
+  for (const auto& [code, text] :
+       {std::pair{"en", "No Claude Code sessions"}, {"fr", "Aucune session Claude Code"}}) {
+    const ForcedLanguage language(code);
+    NotchStage stage;
+    openSessions(stage);
+    ASSERT_TRUE(stage.inspector->text(text));
+    EXPECT_NEAR(stage.inspector->text(text)->frame().midX(), 470, 1);
+  }
+}
+
+TEST(ClaudeView, ListsTheSessionsThatWantTheUserFirst) {
+  NotchStage stage;
+  stage.hook("rest", "SessionStart", {{"cwd", "/home/me/rest"}});
+  prompt(stage, "ready");
+  stop(stage, "ready");
+  prompt(stage, "busy");
+  wait(stage, "calling");
+  openSessions(stage);
+  // Rows are built where they can be seen; the last ones after scrolling.
+  EXPECT_LT(stage.inspector->text("calling")->frame().y, stage.inspector->text("busy")->frame().y);
+  EXPECT_EQ(stage.inspector->text("busy")->frame().y - stage.inspector->text("calling")->frame().y,
+            sessionRowHeight + 2);
+  stage.inspector->scroll(*stage.inspector->text("busy"), {0, -500});
+  stage.settle();
+  EXPECT_TRUE(stage.inspector->symbol("checkmark.circle.fill"));
+  EXPECT_TRUE(stage.inspector->symbol("moon.zzz.fill"));
+  EXPECT_LT(stage.inspector->text("ready")->frame().y, stage.inspector->text("rest")->frame().y);
+}
+
+TEST(ClaudeView, ClearsWhatIsFinished) {
+  for (const auto& [code, name] : {std::pair{"en", "Clear finished"}, {"fr", "Effacer les terminées"}}) {
+    const ForcedLanguage language(code);
+    NotchStage stage;
+    prompt(stage, "busy");
+    openSessions(stage);
+    EXPECT_FALSE(stage.inspector->control(name));
+
+    prompt(stage, "ready");
+    stop(stage, "ready");
+    stage.settle();
+    ASSERT_TRUE(stage.inspector->control(name));
+    EXPECT_TRUE(stage.inspector->text("ready"));
+    stage.inspector->tap(*stage.inspector->control(name));
+    stage.settle();
+    EXPECT_FALSE(stage.inspector->text("ready"));
+    EXPECT_TRUE(stage.inspector->text("busy"));
+    EXPECT_FALSE(stage.inspector->control(name));
+  }
+}
+
+TEST(ClaudeView, LetsRowsEnterOneAfterTheOther) {
+  NotchStage stage;
+  prompt(stage, "first");
+  prompt(stage, "second");
+  withAnimation(notchOpen, [&] { stage.model.expand(Tab::home); });
+  stage.settle();
+  stage.model.select(Tab::claude);
+  stage.play(0.1);
+  // The one updated last is on top.
+  EXPECT_GT(stage.inspector->text("second")->opacity(), stage.inspector->text("first")->opacity());
+  stage.settle();
+  EXPECT_EQ(stage.inspector->text("first")->opacity(), 1);
+}
+
+TEST(ClaudeView, BuildsOnlyTheRowsInView) {
+  NotchStage stage;
+  for (int i = 0; i < 1000; ++i) prompt(stage, "s" + std::to_string(i));
+  openSessions(stage);
+  EXPECT_LT(stage.inspector->texts().size(), 40u);
+  EXPECT_TRUE(stage.inspector->text("s999"));
+}
+
+TEST(SessionRow, TellsHowLongItTookOrHowLongAgo) {
+  const Date start{1000};
+  struct {
+    std::optional<double> finishedAfter;
+    double now;
+    const char *english, *french;
+  } const cases[] = {
+      {{}, 134.9, "2m14s", "2m14s"},
+      {10.0, 69.9, "just now", "à l'instant"},
+      {10.0, 70, "1 min ago", "il y a 1 min"},
+      {10.0, 71, "1 min ago", "il y a 1 min"},
+      {10.0, 7210, "120 min ago", "il y a 120 min"},
+  };
+  for (const auto& c : cases) {
+    Session session{.startedAt = start};
+    if (c.finishedAfter) session.finishedAt = start + *c.finishedAfter;
+    for (const bool french : {false, true}) {
+      const ForcedLanguage language(french ? "fr" : "en");
+      EXPECT_EQ(elapsedText(session, start + c.now), french ? c.french : c.english);
+    }
+  }
+}
+
+TEST(SessionRow, CountsUpEachSecond) {
+  ViewStage stage(sessionRow(
+      {.id = "a", .project = "shop", .phase = Phase::working, .startedAt = VirtualScheduler().now()}));
+  EXPECT_TRUE(stage.inspector.text("0s"));
+  stage.play(2.6);
+  EXPECT_THAT(stage.inspector.texts(), testing::AnyOf(Contains("2s"), Contains("3s")));
+}
+
+TEST(SessionRow, GivesTheTextsAllRoomThatTheTimeLeaves) {
+  ViewStage stage(sessionRow({.id = "a",
+                              .project = "shop",
+                              .phase = Phase::working,
+                              .activity = std::string(200, 'x'),
+                              .startedAt = VirtualScheduler().now()}));
+  const auto activity = stage.inspector.text(std::string(200, 'x'));
+  const auto time = stage.inspector.text("0s");
+  ASSERT_TRUE(activity && time);
+  EXPECT_EQ(time->frame().right(), 390);
+  EXPECT_EQ(activity->frame().x, 40);
+  EXPECT_NEAR(activity->frame().right(), time->frame().x - 20, 1);
+}
+
+TEST(SessionRow, LightsUpUnderThePointer) {
+  ViewStage stage(sessionRow({.id = "a", .project = "shop", .startedAt = VirtualScheduler().now()}));
+  const auto background = [&] { return stage.inspector.kind("Shape")[0].color().alpha; };
+  EXPECT_NEAR(background(), 0.03, 1e-9);
+  stage.inspector.hover(*stage.inspector.text("shop"));
+  stage.play(0.07);
+  EXPECT_GT(background(), 0.03);
+  EXPECT_LT(background(), 0.07);
+  stage.play(0.2);
+  EXPECT_NEAR(background(), 0.07, 1e-9);
+}
+
+}  // namespace
+}  // namespace tarnwick

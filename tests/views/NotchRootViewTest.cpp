@@ -1,0 +1,199 @@
+#include "views/NotchRootView.h"
+
+#include <gmock/gmock.h>
+
+#include "NotchStage.h"
+#include "support/ForcedLanguage.h"
+#include "views/NotchShape.h"
+
+namespace tarnwick {
+namespace {
+
+using testing::Contains;
+using testing::ElementsAre;
+
+void work(NotchStage& stage) { stage.hook("a", "UserPromptSubmit", {{"cwd", "/x/shop"}}); }
+
+void playMusic(NotchStage& stage) {
+  stage.model.media.title = "Song";
+  stage.model.media.playing = true;
+}
+
+Banner banner(std::optional<CrabMood> crab = {}) {
+  return {
+      .icon = "calendar", .tint = colors::blue, .title = "Review", .subtitle = "Starts soon", .crab = crab};
+}
+
+struct Scene {
+  const char* name;
+  std::function<void(NotchStage&)> prepare;
+  Size size;
+  double radius;
+};
+
+const Scene scenes[] = {
+    {"idle", [](NotchStage&) {}, {197, 32}, 10},
+    {"hovered", [](NotchStage& s) { s.model.setHovering(true); }, {215, 37}, 13},
+    {"claude", work, {285, 32}, 10},
+    {"now playing", playMusic, {285, 32}, 10},
+    {"volume", [](NotchStage& s) { s.model.show(Transient::hud(HUDKind::volume, 1), 9); }, {405, 32}, 10},
+    {"device",
+     [](NotchStage& s) { s.model.show(Transient::device("x", "keyboard", {}, true), 9); },
+     {445, 32},
+     10},
+    {"banner", [](NotchStage& s) { s.model.present(banner(), 9); }, {400, 92}, 22},
+    {"expanded", [](NotchStage& s) { s.model.expand(); }, {560, 170}, 26},
+    {"files",
+     [](NotchStage& s) {
+       s.model.setDraggingFiles(true);
+       s.model.setHovering(true);
+     },
+     {560, 170},
+     26},
+};
+
+TEST(NotchRootView, HangsTheSurfaceFromTheMiddleOfTheTopEdge) {
+  for (const Scene& scene : scenes) {
+    SCOPED_TRACE(scene.name);
+    NotchStage stage;
+    scene.prepare(stage);
+    stage.settle();
+    const Rect expected{470 - std::floor(scene.size.width / 2 + 0.5), 0, scene.size.width, scene.size.height};
+    const Rect surface = *stage.scene->presentedFrame(surfaceId);
+    EXPECT_NEAR(surface.x, expected.x, 1);
+    EXPECT_EQ(surface.y, 0);
+    EXPECT_NEAR(surface.width, scene.size.width, 1e-6);
+    EXPECT_NEAR(surface.height, scene.size.height, 1e-6);
+    const auto clip = stage.scene->presentedClip(surfaceId);
+    ASSERT_TRUE(clip);
+    EXPECT_THAT(clip->animated, ElementsAre(scene.radius));
+    EXPECT_THAT(clip->fixed, ElementsAre(notchFlare));
+  }
+}
+
+TEST(NotchRootView, FollowsThePresentationAlongItsSpring) {
+  NotchStage stage;
+  stage.model.expand();
+  stage.play(0.1);
+  const Rect underway = *stage.scene->presentedFrame(surfaceId);
+  EXPECT_GT(underway.width, 197);
+  EXPECT_LT(underway.width, 560);
+  const double radius = stage.scene->presentedClip(surfaceId)->animated[0];
+  EXPECT_GT(radius, 10);
+  EXPECT_LT(radius, 26);
+  EXPECT_NEAR(underway.midX(), 470, 1);
+}
+
+TEST(NotchRootView, IsInvisibleAtRestWithoutACameraNotch) {
+  for (const Scene& scene : scenes) {
+    NotchStage stage;
+    stage.model.hasNotch = false;
+    scene.prepare(stage);
+    stage.settle();
+    EXPECT_EQ(stage.inspector->id(surfaceId)->opacity(), std::string("idle") == scene.name ? 0 : 1)
+        << scene.name;
+  }
+}
+
+TEST(NotchRootView, ExpandsByATapAnywhereButNotTwice) {
+  NotchStage stage;
+  stage.inspector->tap(Point{470, 10});
+  stage.settle();
+  EXPECT_TRUE(stage.model.isExpanded);
+
+  stage.model.tab = Tab::home;
+  // With a session waiting, another expansion would change the tab.
+  stage.hook("w", "Notification", {{"message", "Hello"}});
+  stage.inspector->tap(Point{470, 150});
+  stage.settle();
+  EXPECT_EQ(stage.model.tab, Tab::home);
+}
+
+TEST(NotchRootView, TakesNoTapBesideTheSurface) {
+  NotchStage stage;
+  for (const Point outside : {Point{300, 10}, Point{470, 40}, Point{372.5, 31.5}}) {
+    stage.inspector->tap(outside);
+    EXPECT_FALSE(stage.model.isExpanded) << outside.x << ", " << outside.y;
+  }
+}
+
+TEST(NotchRootView, GlowsWithMusicAndBanners) {
+  const auto glows = [](NotchStage& stage, const char* id) { return stage.inspector->id(id).has_value(); };
+  NotchStage stage;
+  stage.model.media.title = "Song";
+  stage.model.media.accent = colors::pink;
+  stage.model.expand(Tab::home);
+  stage.settle();
+  ASSERT_TRUE(glows(stage, "homeGlow"));
+  EXPECT_EQ(stage.inspector->id("homeGlow")->color(), colors::pink.opacity(0.32));
+  stage.model.setDraggingFiles(true);
+  stage.settle();
+  EXPECT_FALSE(glows(stage, "homeGlow"));
+  stage.model.setDraggingFiles(false);
+  stage.model.select(Tab::notes);
+  stage.settle();
+  EXPECT_FALSE(glows(stage, "homeGlow"));
+  stage.model.collapse();
+  stage.model.present(banner(), 9);
+  stage.settle();
+  ASSERT_TRUE(glows(stage, "bannerGlow"));
+  EXPECT_EQ(stage.inspector->id("bannerGlow")->color(), colors::blue.opacity(0.25));
+}
+
+TEST(Banner, ShowsTheMascotOrItsIconTwiceInTheStrip) {
+  for (const bool crab : {false, true}) {
+    NotchStage stage;
+    stage.model.present(banner(crab ? std::optional(CrabMood::happy) : std::nullopt), 9);
+    stage.settle();
+    EXPECT_EQ(stage.inspector->symbols().size(), crab ? 2u : 3u) << "with the badge's";
+    EXPECT_EQ(stage.inspector->kind("Canvas").size(), crab ? 1u : 0u);
+    EXPECT_THAT(stage.inspector->texts(), ElementsAre("Review", "Starts soon"));
+  }
+}
+
+TEST(Banner, PopsItsBadgeInForEachNewOne) {
+  NotchStage stage;
+  const auto badgeWidth = [&] {
+    for (const auto& found : stage.inspector->kind("Shape")) {
+      if (found.targetFrame().width == 40) return found.frame().width;
+    }
+    return -1.0;
+  };
+  for (int round = 0; round < 2; ++round) {
+    stage.model.present(banner(), 9);
+    stage.play(0.05);
+    EXPECT_LT(badgeWidth(), 20) << round;
+    double widest = 0;
+    for (int frame = 0; frame < 60; ++frame) {
+      stage.play(1.0 / 60);
+      widest = std::max(widest, badgeWidth());
+    }
+    EXPECT_GT(widest, 41) << round;
+    EXPECT_NEAR(badgeWidth(), 40, 0.2) << round;
+  }
+}
+
+TEST(Banner, KeepsLongTextsOnTheCard) {
+  NotchStage stage;
+  Banner shown = banner();
+  shown.title = shown.subtitle = std::string(300, 'W');
+  stage.model.present(shown, 9);
+  stage.settle();
+  const Rect surface = *stage.scene->presentedFrame(surfaceId);
+  for (const auto& text : stage.inspector->kind("Text")) {
+    EXPECT_NEAR(text.frame().right(), surface.right() - 6 - 22 - 14, 1);
+  }
+}
+
+TEST(BatteryRing, FillsWhenItAppears) {
+  NotchStage stage;
+  stage.model.show(Transient::device("Buds", "airpods", 50, true), 9);
+  // The second of the two circles is the level; how far it is drawn is its last number but one.
+  stage.play(0.1);
+  ASSERT_TRUE(stage.inspector->text("50"));
+  stage.settle();
+  EXPECT_EQ(stage.inspector->kind("Shape").back().color(), colors::green);
+}
+
+}  // namespace
+}  // namespace tarnwick
