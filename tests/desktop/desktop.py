@@ -35,7 +35,7 @@ def wait_until(condition, what, patience=PATIENCE):
             return answer
         if time.monotonic() > end:
             raise AssertionError(f"waited {patience} s in vain for {what}")
-        time.sleep(0.02)
+        time.sleep(0.01)
 
 
 class Desktop:
