@@ -228,11 +228,29 @@ Node* Scene::find(Node& node, const std::string& key) const {
   return nullptr;
 }
 
+std::vector<Scene::Control> Scene::controls() const {
+  std::vector<Control> controls;
+  const std::function<void(const Node&)> collect = [&](const Node& node) {
+    const auto& interaction = node.attributes.interaction;
+    if (!node.visible || (interaction && interaction->disabled)) return;
+    if (interaction && interaction->role != Role::none) {
+      controls.push_back({interaction->role, interaction->accessibilityName, presentedFrame(node), interaction->onTap});
+    }
+    for (const auto& child : node.children) collect(*child);
+  };
+  collect(*root_);
+  return controls;
+}
+
+Rect Scene::presentedFrame(const Node& node) {
+  const QRectF rect = node.transform.mapRect(QRectF(0, 0, node.presentedSize.width, node.presentedSize.height));
+  return {rect.x(), rect.y(), rect.width(), rect.height()};
+}
+
 std::optional<Rect> Scene::presentedFrame(const std::string& id) const {
   const Node* node = find(*root_, id);
   if (!node || !node->visible) return std::nullopt;
-  const QRectF rect = node->transform.mapRect(QRectF(0, 0, node->presentedSize.width, node->presentedSize.height));
-  return Rect{rect.x(), rect.y(), rect.width(), rect.height()};
+  return presentedFrame(*node);
 }
 
 std::optional<Shape> Scene::presentedClip(const std::string& id) const {

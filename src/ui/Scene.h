@@ -50,6 +50,18 @@ class Scene : public transaction::Committer {
   /// The shape that the view with that id is clipped to, as presented now, in its own coordinates.
   std::optional<Shape> presentedClip(const std::string& id) const;
 
+  /// A view that tells assistive technology what it is.
+  struct Control {
+    Role role;
+    std::string name;
+    /// As presented, in points.
+    Rect frame;
+    /// What a click does; may be empty.
+    std::function<void()> press;
+  };
+  /// Those that can be seen, in the order of drawing.
+  std::vector<Control> controls() const;
+
   void commit(const std::optional<Animation>& animation) override;
 
  private:
@@ -66,6 +78,7 @@ class Scene : public transaction::Committer {
   void forget(Node& node);
   void addDamage(const Rect& rect);
   Node* find(Node& node, const std::string& key) const;
+  static Rect presentedFrame(const Node& node);
 
   Scheduler& scheduler_;
   Size size_;

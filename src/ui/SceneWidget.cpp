@@ -7,6 +7,7 @@
 #include <cmath>
 
 #include "ui/Drawing.h"
+#include "ui/SceneAccessibility.h"
 
 namespace tarnwick::ui {
 namespace {
@@ -23,6 +24,7 @@ SceneWidget::SceneWidget(Scheduler& scheduler, Size size, View root)
   setAttribute(Qt::WA_NoSystemBackground);
   setAttribute(Qt::WA_OpaquePaintEvent);
   setMouseTracking(true);
+  installSceneAccessibility();
   resize(int(size.width), int(size.height));
   clock_.setSingleShot(true);
   clock_.setTimerType(Qt::PreciseTimer);
