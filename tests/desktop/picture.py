@@ -20,6 +20,14 @@ def is_near(pixel, colour, tolerance=24):
     return all(abs(value - wanted) <= tolerance for value, wanted in zip(pixel, colour))
 
 
+def dusk(height):
+    """A wallpaper for pictures that people look at: the colour of each row."""
+    def colour(row):
+        share = min(row / height, 1)
+        return tuple(round(top + (bottom - top) * share) for top, bottom in ((88, 236), (112, 190), (164, 150)))
+    return colour
+
+
 class Picture:
     """A rectangle of the screen; `x` and `y` are where it was taken. All coordinates are the screen's."""
 
@@ -46,6 +54,10 @@ class Picture:
         if not columns or not rows:
             return 0, 0, middle
         return columns[-1] - columns[0] + 1, rows[-1] - self.y + 1, columns[0]
+
+    def above(self, other):
+        """This picture with another one of the same width below it."""
+        return Picture(self.x, self.y, self.width, self.height + other.height, self.data + other.data)
 
     def save(self, path):
         def chunk(kind, body):

@@ -1,6 +1,6 @@
 """Plays `Tarnwick --demo` on a private desktop and saves a picture of every step.
 
-usage: play_demonstration.py [--scale N] FOLDER"""
+usage: play_demonstration.py FOLDER"""
 
 import argparse
 import subprocess
@@ -8,9 +8,9 @@ import time
 from pathlib import Path
 
 from desktop import PROGRAM, Desktop, wait_until
+from picture import dusk
 
 arguments = argparse.ArgumentParser()
-arguments.add_argument("--scale", type=int, default=1)
 arguments.add_argument("folder", type=Path)
 arguments = arguments.parse_args()
 
@@ -19,23 +19,15 @@ SETTLING_SECONDS = 0.8
 STEPS = ["1-prompt", "2-running", "3-permission", "4-thinking", "5-editing", "6-done"]
 
 
-def dusk(height):
-    def colour(row):
-        share = row / height
-        return tuple(round(top + (bottom - top) * share) for top, bottom in ((88, 236), (112, 190), (164, 150)))
-    return colour
-
-
-scale = arguments.scale
 arguments.folder.mkdir(parents=True, exist_ok=True)
 print("Starting a virtual display, a window manager, a compositor and a session bus of their own …", flush=True)
-with Desktop(size=(1280 * scale, 720 * scale), scale=scale) as desktop:
-    desktop.paint_wallpaper(dusk(260 * scale))
+with Desktop() as desktop:
+    desktop.paint_wallpaper(dusk(260))
 
     def save(name):
-        width = 700 * scale
+        width = 700
         path = arguments.folder / f"{name}.png"
-        desktop.picture((desktop.size[0] - width) // 2, 0, width, 200 * scale).save(path)
+        desktop.picture((desktop.size[0] - width) // 2, 0, width, 200).save(path)
         print(f"  {path}", flush=True)
 
     print("Starting the overlay …", flush=True)
