@@ -1,0 +1,112 @@
+#include "platform/linux/DBusNotificationCenter.h"
+
+#include <gtest/gtest.h>
+
+#include <QDBusMessage>
+#include <QDBusMetaType>
+#include <QMap>
+#include <algorithm>
+
+#include "platform/TestDesktop.h"
+
+using namespace tarnwick;
+using TextMap = QMap<QString, QString>;
+
+namespace {
+
+/// Another program of the session.
+class Sender {
+ public:
+  Sender() : name_(QString("sender-%1").arg(++count)) {
+    bus_ = QDBusConnection::connectToBus(qEnvironmentVariable("DBUS_SESSION_BUS_ADDRESS"), name_);
+    qDBusRegisterMetaType<TextMap>();
+  }
+  ~Sender() { QDBusConnection::disconnectFromBus(name_); }
+
+  void send(const QString& member, const QVariantList& arguments) {
+    auto signal = QDBusMessage::createSignal("/dev/tarnwick", "dev.tarnwick", member);
+    signal.setArguments(arguments);
+    bus_.send(signal);
+  }
+
+ private:
+  static inline int count = 0;
+  QString name_;
+  QDBusConnection bus_{""};
+};
+
+QVariant map(const TextMap& values) { return QVariant::fromValue(values); }
+
+}  // namespace
+
+TEST(DBusNotificationCenter, DeliversEachNameToItsReceivers) {
+  DBusNotificationCenter center(TestDesktop::shared().scheduler);
+  std::vector<StringMap> events, showcases;
+  const auto first =
+      center.observe(eventNotification, [&](const StringMap& payload) { events.push_back(payload); });
+  const auto second =
+      center.observe(showcaseNotification, [&](const StringMap& payload) { showcases.push_back(payload); });
+  Sender sender;
+  sender.send("event", {map({{"event", "Stop"}, {"prompt", "é ✨"}})});
+  sender.send("showcase", {map({{"cmd", "begin"}})});
+  ASSERT_TRUE(waitUntil([&] { return !showcases.empty(); }));
+  EXPECT_EQ(events, (std::vector<StringMap>{{{"event", "Stop"}, {"prompt", "é ✨"}}}));
+  EXPECT_EQ(showcases, (std::vector<StringMap>{{{"cmd", "begin"}}}));
+}
+
+TEST(DBusNotificationCenter, WrongShapesArriveEmpty) {
+  DBusNotificationCenter center(TestDesktop::shared().scheduler);
+  std::vector<StringMap> events;
+  const auto subscription =
+      center.observe(eventNotification, [&](const StringMap& payload) { events.push_back(payload); });
+  const std::vector<QVariantList> shapes{
+      {},  {"text"}, {QVariantMap{{"session_id", "a"}}}, {QStringList{"a"}}, {map({{"a", "b"}}), "and more"},
+      {42}};
+  Sender sender;
+  for (const QVariantList& shape : shapes) sender.send("event", shape);
+  sender.send("event", {map({{"last", "one"}})});
+  ASSERT_TRUE(waitUntil([&] { return events.size() == shapes.size() + 1; }));
+  for (size_t i = 0; i < shapes.size(); ++i) EXPECT_EQ(events[i], StringMap{}) << i;
+  EXPECT_EQ(events.back(), (StringMap{{"last", "one"}}));
+}
+
+TEST(DBusNotificationCenter, KeepsTheOrderOfABurst) {
+  DBusNotificationCenter center(TestDesktop::shared().scheduler);
+  std::vector<int> numbers;
+  const auto subscription = center.observe(eventNotification, [&](const StringMap& payload) {
+    numbers.push_back(std::stoi(payload.at("number")));
+  });
+  Sender sender;
+  for (int i = 0; i < 2000; ++i) sender.send("event", {map({{"number", QString::number(i)}})});
+  ASSERT_TRUE(waitUntil([&] { return numbers.size() == 2000; }));
+  EXPECT_TRUE(std::is_sorted(numbers.begin(), numbers.end()));
+}
+
+TEST(DBusNotificationCenter, OneOverlayASession) {
+  auto first = std::make_unique<DBusNotificationCenter>(TestDesktop::shared().scheduler);
+  EXPECT_FALSE(first->anotherOverlayRuns());
+  EXPECT_TRUE(DBusNotificationCenter(TestDesktop::shared().scheduler).anotherOverlayRuns());
+  first.reset();
+  // The bus hears of the end a moment later.
+  EXPECT_TRUE(waitUntil(
+      [] { return !DBusNotificationCenter(TestDesktop::shared().scheduler).anotherOverlayRuns(); }));
+}
+
+TEST(DBusNotificationCenter, PicksUpABusThatComesLater) {
+  const QByteArray address = qgetenv("DBUS_SESSION_BUS_ADDRESS");
+  qputenv("DBUS_SESSION_BUS_ADDRESS", "unix:path=/nonexistent/bus");
+  DBusNotificationCenter center(TestDesktop::shared().scheduler);
+  EXPECT_FALSE(center.anotherOverlayRuns());
+  int received = 0;
+  const auto subscription = center.observe(eventNotification, [&](const StringMap&) { ++received; });
+  qputenv("DBUS_SESSION_BUS_ADDRESS", address);
+  const auto arrives = [&] {
+    Sender().send("event", {map({})});
+    return received > 0;
+  };
+  EXPECT_TRUE(waitUntil(arrives));
+
+  TestDesktop::shared().restartBus();
+  received = 0;
+  EXPECT_TRUE(waitUntil(arrives)) << "after the bus was restarted";
+}

@@ -1,0 +1,63 @@
+// The overlay as a program: how it starts and ends.
+#include <gtest/gtest.h>
+#include <signal.h>
+
+#include <QProcess>
+
+#include "platform/TestDesktop.h"
+
+using namespace tarnwick;
+
+namespace {
+
+TestDesktop& desktop() { return TestDesktop::shared(); }
+
+struct Overlay : QProcess {
+  explicit Overlay(const char* display = nullptr) {
+    if (display) {
+      QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+      environment.insert("DISPLAY", display);
+      setProcessEnvironment(environment);
+    }
+    start(TARNWICK_OVERLAY, QStringList{"--unknown", "-platform", "offscreen"});
+  }
+  ~Overlay() override {
+    kill();
+    waitForFinished();
+  }
+  bool ended() {
+    return waitUntil([this] { return state() == NotRunning; });
+  }
+};
+
+}  // namespace
+
+TEST(Overlay, ShowsItsWindowAndEndsOnASignal) {
+  // No window of a program, for which the notch would hide.
+  const auto behind = desktop().startUnmanaged("behind", {0, 0, 1000, 800});
+  const auto shows = [](int x, int y, uint32_t color) {
+    return [=] { return desktop().pixel(x, y) == color; };
+  };
+  ASSERT_TRUE(waitUntil(shows(500, 5, 0x00ff00)));
+  Overlay overlay;
+  EXPECT_TRUE(waitUntil(shows(500, 5, 0))) << "the surface, over the middle of the primary screen";
+  EXPECT_TRUE(waitUntil(shows(500, 300, 0x00ff00))) << "and nothing else";
+
+  Overlay second;
+  EXPECT_TRUE(second.ended());
+  EXPECT_EQ(second.exitStatus(), QProcess::NormalExit);
+  EXPECT_EQ(second.exitCode(), 0);
+  EXPECT_EQ(second.readAllStandardError(), "Tarnwick is running already.\n");
+
+  ::kill(static_cast<pid_t>(overlay.processId()), SIGTERM);
+  EXPECT_TRUE(overlay.ended());
+  EXPECT_EQ(overlay.exitStatus(), QProcess::NormalExit);
+  EXPECT_EQ(overlay.exitCode(), 0);
+}
+
+TEST(Overlay, SaysThatThereIsNoDisplay) {
+  Overlay overlay(":99999");
+  EXPECT_TRUE(overlay.ended());
+  EXPECT_EQ(overlay.exitCode(), 1);
+  EXPECT_TRUE(overlay.readAllStandardError().contains("no X display"));
+}

@@ -1,0 +1,17 @@
+#pragma once
+
+namespace tarnwick {
+
+/// Other programs of the desktop, played by this test program when its first argument names a role. Each
+/// prints "ready" once its window is on the screen.
+///
+/// --window TITLE X Y WIDTH HEIGHT [fullscreen | dock TOP-STRUT]   a coloured window (0x00ff00) that prints
+///                                    "pressed" for each button press it gets
+/// --unmanaged TITLE X Y WIDTH HEIGHT a window that no window manager knows: a menu, or a screen locker
+/// --drag TYPE DATA X Y               a window of 100 × 100 that drags DATA as soon as the pointer is dragged
+///                                    in it, and prints "dropped ACTION" at the end
+///
+/// @return the exit status; -1 when the arguments name no role
+int playRole(int argc, char** argv);
+
+}  // namespace tarnwick
