@@ -2,12 +2,16 @@
 #include <memory>
 
 #include "core/NotchController.h"
+#include "platform/linux/BacklightBrightness.h"
 #include "platform/linux/CanberraSoundPlayer.h"
 #include "platform/linux/DBusNotificationCenter.h"
 #include "platform/linux/JsonUserDefaults.h"
+#include "platform/linux/Module.h"
 #include "platform/linux/NoHaptics.h"
+#include "platform/linux/PulseAudioDevices.h"
 #include "platform/linux/QtScheduler.h"
 #include "platform/linux/X11Connection.h"
+#include "platform/linux/X11MediaKeys.h"
 #include "platform/linux/X11Pointer.h"
 #include "platform/linux/X11Screens.h"
 #include "platform/linux/X11WindowList.h"
@@ -39,6 +43,9 @@ class AppDelegate {
   X11WindowList windows_{connection_, screens_};
   CanberraSoundPlayer sounds_{scheduler_};
   NoHaptics haptics_;
+  PulseAudioDevices audioDevices_{scheduler_, moduleFolder() + '/' + pulseModuleName};
+  X11MediaKeys mediaKeys_{connection_, scheduler_};
+  BacklightBrightness brightness_{scheduler_};
   std::unique_ptr<NotchController> controller_;
 };
 

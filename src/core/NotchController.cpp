@@ -83,6 +83,7 @@ void NotchController::startServices() {
     tasks_.push_back(desktop_.scheduler.post([this] { model_.calendar.start(); }));
   }
   model_.audio.start();
+  hud_.emplace(model_, desktop_);
 }
 
 void NotchController::listen() {

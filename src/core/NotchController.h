@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "core/HUDService.h"
 #include "core/HapticFeedback.h"
 #include "core/NotchModel.h"
 #include "core/NotchPanel.h"
@@ -50,6 +51,7 @@ class NotchController {
   std::unique_ptr<NotchPanel> panel_;
   HapticFeedback haptics_;
   PointerTracker tracker_;
+  std::optional<HUDService> hud_;
 
   /// How far the fingers of the current trackpad gesture have moved, in points.
   Point swipe_;

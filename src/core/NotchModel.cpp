@@ -31,6 +31,7 @@ bool updatesInPlace(const std::optional<Transient>& shown, const Transient& next
 NotchModel::NotchModel(const Desktop& desktop)
     : settings(desktop.defaults),
       claude(desktop.scheduler, desktop.sounds),
+      audio(desktop.audioDevices),
       tray(desktop.defaults),
       notes(desktop.scheduler, desktop.folders),
       scheduler_(desktop.scheduler) {

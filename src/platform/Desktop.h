@@ -1,8 +1,11 @@
 #pragma once
 #include "base/Scheduler.h"
 #include "base/UserDefaults.h"
+#include "platform/AudioDevices.h"
+#include "platform/DisplayBrightness.h"
 #include "platform/Folders.h"
 #include "platform/HapticPerformer.h"
+#include "platform/MediaKeys.h"
 #include "platform/NotificationCenter.h"
 #include "platform/Pointer.h"
 #include "platform/Screens.h"
@@ -23,6 +26,9 @@ struct Desktop {
   WindowList& windows;
   SoundPlayer& sounds;
   HapticPerformer& haptics;
+  AudioDevices& audioDevices;
+  MediaKeys& mediaKeys;
+  DisplayBrightness& brightness;
 };
 
 }  // namespace tarnwick

@@ -1,5 +1,6 @@
 #include "support/MemoryDesktop.h"
 
+#include <algorithm>
 #include <filesystem>
 
 namespace tarnwick {
@@ -79,6 +80,49 @@ void MemoryPointer::startDrag(std::optional<std::vector<std::string>> types) {
 void MemoryPointer::tellDragTypes(std::vector<std::string> types) {
   dragTypes_ = std::move(types);
   report();
+}
+
+std::optional<double> MemoryAudioDevices::volume(uint32_t id, AudioScope scope) const {
+  const auto found = levels.find({id, scope});
+  return found == levels.end() ? std::nullopt : std::optional(found->second.volume);
+}
+
+std::optional<bool> MemoryAudioDevices::isMuted(uint32_t id, AudioScope scope) const {
+  const auto found = levels.find({id, scope});
+  return found == levels.end() ? std::nullopt : std::optional(found->second.muted);
+}
+
+Subscription MemoryAudioDevices::observeLevels(uint32_t id, AudioScope scope, std::function<void()> onChange) {
+  ++attachments;
+  return levelChanges_[{id, scope}].observe(std::move(onChange));
+}
+
+void MemoryAudioDevices::plug(std::vector<AudioDevice> devices, uint32_t output, uint32_t input) {
+  devices_ = std::move(devices);
+  defaults_ = {{AudioScope::output, output}, {AudioScope::input, input}};
+  changes_.notifyObservers();
+}
+
+void MemoryAudioDevices::turn(uint32_t id, AudioScope scope, Levels to) {
+  levels[{id, scope}] = to;
+  levelChanges_[{id, scope}].notifyObservers();
+}
+
+std::optional<Subscription> MemoryMediaKeys::tap(const std::vector<int>& codes, Handler handler) {
+  if (!trusted) return std::nullopt;
+  const auto tap = std::make_shared<Tap>(Tap{codes, std::move(handler)});
+  taps_.push_back(tap);
+  return Subscription(tap);
+}
+
+bool MemoryMediaKeys::send(int code, bool down, unsigned flags) {
+  const auto taps = taps_;
+  for (const auto& weak : taps) {
+    const auto tap = weak.lock();
+    if (!tap || std::find(tap->codes.begin(), tap->codes.end(), code) == tap->codes.end()) continue;
+    return tap->handler(code, down, flags);
+  }
+  return false;
 }
 
 }  // namespace tarnwick

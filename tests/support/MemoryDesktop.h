@@ -109,6 +109,71 @@ class MemoryHapticPerformer : public HapticPerformer {
   int taps = 0;
 };
 
+/// Devices that a test plugs in, and whose levels it changes as another program would.
+class MemoryAudioDevices : public AudioDevices {
+ public:
+  struct Levels {
+    double volume = 0;
+    bool muted = false;
+  };
+
+  std::vector<AudioDevice> all() const override { return devices_; }
+  uint32_t defaultDevice(AudioScope scope) const override { return defaults_.at(scope); }
+  void setDefaultDevice(AudioScope scope, uint32_t id) override { defaultWrites.emplace_back(scope, id); }
+  std::optional<double> volume(uint32_t id, AudioScope scope) const override;
+  void setVolume(uint32_t id, AudioScope scope, double volume) override { levels[{id, scope}].volume = volume; }
+  std::optional<bool> isMuted(uint32_t id, AudioScope scope) const override;
+  void setMuted(uint32_t id, AudioScope scope, bool muted) override { levels[{id, scope}].muted = muted; }
+  Subscription observe(std::function<void()> onChange) override { return changes_.observe(onChange); }
+  Subscription observeLevels(uint32_t id, AudioScope scope, std::function<void()> onChange) override;
+
+  void plug(std::vector<AudioDevice> devices, uint32_t output, uint32_t input);
+  void turn(uint32_t id, AudioScope scope, Levels to);
+
+  std::map<std::pair<uint32_t, AudioScope>, Levels> levels;
+  std::vector<std::pair<AudioScope, uint32_t>> defaultWrites;
+  /// How often listeners to levels were attached.
+  int attachments = 0;
+
+ private:
+  std::vector<AudioDevice> devices_;
+  std::map<AudioScope, uint32_t> defaults_{{AudioScope::output, 0}, {AudioScope::input, 0}};
+  ObservableObject changes_;
+  std::map<std::pair<uint32_t, AudioScope>, ObservableObject> levelChanges_;
+};
+
+/// Keys that a test presses, and that another program may hold.
+class MemoryMediaKeys : public MediaKeys {
+ public:
+  bool isTrusted() const override { return trusted; }
+  void requestTrust() override { ++requests; }
+  std::optional<Subscription> tap(const std::vector<int>& codes, Handler handler) override;
+  Subscription observe(std::function<void()> onMove) override { return moves_.observe(std::move(onMove)); }
+
+  /// @return whether the key was caught and swallowed
+  bool send(int code, bool down, unsigned flags = 0);
+  bool press(int code, unsigned flags = 0) { return send(code, true, flags); }
+  void move() { moves_.notifyObservers(); }
+
+  bool trusted = true;
+  int requests = 0;
+
+ private:
+  struct Tap {
+    std::vector<int> codes;
+    Handler handler;
+  };
+  std::vector<std::weak_ptr<Tap>> taps_;
+  ObservableObject moves_;
+};
+
+class MemoryDisplayBrightness : public DisplayBrightness {
+ public:
+  std::optional<double> current() const override { return value; }
+  void set(double brightness) override { value = brightness; }
+  std::optional<double> value = 0.5;
+};
+
 /// A whole desktop in memory, with a clock that stands still until a test moves it.
 struct MemoryDesktop {
   VirtualScheduler scheduler;
@@ -120,8 +185,12 @@ struct MemoryDesktop {
   MemoryWindowList windows;
   MemorySoundPlayer sounds;
   MemoryHapticPerformer haptics;
+  MemoryAudioDevices audioDevices;
+  MemoryMediaKeys mediaKeys;
+  MemoryDisplayBrightness brightness;
 
-  Desktop ports{scheduler, notifications, defaults, folders, screens, pointer, windows, sounds, haptics};
+  Desktop ports{scheduler, notifications, defaults, folders,      screens,   pointer,
+                windows,   sounds,        haptics,  audioDevices, mediaKeys, brightness};
 };
 
 }  // namespace tarnwick

@@ -1,0 +1,45 @@
+#pragma once
+#include <optional>
+
+#include "core/NotchModel.h"
+#include "platform/Desktop.h"
+
+namespace tarnwick {
+
+/// Takes the volume, mute and brightness keys over while the user wants the notch to show those levels: it
+/// makes the change itself and shows the indicator in place of the desktop's own.
+class HUDService {
+ public:
+  /// Catches the keys if it may, and asks the user once, ever, if it may not. Model and desktop must outlive
+  /// it.
+  HUDService(NotchModel& model, const Desktop& desktop);
+  ~HUDService();
+
+  /// Catches the keys that it can get and does not have yet; with `prompt` it asks the user for the
+  /// permission first.
+  void startTap(bool prompt);
+  /// The volume keys are caught.
+  bool hasTap() const { return tap_.has_value(); }
+  /// Shows the output's volume, or that it is muted.
+  void showVolume();
+  /// Does what a key stands for; see `MediaKeys::Handler` for the arguments. @return false: the key is for
+  /// the desktop
+  bool handleMediaKey(int code, bool down, unsigned flags);
+
+ private:
+  void followSetting();
+  bool changeBrightness(double step, bool down);
+
+  NotchModel& model_;
+  MediaKeys& keys_;
+  DisplayBrightness& brightness_;
+  /// Caught keys cannot always be passed on: those for the brightness are left alone where there is no
+  /// brightness to change.
+  std::optional<Subscription> brightnessTap_;
+  std::optional<Subscription> tap_;
+  Subscription settingListener_;
+  Subscription moveListener_;
+  Task trustTimer_;
+};
+
+}  // namespace tarnwick
