@@ -69,6 +69,8 @@ View surface(NotchModel& model, Namespace names, const std::function<void()>& op
       .shadow(black(casts ? 0.3 : 0), 26, {0, 10})
       .opacity(hidden ? 0 : 1)
       .contentShape(shape)
+      .accessibility(expanded ? Role::none : Role::button,
+                     expanded ? "" : tr("Open Tarnwick", "Ouvrir Tarnwick"))
       .onTap([&model] { withAnimation(notchOpen, [&] { model.expand(); }); }, !expanded)
       .id(surfaceId);
 }

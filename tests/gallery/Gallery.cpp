@@ -1,4 +1,5 @@
-// Renders what the notch can show into contact sheets, to be looked at: view-gallery FOLDER
+// Renders what the notch can show, to be looked at: view-gallery FOLDER
+// Contact sheets in both languages and sharpnesses, films of what moves, and the pictures of the documents.
 #include <QGuiApplication>
 #include <QImage>
 #include <QPainter>
@@ -203,6 +204,34 @@ QImage photograph(NotchStage& stage, double ratio, double width, double height) 
   return picture;
 }
 
+struct Film {
+  const char* name;
+  std::function<void(NotchStage&)> prepare, act;
+};
+
+std::vector<Film> films() {
+  const auto openClaude = [](NotchStage& s) {
+    withAnimation(notchOpen, [&] { s.model.expand(Tab::claude); });
+  };
+  return {
+      {"expand", [](NotchStage& s) { work(s, 2); }, openClaude},
+      {"collapse",
+       [openClaude](NotchStage& s) {
+         work(s, 2);
+         openClaude(s);
+       },
+       [](NotchStage& s) { s.model.collapse(); }},
+      {"tab", [](NotchStage& s) { sessions(s), open(s, Tab::claude); },
+       [](NotchStage& s) { s.model.select(Tab::notes); }},
+      {"banner", [](NotchStage& s) { work(s, 1); },
+       [](NotchStage& s) {
+         s.hook("s0", "Stop", {{"cwd", "/x/shop"}});
+       }},
+      {"indicator", [](NotchStage& s) { work(s, 1); },
+       [](NotchStage& s) { s.model.show(Transient::hud(HUDKind::volume, 0.7), 60); }},
+  };
+}
+
 void hang(const std::vector<Exhibit>& exhibits, Size each, double ratio, const QString& file) {
   constexpr int columns = 2, gap = 8;
   const int width = int(each.width * ratio), height = int(each.height * ratio);
@@ -223,6 +252,45 @@ void hang(const std::vector<Exhibit>& exhibits, Size each, double ratio, const Q
   if (!sheet.save(file)) std::cerr << "cannot write " << file.toStdString() << "\n";
 }
 
+/// A film as a strip of pictures, a twenty-fifth of a second apart.
+void show(const Film& film, const QString& file) {
+  constexpr int pictures = 16, columns = 2, width = 600, height = 190, gap = 8;
+  NotchStage stage;
+  film.prepare(stage);
+  stage.settle();
+  film.act(stage);
+  QImage strip(columns * (width + gap), pictures / columns * (height + gap), QImage::Format_RGB32);
+  strip.fill(Qt::white);
+  QPainter painter(&strip);
+  for (int i = 0; i < pictures; ++i) {
+    const QPoint place(i / (pictures / columns) * (width + gap), i % (pictures / columns) * (height + gap));
+    painter.drawImage(place, photograph(stage, 1, width, height));
+    stage.play(1.0 / 25);
+  }
+  painter.end();
+  if (!strip.save(file)) std::cerr << "cannot write " << file.toStdString() << "\n";
+}
+
+/// The pictures that the documents show.
+void portray(const QString& folder) {
+  const struct {
+    const char* name;
+    double height;
+    std::function<void(NotchStage&)> prepare;
+  } portraits[] = {
+      {"working", 60, [](NotchStage& s) { work(s, 3); }},
+      {"waiting", 60, [](NotchStage& s) { wait(s); }},
+      {"banner", 130, opened()[1].prepare},
+      {"sessions", 200, opened()[5].prepare},
+  };
+  for (const auto& portrait : portraits) {
+    NotchStage stage(2);
+    portrait.prepare(stage);
+    stage.settle();
+    photograph(stage, 2, 600, portrait.height).save(folder + "/" + portrait.name + ".png");
+  }
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -231,6 +299,11 @@ int main(int argc, char** argv) {
   if (argc != 2) {
     std::cerr << "usage: view-gallery FOLDER\n";
     return 2;
+  }
+  for (const Film& film : films()) show(film, QString("%1/film-%2.png").arg(argv[1], film.name));
+  {
+    const ForcedLanguage english("en");
+    portray(argv[1]);
   }
   for (const char* language : {"en", "fr"}) {
     const ForcedLanguage forced(language);

@@ -185,14 +185,27 @@ TEST(Banner, KeepsLongTextsOnTheCard) {
   }
 }
 
-TEST(BatteryRing, FillsWhenItAppears) {
+TEST(Artwork, ShowsTheBestPictureThatThereIs) {
+  const auto picture = [] {
+    return Image{2, 2, std::make_shared<const std::vector<uint32_t>>(4, 0xff336699)};
+  };
   NotchStage stage;
-  stage.model.show(Transient::device("Buds", "airpods", 50, true), 9);
-  // The second of the two circles is the level; how far it is drawn is its last number but one.
-  stage.play(0.1);
-  ASSERT_TRUE(stage.inspector->text("50"));
+  playMusic(stage);
   stage.settle();
-  EXPECT_EQ(stage.inspector->kind("Shape").back().color(), colors::green);
+  EXPECT_TRUE(stage.inspector->symbol("music.note"));
+
+  stage.model.media.appIcon = picture();
+  stage.settle();
+  EXPECT_FALSE(stage.inspector->symbol("music.note"));
+  EXPECT_NEAR(stage.inspector->kind("Image").at(0).frame().width, 22 - 2 * 0.08 * 22, 1e-6);
+
+  stage.model.media.artwork = picture();
+  stage.play(0.1);
+  // One fades into the other.
+  EXPECT_EQ(stage.inspector->all([](const auto& found) { return found.kind() == "Image"; }).size(), 2u);
+  stage.settle();
+  ASSERT_EQ(stage.inspector->kind("Image").size(), 1u);
+  EXPECT_EQ(stage.inspector->kind("Image")[0].frame().size(), (Size{22, 22}));
 }
 
 }  // namespace

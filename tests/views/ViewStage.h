@@ -8,7 +8,7 @@ namespace tarnwick {
 
 /// One view on a virtual clock, in a window of its own.
 struct ViewStage {
-  explicit ViewStage(ui::View view, Size size = {400, 200}) : scene(scheduler, size, std::move(view)) {
+  explicit ViewStage(ui::View view, Size size = {400, 200}) : scene(offTheBeat(), size, std::move(view)) {
     scene.frame();
   }
 
@@ -19,6 +19,12 @@ struct ViewStage {
       scheduler.advance(std::min(frame, left));
       scene.frame();
     }
+  }
+
+  /// Pictures that change by the clock are not to be taken just as they do.
+  VirtualScheduler& offTheBeat() {
+    scheduler.advance(0.03);
+    return scheduler;
   }
 
   VirtualScheduler scheduler;
