@@ -1,5 +1,5 @@
 // Renders what the notch can show, to be looked at: view-gallery FOLDER
-// Contact sheets in both languages and sharpnesses, films of what moves, and the pictures of the documents.
+// Contact sheets in both languages and sharpnesses, and films of what moves.
 #include <QGuiApplication>
 #include <QImage>
 #include <QPainter>
@@ -271,26 +271,6 @@ void show(const Film& film, const QString& file) {
   if (!strip.save(file)) std::cerr << "cannot write " << file.toStdString() << "\n";
 }
 
-/// The pictures that the documents show.
-void portray(const QString& folder) {
-  const struct {
-    const char* name;
-    double height;
-    std::function<void(NotchStage&)> prepare;
-  } portraits[] = {
-      {"working", 60, [](NotchStage& s) { work(s, 3); }},
-      {"waiting", 60, [](NotchStage& s) { wait(s); }},
-      {"banner", 130, opened()[1].prepare},
-      {"sessions", 200, opened()[5].prepare},
-  };
-  for (const auto& portrait : portraits) {
-    NotchStage stage(2);
-    portrait.prepare(stage);
-    stage.settle();
-    photograph(stage, 2, 600, portrait.height).save(folder + "/" + portrait.name + ".png");
-  }
-}
-
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -301,10 +281,6 @@ int main(int argc, char** argv) {
     return 2;
   }
   for (const Film& film : films()) show(film, QString("%1/film-%2.png").arg(argv[1], film.name));
-  {
-    const ForcedLanguage english("en");
-    portray(argv[1]);
-  }
   for (const char* language : {"en", "fr"}) {
     const ForcedLanguage forced(language);
     for (const int ratio : {1, 2}) {
