@@ -163,9 +163,12 @@ TEST_F(X11NotchPanelTest, BorrowsTheKeyboardFocus) {
   const auto other = desktop().startWindow("other", {0, 400, 300, 300});
   auto dying = desktop().startWindow("dying", {400, 400, 300, 300});
   const xcb_window_t otherWindow = desktop().findWindow("other"), dyingWindow = desktop().findWindow("dying");
-  const auto focus = [](xcb_window_t target) {
-    desktop().hands.click(target == desktop().findWindow("other") ? 150 : 550, 550);
-    return waitUntil([=] { return desktop().focusedWindow() == target; });
+  const auto focus = [=](xcb_window_t target) {
+    return waitUntil([=] {
+      // The window manager may not have placed a new window yet.
+      desktop().hands.click(target == otherWindow ? 150 : 550, 550);
+      return desktop().focusedWindow() == target;
+    });
   };
   content.editor.show();
 
