@@ -45,7 +45,7 @@ class Scheduler {
   /// Runs `work` once, `seconds` from now.
   virtual Task after(double seconds, Work work) = 0;
   /// Runs `work` every `seconds`, first after one interval. Timers of a second or more share one beat, so they
-  /// may run up to half a second late.
+  /// may run up to half a second early or late.
   virtual Task every(double seconds, Work work) = 0;
   /// Runs `work` in the next turn of the loop.
   virtual Task post(Work work) = 0;
