@@ -1,0 +1,33 @@
+#include "bridge/Bus.h"
+
+namespace tarnwick {
+namespace {
+
+constexpr int patienceInMilliseconds = 5000;
+
+void finish(GObject* bus, GAsyncResult* result, gpointer data) {
+  const std::unique_ptr<BusReply> reply(static_cast<BusReply*>(data));
+  GError* error = nullptr;
+  const Owned<GVariant> arguments(g_dbus_connection_call_finish(G_DBUS_CONNECTION(bus), result, &error));
+  const Owned<GError> owned(error);
+  // Whoever asked may be gone.
+  if (g_error_matches(error, G_IO_ERROR, G_IO_ERROR_CANCELLED)) return;
+  (*reply)(arguments.get());
+}
+
+}  // namespace
+
+void callAsync(GDBusConnection* bus, GCancellable* cancellable, const BusMethod& method, GVariant* arguments,
+               BusReply reply) {
+  g_dbus_connection_call(bus, method.destination.c_str(), method.path, method.interface, method.name,
+                         arguments, nullptr, G_DBUS_CALL_FLAGS_NO_AUTO_START, patienceInMilliseconds,
+                         cancellable, finish, new BusReply(std::move(reply)));
+}
+
+std::string sessionBusAddress() {
+  if (const char* address = g_getenv("DBUS_SESSION_BUS_ADDRESS"); address && *address) return address;
+  const char* runtime = g_getenv("XDG_RUNTIME_DIR");
+  return runtime && *runtime ? "unix:path=" + std::string(runtime) + "/bus" : "";
+}
+
+}  // namespace tarnwick
