@@ -23,8 +23,9 @@ QPainterPath presentedSurface(const ui::Scene& scene) {
 AppDelegate::AppDelegate(X11Connection& connection) : connection_(connection) {}
 
 void AppDelegate::applicationDidFinishLaunching() {
-  const Desktop desktop{scheduler_, notifications_, defaults_, folders_,      screens_,   pointer_,
-                        windows_,   sounds_,        haptics_,  audioDevices_, mediaKeys_, brightness_};
+  const Desktop desktop{scheduler_, notifications_, defaults_,    folders_, screens_,
+                        pointer_,   windows_,       sounds_,      haptics_, audioDevices_,
+                        mediaKeys_, brightness_,    powerSources_};
   controller_ =
       std::make_unique<NotchController>(desktop, [this](NotchModel& model) { return makePanel(model); });
 }
@@ -36,7 +37,10 @@ std::unique_ptr<NotchPanel> AppDelegate::makePanel(NotchModel& model) {
                                                [content] { return presentedSurface(content->scene()); });
   content->onFrame = [panel = panel.get()] { panel->surfaceChanged(); };
   // What takes long to load must not keep the notch waiting.
-  content->onFirstFrame = [this] { audioDevices_.connect(); };
+  content->onFirstFrame = [this] {
+    audioDevices_.connect();
+    systemBus_.open();
+  };
   panel->onPointerCrossing = [this] { pointer_.noteActivity(); };
   return panel;
 }

@@ -10,6 +10,8 @@
 #include "platform/linux/NoHaptics.h"
 #include "platform/linux/PulseAudioDevices.h"
 #include "platform/linux/QtScheduler.h"
+#include "platform/linux/SystemBus.h"
+#include "platform/linux/UPowerSources.h"
 #include "platform/linux/X11Connection.h"
 #include "platform/linux/X11MediaKeys.h"
 #include "platform/linux/X11Pointer.h"
@@ -46,6 +48,8 @@ class AppDelegate {
   PulseAudioDevices audioDevices_{scheduler_, moduleFolder() + '/' + pulseModuleName};
   X11MediaKeys mediaKeys_{connection_, scheduler_};
   BacklightBrightness brightness_{scheduler_};
+  SystemBus systemBus_{scheduler_};
+  UPowerSources powerSources_{systemBus_};
   std::unique_ptr<NotchController> controller_;
 };
 

@@ -32,6 +32,7 @@ NotchModel::NotchModel(const Desktop& desktop)
     : settings(desktop.defaults),
       claude(desktop.scheduler, desktop.sounds),
       audio(desktop.audioDevices),
+      power(desktop.powerSources, desktop.sounds),
       tray(desktop.defaults),
       notes(desktop.scheduler, desktop.folders),
       scheduler_(desktop.scheduler) {

@@ -8,6 +8,7 @@
 #include "platform/MediaKeys.h"
 #include "platform/NotificationCenter.h"
 #include "platform/Pointer.h"
+#include "platform/PowerSources.h"
 #include "platform/Screens.h"
 #include "platform/SoundPlayer.h"
 #include "platform/WindowList.h"
@@ -29,6 +30,7 @@ struct Desktop {
   AudioDevices& audioDevices;
   MediaKeys& mediaKeys;
   DisplayBrightness& brightness;
+  PowerSources& powerSources;
 };
 
 }  // namespace tarnwick

@@ -92,7 +92,8 @@ std::optional<bool> MemoryAudioDevices::isMuted(uint32_t id, AudioScope scope) c
   return found == levels.end() ? std::nullopt : std::optional(found->second.muted);
 }
 
-Subscription MemoryAudioDevices::observeLevels(uint32_t id, AudioScope scope, std::function<void()> onChange) {
+Subscription MemoryAudioDevices::observeLevels(uint32_t id, AudioScope scope,
+                                               std::function<void()> onChange) {
   ++attachments;
   return levelChanges_[{id, scope}].observe(std::move(onChange));
 }
@@ -123,6 +124,16 @@ bool MemoryMediaKeys::send(int code, bool down, unsigned flags) {
     return tap->handler(code, down, flags);
   }
   return false;
+}
+
+void MemoryPowerSources::set(std::optional<std::vector<PowerSource>> sources) {
+  sources_ = std::move(sources);
+  changes_.notifyObservers();
+}
+
+void MemoryPowerSources::setLowPowerMode(bool on) {
+  lowPowerMode_ = on;
+  modeChanges_.notifyObservers();
 }
 
 }  // namespace tarnwick

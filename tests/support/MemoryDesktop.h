@@ -121,7 +121,9 @@ class MemoryAudioDevices : public AudioDevices {
   uint32_t defaultDevice(AudioScope scope) const override { return defaults_.at(scope); }
   void setDefaultDevice(AudioScope scope, uint32_t id) override { defaultWrites.emplace_back(scope, id); }
   std::optional<double> volume(uint32_t id, AudioScope scope) const override;
-  void setVolume(uint32_t id, AudioScope scope, double volume) override { levels[{id, scope}].volume = volume; }
+  void setVolume(uint32_t id, AudioScope scope, double volume) override {
+    levels[{id, scope}].volume = volume;
+  }
   std::optional<bool> isMuted(uint32_t id, AudioScope scope) const override;
   void setMuted(uint32_t id, AudioScope scope, bool muted) override { levels[{id, scope}].muted = muted; }
   Subscription observe(std::function<void()> onChange) override { return changes_.observe(onChange); }
@@ -174,6 +176,28 @@ class MemoryDisplayBrightness : public DisplayBrightness {
   std::optional<double> value = 0.5;
 };
 
+/// A battery and a charger that a test sets.
+class MemoryPowerSources : public PowerSources {
+ public:
+  std::optional<std::vector<PowerSource>> all() const override { return sources_; }
+  bool isLowPowerModeEnabled() const override { return lowPowerMode_; }
+  Subscription observe(std::function<void()> onChange) override {
+    return changes_.observe(std::move(onChange));
+  }
+  Subscription observeLowPowerMode(std::function<void()> onChange) override {
+    return modeChanges_.observe(std::move(onChange));
+  }
+
+  void set(std::optional<std::vector<PowerSource>> sources);
+  void setLowPowerMode(bool on);
+
+ private:
+  std::optional<std::vector<PowerSource>> sources_;
+  bool lowPowerMode_ = false;
+  ObservableObject changes_;
+  ObservableObject modeChanges_;
+};
+
 /// A whole desktop in memory, with a clock that stands still until a test moves it.
 struct MemoryDesktop {
   VirtualScheduler scheduler;
@@ -188,9 +212,10 @@ struct MemoryDesktop {
   MemoryAudioDevices audioDevices;
   MemoryMediaKeys mediaKeys;
   MemoryDisplayBrightness brightness;
+  MemoryPowerSources powerSources;
 
-  Desktop ports{scheduler, notifications, defaults, folders,      screens,   pointer,
-                windows,   sounds,        haptics,  audioDevices, mediaKeys, brightness};
+  Desktop ports{scheduler, notifications, defaults,     folders,   screens,    pointer,     windows,
+                sounds,    haptics,       audioDevices, mediaKeys, brightness, powerSources};
 };
 
 }  // namespace tarnwick
