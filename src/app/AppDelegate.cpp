@@ -32,7 +32,7 @@ void AppDelegate::applicationDidFinishLaunching() {
 
 std::unique_ptr<NotchPanel> AppDelegate::makePanel(NotchModel& model) {
   // The settings window does not exist yet.
-  auto* content = new ui::SceneWidget(scheduler_, contentSize, notchRootView(model, [] {}));
+  auto* content = new ui::SceneWidget(scheduler_, contentSize, notchRootView(model, [] {}, !connection_.isXWayland()));
   auto panel = std::make_unique<X11NotchPanel>(connection_, screens_, scheduler_, *content,
                                                [content] { return presentedSurface(content->scene()); });
   content->onFrame = [panel = panel.get()] { panel->surfaceChanged(); };

@@ -52,12 +52,13 @@ View body(NotchModel& model) {
       .transition(notchContent(0.07, UnitPoint::top));
 }
 
-View surface(NotchModel& model, Namespace names, const std::function<void()>& openSettings) {
+View surface(NotchModel& model, Namespace names, const std::function<void()>& openSettings,
+             bool roomForShadow) {
   const Presentation presentation = model.presentation();
   const Size size = model.size();
   const Shape shape = NotchShape(notchFlare, notchBottomRadius(presentation, model.isHovering));
   const bool expanded = presentation == Presentation::expanded;
-  const bool casts = expanded || presentation == Presentation::banner;
+  const bool casts = roomForShadow && (expanded || presentation == Presentation::banner);
   const bool hidden = presentation == Presentation::idle && !model.hasNotch && !model.isHovering;
   return ZStack(UnitPoint::top, {topStrip(model, names, openSettings), banner(model), body(model)})
       .padding(Edge::horizontal, notchFlare)
@@ -77,10 +78,10 @@ View surface(NotchModel& model, Namespace names, const std::function<void()>& op
 
 }  // namespace
 
-View notchRootView(NotchModel& model, std::function<void()> openSettings) {
+View notchRootView(NotchModel& model, std::function<void()> openSettings, bool roomForShadow) {
   const Namespace names = Namespace::make();
-  return observing({&model, &model.settings, &model.claude, &model.media}, [&model, names, openSettings] {
-    return VStack({}, {surface(model, names, openSettings)})
+  return observing({&model, &model.settings, &model.claude, &model.media}, [=, &model] {
+    return VStack({}, {surface(model, names, openSettings, roomForShadow)})
         .frame({.maxWidth = infinity, .maxHeight = infinity, .align = UnitPoint::top});
   });
 }
