@@ -45,7 +45,7 @@ class AppDelegate {
   X11WindowList windows_{connection_, screens_};
   CanberraSoundPlayer sounds_{scheduler_};
   NoHaptics haptics_;
-  PulseAudioDevices audioDevices_{scheduler_, moduleFolder() + '/' + pulseModuleName};
+  PulseAudioDevices audioDevices_{scheduler_, [] { return loadPulseModule(moduleFolder()); }};
   X11MediaKeys mediaKeys_{connection_, scheduler_};
   BacklightBrightness brightness_{scheduler_};
   SystemBus systemBus_{scheduler_};

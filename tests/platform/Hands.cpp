@@ -40,4 +40,24 @@ void Hands::click(int x, int y, unsigned button) {
   release(button);
 }
 
+void Hands::mapKey(unsigned keycode, unsigned long keysym) {
+  XChangeKeyboardMapping(opened(display_), static_cast<int>(keycode), 1, &keysym, 1);
+  XSync(opened(display_), False);
+}
+
+void Hands::pressKey(unsigned keycode) {
+  XTestFakeKeyEvent(opened(display_), keycode, True, CurrentTime);
+  XSync(opened(display_), False);
+}
+
+void Hands::releaseKey(unsigned keycode) {
+  XTestFakeKeyEvent(opened(display_), keycode, False, CurrentTime);
+  XSync(opened(display_), False);
+}
+
+void Hands::typeKey(unsigned keycode) {
+  pressKey(keycode);
+  releaseKey(keycode);
+}
+
 }  // namespace tarnwick

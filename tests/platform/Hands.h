@@ -2,7 +2,7 @@
 
 namespace tarnwick {
 
-/// The user's hands on the pointing device. Positions are in pixels of the X server.
+/// The user's hands on the pointing device and the keyboard. Positions are in pixels of the X server.
 class Hands {
  public:
   Hands();
@@ -14,6 +14,13 @@ class Hands {
   void press(unsigned button = 1);
   void release(unsigned button = 1);
   void click(int x, int y, unsigned button = 1);
+
+  /// Lets a key mean that keysym and nothing else.
+  void mapKey(unsigned keycode, unsigned long keysym);
+  void pressKey(unsigned keycode);
+  void releaseKey(unsigned keycode);
+  /// Presses and releases.
+  void typeKey(unsigned keycode);
 
  private:
   /// The test extension has no other client library here than the old one, whose names clash with the

@@ -23,26 +23,30 @@ bool sameDevices(const PulseSnapshot& a, const PulseSnapshot& b) {
 
 }  // namespace
 
-PulseAudioDevices::PulseAudioDevices(Scheduler& scheduler, std::string module)
-    : scheduler_(scheduler), module_(std::move(module)) {}
+PulseClientMaker loadPulseModule(const std::string& folder) {
+  auto* make =
+      reinterpret_cast<MakePulseClient*>(moduleFunction(folder + "/PulseAudio.so", makePulseClientName));
+  if (!make) return nullptr;
+  return [make] { return std::unique_ptr<PulseClient>(make()); };
+}
+
+PulseAudioDevices::PulseAudioDevices(Scheduler& scheduler, std::function<PulseClientMaker()> load)
+    : scheduler_(scheduler), load_(std::move(load)) {}
 
 void PulseAudioDevices::connect() {
-  const auto make = std::make_shared<MakePulseClient*>();
-  loading_ = scheduler_.background(
-      [make, module = module_] {
-        *make = reinterpret_cast<MakePulseClient*>(moduleFunction(module, makePulseClientName));
-      },
-      [this, make] {
-        makeClient_ = *make;
-        if (makeClient_) openClient();
-      });
+  const auto loaded = std::make_shared<PulseClientMaker>();
+  loading_ = scheduler_.background([loaded, load = load_] { *loaded = load(); },
+                                   [this, loaded] {
+                                     makeClient_ = *loaded;
+                                     if (makeClient_) openClient();
+                                   });
 }
 
 void PulseAudioDevices::openClient() {
   retry_.cancel();
   fetching_ = stale_ = false;
   pendingWrites_ = 0;
-  client_.reset(makeClient_());
+  client_ = makeClient_();
   client_->onChange = [this] { refresh(); };
   client_->onSnapshot = [this](const PulseSnapshot& snapshot) { received(snapshot); };
   client_->onWritten = [this] { written(); };

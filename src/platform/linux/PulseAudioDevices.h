@@ -9,12 +9,15 @@
 
 namespace tarnwick {
 
+/// Loads the module "PulseAudio.so" of that folder; makes nothing when it is missing.
+PulseClientMaker loadPulseModule(const std::string& folder);
+
 /// The devices of PulseAudio, or of PipeWire in its place. A daemon that is not there (yet, or for a while)
 /// has no devices; it is looked for every few seconds. One device is one sink or one source.
 class PulseAudioDevices : public AudioDevices {
  public:
-  /// @param module path of the module with the client
-  PulseAudioDevices(Scheduler& scheduler, std::string module);
+  /// @param load answers what makes the clients, or nothing when that is missing; called off the main thread
+  PulseAudioDevices(Scheduler& scheduler, std::function<PulseClientMaker()> load);
 
   /// Begins to look for the daemon; until then there are no devices.
   void connect();
@@ -45,8 +48,8 @@ class PulseAudioDevices : public AudioDevices {
   PulseDevice* find(uint32_t id, AudioScope scope);
 
   Scheduler& scheduler_;
-  const std::string module_;
-  MakePulseClient* makeClient_ = nullptr;
+  const std::function<PulseClientMaker()> load_;
+  PulseClientMaker makeClient_;
   std::unique_ptr<PulseClient> client_;
 
   PulseSnapshot state_;

@@ -1,6 +1,7 @@
 #pragma once
 #include <cstdint>
 #include <functional>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -55,9 +56,11 @@ class PulseClient {
   virtual void setDefault(AudioScope scope, const std::string& key) = 0;
 };
 
-/// The module's function that makes a client; the caller owns it.
+/// Makes a client.
+using PulseClientMaker = std::function<std::unique_ptr<PulseClient>()>;
+
+/// What the module's one function returns; the caller owns it.
 using MakePulseClient = PulseClient*();
 inline constexpr const char* makePulseClientName = "tarnwickMakePulseClient";
-inline constexpr const char* pulseModuleName = "PulseAudio.so";
 
 }  // namespace tarnwick

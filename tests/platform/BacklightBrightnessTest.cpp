@@ -1,0 +1,156 @@
+#include "platform/linux/BacklightBrightness.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <QDBusConnectionInterface>
+#include <QDBusInterface>
+#include <filesystem>
+#include <fstream>
+
+#include "platform/TestDesktop.h"
+#include "support/TemporaryFolder.h"
+
+using namespace tarnwick;
+
+namespace {
+
+constexpr auto login = "org.freedesktop.login1";
+constexpr auto session = "/org/freedesktop/login1/session/auto";
+
+/// The kernel's class of panels, and the login daemon that writes into it.
+class BacklightTest : public testing::Test {
+ protected:
+  void panel(const std::string& name, const std::string& type, long maximum, long value,
+             const std::string& connector = "", bool enabled = true) {
+    const std::string folder = sysfs.path() + "/backlight/" + name;
+    std::filesystem::create_directories(folder);
+    write(folder + "/type", type);
+    write(folder + "/max_brightness", std::to_string(maximum));
+    write(folder + "/brightness", std::to_string(value));
+    if (connector.empty()) return;
+    const std::string device = sysfs.path() + "/" + connector;
+    std::filesystem::create_directories(device);
+    write(device + "/enabled", enabled ? "enabled" : "disabled");
+    std::filesystem::create_directory_symlink(device, folder + "/device");
+  }
+  static void write(const std::string& file, const std::string& text) { std::ofstream(file) << text << '\n'; }
+  long raw(const std::string& name) {
+    long value = -1;
+    std::ifstream(sysfs.path() + "/backlight/" + name + "/brightness") >> value;
+    return value;
+  }
+  void unplug(const std::string& name) { std::filesystem::remove_all(sysfs.path() + "/backlight/" + name); }
+
+  QDBusConnection bus = QDBusConnection::connectToBus(QDBusConnection::SessionBus, "login-test");
+  ~BacklightTest() override { QDBusConnection::disconnectFromBus("login-test"); }
+
+  /// A login daemon that does what it is asked to.
+  void startLoginDaemon() {
+    daemon = std::make_unique<Child>(
+        "/usr/bin/python3", QStringList{"-m", "dbusmock", login, session, "org.freedesktop.login1.Session"});
+    ASSERT_TRUE(waitUntil([this] { return bus.interface()->isServiceRegistered(login).value(); }));
+    const QString code = "f = open('" + QString::fromStdString(sysfs.path()) +
+                         "/%s/%s/brightness' % (args[0], args[1]), 'w'); f.write('%d' % args[2]); f.close()";
+    QDBusInterface mock(login, session, "org.freedesktop.DBus.Mock", bus);
+    const QDBusMessage reply =
+        mock.call("AddMethod", "org.freedesktop.login1.Session", "SetBrightness", "ssu", "", code);
+    ASSERT_EQ(reply.type(), QDBusMessage::ReplyMessage) << reply.errorMessage().toStdString();
+  }
+  int calls() {
+    QDBusInterface mock(login, session, "org.freedesktop.DBus.Mock", bus);
+    const QDBusMessage reply = mock.call("GetMethodCalls", "SetBrightness");
+    const auto list = reply.arguments().value(0).value<QDBusArgument>();
+    int count = 0;
+    for (list.beginArray(); !list.atEnd(); ++count) {
+      quint64 time;
+      QVariantList arguments;
+      list.beginStructure();
+      list >> time >> arguments;
+      list.endStructure();
+    }
+    return count;
+  }
+
+  TemporaryFolder sysfs;
+  std::unique_ptr<Child> daemon;
+  BacklightBrightness brightness{TestDesktop::shared().scheduler, sysfs.path() + "/backlight",
+                                 [this] { return bus; }};
+};
+
+}  // namespace
+
+TEST_F(BacklightTest, FindsTheBuiltInPanel) {
+  EXPECT_EQ(brightness.current(), std::nullopt);
+  brightness.set(0.5);  // nothing to set
+  // Each is preferred to all before it.
+  panel("ddcci6", "raw", 100, 10);
+  EXPECT_EQ(brightness.current(), 0.1);
+  const struct {
+    const char* name;
+    const char* type;
+    const char* connector;
+    bool enabled;
+  } better[] = {{"nvidia_0", "raw", "card1-LVDS-1", false},
+                {"amdgpu_bl0", "raw", "card0-eDP-1", true},
+                {"thinkpad_screen", "platform", "", true},
+                {"acpi_video0", "firmware", "", true}};
+  long value = 20;
+  for (const auto& c : better) {
+    panel(c.name, c.type, 100, value, c.connector, c.enabled);
+    panel("zz_monitor", "raw", 100, 99, "card0-DP-2");
+    BacklightBrightness fresh(TestDesktop::shared().scheduler, sysfs.path() + "/backlight",
+                              [this] { return bus; });
+    EXPECT_EQ(fresh.current(), static_cast<double>(value) / 100) << c.name;
+    unplug("zz_monitor");
+    value += 10;
+  }
+  panel("broken", "firmware", 0, 0);
+  unplug("ddcci6");
+  EXPECT_EQ(brightness.current(), 0.5) << "the panel that it knew has gone";
+}
+
+TEST_F(BacklightTest, SetsThePanelThroughTheLoginDaemon) {
+  const struct {
+    long maximum, before;
+    double to;
+    long after;
+  } cases[] = {{1000, 500, 0.5625, 563},
+               {1000, 500, 0, 0},
+               {1000, 1000, 2, 1000},
+               {10, 5, 5.0 / 10 + 1.0 / 64, 6},
+               {10, 5, 5.0 / 10 - 1.0 / 64, 4},
+               {7, 7, 1 - 1.0 / 64, 6},
+               {1, 0, 1.0 / 64, 1}};
+  startLoginDaemon();
+  for (const auto& c : cases) {
+    unplug("panel");
+    panel("panel", "firmware", c.maximum, c.before);
+    BacklightBrightness own(TestDesktop::shared().scheduler, sysfs.path() + "/backlight",
+                            [this] { return bus; });
+    own.set(c.to);
+    EXPECT_EQ(own.current(), static_cast<double>(c.after) / static_cast<double>(c.maximum)) << "at once";
+    EXPECT_TRUE(waitUntil([&] { return raw("panel") == c.after; })) << c.maximum << ' ' << c.to;
+  }
+}
+
+TEST_F(BacklightTest, SendsTheLastOfManyWishes) {
+  panel("panel", "firmware", 1000, 0);
+  startLoginDaemon();
+  for (int i = 1; i <= 100; ++i) {
+    const double before = *brightness.current();
+    brightness.set(before + 0.01);
+  }
+  EXPECT_NEAR(*brightness.current(), 1, 1e-9) << "no step is lost";
+  EXPECT_TRUE(waitUntil([this] { return raw("panel") == 1000; }));
+  EXPECT_LE(calls(), 2);
+  // From here on the panel's own value counts again.
+  write(sysfs.path() + "/backlight/panel/brightness", "400");
+  EXPECT_TRUE(waitUntil([this] { return brightness.current() == 0.4; }));
+}
+
+TEST_F(BacklightTest, GivesUpWithoutALoginDaemon) {
+  panel("panel", "firmware", 10, 5);
+  brightness.set(1);
+  EXPECT_TRUE(waitUntil([this] { return brightness.current() == 0.5; })) << "it is as bright as it was";
+}
