@@ -23,22 +23,25 @@ QPainterPath presentedSurface(const ui::Scene& scene) {
 AppDelegate::AppDelegate(X11Connection& connection) : connection_(connection) {}
 
 void AppDelegate::applicationDidFinishLaunching() {
-  const Desktop desktop{scheduler_, notifications_, defaults_,    folders_, screens_,
-                        pointer_,   windows_,       sounds_,      haptics_, audioDevices_,
-                        mediaKeys_, brightness_,    powerSources_};
+  const Desktop desktop{scheduler_, notifications_, defaults_,  folders_,    screens_,      pointer_,
+                        windows_,   sounds_,        haptics_,   processes_,  applications_, images_,
+                        log_,       audioDevices_,  mediaKeys_, brightness_, powerSources_};
   controller_ =
       std::make_unique<NotchController>(desktop, [this](NotchModel& model) { return makePanel(model); });
 }
 
 std::unique_ptr<NotchPanel> AppDelegate::makePanel(NotchModel& model) {
   // The settings window does not exist yet.
-  auto* content = new ui::SceneWidget(scheduler_, contentSize, notchRootView(model, [] {}, !connection_.isXWayland()));
+  auto* content = new ui::SceneWidget(scheduler_, contentSize,
+                                      notchRootView(
+                                          model, [] {}, !connection_.isXWayland()));
   auto panel = std::make_unique<X11NotchPanel>(connection_, screens_, scheduler_, *content,
                                                [content] { return presentedSurface(content->scene()); });
   content->onFrame = [panel = panel.get()] { panel->surfaceChanged(); };
   // What takes long to load must not keep the notch waiting.
   content->onFirstFrame = [this] {
     audioDevices_.connect();
+    processes_.allowStarting();
     systemBus_.open();
   };
   panel->onPointerCrossing = [this] { pointer_.noteActivity(); };

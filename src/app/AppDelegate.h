@@ -5,13 +5,17 @@
 #include "platform/linux/BacklightBrightness.h"
 #include "platform/linux/CanberraSoundPlayer.h"
 #include "platform/linux/DBusNotificationCenter.h"
+#include "platform/linux/DesktopApplications.h"
 #include "platform/linux/JsonUserDefaults.h"
 #include "platform/linux/Module.h"
 #include "platform/linux/NoHaptics.h"
 #include "platform/linux/PulseAudioDevices.h"
+#include "platform/linux/QtChildProcesses.h"
+#include "platform/linux/QtImageDecoder.h"
 #include "platform/linux/QtScheduler.h"
 #include "platform/linux/SystemBus.h"
 #include "platform/linux/UPowerSources.h"
+#include "platform/linux/StandardErrorLog.h"
 #include "platform/linux/X11Connection.h"
 #include "platform/linux/X11MediaKeys.h"
 #include "platform/linux/X11Pointer.h"
@@ -45,6 +49,10 @@ class AppDelegate {
   X11WindowList windows_{connection_, screens_};
   CanberraSoundPlayer sounds_{scheduler_};
   NoHaptics haptics_;
+  QtChildProcesses processes_;
+  QtImageDecoder images_;
+  DesktopApplications applications_{connection_, images_};
+  StandardErrorLog log_;
   PulseAudioDevices audioDevices_{scheduler_, [] { return loadPulseModule(moduleFolder()); }};
   X11MediaKeys mediaKeys_{connection_, scheduler_};
   BacklightBrightness brightness_{scheduler_};

@@ -31,6 +31,8 @@ bool updatesInPlace(const std::optional<Transient>& shown, const Transient& next
 NotchModel::NotchModel(const Desktop& desktop)
     : settings(desktop.defaults),
       claude(desktop.scheduler, desktop.sounds),
+      media({desktop.scheduler, desktop.folders, desktop.processes, desktop.applications, desktop.images,
+             desktop.log}),
       audio(desktop.audioDevices),
       power(desktop.powerSources, desktop.sounds),
       tray(desktop.defaults),

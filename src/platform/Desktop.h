@@ -1,16 +1,20 @@
 #pragma once
 #include "base/Scheduler.h"
 #include "base/UserDefaults.h"
+#include "platform/Applications.h"
 #include "platform/AudioDevices.h"
+#include "platform/ChildProcesses.h"
 #include "platform/DisplayBrightness.h"
 #include "platform/Folders.h"
 #include "platform/HapticPerformer.h"
+#include "platform/ImageDecoder.h"
 #include "platform/MediaKeys.h"
 #include "platform/NotificationCenter.h"
 #include "platform/Pointer.h"
 #include "platform/PowerSources.h"
 #include "platform/Screens.h"
 #include "platform/SoundPlayer.h"
+#include "platform/SystemLog.h"
 #include "platform/WindowList.h"
 
 namespace tarnwick {
@@ -27,6 +31,10 @@ struct Desktop {
   WindowList& windows;
   SoundPlayer& sounds;
   HapticPerformer& haptics;
+  ChildProcesses& processes;
+  Applications& applications;
+  ImageDecoder& images;
+  SystemLog& log;
   AudioDevices& audioDevices;
   MediaKeys& mediaKeys;
   DisplayBrightness& brightness;

@@ -13,6 +13,8 @@ class Folders {
   virtual std::string configuration() const = 0;
   /// What can be made again.
   virtual std::string caches() const = 0;
+  /// The modules that are installed with the program.
+  virtual std::string modules() const = 0;
 };
 
 }  // namespace tarnwick

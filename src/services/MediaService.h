@@ -1,44 +1,90 @@
 #pragma once
-#include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 
 #include "base/Color.h"
 #include "base/Image.h"
 #include "base/Observed.h"
+#include "base/Scheduler.h"
+#include "platform/Applications.h"
+#include "platform/ChildProcesses.h"
+#include "platform/Folders.h"
+#include "platform/ImageDecoder.h"
+#include "platform/SystemLog.h"
+#include "services/MediaReader.h"
 
 namespace tarnwick {
 
-/// What is playing, and commands to the player. The media bridge that feeds it does not exist yet: until it
-/// does nothing plays, and commands go nowhere.
+/// What is playing, and commands to the player. Both go through the media bridge: a program of its own that
+/// writes one state a line, and is started again whenever it ends.
 class MediaService : public ObservableObject {
  public:
+  /// What the service needs of the desktop. All of it outlives the service.
+  struct Ports {
+    Scheduler& scheduler;
+    const Folders& folders;
+    ChildProcesses& processes;
+    Applications& applications;
+    const ImageDecoder& images;
+    SystemLog& log;
+  };
+  explicit MediaService(const Ports& ports);
+
   /// Empty: nothing is playing.
   Observed<std::string> title{*this};
   Observed<std::string> artist{*this};
+  Observed<std::string> album{*this};
+  /// Length of the track in seconds; 0 or less: unknown.
+  Observed<double> duration{*this};
+  /// Position in seconds at the instant `timestamp`.
+  Observed<double> elapsed{*this};
+  Observed<Date> timestamp;
   /// What the player reports; see `isPlaying`.
   Observed<bool> playing{*this};
   /// The cover.
   Observed<std::optional<Image>> artwork{*this};
   /// A tint that goes with the cover; white without one.
   Observed<Color> accent{*this, white()};
-  /// The icon of the program that plays.
+  /// The program that plays, and its icon.
+  Observed<std::optional<FilePath>> appBundleURL{*this};
   Observed<std::optional<Image>> appIcon{*this};
+  /// The demonstration's tracks stay on screen: what the bridge says is not shown.
+  bool frozen = false;
 
   /// A track is there and runs.
   bool isPlaying() const { return playing && !title->empty(); }
+  /// The position in seconds, within the track.
+  double currentElapsed(Date at) const;
 
-  void start() {}
+  /// Starts the bridge, unless it runs or is not installed.
+  void start();
+  void seek(double seconds);
+  void togglePlayPause();
   void nextTrack() { send("cmd 4"); }
   void previousTrack() { send("cmd 5"); }
+  /// Brings the program that plays forward.
+  void openSourceApp();
 
-  /// Takes one command line for the bridge; none while there is no bridge.
-  std::function<void(const std::string&)> onCommand;
+  /// A track of the demonstration; any number will do.
+  void showcaseTrack(int index);
+  void showcasePlaying(bool plays);
+  /// A track for snapshots.
+  void debugFill();
 
  private:
-  void send(const std::string& command) {
-    if (onCommand) onCommand(command);
-  }
+  void readOutput();
+  void apply(const MediaUpdate& update);
+  void bridgeEnded();
+  void send(const std::string& command);
+
+  const Ports ports_;
+  std::unique_ptr<ChildProcess> process_;
+  /// Works in the background, on one piece of output at a time.
+  std::shared_ptr<MediaReader> reader_;
+  Task reading_;
+  Task pace_;
+  Task restart_;
 };
 
 }  // namespace tarnwick

@@ -30,7 +30,6 @@ class NotchControllerTest : public testing::Test {
       panel = made.get();
       return made;
     });
-    controller->model().media.onCommand = [this](const std::string& command) { commands.push_back(command); };
   }
   NotchModel& model() { return controller->model(); }
   void pass(double seconds) { desktop.scheduler.advance(seconds); }
@@ -38,7 +37,6 @@ class NotchControllerTest : public testing::Test {
   MemoryDesktop desktop;
   std::unique_ptr<NotchController> controller;
   MemoryPanel* panel = nullptr;
-  std::vector<std::string> commands;
 };
 
 TEST_F(NotchControllerTest, StartsWithTheWindowOnTheScreen) {
@@ -233,7 +231,7 @@ TEST_F(NotchControllerTest, SwipesOpenCloseAndSkip) {
     Before before;
     std::vector<ScrollEvent> gesture;
     bool expanded;
-    std::vector<std::string> commands;
+    std::string commands;
     int taps;
   } cases[] = {
       {"down", compact, {begin(0, 15)}, true, {}, 1},
@@ -266,22 +264,23 @@ TEST_F(NotchControllerTest, SwipesOpenCloseAndSkip) {
       {"up, not far enough", home, {begin(0, -14)}, true, {}, 0},
       {"up and back down", compact, {begin(0, -15), step(0, 60)}, false, {}, 0},
       {"open and close in one", compact, {begin(0, 15), step(0, -60)}, true, {}, 1},
-      {"left", compact, {begin(-40, 0)}, false, {"cmd 4"}, 1},
-      {"right", compact, {begin(40, 0)}, false, {"cmd 5"}, 1},
+      {"left", compact, {begin(-40, 0)}, false, "cmd 4\n", 1},
+      {"right", compact, {begin(40, 0)}, false, "cmd 5\n", 1},
       {"right, not far enough", compact, {begin(36, 0)}, false, {}, 0},
-      {"right on and on", home, {begin(40, 0), step(40, 0), step(-200, 0)}, true, {"cmd 5"}, 1},
-      {"right twice", compact, {begin(40, 0), begin(40, 0)}, false, {"cmd 5", "cmd 5"}, 2},
-      {"askew, rather right", compact, {begin(40, 47)}, false, {"cmd 5"}, 1},
+      {"right on and on", home, {begin(40, 0), step(40, 0), step(-200, 0)}, true, "cmd 5\n", 1},
+      {"right twice", compact, {begin(40, 0), begin(40, 0)}, false, "cmd 5\ncmd 5\n", 2},
+      {"askew, rather right", compact, {begin(40, 47)}, false, "cmd 5\n", 1},
       {"askew, rather down", compact, {begin(40, 49)}, true, {}, 1},
       {"a mouse wheel", compact, {wheel}, false, {}, 0},
       {"inertia", compact, {begin(0, 10), inertia}, false, {}, 0},
       {"inertia resets nothing", compact, {begin(0, 10), inertia, step(0, 5)}, true, {}, 1},
       {"another tab scrolls itself", notes, {begin(0, -100)}, true, {}, 0},
   };
+  desktop.folders.root.write("modules/MediaBridge.so", "");
   for (const bool playing : {true, false}) {
     for (const auto& c : cases) {
       desktop.haptics.taps = 0;
-      commands.clear();
+      desktop.processes.input.clear();
       start();
       model().media.title = playing ? "Song" : "";
       if (c.before != compact) model().expand(c.before == home ? Tab::home : Tab::notes);
@@ -289,10 +288,10 @@ TEST_F(NotchControllerTest, SwipesOpenCloseAndSkip) {
         EXPECT_EQ(panel->onScroll(event), c.before != notes) << c.what;
       EXPECT_EQ(model().isExpanded, c.expanded) << c.what;
       if (playing || c.commands.empty()) {
-        EXPECT_EQ(commands, c.commands) << c.what;
+        EXPECT_EQ(desktop.processes.input, c.commands) << c.what;
         EXPECT_EQ(desktop.haptics.taps, c.taps) << c.what;
       } else {
-        EXPECT_THAT(commands, IsEmpty()) << c.what;
+        EXPECT_THAT(desktop.processes.input, IsEmpty()) << c.what;
         EXPECT_EQ(desktop.haptics.taps, 0) << c.what;
       }
     }

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "platform/Desktop.h"
+#include "support/MemoryProcesses.h"
 #include "support/TemporaryFolder.h"
 #include "support/VirtualScheduler.h"
 
@@ -41,6 +42,7 @@ class MemoryFolders : public Folders {
   std::string data() const override { return root.path() + "/data"; }
   std::string configuration() const override { return root.path() + "/configuration"; }
   std::string caches() const override { return root.path() + "/caches"; }
+  std::string modules() const override { return root.path() + "/modules"; }
 
   TemporaryFolder root;
 };
@@ -209,13 +211,18 @@ struct MemoryDesktop {
   MemoryWindowList windows;
   MemorySoundPlayer sounds;
   MemoryHapticPerformer haptics;
+  MemoryChildProcesses processes;
+  MemoryApplications applications;
+  MemoryImageDecoder images;
+  MemorySystemLog log;
   MemoryAudioDevices audioDevices;
   MemoryMediaKeys mediaKeys;
   MemoryDisplayBrightness brightness;
   MemoryPowerSources powerSources;
 
-  Desktop ports{scheduler, notifications, defaults,     folders,   screens,    pointer,     windows,
-                sounds,    haptics,       audioDevices, mediaKeys, brightness, powerSources};
+  Desktop ports{scheduler, notifications, defaults,  folders,    screens,      pointer,
+                windows,   sounds,        haptics,   processes,  applications, images,
+                log,       audioDevices,  mediaKeys, brightness, powerSources};
 };
 
 }  // namespace tarnwick

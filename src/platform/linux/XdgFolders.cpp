@@ -5,6 +5,8 @@
 
 #include <cstdlib>
 
+#include "platform/linux/Module.h"
+
 namespace tarnwick {
 namespace {
 
@@ -31,5 +33,6 @@ std::string XdgFolders::home() const {
 std::string XdgFolders::data() const { return folder("XDG_DATA_HOME", home() + "/.local/share"); }
 std::string XdgFolders::configuration() const { return folder("XDG_CONFIG_HOME", home() + "/.config"); }
 std::string XdgFolders::caches() const { return folder("XDG_CACHE_HOME", home() + "/.cache"); }
+std::string XdgFolders::modules() const { return moduleFolder(); }
 
 }  // namespace tarnwick

@@ -11,6 +11,8 @@ class XdgFolders : public Folders {
   std::string data() const override;
   std::string configuration() const override;
   std::string caches() const override;
+  /// Beside the running program.
+  std::string modules() const override;
 };
 
 }  // namespace tarnwick
