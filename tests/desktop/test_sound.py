@@ -1,0 +1,119 @@
+"""Sound and the keys for it: what other programs and the keyboard change shows in the wings."""
+
+import re
+import subprocess
+import unittest
+
+from Xlib import X
+
+from desktop import wait_until
+from desktop_test import HIDDEN, DesktopTest
+
+# The surface while it shows a level, in points.
+LEVEL = (410, 24)
+
+VOLUME_UP, VOLUME_DOWN, MUTE = 0x1008FF13, 0x1008FF11, 0x1008FF12
+
+
+class Sound(DesktopTest):
+    def start_daemon(self):
+        daemon = self.desktop.start(["pulseaudio", "-n", "--daemonize=no", "--exit-idle-time=-1",
+                                     "--use-pid-file=no", "-L", "module-null-sink sink_name=speakers", "-L",
+                                     "module-native-protocol-unix auth-anonymous=1"])
+        wait_until(lambda: "speakers" in self.control("get-default-sink"), "the audio daemon")
+        return daemon
+
+    def control(self, *arguments):
+        return subprocess.run(["pactl", *arguments], env=self.desktop.environment, capture_output=True, text=True,
+                              timeout=30).stdout
+
+    def volume(self):
+        """In the daemon's units, of which 65536 are full volume."""
+        return int(re.search(r": (\d+) /", self.control("get-sink-volume", "speakers")).group(1))
+
+    def set_volume(self, volume):
+        self.control("set-sink-volume", "speakers", str(volume))
+
+    def wait_for_connection(self):
+        """The overlay is a client of the daemon and knows what it plays: then a change is shown."""
+        wait_until(lambda: "Tarnwick" in self.control("list", "clients"), "the overlay at the audio daemon")
+
+        def answers():
+            self.set_volume(32768)
+            self.set_volume(32000)
+            return self.body_width() > 0
+        wait_until(answers, "the indicator")
+        self.desktop.wait_for_notch(*LEVEL)
+
+    def body_width(self):
+        return self.desktop.top().notch()[0]
+
+    def lit(self):
+        """How much of the level's bar is filled, in pixels. Its colours run from green to red."""
+        picture = self.desktop.top()
+        row = range(self.middle + 100, self.middle + 205)
+        return sum(max(picture.pixel(x, 12)) > 180 and min(picture.pixel(x, 12)) < 90 for x in row)
+
+    def keycode(self, keysym):
+        return self.desktop.x.keysym_to_keycode(keysym)
+
+    def press(self, keysym):
+        self.desktop.x.xtest_fake_input(X.KeyPress, self.keycode(keysym))
+        self.desktop.x.sync()
+
+    def release(self, keysym):
+        self.desktop.x.xtest_fake_input(X.KeyRelease, self.keycode(keysym))
+        self.desktop.x.sync()
+
+    def type(self, keysym):
+        self.press(keysym)
+        self.release(keysym)
+
+    def test_keys_change_the_volume_and_show_it(self):
+        self.start_daemon()
+        self.desktop.start_overlay()
+        self.wait_for_connection()
+        self.set_volume(32768)
+        wait_until(lambda: 35 <= self.lit() <= 39, "half a bar")
+        self.type(VOLUME_UP)
+        wait_until(lambda: self.volume() == 36864, "a sixteenth more")
+        self.type(MUTE)
+        wait_until(lambda: "yes" in self.control("get-sink-mute", "speakers"), "silence")
+        wait_until(lambda: self.lit() == 0, "an empty bar")
+        self.press(VOLUME_DOWN)
+        wait_until(lambda: self.volume() == 0, "the repeating key to reach the bottom")
+        self.release(VOLUME_DOWN)
+        self.desktop.wait_for_notch(*LEVEL)
+        self.desktop.wait_for_notch(*HIDDEN)
+
+    def test_a_daemon_that_comes_later_or_again_is_followed(self):
+        self.desktop.start_overlay()
+        self.desktop.wait_for_notch(*HIDDEN)
+        for _ in range(2):
+            daemon = self.start_daemon()
+            self.wait_for_connection()
+            self.set_volume(65536)
+            wait_until(lambda: self.lit() >= 72, "a full bar")
+            daemon.terminate()
+            daemon.wait(30)
+        self.desktop.wait_for_notch(*HIDDEN)
+        self.type(VOLUME_UP)  # there is nothing to change
+        self.desktop.wait_for_notch(*LEVEL)
+        self.assertEqual(self.desktop.overlay.log.read_bytes(), b"")
+
+    def test_the_keys_are_left_alone_when_they_shall_not_be_replaced(self):
+        self.start_daemon()
+        self.desktop.start_overlay(defaults={"replaceHUD": False})
+        wait_until(lambda: "Tarnwick" in self.control("list", "clients"), "the overlay at the audio daemon")
+        root, code = self.desktop.root, self.keycode(VOLUME_UP)
+        root.grab_key(code, X.AnyModifier, False, X.GrabModeAsync, X.GrabModeAsync)
+        self.type(VOLUME_UP)
+        wait_until(lambda: self.desktop.x.pending_events() and self.desktop.x.next_event().type == X.KeyPress,
+                   "the key at the other program")
+        self.set_volume(16384)
+        self.hover_notch()  # what is shown by now would be shown with it
+        self.desktop.wait_for_notch(220, 29)
+
+
+if __name__ == "__main__":
+    unittest.main()
