@@ -8,7 +8,9 @@ namespace {
 
 class EmptyWindow : public QWidget {
  protected:
-  void paintEvent(QPaintEvent*) override { QPainter(this).fillRect((width() - 190) / 2, 0, 190, 24, Qt::black); }
+  void paintEvent(QPaintEvent*) override {
+    QPainter(this).fillRect((width() - 190) / 2, 0, 190, 24, Qt::black);
+  }
 };
 
 }  // namespace

@@ -1,6 +1,6 @@
-// expansion-frames RATIO SESSIONS: opens the body on the list of that many sessions, over and over, and prints the
-// milliseconds of processor time that each frame on the way takes: taking over what changed, moving, painting what is
-// damaged, and copying that into the window's picture.
+// expansion-frames RATIO SESSIONS: opens the body on the list of that many sessions, over and over, and
+// prints the milliseconds of processor time that each frame on the way takes: taking over what changed,
+// moving, painting what is damaged, and copying that into the window's picture.
 #include <QGuiApplication>
 #include <QImage>
 #include <QPainter>

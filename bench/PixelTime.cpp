@@ -1,5 +1,6 @@
-// pixel-time X Y WIDTH HEIGHT INPUT COMMAND…: starts the command with the file INPUT as standard input, and prints the
-// milliseconds from then until a pixel of that area of the screen changed, and the id of the process, which goes on.
+// pixel-time X Y WIDTH HEIGHT INPUT COMMAND…: starts the command with the file INPUT as standard input, and
+// prints the milliseconds from then until a pixel of that area of the screen changed, and the id of the
+// process, which goes on.
 #include <xcb/xcb.h>
 
 #include <memory>
@@ -11,8 +12,8 @@ namespace {
 using bench::fail;
 
 std::vector<uint8_t> pixels(xcb_connection_t* server, xcb_window_t root, const int (&area)[4]) {
-  const auto cookie = xcb_get_image(server, XCB_IMAGE_FORMAT_Z_PIXMAP, root, int16_t(area[0]), int16_t(area[1]),
-                                    uint16_t(area[2]), uint16_t(area[3]), ~0u);
+  const auto cookie = xcb_get_image(server, XCB_IMAGE_FORMAT_Z_PIXMAP, root, int16_t(area[0]),
+                                    int16_t(area[1]), uint16_t(area[2]), uint16_t(area[3]), ~0u);
   const std::unique_ptr<xcb_get_image_reply_t, decltype(&std::free)> reply(
       xcb_get_image_reply(server, cookie, nullptr), &std::free);
   if (!reply) fail("the picture of the screen", EIO);

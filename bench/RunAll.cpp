@@ -1,6 +1,6 @@
-// run-all WIDTH FOLDER PROGRAM ARGUMENTS…: runs the program once for each file 0, 1, 2 … of the folder as standard
-// input, WIDTH at a time and in this order, and prints how many runs there were, how many failed, and how many
-// milliseconds all took.
+// run-all WIDTH FOLDER PROGRAM ARGUMENTS…: runs the program once for each file 0, 1, 2 … of the folder as
+// standard input, WIDTH at a time and in this order, and prints how many runs there were, how many failed,
+// and how many milliseconds all took.
 #include <atomic>
 #include <thread>
 

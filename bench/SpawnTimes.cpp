@@ -1,5 +1,5 @@
-// spawn-times RUNS INPUT COMMAND… [-- COMMAND…]…: runs the commands in turns, each with the file INPUT as standard
-// input, and prints a line for each: the milliseconds from its start to its end in every run.
+// spawn-times RUNS INPUT COMMAND… [-- COMMAND…]…: runs the commands in turns, each with the file INPUT as
+// standard input, and prints a line for each: the milliseconds from its start to its end in every run.
 #include "Process.h"
 
 int main(int count, char** arguments) {

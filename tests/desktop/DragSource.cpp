@@ -1,5 +1,5 @@
-// A program of somebody else's, to drag a file from: drag-source FILE READY. It makes the file READY once its window
-// is to be seen, and READY.accepted once the place under the pointer would take the file.
+// A program of somebody else's, to drag a file from: drag-source FILE READY. It makes the file READY once its
+// window is to be seen, and READY.accepted once the place under the pointer would take the file.
 #include <QApplication>
 #include <QDrag>
 #include <QFile>
@@ -19,8 +19,11 @@ class Source : public QWidget {
  protected:
   void paintEvent(QPaintEvent*) override { make(ready_); }
 
+  void mousePressEvent(QMouseEvent* event) override { pressed_ = event->pos(); }
+
   void mouseMoveEvent(QMouseEvent* event) override {
-    if (dragging_ || !(event->buttons() & Qt::LeftButton)) return;
+    const int way = (event->pos() - pressed_).manhattanLength();
+    if (dragging_ || !(event->buttons() & Qt::LeftButton) || way < QApplication::startDragDistance()) return;
     dragging_ = true;
     auto* data = new QMimeData;
     data->setUrls({QUrl::fromLocalFile(file_)});
@@ -34,6 +37,7 @@ class Source : public QWidget {
 
  private:
   QString file_, ready_;
+  QPoint pressed_;
   bool dragging_ = false;
 };
 

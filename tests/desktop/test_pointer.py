@@ -1,7 +1,7 @@
 """The pointer on the notch: hovering, tapping, leaving, resting, dropping, and clicks that are not for it."""
 
+import time
 import unittest
-from pathlib import Path
 
 from Xlib import X
 
@@ -99,8 +99,11 @@ class Pointer(DesktopTest):
         wait_until(ready.exists, "the program to drag from")
         self.desktop.move_pointer(150, 550)
         self.desktop.press()
-        self.desktop.move_pointer(160, 550)
-        self.desktop.move_pointer(180, 550)
+        # As a hand pulls: the sixtieth of a second in which the overlay looks once is shorter than the way after which
+        # programs take a pull for a drag.
+        for step in range(1, 13):
+            time.sleep(0.02)
+            self.desktop.move_pointer(150 + 2 * step, 550)
         wait_until(lambda: self.desktop.selection_is_owned("XdndSelection"), "the drag to start")
         # Near the notch, but not on it, the drop area opens.
         self.desktop.move_pointer(self.middle, 110)

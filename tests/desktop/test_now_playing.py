@@ -1,0 +1,96 @@
+"""A player on the session bus shows in the wings of the real overlay, and hears what the fingers want."""
+
+import os
+import signal
+import time
+import unittest
+from pathlib import Path
+
+from desktop import PATIENCE, wait_until
+from desktop_test import HIDDEN, DesktopTest
+from media_player import MediaPlayer
+from picture import Picture
+
+NOW_PLAYING = (290, 24)
+COVER = (220, 40, 120)
+
+
+class NowPlaying(DesktopTest):
+    def cover(self, colour=COVER):
+        """An image file of that colour, 64 × 64."""
+        path = self.desktop.root_folder / ("cover %d %d %d.png" % colour)
+        red, green, blue = colour
+        Picture(0, 0, 64, 64, bytes((blue, green, red, 255)) * 64 * 64).save(path)
+        return path.as_uri()
+
+    def play(self, **metadata):
+        player = MediaPlayer("one", self.desktop.environment, status="Playing",
+                             metadata={"title": "Song", "length": 200, **metadata})
+        self.addCleanup(player.kill)
+        return player
+
+    def bridge(self):
+        """The process id of the overlay's bridge."""
+        for folder in Path("/proc").glob("[0-9]*"):
+            try:
+                parent = int((folder / "stat").read_text().rsplit(")", 1)[1].split()[1])
+                if parent == self.desktop.overlay.pid and b"tarnwick_stream" in (folder / "cmdline").read_bytes():
+                    return int(folder.name)
+            except (FileNotFoundError, ProcessLookupError):
+                pass  # it has ended meanwhile
+        return None
+
+    def wait_for_cover(self, colour=COVER):
+        def shown(picture):
+            _, _, left = picture.notch()
+            return picture.count(colour, left, 0, left + 40, 24) > 200
+        self.desktop.wait_for(shown, f"a cover of {colour}")
+
+    def equalizer(self):
+        """The area of the bars in the right wing."""
+        right = self.middle + NOW_PLAYING[0] // 2
+        return self.desktop.picture(right - 40, 0, 34, 24)
+
+    def test_a_track_shows_its_cover_and_dancing_bars_until_it_pauses(self):
+        player = self.play(art=self.cover())
+        self.desktop.start_overlay()
+        self.desktop.wait_for_notch(*NOW_PLAYING)
+        self.wait_for_cover()
+        first = self.equalizer().data
+        wait_until(lambda: self.equalizer().data != first, "the bars to dance")
+        player.play(metadata={"title": "Next", "art": self.cover((30, 160, 60))})
+        self.wait_for_cover((30, 160, 60))
+        player.play(status="Paused")
+        self.desktop.wait_for_notch(*HIDDEN)
+        player.play(status="Playing")
+        self.desktop.wait_for_notch(*NOW_PLAYING)
+        player.kill()
+        self.desktop.wait_for_notch(*HIDDEN)
+
+    def test_a_bridge_that_is_killed_is_started_again_and_none_is_left_behind(self):
+        self.desktop.start_overlay()
+        first = wait_until(self.bridge, "the bridge")
+        os.kill(first, signal.SIGKILL)
+        wait_until(lambda: self.bridge() not in (None, first), "another bridge")
+        self.play()
+        self.desktop.wait_for_notch(*NOW_PLAYING)
+        last = self.bridge()
+        self.desktop.kill_overlay()
+        wait_until(lambda: not Path(f"/proc/{last}").exists()
+                   or " Z " in Path(f"/proc/{last}/stat").read_text(), "the bridge to end with the overlay")
+
+    def test_a_chattering_player_costs_no_memory(self):
+        player = self.play()
+        self.desktop.start_overlay()
+        self.desktop.wait_for_notch(*NOW_PLAYING)
+        before = self.resident_kilobytes()
+        for _ in range(5):
+            player.tell(flood=2000)
+        player.play(metadata={"title": "Last", "art": self.cover()})
+        self.wait_for_cover()
+        if not self.sanitized:
+            self.assertLess(self.resident_kilobytes() - before, 10_000)
+
+
+if __name__ == "__main__":
+    unittest.main()
