@@ -2,11 +2,10 @@
 
 import os
 import signal
-import time
 import unittest
 from pathlib import Path
 
-from desktop import PATIENCE, wait_until
+from desktop import wait_until
 from desktop_test import HIDDEN, DesktopTest
 from media_player import MediaPlayer
 from picture import Picture
