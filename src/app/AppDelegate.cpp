@@ -25,7 +25,7 @@ AppDelegate::AppDelegate(X11Connection& connection) : connection_(connection) {}
 void AppDelegate::applicationDidFinishLaunching() {
   const Desktop desktop{scheduler_, notifications_, defaults_,  folders_,    screens_,      pointer_,
                         windows_,   sounds_,        haptics_,   processes_,  applications_, images_,
-                        log_,       audioDevices_,  mediaKeys_, brightness_, powerSources_};
+                        log_,       audioDevices_,  mediaKeys_, brightness_, powerSources_, bluetooth_};
   controller_ =
       std::make_unique<NotchController>(desktop, [this](NotchModel& model) { return makePanel(model); });
 }

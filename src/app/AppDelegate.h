@@ -3,6 +3,7 @@
 
 #include "core/NotchController.h"
 #include "platform/linux/BacklightBrightness.h"
+#include "platform/linux/BluezDevices.h"
 #include "platform/linux/CanberraSoundPlayer.h"
 #include "platform/linux/DBusNotificationCenter.h"
 #include "platform/linux/DesktopApplications.h"
@@ -58,6 +59,7 @@ class AppDelegate {
   BacklightBrightness brightness_{scheduler_};
   SystemBus systemBus_{scheduler_};
   UPowerSources powerSources_{systemBus_};
+  BluezDevices bluetooth_{systemBus_};
   std::unique_ptr<NotchController> controller_;
 };
 

@@ -84,6 +84,7 @@ void NotchController::startServices() {
   }
   model_.audio.start();
   hud_.emplace(model_, desktop_);
+  bluetooth_.emplace(model_, desktop_);
 }
 
 void NotchController::listen() {

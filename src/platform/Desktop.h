@@ -3,6 +3,7 @@
 #include "base/UserDefaults.h"
 #include "platform/Applications.h"
 #include "platform/AudioDevices.h"
+#include "platform/BluetoothDevices.h"
 #include "platform/ChildProcesses.h"
 #include "platform/DisplayBrightness.h"
 #include "platform/Folders.h"
@@ -39,6 +40,7 @@ struct Desktop {
   MediaKeys& mediaKeys;
   DisplayBrightness& brightness;
   PowerSources& powerSources;
+  BluetoothDevices& bluetooth;
 };
 
 }  // namespace tarnwick

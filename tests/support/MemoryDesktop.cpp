@@ -136,4 +136,16 @@ void MemoryPowerSources::setLowPowerMode(bool on) {
   modeChanges_.notifyObservers();
 }
 
+Subscription MemoryBluetoothDevices::observe(Receiver receive) {
+  auto receiver = std::make_shared<Receiver>(std::move(receive));
+  receivers_.push_back(receiver);
+  return Subscription(receiver);
+}
+
+void MemoryBluetoothDevices::tell(BluetoothEvent event, const BluetoothDevice& device) {
+  for (const auto& weak : receivers_) {
+    if (const auto receiver = weak.lock()) (*receiver)(event, device);
+  }
+}
+
 }  // namespace tarnwick

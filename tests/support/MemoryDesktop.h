@@ -200,6 +200,15 @@ class MemoryPowerSources : public PowerSources {
   ObservableObject modeChanges_;
 };
 
+class MemoryBluetoothDevices : public BluetoothDevices {
+ public:
+  Subscription observe(Receiver receive) override;
+  void tell(BluetoothEvent event, const BluetoothDevice& device);
+
+ private:
+  std::vector<std::weak_ptr<Receiver>> receivers_;
+};
+
 /// A whole desktop in memory, with a clock that stands still until a test moves it.
 struct MemoryDesktop {
   VirtualScheduler scheduler;
@@ -219,10 +228,11 @@ struct MemoryDesktop {
   MemoryMediaKeys mediaKeys;
   MemoryDisplayBrightness brightness;
   MemoryPowerSources powerSources;
+  MemoryBluetoothDevices bluetooth;
 
   Desktop ports{scheduler, notifications, defaults,  folders,    screens,      pointer,
                 windows,   sounds,        haptics,   processes,  applications, images,
-                log,       audioDevices,  mediaKeys, brightness, powerSources};
+                log,       audioDevices,  mediaKeys, brightness, powerSources, bluetooth};
 };
 
 }  // namespace tarnwick

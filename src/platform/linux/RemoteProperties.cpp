@@ -12,7 +12,7 @@ constexpr auto propertiesInterface = "org.freedesktop.DBus.Properties";
 RemoteProperties::RemoteProperties(SystemBus& bus, const QString& service, QString path, QString interface,
                                    bool starts)
     : path_(std::move(path)), interface_(std::move(interface)), service_(bus, service, starts) {
-  service_.listen(path_, propertiesInterface, "PropertiesChanged");
+  service_.listen(path_, propertiesInterface, "PropertiesChanged", interface_);
   service_.onAppear = [this] { fetch(); };
   service_.onVanish = [this] { adopt({}); };
   service_.onSignal = [this](const QDBusMessage& signal) { receive(signal); };
@@ -26,7 +26,6 @@ void RemoteProperties::fetch() {
 
 void RemoteProperties::receive(const QDBusMessage& signal) {
   const QVariantList arguments = signal.arguments();
-  if (arguments.value(0).toString() != interface_) return;
   const bool incomplete = values_.isEmpty() || !qdbus_cast<QStringList>(arguments.value(2)).isEmpty();
   if (incomplete) return fetch();
   QVariantMap values = values_;

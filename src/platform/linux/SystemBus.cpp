@@ -8,6 +8,11 @@ namespace {
 
 constexpr double retryInterval = 10;
 
+QString systemBusAddress() {
+  const QByteArray address = qgetenv("DBUS_SYSTEM_BUS_ADDRESS");
+  return address.isEmpty() ? "unix:path=/var/run/dbus/system_bus_socket" : QString::fromLocal8Bit(address);
+}
+
 }  // namespace
 
 SystemBus::~SystemBus() { close(); }
@@ -23,7 +28,7 @@ void SystemBus::open() {
         delete connection;
       });
   connecting_ = scheduler_.background(
-      [name, made] { *made = QDBusConnection::connectToBus(QDBusConnection::SystemBus, name); },
+      [name, address = systemBusAddress(), made] { *made = QDBusConnection::connectToBus(address, name); },
       [this, made] {
         if (!*made || !(*made)->isConnected()) {
           if (!retry_) retry_ = scheduler_.every(retryInterval, [this] { open(); });
@@ -54,8 +59,10 @@ SystemService::SystemService(SystemBus& bus, QString name, bool starts)
   connect(&bus, &SystemBus::lost, this, [this] { onVanish(); });
 }
 
-void SystemService::listen(const QString& path, const QString& interface, const QString& member) {
-  matches_.push_back({path, interface, member});
+void SystemService::listen(const QString& path, const QString& interface, const QString& member,
+                           const QString& firstArgument) {
+  matches_.push_back(
+      {path, interface, member, firstArgument.isEmpty() ? QStringList() : QStringList{firstArgument}});
 }
 
 void SystemService::busOpened() {
@@ -63,7 +70,8 @@ void SystemService::busOpened() {
   connection.connect("org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus",
                      "NameOwnerChanged", {name_}, "sss", this, SLOT(ownerChanged(QString, QString, QString)));
   for (const Match& match : matches_) {
-    connection.connect(name_, match.path, match.interface, match.member, this, SLOT(received(QDBusMessage)));
+    connection.connect(name_, match.path, match.interface, match.member, match.arguments, QString(), this,
+                       SLOT(received(QDBusMessage)));
   }
   onAppear();
 }

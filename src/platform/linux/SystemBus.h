@@ -56,8 +56,10 @@ class SystemService : public QObject {
   /// One of the signals that were asked for.
   std::function<void(const QDBusMessage&)> onSignal;
 
-  /// Asks for a signal. An empty path stands for every object.
-  void listen(const QString& path, const QString& interface, const QString& member);
+  /// Asks for a signal, before the bus is opened. An empty path stands for every object, a first argument for
+  /// those signals only that begin with it.
+  void listen(const QString& path, const QString& interface, const QString& member,
+              const QString& firstArgument = {});
   /// Calls `then` with the answer, unless that is an error.
   void call(const QString& path, const QString& interface, const QString& method,
             const QVariantList& arguments, Reply then);
@@ -70,6 +72,7 @@ class SystemService : public QObject {
  private:
   struct Match {
     QString path, interface, member;
+    QStringList arguments;
   };
 
   SystemBus& bus_;

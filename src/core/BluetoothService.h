@@ -1,0 +1,26 @@
+#pragma once
+#include "core/NotchModel.h"
+#include "platform/Desktop.h"
+
+namespace tarnwick {
+
+/// Shows an indicator when a Bluetooth device comes or goes.
+class BluetoothService {
+ public:
+  /// Begins to listen. Model and desktop must outlive the service.
+  BluetoothService(NotchModel& model, const Desktop& desktop);
+
+ private:
+  void connected(const BluetoothDevice& device);
+  void announce(const BluetoothDevice& device, bool isConnected);
+  void updateBattery(const BluetoothDevice& device);
+
+  NotchModel& model_;
+  Scheduler& scheduler_;
+  const double launchedAt_;
+  /// The device whose connection was announced last.
+  std::string announced_;
+  Subscription subscription_;
+};
+
+}  // namespace tarnwick

@@ -1,0 +1,127 @@
+#include "core/BluetoothService.h"
+
+#include <gtest/gtest.h>
+
+#include "support/ForcedLanguage.h"
+#include "support/MemoryDesktop.h"
+
+namespace tarnwick {
+namespace {
+
+using Event = BluetoothEvent;
+
+class BluetoothServiceTest : public testing::Test {
+ protected:
+  void pass(double seconds) { desktop.scheduler.advance(seconds); }
+  void tell(Event event, const BluetoothDevice& device) { desktop.bluetooth.tell(event, device); }
+  /// The indicator on show after that event, well after the start.
+  std::optional<Transient> shownAfter(Event event, const BluetoothDevice& device) {
+    pass(10);
+    tell(event, device);
+    return model.transient;
+  }
+  static BluetoothDevice named(const std::string& name, int deviceClass = 0, std::vector<int> levels = {}) {
+    return {"id " + name, name, deviceClass, std::move(levels)};
+  }
+
+  const ForcedLanguage english{"en"};
+  MemoryDesktop desktop;
+  NotchModel model{desktop.ports};
+  BluetoothService bluetooth{model, desktop.ports};
+};
+
+TEST_F(BluetoothServiceTest, IsSilentAboutDevicesOfTheStart) {
+  tell(Event::connected, named("Buds"));
+  pass(3);
+  tell(Event::connected, named("Mouse"));
+  EXPECT_EQ(*model.transient, std::nullopt);
+  pass(0.01);
+  tell(Event::connected, named("Keyboard"));
+  EXPECT_EQ(*model.transient, Transient::device("Keyboard", "keyboard", {}, true));
+}
+
+TEST_F(BluetoothServiceTest, TellsOfADisconnectionAtAnyTime) {
+  pass(2);
+  tell(Event::disconnected, named("Buds", audioDeviceClass, {50}));
+  EXPECT_EQ(*model.transient, Transient::device("Buds", "headphones", {}, false));
+  pass(2.9);
+  EXPECT_NE(*model.transient, std::nullopt);
+  pass(0.2);
+  EXPECT_EQ(*model.transient, std::nullopt);
+}
+
+TEST_F(BluetoothServiceTest, ChoosesTheSymbol) {
+  const struct {
+    const char *name, *symbol;
+    int deviceClass = 0;
+  } cases[] = {
+      {"Ada’s AirPods Max", "airpodsmax"},
+      {"AIRPODS PRO", "airpodspro", audioDeviceClass},
+      {"airpods", "airpods"},
+      {"Beats keyboard", "beats.headphones"},
+      {"Magic Keyboard with Trackpad", "keyboard"},
+      {"Clavier", "keyboard"},
+      {"Souris sans fil", "magicmouse"},
+      {"Magic Mouse", "magicmouse"},
+      {"Magic Trackpad", "rectangle.and.hand.point.up.left"},
+      {"Kitchen", "headphones", audioDeviceClass},
+      {"Game controller", "dot.radiowaves.left.and.right", 5},
+  };
+  for (const auto& [name, symbol, deviceClass] : cases) {
+    EXPECT_EQ(shownAfter(Event::connected, named(name, deviceClass)),
+              Transient::device(name, symbol, {}, true));
+  }
+}
+
+TEST_F(BluetoothServiceTest, NamesWhatHasNoName) {
+  EXPECT_EQ(shownAfter(Event::connected, named("")),
+            Transient::device("Bluetooth device", "dot.radiowaves.left.and.right", {}, true));
+  const ForcedLanguage french("fr");
+  EXPECT_EQ(shownAfter(Event::connected, named("", audioDeviceClass)),
+            Transient::device("Appareil Bluetooth", "headphones", {}, true));
+}
+
+TEST_F(BluetoothServiceTest, ShowsTheEmptiestBattery) {
+  const struct {
+    std::vector<int> levels;
+    std::optional<int> shown;
+  } cases[] = {{{80, 35}, 35}, {{0, 60}, 60}, {{0}, {}}, {{-1}, {}}, {{1}, 1}, {{100, 100}, 100}};
+  for (const auto& [levels, shown] : cases) {
+    EXPECT_EQ(shownAfter(Event::connected, named("Buds", 4, levels)),
+              Transient::device("Buds", "headphones", shown, true));
+  }
+}
+
+TEST_F(BluetoothServiceTest, UpdatesTheIndicatorWhenTheLevelComesLater) {
+  shownAfter(Event::connected, named("Buds", 4));
+  pass(2);
+  tell(Event::batteryChanged, named("Mouse", 0, {10}));
+  EXPECT_EQ(*model.transient, Transient::device("Buds", "headphones", {}, true)) << "another device's level";
+  tell(Event::batteryChanged, named("Buds", 4, {70}));
+  EXPECT_EQ(*model.transient, Transient::device("Buds", "headphones", 70, true));
+  pass(2.9);
+  EXPECT_NE(*model.transient, std::nullopt) << "its time starts anew";
+  pass(1);
+  tell(Event::batteryChanged, named("Buds", 4, {69}));
+  EXPECT_EQ(*model.transient, std::nullopt) << "a level alone is no news";
+}
+
+TEST_F(BluetoothServiceTest, ALevelNeverTakesAnothersPlace) {
+  shownAfter(Event::connected, named("Buds", 4));
+  model.show(Transient::lowPowerMode(true), 3);
+  tell(Event::batteryChanged, named("Buds", 4, {70}));
+  EXPECT_EQ(*model.transient, Transient::lowPowerMode(true));
+  shownAfter(Event::disconnected, named("Buds", 4));
+  tell(Event::batteryChanged, named("Buds", 4, {70}));
+  EXPECT_EQ(*model.transient, Transient::device("Buds", "headphones", {}, false));
+}
+
+TEST_F(BluetoothServiceTest, ShowsNothingWhenSwitchedOff) {
+  model.settings.bluetoothAlerts = false;
+  EXPECT_EQ(shownAfter(Event::connected, named("Buds")), std::nullopt);
+  EXPECT_EQ(shownAfter(Event::batteryChanged, named("Buds", 4, {70})), std::nullopt);
+  EXPECT_EQ(shownAfter(Event::disconnected, named("Buds")), std::nullopt);
+}
+
+}  // namespace
+}  // namespace tarnwick

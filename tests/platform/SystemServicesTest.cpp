@@ -1,0 +1,326 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <signal.h>
+
+#include <QDBusArgument>
+#include <QDBusConnection>
+#include <QDBusMetaType>
+#include <QDBusObjectPath>
+#include <QDBusVariant>
+#include <QFile>
+
+#include "platform/TestDesktop.h"
+#include "platform/linux/BluezDevices.h"
+#include "platform/linux/UPowerSources.h"
+
+// The adapters of system services, against mocks of those services on a bus that plays the system's.
+namespace tarnwick {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+using Interfaces = QMap<QString, QVariantMap>;
+
+/// A bus, the mocks on it, and a connection to drive them.
+class SystemServicesTest : public testing::Test {
+ protected:
+  SystemServicesTest() {
+    qDBusRegisterMetaType<Interfaces>();
+    startBus();
+  }
+  ~SystemServicesTest() override {
+    qunsetenv("DBUS_SYSTEM_BUS_ADDRESS");
+    if (connection) QDBusConnection::disconnectFromBus(connection->name());
+  }
+
+  void startBus() {
+    const QString path = QString::fromStdString(folder.path() + "/system-bus");
+    QFile::remove(path);
+    qputenv("DBUS_SYSTEM_BUS_ADDRESS", ("unix:path=" + path).toUtf8());
+    bus = std::make_unique<Child>("dbus-daemon", QStringList{"--session", "--nofork", "--print-address",
+                                                             "--address=unix:path=" + path});
+    bus->waitForLine("unix:");
+    static int count = 0;
+    if (connection) QDBusConnection::disconnectFromBus(connection->name());
+    connection = QDBusConnection::connectToBus("unix:path=" + path, QString("hand-%1").arg(++count));
+  }
+
+  std::unique_ptr<Child> startMock(const QString& name, const QString& service) {
+    auto mock =
+        std::make_unique<Child>("/usr/bin/python3", QStringList{"-m", "dbusmock", "--template", name});
+    EXPECT_TRUE(waitUntil([&] {
+      const QDBusMessage reply = send("org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus",
+                                      "NameHasOwner", {service});
+      return reply.arguments().value(0).toBool();
+    })) << service.toStdString();
+    return mock;
+  }
+  /// Calls a method of a mock and waits for the answer.
+  QDBusMessage send(const QString& service, const QString& path, const QString& interface,
+                    const QString& method, const QVariantList& arguments) {
+    auto message = QDBusMessage::createMethodCall(service, path, interface, method);
+    message.setArguments(arguments);
+    const QDBusMessage reply = connection->call(message, QDBus::Block, 20'000);
+    EXPECT_NE(reply.type(), QDBusMessage::ErrorMessage) << reply.errorMessage().toStdString();
+    return reply;
+  }
+  void setProperty(const QString& service, const QString& path, const QString& interface,
+                   const QString& property, const QVariant& value) {
+    send(service, path, "org.freedesktop.DBus.Properties", "Set",
+         {interface, property, QVariant::fromValue(QDBusVariant(value))});
+  }
+
+  const TemporaryFolder folder;
+  std::unique_ptr<Child> bus;
+  std::optional<QDBusConnection> connection;
+  SystemBus systemBus{TestDesktop::shared().scheduler};
+};
+
+class UPowerSourcesTest : public SystemServicesTest {
+ protected:
+  static constexpr auto upower = "org.freedesktop.UPower";
+  static constexpr auto profiles = "net.hadess.PowerProfiles";
+
+  void setBattery(unsigned type, unsigned state, double percentage, bool present) {
+    send(upower, "/org/freedesktop/UPower", "org.freedesktop.DBus.Mock", "SetupDisplayDevice",
+         {type, state, percentage, 30.0, 60.0, 10.0, qlonglong(3600), qlonglong(0), present, "battery", 1u});
+  }
+  void setOnBattery(bool onBattery) {
+    setProperty(upower, "/org/freedesktop/UPower", upower, "OnBattery", onBattery);
+  }
+  void setProfile(const char* profile) {
+    setProperty(profiles, "/net/hadess/PowerProfiles", profiles, "ActiveProfile", profile);
+  }
+  /// Waits until the adapter tells of that battery.
+  bool shows(bool isBattery, double level, bool plugged, bool charging) {
+    return waitUntil([&] {
+      const auto all = sources.all();
+      if (!all || all->size() != 1) return false;
+      const PowerSource& source = all->front();
+      return source.isInternalBattery == isBattery && source.currentCapacity == level &&
+             source.maxCapacity == 100 && source.onACPower == plugged && source.isCharging == charging;
+    });
+  }
+
+  UPowerSources sources{systemBus};
+};
+
+TEST_F(UPowerSourcesTest, FollowsBatteryAndCharger) {
+  const auto mock = startMock("upower", upower);
+  setBattery(2, 1, 55.5, true);
+  EXPECT_EQ(sources.all(), std::nullopt) << "before the bus is opened";
+  systemBus.open();
+  EXPECT_TRUE(shows(true, 55.5, true, true));
+
+  setOnBattery(true);
+  setBattery(2, 2, 54, true);
+  EXPECT_TRUE(shows(true, 54, false, false));
+  setBattery(3, 2, 54, true);
+  EXPECT_TRUE(shows(false, 54, false, false)) << "an emergency supply";
+  setBattery(2, 0, 0, false);
+  EXPECT_TRUE(shows(false, 0, false, false)) << "no battery";
+}
+
+TEST_F(UPowerSourcesTest, PicksTheServiceUpWheneverItComes) {
+  systemBus.open();
+  auto mock = startMock("upower", upower);
+  setBattery(2, 1, 40, true);
+  EXPECT_TRUE(shows(true, 40, true, true)) << "started later";
+  mock.reset();
+  EXPECT_TRUE(waitUntil([&] { return !sources.all(); })) << "gone";
+  mock = startMock("upower", upower);
+  setBattery(2, 1, 41, true);
+  EXPECT_TRUE(shows(true, 41, true, true)) << "restarted";
+
+  mock.reset();
+  bus->kill();
+  EXPECT_TRUE(waitUntil([&] { return !sources.all(); })) << "the bus is gone";
+  startBus();
+  mock = startMock("upower", upower);
+  setBattery(2, 1, 42, true);
+  EXPECT_TRUE(shows(true, 42, true, true)) << "the bus is back";
+}
+
+TEST_F(UPowerSourcesTest, AHangingServiceHoldsNothingUp) {
+  auto mock = startMock("upower", upower);
+  setBattery(2, 1, 40, true);
+  ASSERT_EQ(::kill(static_cast<pid_t>(mock->id()), SIGSTOP), 0);
+  systemBus.open();
+  const auto other = startMock("power_profiles_daemon", profiles);
+  bool switched = false;
+  const auto subscription = sources.observeLowPowerMode([&] { switched = true; });
+  for (int i = 0; i < 2; ++i) {
+    EXPECT_TRUE(waitUntil([&, next = 0]() mutable {
+      setProfile(++next % 2 ? "power-saver" : "balanced");
+      return switched;
+    })) << "the other service is followed all the same";
+  }
+  EXPECT_EQ(sources.all(), std::nullopt);
+  ::kill(static_cast<pid_t>(mock->id()), SIGCONT);
+  EXPECT_TRUE(shows(true, 40, true, true));
+}
+
+TEST_F(UPowerSourcesTest, TellsOfPowerSavingOnly) {
+  auto mock = startMock("power_profiles_daemon", profiles);
+  setProfile("power-saver");
+  std::vector<bool> switches;
+  const auto subscription =
+      sources.observeLowPowerMode([&] { switches.push_back(sources.isLowPowerModeEnabled()); });
+  systemBus.open();
+  EXPECT_TRUE(waitUntil([&] { return sources.isLowPowerModeEnabled(); }));
+  EXPECT_THAT(switches, IsEmpty()) << "what was so at the start is no switch";
+  for (const char* profile : {"balanced", "performance", "balanced", "power-saver"}) setProfile(profile);
+  EXPECT_TRUE(waitUntil([&] { return switches.size() >= 2; }));
+  EXPECT_THAT(switches, ElementsAre(false, true));
+
+  mock.reset();
+  mock = startMock("power_profiles_daemon", profiles);
+  EXPECT_TRUE(waitUntil([&] { return switches.size() >= 3; })) << "it comes back balanced";
+  EXPECT_FALSE(switches.back());
+}
+
+class BluezDevicesTest : public SystemServicesTest {
+ protected:
+  static constexpr auto bluez = "org.bluez";
+  static constexpr auto device1 = "org.bluez.Device1";
+  static constexpr auto battery1 = "org.bluez.Battery1";
+  static constexpr auto mockInterface = "org.freedesktop.DBus.Mock";
+
+  BluezDevicesTest() { startBluez(); }
+
+  void startBluez() {
+    mock.reset();
+    mock = startMock("bluez5", bluez);
+    onMock("AddAdapter", {"hci0", "laptop"});
+  }
+  QString onMock(const QString& method, const QVariantList& arguments) {
+    return send(bluez, "/", "org.bluez.Mock", method, arguments).arguments().value(0).toString();
+  }
+  QString addDevice(const QString& address, const QString& alias) {
+    return onMock("AddDevice", {"hci0", address, alias});
+  }
+  void connectDevice(const QString& address) { onMock("ConnectDevice", {"hci0", address}); }
+  void disconnectDevice(const QString& address) { onMock("DisconnectDevice", {"hci0", address}); }
+  void set(const QString& path, const QString& property, const QVariant& value) {
+    setProperty(bluez, path, device1, property, value);
+  }
+  void addBattery(const QString& path, int percentage) {
+    const QVariantMap properties{{"Percentage", QVariant::fromValue(static_cast<uchar>(percentage))}};
+    emitSignal("InterfacesAdded", "oa{sa{sv}}",
+               {QVariant::fromValue(QDBusObjectPath(path)),
+                QVariant::fromValue(Interfaces{{battery1, properties}})});
+  }
+  void emitSignal(const QString& name, const QString& signature, const QVariantList& arguments) {
+    send(bluez, "/", mockInterface, "EmitSignal",
+         {"org.freedesktop.DBus.ObjectManager", name, signature, QVariant(arguments)});
+  }
+
+  void open() {
+    subscription = devices.observe([this](BluetoothEvent event, const BluetoothDevice& device) {
+      const char* names[] = {"connected ", "disconnected ", "battery "};
+      std::string text = names[static_cast<int>(event)] + device.name;
+      if (device.deviceClassMajor != 0) text += " class " + std::to_string(device.deviceClassMajor);
+      for (const int level : device.batteryLevels) text += " " + std::to_string(level) + "%";
+      events.push_back(text);
+    });
+    systemBus.open();
+  }
+  /// Lets a device come and go until the adapter tells of it: it has seen all that was there before.
+  void waitUntilOpen() {
+    addDevice("00:00:00:00:00:01", "Probe");
+    EXPECT_TRUE(waitUntil([&, connected = false]() mutable {
+      connected = !connected;
+      connected ? connectDevice("00:00:00:00:00:01") : disconnectDevice("00:00:00:00:00:01");
+      return !events.empty() && !connected;
+    }));
+    barrier();
+    events.clear();
+  }
+  /// Waits until everything that the mock said has arrived.
+  void barrier() {
+    const int number = ++barriers;
+    const QString address = QString("00:00:00:00:01:%1").arg(number, 2, 10, QChar('0'));
+    const std::string mark = "connected Mark " + std::to_string(number);
+    addDevice(address, QString("Mark %1").arg(number));
+    connectDevice(address);
+    EXPECT_TRUE(waitUntil([&] { return !events.empty() && events.back() == mark; }));
+    if (!events.empty()) events.pop_back();
+  }
+  /// What was told since the last time.
+  std::vector<std::string> told() {
+    barrier();
+    return std::exchange(events, {});
+  }
+
+  std::unique_ptr<Child> mock;
+  BluezDevices devices{systemBus};
+  Subscription subscription;
+  std::vector<std::string> events;
+  int barriers = 0;
+};
+
+TEST_F(BluezDevicesTest, TellsWhatComesAndGoes) {
+  const QString buds = addDevice("AA:AA:AA:AA:AA:AA", "Buds");
+  connectDevice("AA:AA:AA:AA:AA:AA");
+  open();
+  waitUntilOpen();
+  EXPECT_THAT(told(), IsEmpty()) << "it was connected at the start";
+  disconnectDevice("AA:AA:AA:AA:AA:AA");
+  EXPECT_THAT(told(), ElementsAre("disconnected Buds"));
+
+  set(buds, "Class", 0x240404u);
+  connectDevice("AA:AA:AA:AA:AA:AA");
+  send(bluez, buds, mockInterface, "AddProperty",
+       {battery1, "Percentage", QVariant::fromValue(QDBusVariant(QVariant::fromValue(uchar(80))))});
+  addBattery(buds, 80);
+  EXPECT_THAT(told(), ElementsAre("connected Buds class 4", "battery Buds class 4 80%"));
+  addBattery(buds + "/left", 35);
+  EXPECT_THAT(told(), ElementsAre("battery Buds class 4 80% 35%"));
+  setProperty(bluez, buds, battery1, "Percentage", QVariant::fromValue(uchar(79)));
+  setProperty(bluez, buds, battery1, "Percentage", QVariant::fromValue(uchar(79)));
+  EXPECT_THAT(told(), ElementsAre("battery Buds class 4 79% 35%"));
+
+  emitSignal("InterfacesRemoved", "oas",
+             {QVariant::fromValue(QDBusObjectPath(buds)), QStringList{battery1, device1}});
+  EXPECT_THAT(told(), ElementsAre("disconnected Buds class 4 35%"));
+}
+
+TEST_F(BluezDevicesTest, KnowsNamesAndKinds) {
+  open();
+  waitUntilOpen();
+  const struct {
+    const char *address, *alias, *property;
+    QVariant value;
+    const char* told;
+  } cases[] = {
+      {"BB:00:00:00:00:01", "Speaker", "Icon", "audio-card", "connected Speaker class 4"},
+      {"BB:00:00:00:00:02", "Aids", "Appearance", QVariant::fromValue(ushort(0x0a41)),
+       "connected Aids class 4"},
+      {"BB:00:00:00:00:03", "Pad", "Class", 0x002508u, "connected Pad class 5"},
+      {"BB:00:00:00:00:04", "BB-00-00-00-00-04", "Name", "", "connected "},
+      {"BB:00:00:00:00:05", "Mine", "Name", "", "connected Mine"},
+      {"BB:00:00:00:00:06", "", "Name", "Factory", "connected Factory"},
+  };
+  for (const auto& each : cases) {
+    const QString path = addDevice(each.address, each.alias);
+    set(path, each.property, each.value);
+    connectDevice(each.address);
+    EXPECT_THAT(told(), ElementsAre(each.told)) << each.address;
+  }
+}
+
+TEST_F(BluezDevicesTest, IsSilentAboutWhatARestartedServiceKnows) {
+  addDevice("AA:AA:AA:AA:AA:AA", "Buds");
+  open();
+  waitUntilOpen();
+  connectDevice("AA:AA:AA:AA:AA:AA");
+  EXPECT_THAT(told(), ElementsAre("connected Buds"));
+  startBluez();
+  addDevice("AA:AA:AA:AA:AA:AA", "Buds");
+  waitUntilOpen();
+  connectDevice("AA:AA:AA:AA:AA:AA");
+  EXPECT_THAT(told(), ElementsAre("connected Buds"));
+}
+
+}  // namespace
+}  // namespace tarnwick
