@@ -7,6 +7,7 @@
 #include "platform/linux/CanberraSoundPlayer.h"
 #include "platform/linux/DBusNotificationCenter.h"
 #include "platform/linux/DesktopApplications.h"
+#include "platform/linux/EvolutionCalendars.h"
 #include "platform/linux/JsonUserDefaults.h"
 #include "platform/linux/Module.h"
 #include "platform/linux/NoHaptics.h"
@@ -56,10 +57,11 @@ class AppDelegate {
   StandardErrorLog log_;
   PulseAudioDevices audioDevices_{scheduler_, [] { return loadPulseModule(moduleFolder()); }};
   X11MediaKeys mediaKeys_{connection_, scheduler_};
-  BacklightBrightness brightness_{scheduler_};
   SystemBus systemBus_{scheduler_};
+  BacklightBrightness brightness_{systemBus_};
   UPowerSources powerSources_{systemBus_};
   BluezDevices bluetooth_{systemBus_};
+  EvolutionCalendars calendars_{scheduler_, [] { return loadCalendarModule(moduleFolder()); }};
   std::unique_ptr<NotchController> controller_;
 };
 

@@ -7,7 +7,8 @@ import unittest
 from Xlib import X
 
 from desktop import wait_until
-from desktop_test import HIDDEN, DesktopTest
+from desktop_test import HIDDEN, HOVERED, DesktopTest
+from picture import is_wallpaper
 
 # The surface while it shows a level, in points.
 LEVEL = (410, 24)
@@ -51,8 +52,8 @@ class Sound(DesktopTest):
     def lit(self):
         """How much of the level's bar is filled, in pixels. Its colours run from green to red."""
         picture = self.desktop.top()
-        row = range(self.middle + 100, self.middle + 205)
-        return sum(max(picture.pixel(x, 12)) > 180 and min(picture.pixel(x, 12)) < 90 for x in row)
+        row = [picture.pixel(x, 12) for x in range(self.middle + 110, self.middle + 192)]
+        return sum(max(pixel) > 180 and min(pixel) < 90 and not is_wallpaper(pixel) for pixel in row)
 
     def keycode(self, keysym):
         return self.desktop.x.keysym_to_keycode(keysym)
@@ -112,7 +113,7 @@ class Sound(DesktopTest):
                    "the key at the other program")
         self.set_volume(16384)
         self.hover_notch()  # what is shown by now would be shown with it
-        self.desktop.wait_for_notch(220, 29)
+        self.desktop.wait_for_notch(*HOVERED)
 
 
 if __name__ == "__main__":

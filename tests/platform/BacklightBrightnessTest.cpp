@@ -43,6 +43,14 @@ class BacklightTest : public testing::Test {
   void unplug(const std::string& name) { std::filesystem::remove_all(sysfs.path() + "/backlight/" + name); }
 
   QDBusConnection bus = QDBusConnection::connectToBus(QDBusConnection::SessionBus, "login-test");
+
+  BacklightTest() {
+    // The session's bus serves as the system's.
+    qputenv("DBUS_SYSTEM_BUS_ADDRESS", qgetenv("DBUS_SESSION_BUS_ADDRESS"));
+    systemBus.open();
+    EXPECT_TRUE(waitUntil([this] { return systemBus.connection().has_value(); }));
+    qunsetenv("DBUS_SYSTEM_BUS_ADDRESS");
+  }
   ~BacklightTest() override { QDBusConnection::disconnectFromBus("login-test"); }
 
   /// A login daemon that does what it is asked to.
@@ -74,8 +82,8 @@ class BacklightTest : public testing::Test {
 
   TemporaryFolder sysfs;
   std::unique_ptr<Child> daemon;
-  BacklightBrightness brightness{TestDesktop::shared().scheduler, sysfs.path() + "/backlight",
-                                 [this] { return bus; }};
+  SystemBus systemBus{TestDesktop::shared().scheduler};
+  BacklightBrightness brightness{systemBus, sysfs.path() + "/backlight"};
 };
 
 }  // namespace
@@ -99,8 +107,7 @@ TEST_F(BacklightTest, FindsTheBuiltInPanel) {
   for (const auto& c : better) {
     panel(c.name, c.type, 100, value, c.connector, c.enabled);
     panel("zz_monitor", "raw", 100, 99, "card0-DP-2");
-    BacklightBrightness fresh(TestDesktop::shared().scheduler, sysfs.path() + "/backlight",
-                              [this] { return bus; });
+    BacklightBrightness fresh(systemBus, sysfs.path() + "/backlight");
     EXPECT_EQ(fresh.current(), static_cast<double>(value) / 100) << c.name;
     unplug("zz_monitor");
     value += 10;
@@ -126,8 +133,7 @@ TEST_F(BacklightTest, SetsThePanelThroughTheLoginDaemon) {
   for (const auto& c : cases) {
     unplug("panel");
     panel("panel", "firmware", c.maximum, c.before);
-    BacklightBrightness own(TestDesktop::shared().scheduler, sysfs.path() + "/backlight",
-                            [this] { return bus; });
+    BacklightBrightness own(systemBus, sysfs.path() + "/backlight");
     own.set(c.to);
     EXPECT_EQ(own.current(), static_cast<double>(c.after) / static_cast<double>(c.maximum)) << "at once";
     EXPECT_TRUE(waitUntil([&] { return raw("panel") == c.after; })) << c.maximum << ' ' << c.to;
@@ -147,6 +153,14 @@ TEST_F(BacklightTest, SendsTheLastOfManyWishes) {
   // From here on the panel's own value counts again.
   write(sysfs.path() + "/backlight/panel/brightness", "400");
   EXPECT_TRUE(waitUntil([this] { return brightness.current() == 0.4; }));
+}
+
+TEST_F(BacklightTest, GivesUpWithoutASystemBus) {
+  panel("panel", "firmware", 10, 5);
+  SystemBus none(TestDesktop::shared().scheduler);
+  BacklightBrightness own(none, sysfs.path() + "/backlight");
+  own.set(1);
+  EXPECT_EQ(own.current(), 0.5);
 }
 
 TEST_F(BacklightTest, GivesUpWithoutALoginDaemon) {

@@ -37,9 +37,6 @@ int rank(const std::filesystem::path& panel) {
 
 }  // namespace
 
-BacklightBrightness::BacklightBrightness(Scheduler& scheduler, std::string folder, BusOpener openBus)
-    : scheduler_(scheduler), folder_(std::move(folder)), openBus_(std::move(openBus)) {}
-
 std::optional<BacklightBrightness::Panel> BacklightBrightness::findPanel() const {
   std::error_code error;
   std::optional<std::pair<int, std::string>> best;
@@ -87,21 +84,14 @@ void BacklightBrightness::set(double brightness) {
 }
 
 void BacklightBrightness::write() {
+  const auto& connection = bus_.connection();
+  if (!connection) return wanted_.reset();
   writing_ = true;
-  if (!bus_) {
-    const auto opened = std::make_shared<std::optional<QDBusConnection>>();
-    opening_ = scheduler_.background([opened, open = openBus_] { *opened = open(); },
-                                     [this, opened] {
-                                       bus_ = *opened;
-                                       write();
-                                     });
-    return;
-  }
   auto call = QDBusMessage::createMethodCall("org.freedesktop.login1", "/org/freedesktop/login1/session/auto",
                                              "org.freedesktop.login1.Session", "SetBrightness");
   const long raw = *wanted_;
   call << "backlight" << QString::fromStdString(panel_->name) << static_cast<uint>(raw);
-  auto* reply = new QDBusPendingCallWatcher(bus_->asyncCall(call, replyTimeout), &context_);
+  auto* reply = new QDBusPendingCallWatcher(connection->asyncCall(call, replyTimeout), &context_);
   QObject::connect(reply, &QDBusPendingCallWatcher::finished, &context_, [this, reply, raw] {
     reply->deleteLater();
     written(raw);

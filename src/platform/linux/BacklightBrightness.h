@@ -1,12 +1,10 @@
 #pragma once
-#include <QDBusConnection>
 #include <QObject>
-#include <functional>
 #include <optional>
 #include <string>
 
-#include "base/Scheduler.h"
 #include "platform/DisplayBrightness.h"
+#include "platform/linux/SystemBus.h"
 
 namespace tarnwick {
 
@@ -14,12 +12,9 @@ namespace tarnwick {
 /// which lets the user of the session do so.
 class BacklightBrightness : public DisplayBrightness {
  public:
-  using BusOpener = std::function<QDBusConnection()>;
-
   /// @param folder of the backlight class
-  /// @param openBus opens the system bus; called off the main thread
-  explicit BacklightBrightness(Scheduler& scheduler, std::string folder = "/sys/class/backlight",
-                               BusOpener openBus = &QDBusConnection::systemBus);
+  explicit BacklightBrightness(SystemBus& bus, std::string folder = "/sys/class/backlight")
+      : bus_(bus), folder_(std::move(folder)) {}
 
   std::optional<double> current() const override;
   void set(double brightness) override;
@@ -37,11 +32,8 @@ class BacklightBrightness : public DisplayBrightness {
   void write();
   void written(long raw);
 
-  Scheduler& scheduler_;
+  SystemBus& bus_;
   const std::string folder_;
-  const BusOpener openBus_;
-  std::optional<QDBusConnection> bus_;
-  Task opening_;
   /// Receiver of the replies.
   QObject context_;
   mutable std::optional<Panel> panel_;
