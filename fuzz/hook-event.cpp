@@ -25,8 +25,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
 
   std::string error;
   const auto json = parseJson(std::string(text), error);
-  check(json ? json->as<JsonObject>() != nullptr : error.starts_with("Too many nested"),
-        "an event is a JSON object");
+  // Settings are kept word for word, so they may not hold what an event may.
+  const bool isKnownLimit = error.starts_with("Too many nested") || error.find("surrogate") != error.npos;
+  check(json ? json->as<JsonObject>() != nullptr : isKnownLimit, "an event is a JSON object");
   check(event->size() <= 8, "an event has no other keys");
   for (const auto& [key, value] : *event) {
     check(value.size() <= 16384 && isValidUtf8(value), "every text of an event is short and valid");

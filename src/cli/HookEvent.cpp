@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <array>
 
-#include "cli/JsonText.h"
+#include "cli/JsonFilter.h"
 #include "cli/Text.h"
 
 namespace tarnwick {
@@ -34,7 +34,7 @@ class EventHandler : public rapidjson::BaseReaderHandler<rapidjson::UTF8<>, Even
 
   bool String(const char* data, rapidjson::SizeType length, bool) {
     const std::string_view text(data, length);
-    if (depth_ == 0 || hasLoneSurrogate(text)) return false;
+    if (depth_ == 0) return false;
     forgetValue();
     if (isCopiedKey()) map_[std::string(key_)] = firstCharacters(text, textLimit, byteLimit);
     if (isDetailKey()) details_[detailIndex()] = firstCharacters(text, detailLimit, byteLimit);
@@ -52,7 +52,7 @@ class EventHandler : public rapidjson::BaseReaderHandler<rapidjson::UTF8<>, Even
     const std::string_view text(data, length);
     if (depth_ == 1) key_ = knownKey(text);
     if (depth_ == 2 && isToolInput_) detailKey_ = std::ranges::find(detailKeys, text);
-    return !hasLoneSurrogate(text);
+    return true;
   }
 
   bool EndObject(rapidjson::SizeType) {
@@ -72,8 +72,6 @@ class EventHandler : public rapidjson::BaseReaderHandler<rapidjson::UTF8<>, Even
     return true;
   }
 
-  /// Not left to the base class, which takes a number's text for a string.
-  bool RawNumber(const char*, rapidjson::SizeType, bool) { return Default(); }
   /// Every other value.
   bool Default() {
     if (depth_ == 0) return false;
@@ -116,11 +114,10 @@ class EventHandler : public rapidjson::BaseReaderHandler<rapidjson::UTF8<>, Even
 }  // namespace
 
 std::optional<StringMap> readHookEvent(ByteSource input) {
-  ByteStream stream(std::move(input));
+  ByteStream stream(JsonFilter(std::move(input)));
   EventHandler handler;
   rapidjson::Reader reader;
-  constexpr unsigned flags = rapidjson::kParseIterativeFlag | rapidjson::kParseValidateEncodingFlag |
-                             rapidjson::kParseNumbersAsStringsFlag;
+  constexpr unsigned flags = rapidjson::kParseIterativeFlag | rapidjson::kParseValidateEncodingFlag;
   const bool isObject = !reader.Parse<flags>(stream, handler).IsError() && stream.isAtEnd();
   stream.drain();
   if (!isObject) return std::nullopt;

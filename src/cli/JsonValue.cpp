@@ -7,35 +7,28 @@
 #include <rapidjson/reader.h>
 #include <rapidjson/stringbuffer.h>
 
-#include "cli/JsonText.h"
+#include <algorithm>
+
+#include "cli/NumberScanner.h"
 
 namespace tarnwick {
 namespace {
 
 constexpr size_t deepestLevel = 512;
 
-bool isDigit(char character) { return character >= '0' && character <= '9'; }
-
 /// Whether all of `text` is one JSON number.
 bool isNumber(std::string_view text) {
-  const auto take = [&](std::string_view anyOf) {
-    const bool found = !text.empty() && anyOf.find(text.front()) != anyOf.npos;
-    if (found) text.remove_prefix(1);
-    return found;
-  };
-  const auto takeDigits = [&] {
-    const size_t before = text.size();
-    while (!text.empty() && isDigit(text.front())) text.remove_prefix(1);
-    return text.size() < before;
-  };
-  take("-");
-  if (!take("0") && !takeDigits()) return false;
-  if (take(".") && !takeDigits()) return false;
-  if (take("eE")) {
-    take("+-");
-    if (!takeDigits()) return false;
+  NumberScanner scanner;
+  return std::ranges::all_of(text, [&](char byte) { return scanner.take(byte); }) && scanner.isComplete();
+}
+
+/// Whether a string that the JSON reader decoded came from an escape of half a surrogate pair: the reader
+/// lets a low half pass and encodes it as bytes that are not UTF-8.
+bool hasLoneSurrogate(std::string_view decoded) {
+  for (size_t at = decoded.find('\xED'); at != decoded.npos; at = decoded.find('\xED', at + 1)) {
+    if (at + 1 < decoded.size() && static_cast<unsigned char>(decoded[at + 1]) >= 0xA0) return true;
   }
-  return text.empty();
+  return false;
 }
 
 /// Puts a zero and blanks in the place of every number outside strings, and returns the numbers in their
@@ -47,8 +40,9 @@ std::vector<std::string> takeNumbers(std::string& json) {
   for (size_t at = 0; at < json.size(); ++at) {
     if (json[at] == '"') isInString = !isInString;
     if (json[at] == '\\') ++at;
-    if (isInString || at >= json.size() || (json[at] != '-' && !isDigit(json[at]))) continue;
-    const size_t length = std::min(json.find_first_not_of("+-.0123456789eE", at), json.size()) - at;
+    if (isInString || at >= json.size() || !NumberScanner::isStart(json[at])) continue;
+    const auto end = std::find_if_not(json.begin() + at, json.end(), NumberScanner::isPart);
+    const size_t length = static_cast<size_t>(end - json.begin()) - at;
     std::string number = json.substr(at, length);
     if (isNumber(number)) {
       json.replace(at, length, length, ' ');

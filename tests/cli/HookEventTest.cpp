@@ -133,12 +133,24 @@ TEST(HookEvent, IsNothingUnlessTheInputIsAJsonObject) {
       "{prompt:\"x\"}",
       R"({"prompt":"\x"})",
       R"({"prompt":"\u12g4"})",
-      R"({"prompt":"\ud800"})",
-      R"({"prompt":"\udc00"})",
-      R"({"prompt":"\udc00\ud800"})",
-      R"({"other":["\udfff"]})",
-      R"({"\udfff":1})",
+      R"({"prompt":"\ud83d\u12g4"})",
+      R"({"prompt":"\ud83d)",
       R"({"prompt":01})",
+      R"({"other":-})",
+      R"({"other":-01})",
+      R"({"other":1.})",
+      R"({"other":.5})",
+      R"({"other":+5})",
+      R"({"other":1.2.3})",
+      R"({"other":1e})",
+      R"({"other":1e+})",
+      R"({"other":1e5e5})",
+      R"({"other":1-2})",
+      R"({"other":1 2})",
+      R"({"other":1x})",
+      R"({"other":1"x"})",
+      R"({1:2})",
+      R"({} 1)",
       R"({"prompt":NaN})",
       R"({"prompt":"x"/*no*/})",
       "{\"prompt\":\"caf\xE9\"}",
@@ -151,6 +163,31 @@ TEST(HookEvent, IsNothingUnlessTheInputIsAJsonObject) {
       repeated("{\"a\":", 100000),
   };
   for (const std::string& text : texts) EXPECT_EQ(read(text), std::nullopt) << text.substr(0, 60);
+}
+
+TEST(HookEvent, MayHoldNumbersOfAnySizeAndTextsCutInsideAnEmoji) {
+  struct Case {
+    const char* json;
+    StringMap map;
+  };
+  const Case cases[] = {
+      {R"({"prompt":"a","tool_input":{"x":1e400,"command":"c"}})", {{"prompt", "a"}, {"tool_detail", "c"}}},
+      {R"({"a":[-0,0,-12.50e-999999999999,1E+400,7],"prompt":"-1e400"})", {{"prompt", "-1e400"}}},
+      {R"({"prompt":"\"1e400\\"})", {{"prompt", "\"1e400\\"}}},
+      {R"({"prompt":"abc\ud83d"})", {{"prompt", "abc\uFFFD"}}},
+      {R"({"prompt":"\ud83dabc"})", {{"prompt", "\uFFFDabc"}}},
+      {R"({"prompt":"\uDE00abc"})", {{"prompt", "\uFFFDabc"}}},
+      {R"({"prompt":"\udc00\ud800"})", {{"prompt", "\uFFFD\uFFFD"}}},
+      {R"({"prompt":"\ud83d\ud83d\ude00\ude00"})", {{"prompt", "\uFFFD😀\uFFFD"}}},
+      {R"({"prompt":"\ud83d\n\u00e9\ud83d\\ude00\ud83d\""})", {{"prompt", "\uFFFD\né\uFFFD\\ude00\uFFFD\""}}},
+      {R"({"\udfff":["\udfff"],"prompt":"b"})", {{"prompt", "b"}}},
+  };
+  for (const Case& one : cases) {
+    for (size_t size = 1; size < 20; ++size)
+      EXPECT_EQ(readHookEvent(inPieces(one.json, size)), one.map) << one.json << " in pieces of " << size;
+  }
+  const std::string digits(1 << 20, '9');
+  EXPECT_EQ(read("{\"a\":" + digits + "." + digits + ",\"prompt\":\"x\"}"), (StringMap{{"prompt", "x"}}));
 }
 
 TEST(HookEvent, MayBeNestedDeeply) {
