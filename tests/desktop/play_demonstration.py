@@ -3,7 +3,6 @@
 usage: play_demonstration.py FOLDER"""
 
 import argparse
-import subprocess
 import time
 from pathlib import Path
 
@@ -33,20 +32,22 @@ with Desktop() as desktop:
     print("Starting the overlay …", flush=True)
     desktop.start_overlay()
     print("Playing Tarnwick --demo (13 seconds); a picture of every step:", flush=True)
-    with subprocess.Popen(["dbus-monitor", "type='signal',interface='dev.tarnwick',member='event'"],
-                          env=desktop.environment, stdout=subprocess.PIPE, text=True) as monitor:
-        try:
-            while "member=NameLost" not in monitor.stdout.readline():
-                pass  # from then on it hears everything
-            demonstration = desktop.start([PROGRAM, "--demo"])
-            for step in STEPS:
-                while "member=event" not in monitor.stdout.readline():
-                    pass
-                time.sleep(SETTLING_SECONDS)
-                save(step)
-            wait_until(lambda: demonstration.poll() is not None, "the demonstration to end")
-        finally:
-            monitor.terminate()
+    monitor = desktop.start(["dbus-monitor", "type='signal',interface='dev.tarnwick',member='event'"])
+
+    def wait_to_hear(what, times=1):
+        def look():
+            if monitor.poll() is not None:
+                raise AssertionError(f"dbus-monitor ended with {monitor.returncode}")
+            return monitor.log.read_text(errors="replace").count(f"member={what}") >= times
+        wait_until(look, f"the bus to carry {what} for the {times}. time")
+
+    wait_to_hear("NameLost")  # from then on it hears everything
+    demonstration = desktop.start([PROGRAM, "--demo"])
+    for number, step in enumerate(STEPS, 1):
+        wait_to_hear("event", number)
+        time.sleep(SETTLING_SECONDS)
+        save(step)
+    wait_until(lambda: demonstration.poll() is not None, "the demonstration to end")
     desktop.move_pointer(desktop.size[0] // 2, 5)
     desktop.click()
     time.sleep(SETTLING_SECONDS)
