@@ -4,10 +4,12 @@
 
 #include <QApplication>
 #include <QSocketNotifier>
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <string>
+#include <string_view>
 
 #include "app/AppDelegate.h"
 
@@ -72,7 +74,12 @@ std::unique_ptr<QApplication> makeApplication(int& count, char** arguments) {
 
 }  // namespace
 
-int main(int, char** argv) {
+int main(int argc, char** argv) {
+  // The last argument would be a switch without its folder, which means the overlay.
+  if (std::find(argv, argv + argc - 1, std::string_view("--snapshot")) != argv + argc - 1) {
+    std::fputs("Tarnwick: --snapshot cannot render pictures yet.\n", stderr);
+    return EXIT_FAILURE;
+  }
   const auto connection = tarnwick::X11Connection::open();
   if (!connection) {
     std::fputs(

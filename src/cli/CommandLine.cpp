@@ -40,8 +40,6 @@ const char* const helpText =
     "  --uninstall-hooks             remove them again\n"
     "  --hook                        relay one hook event from standard input to the overlay\n"
     "  --demo                        play a short scripted session in the overlay\n"
-    "  --showcase <command> [arg]    drive the overlay's demonstration mode\n"
-    "  --snapshot <directory>        render still pictures into a directory\n"
     "  --help                        show this text\n"
     "  --version                     show the version\n";
 

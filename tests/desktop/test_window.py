@@ -18,6 +18,11 @@ class Window(DesktopTest):
         self.desktop.wait_for_notch(*CLAUDE)
         self.assertIsNone(first.poll())
 
+    def test_asked_for_pictures_it_says_that_it_has_none(self):
+        result = self.desktop.run("--snapshot", "pictures")
+        self.assertEqual(result.returncode, 1)
+        self.assertIn(b"--snapshot", result.stderr)
+
     def test_a_window_that_fills_the_screen_hides_the_wings_but_not_a_banner(self):
         self.desktop.start_overlay()
         self.desktop.hook(hook_event_name="UserPromptSubmit", session_id="a")
