@@ -55,7 +55,9 @@ class Desktop:
                             if name not in ("DISPLAY", "WAYLAND_DISPLAY", "DBUS_SESSION_BUS_ADDRESS",
                                             "QT_QPA_PLATFORM", "LC_ALL", "LC_MESSAGES")}
         self.environment.update({name: str(folder) for name, folder in folders.items()})
-        self.environment.update(LANG="C.UTF-8", LANGUAGE=language, QT_ACCESSIBILITY="0")
+        # The C locale would make nothing of LANGUAGE. The other one need not be installed: its name is enough.
+        locale = {"en": "C.UTF-8", "fr": "fr_FR.UTF-8"}[language]
+        self.environment.update(LANG=locale, LANGUAGE=language, QT_ACCESSIBILITY="0")
         if scale != 1:
             self.environment["QT_SCALE_FACTOR"] = str(scale)
         try:
