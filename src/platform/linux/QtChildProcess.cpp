@@ -46,6 +46,9 @@ QtChildProcess::QtChildProcess(const std::string& executable, const std::vector<
 
 QtChildProcess::~QtChildProcess() {
   notifier_.reset();
+  process_.disconnect();
+  process_.kill();
+  process_.waitForFinished();  // it has no choice
   for (int* file : {&output_, &input_, &childOutput_, &childInput_}) closeFile(*file);
 }
 

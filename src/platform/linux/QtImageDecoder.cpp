@@ -55,6 +55,7 @@ std::optional<Image> QtImageDecoder::decode(std::string_view bytes) const {
 }
 
 std::optional<Image> QtImageDecoder::decodeFile(const std::string& path) const {
+  if (path.empty()) return std::nullopt;
   QFile file(QString::fromStdString(path));
   if (!file.open(QIODevice::ReadOnly)) return std::nullopt;
   const QByteArray start = file.peek(16);

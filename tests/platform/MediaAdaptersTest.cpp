@@ -1,0 +1,224 @@
+// What now playing asks of the desktop: programs, pictures, applications.
+#include <gtest/gtest.h>
+#include <signal.h>
+
+#include <QBuffer>
+#include <QImage>
+#include <algorithm>
+#include <filesystem>
+
+#include "platform/TestDesktop.h"
+#include "platform/linux/DesktopApplications.h"
+#include "platform/linux/QtChildProcesses.h"
+#include "platform/linux/QtImageDecoder.h"
+#include "support/TemporaryFolder.h"
+
+using namespace tarnwick;
+
+namespace {
+
+/// A program and all that is heard of it.
+struct Program {
+  explicit Program(QtChildProcesses& processes, const std::string& executable,
+                   const std::vector<std::string>& arguments = {}) {
+    ChildProcesses::Events events;
+    events.onReadable = [this] {
+      const std::string bytes = child->read();
+      output += bytes;
+      if (bytes.empty()) {
+        outputEnded = true;
+      } else if (reads) {
+        child->awaitOutput();
+      }
+    };
+    events.onExit = [this] { ++exits; };
+    events.onFailure = [this](const std::string& error) { failures.push_back(error); };
+    child = processes.launch(executable, arguments, std::move(events));
+    child->awaitOutput();
+  }
+
+  std::unique_ptr<ChildProcess> child;
+  bool reads = true;
+  std::string output;
+  bool outputEnded = false;
+  int exits = 0;
+  std::vector<std::string> failures;
+};
+
+QByteArray encoded(const QImage& image, const char* format) {
+  QByteArray bytes;
+  QBuffer buffer(&bytes);
+  buffer.open(QIODevice::WriteOnly);
+  image.save(&buffer, format);
+  return bytes;
+}
+
+std::string_view view(const QByteArray& bytes) {
+  return {bytes.constData(), static_cast<size_t>(bytes.size())};
+}
+
+/// Data folders of the test's own, for as long as it lives.
+class DataFolder {
+ public:
+  DataFolder() {
+    qputenv("XDG_DATA_HOME", folder.path().c_str());
+    qputenv("XDG_DATA_DIRS", (folder.path() + "/system").c_str());
+  }
+  ~DataFolder() {
+    qunsetenv("XDG_DATA_HOME");
+    qunsetenv("XDG_DATA_DIRS");
+  }
+  std::string entry(const std::string& id, const std::string& lines) {
+    return folder.write("applications/" + id + ".desktop", "[Desktop Entry]\nType=Application\n" + lines);
+  }
+  TemporaryFolder folder;
+};
+
+}  // namespace
+
+TEST(QtChildProcesses, TalksWithAProgram) {
+  QtChildProcesses processes;
+  Program program(processes, "/bin/sh",
+                  {"-c", "printf started; read line; printf \" $0 $line\"; exit 3", "é a"});
+  program.child->write("too early\n");
+  EXPECT_EQ(program.output, "");
+  processes.allowStarting();
+  ASSERT_TRUE(waitUntil([&] { return program.output == "started"; }));
+  program.child->write("one\ntwo\n");
+  EXPECT_TRUE(waitUntil([&] { return program.outputEnded && program.exits == 1; }));
+  EXPECT_EQ(program.output, "started é a one");
+  EXPECT_TRUE(program.failures.empty());
+  program.child->write("nobody reads this\n");
+}
+
+TEST(QtChildProcesses, SaysWhatCannotBeStarted) {
+  QtChildProcesses processes;
+  processes.allowStarting();
+  Program program(processes, "/nonexistent/program");
+  EXPECT_TRUE(program.failures.empty()) << "not from within the call";
+  ASSERT_TRUE(waitUntil([&] { return !program.failures.empty(); }));
+  EXPECT_NE(program.failures.front(), "");
+  EXPECT_EQ(program.exits, 0);
+}
+
+TEST(QtChildProcesses, AProgramThatNobodyReadsWaitsAndEndsWithItsHandle) {
+  QtChildProcesses processes;
+  processes.allowStarting();
+  Program program(processes, "/bin/sh", {"-c", "echo $$; exec yes"});
+  program.reads = false;
+  ASSERT_TRUE(waitUntil([&] { return !program.output.empty(); }));
+  const pid_t process = std::stoi(program.output);
+  const size_t received = program.output.size();
+  // Once its pipe is full it sleeps.
+  ASSERT_TRUE(waitUntil([&] {
+    const std::string state = contentsOf("/proc/" + std::to_string(process) + "/wchan");
+    return state.find("pipe") != std::string::npos || state == "0";
+  }));
+  EXPECT_EQ(program.output.size(), received);
+  program.child.reset();
+  EXPECT_TRUE(waitUntil([&] { return ::kill(process, 0) != 0; }));
+  EXPECT_EQ(program.exits, 0) << "whoever lets go of it is not told";
+}
+
+TEST(QtImageDecoder, ReadsPicturesAndNothingElse) {
+  QImage red(20, 10, QImage::Format_ARGB32);
+  red.fill(QColor(255, 0, 0));
+  QImage sheer(4, 4, QImage::Format_ARGB32);
+  sheer.fill(QColor(255, 0, 0, 128));
+  const QByteArray png = encoded(red, "PNG");
+  // A header that promises far more than there is.
+  QByteArray bomb = encoded(red, "BMP");
+  bomb.replace(18, 8, QByteArray("\xff\xff\x00\x00\xff\xff\x00\x00", 8));
+  const struct {
+    const char* what;
+    QByteArray bytes;
+    int width, height;
+    uint32_t pixel;
+  } cases[] = {
+      {"PNG", png, 20, 10, 0xffff0000},
+      {"JPEG", encoded(red, "JPG"), 20, 10, 0xfffe0000},
+      {"BMP", encoded(red, "BMP"), 20, 10, 0xffff0000},
+      {"sheer", encoded(sheer, "PNG"), 4, 4, 0x80800000},
+      {"large", encoded(red.scaled(2000, 1000), "PNG"), 400, 200, 0xffff0000},
+      {"long", encoded(red.scaled(3000, 1), "PNG"), 400, 1, 0xffff0000},
+      {"nothing", {}, 0, 0, 0},
+      {"text", "hello", 0, 0, 0},
+      {"a beginning", png.left(30), 0, 0, 0},
+      {"a bomb", bomb, 0, 0, 0},
+  };
+  const QtImageDecoder decoder;
+  for (const auto& c : cases) {
+    const std::optional<Image> image = decoder.decode(view(c.bytes));
+    ASSERT_EQ(image.has_value(), c.width > 0) << c.what;
+    if (!image) continue;
+    EXPECT_EQ(image->width, c.width) << c.what;
+    EXPECT_EQ(image->height, c.height) << c.what;
+    ASSERT_EQ(image->pixels->size(), static_cast<size_t>(c.width * c.height)) << c.what;
+    EXPECT_EQ(image->pixels->front(), c.pixel) << c.what;
+  }
+}
+
+TEST(DesktopApplications, KnowsTheApplicationOfAProcess) {
+  DataFolder data;
+  const std::string sleeper = data.entry("org.example.Sleeper",
+                                         "Exec=/usr/bin/sleep --x %U\nIcon=sleeper\n"
+                                         "[Desktop Action x]\nExec=nothing\n");
+  const std::string named = data.entry("named", "Exec=other\n");
+  QImage icon(128, 128, QImage::Format_RGB32);
+  icon.fill(Qt::blue);
+  const QByteArray bytes = encoded(icon, "PNG");
+  data.folder.write("system/icons/hicolor/128x128/apps/sleeper.png", bytes.toStdString());
+  const QtImageDecoder images;
+  DesktopApplications applications(TestDesktop::shared().connection(), images);
+
+  auto child = std::make_unique<Child>("sleep", QStringList{"1000"});
+  const auto process = static_cast<int32_t>(child->id());
+  const struct {
+    const char *what, *name;
+    std::string bundle;
+    bool icon;
+  } cases[] = {{"by its program", "", sleeper, true},
+               {"by a name that nobody has", "nobody", sleeper, true},
+               {"by a name that is a path", "../applications/named", sleeper, true},
+               {"by its name", "named", named, false}};
+  for (const auto& c : cases) {
+    const auto application = applications.runningApplication(process, c.name);
+    ASSERT_TRUE(application) << c.what;
+    EXPECT_EQ(application->bundle, c.bundle) << c.what;
+    ASSERT_EQ(application->icon.has_value(), c.icon) << c.what;
+    if (c.icon) EXPECT_EQ(application->icon->pixels->front(), 0xff0000ff) << c.what;
+  }
+  EXPECT_EQ(applications.runningApplication(static_cast<int32_t>(::getpid()), ""), Application{})
+      << "a program without a desktop entry";
+  child.reset();
+  EXPECT_FALSE(applications.runningApplication(process, "named"));
+}
+
+TEST(DesktopApplications, BringsAnApplicationForwardOrStartsIt) {
+  DataFolder data;
+  const std::string started = data.folder.path() + "/is started";
+  const std::string starts = "Exec=touch \"" + started + "\" %U\n";
+  TestDesktop& desktop = TestDesktop::shared();
+  const QtImageDecoder images;
+  DesktopApplications applications(desktop.connection(), images);
+
+  const auto window = desktop.startWindow("Player", QRect(300, 300, 200, 100));
+  const xcb_window_t player = desktop.findWindow("Player");
+  // The window manager lists it a moment after it is on the screen.
+  X11Connection& x = desktop.connection();
+  ASSERT_TRUE(waitUntil([&] {
+    const auto clients = x.property(x.requestProperty(x.root(), "_NET_CLIENT_LIST"));
+    return clients && std::find(clients->begin(), clients->end(), player) != clients->end();
+  }));
+  xcb_set_input_focus(x, XCB_INPUT_FOCUS_POINTER_ROOT, x.root(), XCB_CURRENT_TIME);
+  xcb_flush(x);
+  ASSERT_TRUE(waitUntil([&] { return desktop.focusedWindow() != player; }));
+  applications.open(data.entry("player", starts + "StartupWMClass=Test-Platform\n"));
+  EXPECT_TRUE(waitUntil([&] { return desktop.focusedWindow() == player; }));
+  EXPECT_FALSE(std::filesystem::exists(started));
+
+  applications.open("/nonexistent.desktop");
+  applications.open(data.entry("broken", "Exec=\n"));
+  applications.open(data.entry("windowless", starts));
+  EXPECT_TRUE(waitUntil([&] { return std::filesystem::exists(started); }));
+}
