@@ -4,7 +4,6 @@
 #include <gtest/gtest.h>
 
 #include <QDBusConnectionInterface>
-#include <QDBusInterface>
 #include <filesystem>
 #include <fstream>
 
@@ -60,14 +59,17 @@ class BacklightTest : public testing::Test {
     ASSERT_TRUE(waitUntil([this] { return bus.interface()->isServiceRegistered(login).value(); }));
     const QString code = "f = open('" + QString::fromStdString(sysfs.path()) +
                          "/%s/%s/brightness' % (args[0], args[1]), 'w'); f.write('%d' % args[2]); f.close()";
-    QDBusInterface mock(login, session, "org.freedesktop.DBus.Mock", bus);
     const QDBusMessage reply =
-        mock.call("AddMethod", "org.freedesktop.login1.Session", "SetBrightness", "ssu", "", code);
+        mock("AddMethod", {"org.freedesktop.login1.Session", "SetBrightness", "ssu", "", code});
     ASSERT_EQ(reply.type(), QDBusMessage::ReplyMessage) << reply.errorMessage().toStdString();
   }
+  QDBusMessage mock(const char* method, const QVariantList& arguments) {
+    auto call = QDBusMessage::createMethodCall(login, session, "org.freedesktop.DBus.Mock", method);
+    call.setArguments(arguments);
+    return bus.call(call);
+  }
   int calls() {
-    QDBusInterface mock(login, session, "org.freedesktop.DBus.Mock", bus);
-    const QDBusMessage reply = mock.call("GetMethodCalls", "SetBrightness");
+    const QDBusMessage reply = mock("GetMethodCalls", {"SetBrightness"});
     const auto list = reply.arguments().value(0).value<QDBusArgument>();
     int count = 0;
     for (list.beginArray(); !list.atEnd(); ++count) {
@@ -77,6 +79,7 @@ class BacklightTest : public testing::Test {
       list >> time >> arguments;
       list.endStructure();
     }
+    list.endArray();
     return count;
   }
 
