@@ -13,7 +13,7 @@ std::optional<MediaUpdate> MediaReader::read(std::string_view bytes) {
     if (!line) continue;
     takeArtwork(*line);
     line->artwork.reset();
-    // Only a process that is alive replaces the one before: the last line need not know it.
+    // A line that names no process leaves the one before.
     if (!line->pid && last) std::tie(line->pid, line->desktopEntry) = std::tie(last->pid, last->desktopEntry);
     last = std::move(line);
   }
