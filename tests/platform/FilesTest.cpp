@@ -33,7 +33,12 @@ class JsonUserDefaultsTest : public testing::Test {
 }  // namespace
 
 TEST_F(JsonUserDefaultsTest, KeepsValuesForTheNextStart) {
-  const Strings paths{"/home/é", "", "with \"quotes\" and \\", "line\nbreak"};
+  const Strings paths{"/home/é",
+                      "",
+                      "with \"quotes\" and \\",
+                      "line\nbreak",
+                      "/tmp/caf\xe9",
+                      "\xff\x80/\xed\xb3\xa9/\xf0\x9f"};
   {
     JsonUserDefaults defaults(folders);
     EXPECT_EQ(defaults.boolean("on"), std::nullopt);
@@ -62,14 +67,15 @@ TEST_F(JsonUserDefaultsTest, ReadsOnlyWhatHasTheAskedType) {
 }
 
 TEST_F(JsonUserDefaultsTest, LeavesForeignValuesAsTheyWereWritten) {
-  write(
-      R"({"huge": 1e308, "id": 12345678901234567890123, "price": 1.10, "o": {"a": [1.0, null, {"b": "é"}]}})");
-  JsonUserDefaults defaults(folders);
-  defaults.set("on", true);
-  const std::string text = contentsOf(file());
-  for (const char* part : {"1e308", "12345678901234567890123", "1.10", R"({"a":[1.0,null,{"b":"é"}]})"}) {
-    EXPECT_THAT(text, HasSubstr(part));
-  }
+  const Strings foreign{R"("huge": 1e400)", R"("id": 12345678901234567890123)", R"("price": 1.10)",
+                        R"("halves \udc00": ["\udc00", "\ud800", "\uD83D\uDE00\/"])",
+                        R"("o": {"a": [1.0, -0, null, {"b": "é"}], "": {}, "e": [] })"};
+  std::string text = "{";
+  for (const std::string& member : foreign) text += (text.size() > 1 ? ",\n" : "\n") + member;
+  write(text + "\r\n\t}");
+  JsonUserDefaults(folders).set("on", true);
+  JsonUserDefaults(folders).set("on", false);
+  for (const std::string& member : foreign) EXPECT_THAT(contentsOf(file()), HasSubstr(member));
 }
 
 TEST_F(JsonUserDefaultsTest, LeavesWhatAnotherProgramWroteMeanwhile) {
@@ -81,7 +87,9 @@ TEST_F(JsonUserDefaultsTest, LeavesWhatAnotherProgramWroteMeanwhile) {
 }
 
 TEST_F(JsonUserDefaultsTest, KeepsADamagedFileAside) {
-  for (const char* damaged : {"{\"on\": tru", "[true]", "\xff", ""}) {
+  for (const char* damaged :
+       {"{\"on\": tru", "[true]", "\xff", "", "{\"a\": 01}", "{\"a\": \"\n\"}", "{\"a\": \"\\ud80\"}",
+        "{\"a\": \"\xe9\"}", "{\"a\": [1,]}", "{\"a\": 1} 2", "{\"a\" 1}", "{\"a\": +1}"}) {
     MemoryFolders own;
     const std::string folder = own.configuration() + "/Tarnwick";
     std::filesystem::create_directories(folder);

@@ -1,96 +1,16 @@
 #include "platform/linux/JsonUserDefaults.h"
 
-#include <rapidjson/document.h>
-#include <rapidjson/reader.h>
-#include <rapidjson/stringbuffer.h>
-#include <rapidjson/writer.h>
-
 #include <algorithm>
 #include <filesystem>
-#include <functional>
 
 #include "base/AtomicFile.h"
 
 namespace tarnwick {
 namespace {
 
-using Writer = rapidjson::Writer<rapidjson::StringBuffer>;
-
-/// Cuts an object into its keys and the texts of their values. Numbers come as they were written, so that
-/// none is rounded on its way through this program.
-class TopLevelReader : public rapidjson::BaseReaderHandler<rapidjson::UTF8<>, TopLevelReader> {
- public:
-  explicit TopLevelReader(std::function<void(std::string, std::string)> take) : take_(std::move(take)) {}
-
-  bool Null() {
-    return value([](Writer& writer) { writer.Null(); });
-  }
-  bool Bool(bool b) {
-    return value([=](Writer& writer) { writer.Bool(b); });
-  }
-  bool RawNumber(const char* text, rapidjson::SizeType length, bool) {
-    return value([=](Writer& writer) { writer.RawValue(text, length, rapidjson::kNumberType); });
-  }
-  bool String(const char* text, rapidjson::SizeType length, bool) {
-    return value([=](Writer& writer) { writer.String(text, length); });
-  }
-  bool Key(const char* text, rapidjson::SizeType length, bool) {
-    if (depth_ == 1) {
-      key_.assign(text, length);
-    } else {
-      writer_.Key(text, length);
-    }
-    return true;
-  }
-  bool StartObject() {
-    if (depth_++ > 0) writer_.StartObject();
-    return true;
-  }
-  bool EndObject(rapidjson::SizeType) {
-    if (--depth_ > 0) {
-      writer_.EndObject();
-      finishValue();
-    }
-    return true;
-  }
-  bool StartArray() {
-    if (depth_++ == 0) return false;
-    writer_.StartArray();
-    return true;
-  }
-  bool EndArray(rapidjson::SizeType) {
-    --depth_;
-    writer_.EndArray();
-    finishValue();
-    return true;
-  }
-
- private:
-  template<typename Write>
-  bool value(Write write) {
-    if (depth_ == 0) return false;
-    write(writer_);
-    finishValue();
-    return true;
-  }
-  void finishValue() {
-    if (depth_ != 1) return;
-    take_(key_, {buffer_.GetString(), buffer_.GetSize()});
-    buffer_.Clear();
-    writer_.Reset(buffer_);
-  }
-
-  std::function<void(std::string, std::string)> take_;
-  rapidjson::StringBuffer buffer_;
-  Writer writer_{buffer_};
-  int depth_ = 0;
-  std::string key_;
-};
-
-std::string quoted(const std::string& text) {
-  rapidjson::StringBuffer buffer;
-  Writer(buffer).String(text.data(), static_cast<rapidjson::SizeType>(text.size()));
-  return {buffer.GetString(), buffer.GetSize()};
+auto memberNamed(auto& members, const std::string& key) {
+  return std::find_if(members.begin(), members.end(),
+                      [written = jsonString(key)](const JsonMember& each) { return each.key == written; });
 }
 
 }  // namespace
@@ -105,22 +25,15 @@ JsonUserDefaults::FileState JsonUserDefaults::load() {
   if (const std::error_code error = readFile(path_, text)) {
     return error == std::errc::no_such_file_or_directory ? FileState::absent : FileState::damaged;
   }
-  std::vector<Entry> entries;
-  TopLevelReader handler([&](std::string key, std::string json) {
-    entries.push_back({std::move(key), std::move(json)});
-  });
-  rapidjson::MemoryStream stream(text.data(), text.size());
-  constexpr unsigned flags = rapidjson::kParseNumbersAsStringsFlag | rapidjson::kParseIterativeFlag |
-                             rapidjson::kParseValidateEncodingFlag;
-  if (rapidjson::Reader().Parse<flags>(stream, handler).IsError()) return FileState::damaged;
-  entries_ = std::move(entries);
+  auto members = membersOfObject(text);
+  if (!members) return FileState::damaged;
+  members_ = std::move(*members);
   return FileState::whole;
 }
 
 const std::string* JsonUserDefaults::find(const std::string& key) const {
-  const auto entry =
-      std::find_if(entries_.begin(), entries_.end(), [&](const Entry& each) { return each.key == key; });
-  return entry == entries_.end() ? nullptr : &entry->json;
+  const auto member = memberNamed(members_, key);
+  return member == members_.end() ? nullptr : &member->value;
 }
 
 std::optional<bool> JsonUserDefaults::boolean(const std::string& key) const {
@@ -132,16 +45,7 @@ std::optional<bool> JsonUserDefaults::boolean(const std::string& key) const {
 
 std::optional<std::vector<std::string>> JsonUserDefaults::strings(const std::string& key) const {
   const std::string* json = find(key);
-  if (!json) return std::nullopt;
-  rapidjson::Document document;
-  document.Parse<rapidjson::kParseIterativeFlag>(json->data(), json->size());
-  if (!document.IsArray()) return std::nullopt;
-  std::vector<std::string> values;
-  for (const auto& element : document.GetArray()) {
-    if (!element.IsString()) return std::nullopt;
-    values.emplace_back(element.GetString(), element.GetStringLength());
-  }
-  return values;
+  return json ? stringsOfArray(*json) : std::nullopt;
 }
 
 void JsonUserDefaults::set(const std::string& key, bool value) { store(key, value ? "true" : "false"); }
@@ -150,7 +54,7 @@ void JsonUserDefaults::set(const std::string& key, const std::vector<std::string
   std::string json = "[";
   for (const std::string& text : value) {
     if (json.size() > 1) json += ",";
-    json += quoted(text);
+    json += jsonString(text);
   }
   store(key, json + "]");
 }
@@ -159,19 +63,18 @@ void JsonUserDefaults::store(const std::string& key, const std::string& json) {
   const FileState state = load();
   if (state == FileState::damaged) keepAside();
 
-  const auto entry =
-      std::find_if(entries_.begin(), entries_.end(), [&](const Entry& each) { return each.key == key; });
-  if (entry == entries_.end()) {
-    entries_.push_back({key, json});
-  } else if (state == FileState::whole && entry->json == json) {
+  const auto member = memberNamed(members_, key);
+  if (member == members_.end()) {
+    members_.push_back({jsonString(key), json});
+  } else if (state == FileState::whole && member->value == json) {
     return;
   } else {
-    entry->json = json;
+    member->value = json;
   }
 
   std::string text = "{";
-  for (const Entry& each : entries_) {
-    text += (text.size() > 1 ? ",\n  " : "\n  ") + quoted(each.key) + ": " + each.json;
+  for (const JsonMember& each : members_) {
+    text += (text.size() > 1 ? ",\n  " : "\n  ") + each.key + ": " + each.value;
   }
   std::error_code ignored;
   std::filesystem::create_directories(folder_, ignored);

@@ -4,6 +4,7 @@
 
 #include "base/UserDefaults.h"
 #include "platform/Folders.h"
+#include "platform/linux/JsonMembers.h"
 
 namespace tarnwick {
 
@@ -19,11 +20,6 @@ class JsonUserDefaults : public UserDefaults {
   void set(const std::string& key, const std::vector<std::string>& value) override;
 
  private:
-  struct Entry {
-    std::string key;
-    /// The value's JSON text.
-    std::string json;
-  };
   /// damaged: it is there, but cannot be read or is no JSON object.
   enum class FileState { absent, whole, damaged };
 
@@ -34,7 +30,7 @@ class JsonUserDefaults : public UserDefaults {
 
   std::string folder_;
   std::string path_;
-  std::vector<Entry> entries_;
+  std::vector<JsonMember> members_;
 };
 
 }  // namespace tarnwick
