@@ -70,7 +70,7 @@ std::error_code writeFileAtomically(const std::string& path, std::string_view co
   struct stat existing;
   if (::stat(target.c_str(), &existing) == 0) {
     // The owner only matters (and can only be changed) for root; a refusal leaves a file of our own.
-    if (::fchown(file, existing.st_uid, existing.st_gid) != 0) errno = 0;
+    [[maybe_unused]] const int refused = ::fchown(file, existing.st_uid, existing.st_gid);
     mode = existing.st_mode & 07777;
   } else {
     const mode_t mask = ::umask(0);

@@ -126,10 +126,10 @@ TEST(FileList, TakesTheFilesOfThisMachine) {
   char host[256];
   gethostname(host, sizeof host);
   const std::string text =
-      "# a comment\r\nfile:///plain\r\nfile:///with%20space%2F\r\nhttp://example.org/file\n"
+      "# a comment\r\nfile:///plain\r\nfile:///with%20space%2F\r\nfile:///\r\nhttp://example.org/file\n"
       "file:/short\r\nfile://localhost/local\r\nfile://elsewhere.invalid/far\r\nfile://" +
       std::string(host) + "/named\r\nfile:///latin1%E9\r\nfile:///nul%00byte\r\nfile:relative";
   EXPECT_THAT(filesOfUriList(text),
-              ElementsAre("/plain", "/with space/", "/short", "/local", "/named", "/latin1\xe9"));
+              ElementsAre("/plain", "/with space", "/", "/short", "/local", "/named", "/latin1\xe9"));
   EXPECT_THAT(filesOfUriList(""), ElementsAre());
 }

@@ -28,9 +28,11 @@ std::vector<FilePath> filesOfUriList(std::string_view text) {
       if (slash == std::string_view::npos || !isThisMachine(line.substr(0, slash))) continue;
       line.remove_prefix(slash);
     }
-    const FilePath path =
+    FilePath path =
         QByteArray::fromPercentEncoding(QByteArray(line.data(), static_cast<qsizetype>(line.size())))
             .toStdString();
+    // Some sources end folders with a slash: it is the same folder with and without.
+    while (path.size() > 1 && path.ends_with('/')) path.pop_back();
     if (path.starts_with('/') && path.find('\0') == FilePath::npos) files.push_back(path);
   }
   return files;

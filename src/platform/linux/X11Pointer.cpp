@@ -3,7 +3,6 @@
 #include <xcb/xfixes.h>
 #include <xcb/xinput.h>
 
-
 #include "platform/linux/FileList.h"
 
 namespace tarnwick {
@@ -127,9 +126,13 @@ bool X11Pointer::holdsFiles(xcb_atom_t property) const {
   constexpr uint32_t limit = 65536;  // in units of four bytes; enough to see whether there is a file
   const auto reply = owned(xcb_get_property_reply(
       connection_,
-      xcb_get_property(connection_, 1, requestor_, property, XCB_GET_PROPERTY_TYPE_ANY, 0, limit), nullptr));
+      xcb_get_property(connection_, 0, requestor_, property, XCB_GET_PROPERTY_TYPE_ANY, 0, limit), nullptr));
   if (!reply) return false;
-  if (reply->format == 32) return true;  // announced as too long for one piece: no link is that long
+  // Announced as too long for one piece: no link is that long. Deleting the property would ask for the
+  // pieces.
+  if (reply->format == 32) return true;
+  xcb_delete_property(connection_, requestor_, property);
+  xcb_flush(connection_);
   return !filesOfUriList({static_cast<const char*>(xcb_get_property_value(reply.get())),
                           static_cast<size_t>(xcb_get_property_value_length(reply.get()))})
               .empty();
