@@ -8,6 +8,15 @@
 
 namespace tarnwick {
 
+namespace {
+
+std::vector<FilePath> filesOf(const QMimeData& data) {
+  const QByteArray list = data.data(fileListType);
+  return filesOfUriList({list.data(), static_cast<size_t>(list.size())});
+}
+
+}  // namespace
+
 NotchWindow::NotchWindow()
     : QWidget(nullptr, Qt::BypassWindowManagerHint | Qt::FramelessWindowHint | Qt::Tool |
                            Qt::WindowStaysOnTopHint | Qt::NoDropShadowWindowHint) {
@@ -23,7 +32,8 @@ bool NotchWindow::event(QEvent* event) {
 }
 
 void NotchWindow::dragEnterEvent(QDragEnterEvent* event) {
-  if (!event->mimeData()->hasFormat(fileListType)) return event->ignore();
+  // Links come in lists of the same type.
+  if (filesOf(*event->mimeData()).empty()) return event->ignore();
   event->setDropAction(Qt::CopyAction);
   event->accept();
   if (onDragEnter) onDragEnter();
@@ -39,8 +49,7 @@ void NotchWindow::dragLeaveEvent(QDragLeaveEvent*) {
 }
 
 void NotchWindow::dropEvent(QDropEvent* event) {
-  const QByteArray list = event->mimeData()->data(fileListType);
-  const std::vector<FilePath> files = filesOfUriList({list.data(), static_cast<size_t>(list.size())});
+  const std::vector<FilePath> files = filesOf(*event->mimeData());
   event->setDropAction(files.empty() ? Qt::IgnoreAction : Qt::CopyAction);
   event->setAccepted(!files.empty());
   if (onDropFiles) onDropFiles(files);
