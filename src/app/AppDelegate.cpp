@@ -23,9 +23,10 @@ QPainterPath presentedSurface(const ui::Scene& scene) {
 AppDelegate::AppDelegate(X11Connection& connection) : connection_(connection) {}
 
 void AppDelegate::applicationDidFinishLaunching() {
-  const Desktop desktop{scheduler_, notifications_, defaults_,  folders_,    screens_,      pointer_,
-                        windows_,   sounds_,        haptics_,   processes_,  applications_, images_,
-                        log_,       audioDevices_,  mediaKeys_, brightness_, powerSources_, bluetooth_};
+  const Desktop desktop{scheduler_,    notifications_, defaults_,  folders_,      screens_,
+                        pointer_,      windows_,       sounds_,    haptics_,      processes_,
+                        applications_, images_,        log_,       audioDevices_, mediaKeys_,
+                        brightness_,   powerSources_,  bluetooth_, calendars_};
   controller_ =
       std::make_unique<NotchController>(desktop, [this](NotchModel& model) { return makePanel(model); });
 }
@@ -43,6 +44,7 @@ std::unique_ptr<NotchPanel> AppDelegate::makePanel(NotchModel& model) {
     audioDevices_.connect();
     processes_.allowStarting();
     systemBus_.open();
+    calendars_.allowConnecting();
   };
   panel->onPointerCrossing = [this] { pointer_.noteActivity(); };
   return panel;

@@ -7,6 +7,7 @@
 #include "platform/linux/CanberraSoundPlayer.h"
 #include "platform/linux/DBusNotificationCenter.h"
 #include "platform/linux/DesktopApplications.h"
+#include "platform/linux/EvolutionCalendars.h"
 #include "platform/linux/JsonUserDefaults.h"
 #include "platform/linux/Module.h"
 #include "platform/linux/NoHaptics.h"
@@ -60,6 +61,7 @@ class AppDelegate {
   BacklightBrightness brightness_{systemBus_};
   UPowerSources powerSources_{systemBus_};
   BluezDevices bluetooth_{systemBus_};
+  EvolutionCalendars calendars_{scheduler_, [] { return loadCalendarModule(moduleFolder()); }};
   std::unique_ptr<NotchController> controller_;
 };
 

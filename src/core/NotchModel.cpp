@@ -35,6 +35,7 @@ NotchModel::NotchModel(const Desktop& desktop)
              desktop.log}),
       audio(desktop.audioDevices),
       power(desktop.powerSources, desktop.sounds),
+      calendar(desktop.calendars, desktop.scheduler),
       tray(desktop.defaults),
       notes(desktop.scheduler, desktop.folders),
       scheduler_(desktop.scheduler) {

@@ -4,6 +4,7 @@
 #include "platform/Applications.h"
 #include "platform/AudioDevices.h"
 #include "platform/BluetoothDevices.h"
+#include "platform/Calendars.h"
 #include "platform/ChildProcesses.h"
 #include "platform/DisplayBrightness.h"
 #include "platform/Folders.h"
@@ -41,6 +42,7 @@ struct Desktop {
   DisplayBrightness& brightness;
   PowerSources& powerSources;
   BluetoothDevices& bluetooth;
+  Calendars& calendars;
 };
 
 }  // namespace tarnwick

@@ -148,4 +148,22 @@ void MemoryBluetoothDevices::tell(BluetoothEvent event, const BluetoothDevice& d
   }
 }
 
+std::vector<CalendarEvent> MemoryCalendars::events(Date from, Date to) {
+  std::vector<CalendarEvent> found;
+  for (const CalendarEvent& event : events_) {
+    if (event.start < to && event.end > from) found.push_back(event);
+  }
+  return found;
+}
+
+void MemoryCalendars::setAccess(bool access) {
+  access_ = access;
+  if (answer_) answer_(access);
+}
+
+void MemoryCalendars::set(std::vector<CalendarEvent> events) {
+  events_ = std::move(events);
+  changes_.notifyObservers();
+}
+
 }  // namespace tarnwick

@@ -209,6 +209,27 @@ class MemoryBluetoothDevices : public BluetoothDevices {
   std::vector<std::weak_ptr<Receiver>> receivers_;
 };
 
+/// Calendars that a test fills. Access is not given before the test does.
+class MemoryCalendars : public Calendars {
+ public:
+  void requestAccess(std::function<void(bool)> then) override { answer_ = std::move(then); }
+  bool hasAccess() const override { return access_; }
+  std::vector<CalendarEvent> events(Date from, Date to) override;
+  Subscription observe(std::function<void()> onChange) override {
+    return changes_.observe(std::move(onChange));
+  }
+
+  bool isAsked() const { return answer_ != nullptr; }
+  void setAccess(bool access);
+  void set(std::vector<CalendarEvent> events);
+
+ private:
+  std::vector<CalendarEvent> events_;
+  std::function<void(bool)> answer_;
+  bool access_ = false;
+  ObservableObject changes_;
+};
+
 /// A whole desktop in memory, with a clock that stands still until a test moves it.
 struct MemoryDesktop {
   VirtualScheduler scheduler;
@@ -229,10 +250,11 @@ struct MemoryDesktop {
   MemoryDisplayBrightness brightness;
   MemoryPowerSources powerSources;
   MemoryBluetoothDevices bluetooth;
+  MemoryCalendars calendars;
 
-  Desktop ports{scheduler, notifications, defaults,  folders,    screens,      pointer,
-                windows,   sounds,        haptics,   processes,  applications, images,
-                log,       audioDevices,  mediaKeys, brightness, powerSources, bluetooth};
+  Desktop ports{scheduler, notifications, defaults,     folders,      screens,  pointer, windows,
+                sounds,    haptics,       processes,    applications, images,   log,     audioDevices,
+                mediaKeys, brightness,    powerSources, bluetooth,    calendars};
 };
 
 }  // namespace tarnwick
