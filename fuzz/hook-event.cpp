@@ -1,6 +1,7 @@
 #include <cstdint>
 
 #include "Check.h"
+#include "base/Utf8.h"
 #include "cli/BusMessage.h"
 #include "cli/HookEvent.h"
 #include "cli/JsonValue.h"

@@ -1,17 +1,12 @@
 #include "base/L10n.h"
 
-#include <cstdlib>
+#include "base/Environment.h"
 
 namespace tarnwick::L10n {
 
 std::optional<std::string> forced;
 
 namespace {
-
-std::string_view environment(const char* name) {
-  const char* value = std::getenv(name);
-  return value ? value : "";
-}
 
 std::string_view preferredLanguage() {
   std::string_view locale;

@@ -1,7 +1,8 @@
 #include "cli/BusAddress.h"
 
-#include <cstdlib>
 #include <optional>
+
+#include "base/Environment.h"
 
 namespace tarnwick {
 namespace {
@@ -51,11 +52,6 @@ std::optional<BusAddress> parseAddress(std::string_view text, std::string_view r
     }
   }
   return std::nullopt;
-}
-
-std::string_view environment(const char* name) {
-  const char* value = std::getenv(name);
-  return value ? value : "";
 }
 
 }  // namespace

@@ -7,7 +7,7 @@
 #include <cerrno>
 
 #include "base/AtomicFile.h"
-#include "cli/Text.h"
+#include "base/Utf8.h"
 
 namespace tarnwick {
 namespace {

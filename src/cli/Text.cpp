@@ -2,7 +2,7 @@
 
 #include <utf8proc.h>
 
-#include <algorithm>
+#include "base/Utf8.h"
 
 namespace tarnwick {
 namespace {
@@ -23,11 +23,6 @@ CodePoint firstCodePoint(std::string_view text) {
   return {value, static_cast<size_t>(length), true};
 }
 
-size_t lengthOfPlainAscii(std::string_view text) {
-  const auto isPlain = [](char byte) { return byte > 0; };
-  return static_cast<size_t>(std::ranges::find_if_not(text, isPlain) - text.begin());
-}
-
 }  // namespace
 
 std::string_view firstCharacters(std::string_view text, size_t count, size_t maximumBytes) {
@@ -46,16 +41,6 @@ std::string_view firstCharacters(std::string_view text, size_t count, size_t max
     previous = next.value;
   }
   return text.substr(0, position);
-}
-
-bool isValidUtf8(std::string_view text) {
-  for (;;) {
-    text.remove_prefix(lengthOfPlainAscii(text));
-    if (text.empty()) return true;
-    const CodePoint next = firstCodePoint(text);
-    if (!next.isValid) return false;
-    text.remove_prefix(next.length);
-  }
 }
 
 std::string withoutInvalidUtf8(std::string_view text) {

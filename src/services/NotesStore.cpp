@@ -1,11 +1,9 @@
 #include "services/NotesStore.h"
 
-#include <utf8proc.h>
-
 #include <filesystem>
-#include <string_view>
 
 #include "base/AtomicFile.h"
+#include "base/Utf8.h"
 
 namespace tarnwick {
 namespace {
@@ -18,19 +16,6 @@ std::string notesFile(const Folders& folders) {
   std::error_code ignored;
   std::filesystem::create_directories(folder, ignored);
   return folder + "/notes.txt";
-}
-
-bool isUtf8(std::string_view text) {
-  const auto* bytes = reinterpret_cast<const utf8proc_uint8_t*>(text.data());
-  auto left = static_cast<utf8proc_ssize_t>(text.size());
-  while (left > 0) {
-    utf8proc_int32_t codepoint;
-    const utf8proc_ssize_t length = utf8proc_iterate(bytes, left, &codepoint);
-    if (length <= 0) return false;
-    bytes += length;
-    left -= length;
-  }
-  return true;
 }
 
 /// Gives the file a name of its own beside the notes: "notes.unreadable.txt", or with a number when that is
@@ -51,7 +36,7 @@ bool setAside(const std::string& file) {
 NotesStore::NotesStore(Scheduler& scheduler, const Folders& folders)
     : scheduler_(scheduler), folders_(folders) {
   const std::error_code error = readFile(notesFile(folders_), text_);
-  foreignFile_ = error ? error != std::errc::no_such_file_or_directory : !isUtf8(text_);
+  foreignFile_ = error ? error != std::errc::no_such_file_or_directory : !isValidUtf8(text_);
   if (error || foreignFile_) text_.clear();
 }
 

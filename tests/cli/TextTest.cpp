@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include "base/Utf8.h"
+
 using namespace tarnwick;
 
 namespace {

@@ -1,0 +1,26 @@
+#include "base/Utf8.h"
+
+#include <utf8proc.h>
+
+#include <algorithm>
+
+namespace tarnwick {
+
+bool isValidUtf8(std::string_view text) {
+  for (;;) {
+    text.remove_prefix(lengthOfPlainAscii(text));
+    if (text.empty()) return true;
+    utf8proc_int32_t codePoint;
+    const auto bytes = reinterpret_cast<const utf8proc_uint8_t*>(text.data());
+    const auto length = utf8proc_iterate(bytes, static_cast<utf8proc_ssize_t>(text.size()), &codePoint);
+    if (length <= 0) return false;
+    text.remove_prefix(static_cast<size_t>(length));
+  }
+}
+
+size_t lengthOfPlainAscii(std::string_view text) {
+  const auto isPlain = [](char byte) { return byte > 0; };
+  return static_cast<size_t>(std::ranges::find_if_not(text, isPlain) - text.begin());
+}
+
+}  // namespace tarnwick

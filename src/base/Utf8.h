@@ -1,0 +1,11 @@
+#pragma once
+#include <string_view>
+
+namespace tarnwick {
+
+bool isValidUtf8(std::string_view text);
+
+/// How many bytes at the beginning of `text` are ASCII other than U+0000.
+size_t lengthOfPlainAscii(std::string_view text);
+
+}  // namespace tarnwick
