@@ -4,7 +4,8 @@
 
 namespace tarnwick::ui {
 
-void AnimatedValues::set(const std::vector<double>& target, const std::optional<Animation>& animation, double now) {
+void AnimatedValues::set(const std::vector<double>& target, const std::optional<Animation>& animation,
+                         double now) {
   if (target.size() != target_.size()) return jump(target);
   for (size_t i = 0; i < target.size(); ++i) {
     if (target[i] == target_[i]) continue;

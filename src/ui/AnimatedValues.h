@@ -13,7 +13,8 @@ class AnimatedValues {
   explicit AnimatedValues(std::vector<double> values) : target_(values), presented_(std::move(values)) {}
 
   /// Sends each number that differs from its target so far to the new one along `animation` (at once without
-  /// one). Springs carry on with the speed that the number has. A different count of numbers takes effect at once.
+  /// one). Springs carry on with the speed that the number has. A different count of numbers takes effect at
+  /// once.
   void set(const std::vector<double>& target, const std::optional<Animation>& animation, double now);
   /// Takes effect at once and ends all motion.
   void jump(std::vector<double> values);

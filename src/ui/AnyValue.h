@@ -11,8 +11,7 @@ class AnyValue {
  public:
   AnyValue() = default;
   template<std::equality_comparable T>
-    requires(!std::same_as<T, AnyValue>)
-  AnyValue(T value) : box_(std::make_shared<Box<T>>(std::move(value))) {}
+  requires(!std::same_as<T, AnyValue>) AnyValue(T value) : box_(std::make_shared<Box<T>>(std::move(value))) {}
 
   // A template, so that nothing is converted to compare it: every pair that holds a value would ask for that.
   template<std::same_as<AnyValue> Same>

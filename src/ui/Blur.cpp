@@ -24,11 +24,11 @@ std::array<int, 3> boxWidths(double sigma) {
 /// Sums of up to 255 bytes fit into 16 bits; wider boxes are what reduced copies are for.
 constexpr int widestBox = 255;
 
-/// A moving sum over `count` steps of `lanes` bytes side by side: all of a line of pixels, or all channels of one
-/// pixel. The loops over the lanes are what the compiler turns into vector instructions.
+/// A moving sum over `count` steps of `lanes` bytes side by side: all of a line of pixels, or all channels of
+/// one pixel. The loops over the lanes are what the compiler turns into vector instructions.
 template<int fixedLanes>
-void movingSum(const uint8_t* source, uint8_t* target, int count, std::ptrdiff_t stride, int freeLanes, int width,
-               uint16_t* sum) {
+void movingSum(const uint8_t* source, uint8_t* target, int count, std::ptrdiff_t stride, int freeLanes,
+               int width, uint16_t* sum) {
   const int lanes = fixedLanes ? fixedLanes : freeLanes;
   const int radius = width / 2;
   const uint32_t scale = (1u << 16) / uint32_t(width) + 1;
@@ -69,7 +69,9 @@ void blurPlane(uint8_t* data, int width, int height, std::ptrdiff_t rowStride, d
 
 }  // namespace
 
-void blur(AlphaMap& map, double sigma) { blurPlane<1>(map.values.data(), map.width, map.height, map.width, sigma); }
+void blur(AlphaMap& map, double sigma) {
+  blurPlane<1>(map.values.data(), map.width, map.height, map.width, sigma);
+}
 
 void blur(QImage& image, double sigma) {
   blurPlane<4>(image.bits(), image.width(), image.height(), image.bytesPerLine(), sigma);
@@ -79,15 +81,18 @@ QImage halved(const QImage& image) {
   QImage half((image.width() + 1) / 2, (image.height() + 1) / 2, QImage::Format_ARGB32_Premultiplied);
   for (int y = 0; y < half.height(); ++y) {
     const auto* upper = reinterpret_cast<const uint32_t*>(image.constScanLine(2 * y));
-    const auto* lower =
-        2 * y + 1 < image.height() ? reinterpret_cast<const uint32_t*>(image.constScanLine(2 * y + 1)) : upper;
+    const auto* lower = 2 * y + 1 < image.height()
+                            ? reinterpret_cast<const uint32_t*>(image.constScanLine(2 * y + 1))
+                            : upper;
     auto* to = reinterpret_cast<uint32_t*>(half.scanLine(y));
     const int pairs = image.width() / 2;
     for (int x = 0; x < pairs; ++x) {
       const uint32_t a = upper[2 * x], b = upper[2 * x + 1], c = lower[2 * x], d = lower[2 * x + 1];
-      const uint32_t even = ((a & 0xFF00FF) + (b & 0xFF00FF) + (c & 0xFF00FF) + (d & 0xFF00FF)) >> 2 & 0xFF00FF;
-      const uint32_t odd = ((a >> 8 & 0xFF00FF) + (b >> 8 & 0xFF00FF) + (c >> 8 & 0xFF00FF) + (d >> 8 & 0xFF00FF))
-                               << 6 & 0xFF00FF00;
+      const uint32_t even =
+          ((a & 0xFF00FF) + (b & 0xFF00FF) + (c & 0xFF00FF) + (d & 0xFF00FF)) >> 2 & 0xFF00FF;
+      const uint32_t odd =
+          ((a >> 8 & 0xFF00FF) + (b >> 8 & 0xFF00FF) + (c >> 8 & 0xFF00FF) + (d >> 8 & 0xFF00FF)) << 6 &
+          0xFF00FF00;
       to[x] = even | odd;
     }
     if (pairs < half.width()) to[pairs] = upper[2 * pairs];

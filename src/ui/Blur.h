@@ -11,7 +11,8 @@ struct AlphaMap {
   std::vector<uint8_t> values;
 };
 
-/// Gaussian blur with standard deviation `sigma` in pixels, as three box blurs. What lies outside is transparent.
+/// Gaussian blur with standard deviation `sigma` in pixels, as three box blurs. What lies outside is
+/// transparent.
 void blur(AlphaMap& map, double sigma);
 /// The same for a picture in premultiplied ARGB.
 void blur(QImage& image, double sigma);

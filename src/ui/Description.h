@@ -31,7 +31,8 @@ struct Attributes {
 
   std::string key;
   Effects effects;
-  bool hasEffects = false;
+  /// Which of the effects were set, as a sum of `EffectKind`s.
+  unsigned effectKinds = 0;
   std::optional<Shape> clip;
   std::vector<Shadow> shadows;
   std::vector<std::pair<Animation, AnyValue>> animations;

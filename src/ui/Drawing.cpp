@@ -23,11 +23,21 @@ QPainterPath toQt(const Path& path) {
   for (const Path::Element& element : path.elements()) {
     const Point* p = element.points;
     switch (element.verb) {
-      case Path::Verb::move: result.moveTo(point(p[0])); break;
-      case Path::Verb::line: result.lineTo(point(p[0])); break;
-      case Path::Verb::quad: result.quadTo(point(p[0]), point(p[1])); break;
-      case Path::Verb::cubic: result.cubicTo(point(p[0]), point(p[1]), point(p[2])); break;
-      case Path::Verb::close: result.closeSubpath(); break;
+      case Path::Verb::move:
+        result.moveTo(point(p[0]));
+        break;
+      case Path::Verb::line:
+        result.lineTo(point(p[0]));
+        break;
+      case Path::Verb::quad:
+        result.quadTo(point(p[0]), point(p[1]));
+        break;
+      case Path::Verb::cubic:
+        result.cubicTo(point(p[0]), point(p[1]), point(p[2]));
+        break;
+      case Path::Verb::close:
+        result.closeSubpath();
+        break;
     }
   }
   return result;

@@ -54,16 +54,15 @@ template<typename T, typename Body>
 View stateful(T initial, Body body) {
   using Cell = typename State<T>::Cell;
   return dynamic({.makeState = [initial] { return std::make_shared<Cell>(initial); },
-                  .body = [body](const std::shared_ptr<StateCell>& cell, Date) {
-                    return body(State<T>(std::static_pointer_cast<Cell>(cell)));
-                  }});
+                  .body = [body](const std::shared_ptr<StateCell>& cell,
+                                 Date) { return body(State<T>(std::static_pointer_cast<Cell>(cell))); }});
 }
 
 /// A view made anew whenever one of the objects changes. The objects outlive it.
 View observing(std::vector<const ObservableObject*> objects, std::function<View()> body);
 
-/// A view made anew every `interval` seconds with the current time, while it is not paused. Where it cannot be
-/// seen it costs nothing.
+/// A view made anew every `interval` seconds with the current time, while it is not paused. Where it cannot
+/// be seen it costs nothing.
 View timeline(double interval, bool paused, std::function<View(Date now)> body);
 View everySecond(std::function<View(Date now)> body);
 

@@ -3,8 +3,8 @@
 
 namespace tarnwick::ui {
 
-/// What is done to a drawn view without touching its layout: blur, then brightness, then scale and rotation about
-/// `anchor`, then opacity, then offset. All but the anchor animate.
+/// What is done to a drawn view without touching its layout: blur, then brightness, then scale and rotation
+/// about `anchor`, then opacity, then offset. All but the anchor animate.
 struct Effects {
   double opacity = 1;
   /// Standard deviation in points.

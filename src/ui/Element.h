@@ -33,6 +33,8 @@ struct DrawContext {
   QPainter& painter;
   /// The size as presented now, and the one it was laid out for.
   Size size, layoutSize;
+  /// The size that `previous` was laid out for.
+  Size previousSize;
   const Environment& environment;
   /// `animatedValues`, as presented now.
   const std::vector<double>& values;
@@ -41,8 +43,8 @@ struct DrawContext {
   double change;
 };
 
-/// One kind of view: how it measures itself, places its children and draws. Elements never change; what changes
-/// lives in the `Node` that shows them.
+/// One kind of view: how it measures itself, places its children and draws. Elements never change; what
+/// changes lives in the `Node` that shows them.
 class Element {
  public:
   virtual ~Element() = default;
@@ -64,6 +66,10 @@ class Element {
   virtual bool draws() const { return false; }
   /// The outline of what is drawn, for a shadow; empty: none known.
   virtual const class ShapeElement* shape() const { return nullptr; }
+  /// Whether what lies outside of it is cut off.
+  virtual bool clips() const { return false; }
+  /// Whether its children are told apart by their place in the list alone.
+  virtual bool hasFixedSlots() const { return false; }
   /// How far it draws beyond its frame, in points.
   virtual double overflow() const { return 0; }
 };

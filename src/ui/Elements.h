@@ -1,7 +1,7 @@
 #pragma once
 #include "ui/Description.h"
 
-/// The containers and boxes that decorators and stacks are made of. Each has its source file by name.
+/// The containers and boxes that decorators and stacks are made of (Layout.cpp), and shapes (Shape.cpp).
 namespace tarnwick::ui {
 
 class GroupElement : public Element {
@@ -10,8 +10,8 @@ class GroupElement : public Element {
   bool equals(const Element&) const override { return true; }
 };
 
-/// Keeps the frame that another view handed over: its content is laid out at the final size and drawn scaled to
-/// the present one.
+/// Keeps the frame that another view handed over: its content is laid out at the final size and drawn scaled
+/// to the present one.
 class MatchElement : public Element {
  public:
   std::string_view kind() const override { return "Match"; }
@@ -74,6 +74,7 @@ class LayerElement : public Element {
   }
   Measured measure(Node& node, Proposal proposal) const override;
   void place(Node& node, Size size) const override;
+  bool hasFixedSlots() const override { return true; }
 
  private:
   Node* main(Node& node) const;

@@ -12,9 +12,12 @@ namespace {
 const char* family(Design design, Weight weight) {
   switch (design) {
     // The medium weight is a family of its own.
-    case Design::rounded: return weight == Weight::medium ? "Quicksand Medium" : "Quicksand";
-    case Design::monospaced: return "JetBrains Mono";
-    default: return "Inter";
+    case Design::rounded:
+      return weight == Weight::medium ? "Quicksand Medium" : "Quicksand";
+    case Design::monospaced:
+      return "JetBrains Mono";
+    default:
+      return "Inter";
   }
 }
 
@@ -40,7 +43,8 @@ const Face& cached(const Font& font, bool sparkle) {
   const Key key{int(font.size * 4), int(font.weight), int(font.design), sparkle};
   auto found = faces.find(key);
   if (found == faces.end()) {
-    found = faces.emplace(key, makeFace(sparkle ? "DejaVu Sans" : family(font.design, font.weight), font)).first;
+    found =
+        faces.emplace(key, makeFace(sparkle ? "DejaVu Sans" : family(font.design, font.weight), font)).first;
   }
   return found->second;
 }

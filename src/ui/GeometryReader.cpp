@@ -9,7 +9,7 @@ Measured GeometryElement::measure(Node&, Proposal proposal) const {
 }
 
 void GeometryElement::place(Node& node, Size size) const {
-  if (Node* child = node.onlyChild()) {
+  if (Node* child = node.firstChild()) {
     const Size own = child->measure({size.width, size.height}).size;
     child->place({0, 0, own.width, own.height});
   }

@@ -6,8 +6,8 @@
 
 namespace tarnwick::ui {
 
-/// Takes all that is offered and shows what its body makes of that size. The scene calls the body when a layout
-/// has given it another size.
+/// Takes all that is offered and shows what its body makes of that size. The scene calls the body when a
+/// layout has given it another size.
 class GeometryElement : public Element {
  public:
   explicit GeometryElement(std::function<View(Size)> body) : body_(std::move(body)) {}

@@ -20,13 +20,26 @@ class ImageElement : public Element {
   bool draws() const override { return true; }
 
   void draw(DrawContext& context) const override {
+    const auto* before = dynamic_cast<const ImageElement*>(context.previous);
+    if (!before || context.change >= 1) return drawPicture(context);
+    // The old one stays whole beneath, so that nothing shines through half way.
+    before->drawPicture(context);
+    const double opacity = context.painter.opacity();
+    context.painter.setOpacity(opacity * std::clamp(context.change, 0.0, 1.0));
+    drawPicture(context);
+    context.painter.setOpacity(opacity);
+  }
+
+ private:
+  void drawPicture(DrawContext& context) const {
     const double w = context.size.width, h = context.size.height;
     if (image_.width <= 0 || image_.height <= 0 || !image_.pixels || w <= 0 || h <= 0) return;
     const double byWidth = w / image_.width, byHeight = h / image_.height;
-    const double scale = mode_ == ContentMode::fill ? std::max(byWidth, byHeight) : std::min(byWidth, byHeight);
+    const double scale =
+        mode_ == ContentMode::fill ? std::max(byWidth, byHeight) : std::min(byWidth, byHeight);
     const QImage& picture = scaledFor(scale * context.painter.deviceTransform().m11());
-    const QRectF target(w / 2 - image_.width * scale / 2, h / 2 - image_.height * scale / 2, image_.width * scale,
-                        image_.height * scale);
+    const QRectF target(w / 2 - image_.width * scale / 2, h / 2 - image_.height * scale / 2,
+                        image_.width * scale, image_.height * scale);
     context.painter.save();
     context.painter.setClipRect(QRectF(0, 0, w, h), Qt::IntersectClip);
     context.painter.setRenderHint(QPainter::SmoothPixmapTransform);
@@ -34,9 +47,8 @@ class ImageElement : public Element {
     context.painter.restore();
   }
 
- private:
-  /// A copy that is at most twice as large as it is drawn: scaling a cover of thousands of pixels in each frame
-  /// would cost more than all the rest, and look worse.
+  /// A copy that is at most twice as large as it is drawn: scaling a cover of thousands of pixels in each
+  /// frame would cost more than all the rest, and look worse.
   const QImage& scaledFor(double scale) const {
     double wanted = 1;
     while (wanted / 2 > scale) wanted /= 2;

@@ -32,7 +32,8 @@ std::string Inspector::Found::content() const {
 std::string Inspector::Found::id() const { return node_->attributes.key; }
 
 Rect Inspector::Found::frame() const {
-  return fromQt(node_->transform.mapRect(QRectF(0, 0, node_->presentedSize.width, node_->presentedSize.height)));
+  return fromQt(
+      node_->transform.mapRect(QRectF(0, 0, node_->presentedSize.width, node_->presentedSize.height)));
 }
 
 Rect Inspector::Found::targetFrame() const {
@@ -101,7 +102,8 @@ std::optional<Inspector::Found> Inspector::first(const Wanted& wanted) const {
 }
 
 std::optional<Inspector::Found> Inspector::text(const std::string& content) const {
-  return first([&](const Found& f) { return !f.isLeaving() && f.kind() == "Text" && f.content() == content; });
+  return first(
+      [&](const Found& f) { return !f.isLeaving() && f.kind() == "Text" && f.content() == content; });
 }
 
 std::optional<Inspector::Found> Inspector::symbol(const std::string& name) const {

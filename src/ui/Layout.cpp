@@ -22,7 +22,7 @@ double smaller(double a, double b) { return std::min(a, b); }
 bool equal(const Element& a, const Element& b) { return &a == &b || (a.kind() == b.kind() && a.equals(b)); }
 
 Measured Element::measure(Node& node, Proposal proposal) const {
-  if (Node* child = node.onlyChild()) return child->measure(proposal);
+  if (Node* child = node.firstChild()) return child->measure(proposal);
   if (!node.leaving.empty() || kind() == "Dynamic" || kind() == "Group") return {};
   const auto offered = [](std::optional<double> length) {
     return length && std::isfinite(*length) ? *length : length ? 1e6 : 10;
@@ -42,7 +42,8 @@ View Group(View content) {
 // Frame
 
 Proposal FrameElement::inner(Proposal proposal) const {
-  const auto limit = [](std::optional<double> fixed, std::optional<double> most, std::optional<double> offered) {
+  const auto limit = [](std::optional<double> fixed, std::optional<double> most,
+                        std::optional<double> offered) {
     if (fixed) return fixed;
     if (most && offered) return std::optional(smaller(*most, *offered));
     return offered;
@@ -52,7 +53,7 @@ Proposal FrameElement::inner(Proposal proposal) const {
 }
 
 Measured FrameElement::measure(Node& node, Proposal proposal) const {
-  Node* child = node.onlyChild();
+  Node* child = node.firstChild();
   const Measured content = child ? child->measure(inner(proposal)) : Measured{};
   const auto own = [](std::optional<double> fixed, std::optional<double> most, std::optional<double> offered,
                       double inside) {
@@ -68,7 +69,7 @@ Measured FrameElement::measure(Node& node, Proposal proposal) const {
 }
 
 void FrameElement::place(Node& node, Size size) const {
-  Node* child = node.onlyChild();
+  Node* child = node.firstChild();
   if (!child) return;
   const Size content = child->measure(inner({size.width, size.height})).size;
   child->place(aligned(content, size, options_.align), options_.align);
@@ -77,7 +78,7 @@ void FrameElement::place(Node& node, Size size) const {
 // Padding
 
 Measured PaddingElement::measure(Node& node, Proposal proposal) const {
-  Node* child = node.onlyChild();
+  Node* child = node.firstChild();
   if (!child) return {};
   const double dx = inset(Edge::leading) + inset(Edge::trailing), dy = inset(Edge::top) + inset(Edge::bottom);
   const auto less = [](std::optional<double> length, double by) {
@@ -90,7 +91,7 @@ Measured PaddingElement::measure(Node& node, Proposal proposal) const {
 }
 
 void PaddingElement::place(Node& node, Size size) const {
-  if (Node* child = node.onlyChild()) {
+  if (Node* child = node.firstChild()) {
     child->place({inset(Edge::leading), inset(Edge::top),
                   std::max(0.0, size.width - inset(Edge::leading) - inset(Edge::trailing)),
                   std::max(0.0, size.height - inset(Edge::top) - inset(Edge::bottom))});
@@ -100,8 +101,8 @@ void PaddingElement::place(Node& node, Size size) const {
 // Aspect ratio
 
 Measured AspectRatioElement::measure(Node& node, Proposal proposal) const {
-  if (!node.onlyChild()) return {};
-  if (!proposal.width && !proposal.height) return node.onlyChild()->measure(proposal);
+  if (!node.firstChild()) return {};
+  if (!proposal.width && !proposal.height) return node.firstChild()->measure(proposal);
   const double width = proposal.width.value_or(infinity), height = proposal.height.value_or(infinity);
   const double fitted = smaller(width, height * ratio_);
   return {{fitted, fitted / ratio_}};
@@ -134,8 +135,8 @@ struct StackElement::Share {
   double least, most;
 };
 
-/// Offers what is left in equal parts, the least flexible child first, so that the flexible ones get the rest.
-/// Spacers come last: they take what nobody else wants.
+/// Offers what is left in equal parts, the least flexible child first, so that the flexible ones get the
+/// rest. Spacers come last: they take what nobody else wants.
 std::vector<StackElement::Share> StackElement::shares(Node& node, Proposal proposal) const {
   const bool horizontal = axis_ == Axis::horizontal;
   const auto along = [=](Size size) { return horizontal ? size.width : size.height; };
@@ -225,7 +226,8 @@ void StackElement::place(Node& node, Size size) const {
       }
       share.node->place({position, y, part.width, part.height}, {along, across});
     } else {
-      share.node->place({(size.width - part.width) * across, position, part.width, part.height}, {across, along});
+      share.node->place({(size.width - part.width) * across, position, part.width, part.height},
+                        {across, along});
     }
     position += (horizontal ? part.width : part.height) + options_.spacing;
   }
@@ -253,7 +255,8 @@ Measured ZStackElement::measure(Node& node, Proposal proposal) const {
   Measured answer;
   for (const auto& child : node.children) {
     const Measured part = child->measure(proposal);
-    answer.size = {std::max(answer.size.width, part.size.width), std::max(answer.size.height, part.size.height)};
+    answer.size = {std::max(answer.size.width, part.size.width),
+                   std::max(answer.size.height, part.size.height)};
     if (!answer.baseline) answer.baseline = part.baseline;
   }
   return answer;

@@ -33,7 +33,8 @@ Node* Node::child(int wanted) const {
 }
 
 bool Node::isMoving() const {
-  for (const AnimatedValues* motion : {&frameMotion, &effects, &transition, &values, &clip, &change, &bounce}) {
+  for (const AnimatedValues* motion :
+       {&frameMotion, &effects, &transition, &values, &clip, &shadows, &change, &bounce}) {
     if (motion->isMoving()) return true;
   }
   return false;
@@ -41,6 +42,25 @@ bool Node::isMoving() const {
 
 std::vector<double> numbers(const Effects& e) {
   return {e.opacity, e.blur, e.brightness, e.scaleX, e.scaleY, e.rotation, e.offset.x, e.offset.y};
+}
+
+std::vector<double> shadowNumbers(const std::vector<Attributes::Shadow>& shadows) {
+  std::vector<double> result;
+  for (const auto& [color, radius, offset] : shadows) {
+    result.insert(result.end(),
+                  {color.red, color.green, color.blue, color.alpha, radius, offset.x, offset.y});
+  }
+  return result;
+}
+
+std::vector<Attributes::Shadow> shadowsOf(const std::vector<double>& numbers) {
+  constexpr size_t perShadow = 7;
+  std::vector<Attributes::Shadow> shadows;
+  for (size_t i = 0; i + perShadow <= numbers.size(); i += perShadow) {
+    const double* n = numbers.data() + i;
+    shadows.push_back({{n[0], n[1], n[2], n[3]}, n[4], {n[5], n[6]}});
+  }
+  return shadows;
 }
 
 Effects effectsOf(const std::vector<double>& n, UnitPoint anchor) {

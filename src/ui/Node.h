@@ -15,8 +15,8 @@
 
 namespace tarnwick::ui {
 
-/// A view on the screen: the live counterpart of a `Description`. It keeps what outlasts one description: local
-/// state, the place, and every number that is on its way somewhere.
+/// A view on the screen: the live counterpart of a `Description`. It keeps what outlasts one description:
+/// local state, the place, and every number that is on its way somewhere.
 class Node {
  public:
   explicit Node(Node* parentNode) : parent(parentNode) {}
@@ -26,16 +26,17 @@ class Node {
   // For elements that lay out their children.
   /// Answers from memory where the same was asked before in this layout.
   Measured measure(Proposal proposal);
-  /// Puts the node into the parent's box. `pin` is the point of the parent's box that it keeps its distance to
-  /// while the box is on its way to another size.
+  /// Puts the node into the parent's box. `pin` is the point of the parent's box that it keeps its distance
+  /// to while the box is on its way to another size.
   void place(const Rect& rect, UnitPoint pin = UnitPoint::topLeading);
   /// The live child described at that position of the list of children, or null.
   Node* child(int slot) const;
-  Node* onlyChild() const { return children.empty() ? nullptr : children.front().get(); }
+  Node* firstChild() const { return children.empty() ? nullptr : children.front().get(); }
 
   Node* parent;
   std::vector<std::unique_ptr<Node>> children;
-  /// Children that vanished from the description and are shown until their transition is over, behind the others.
+  /// Children that vanished from the description and are shown until their transition is over, behind the
+  /// others.
   std::vector<std::unique_ptr<Node>> leaving;
 
   // What is described
@@ -48,18 +49,22 @@ class Node {
   // Where it is laid out
   Rect frame;
   UnitPoint pin = UnitPoint::topLeading;
-  /// The parent's size in the layout before, to tell how far it grew.
+  /// Its own size in the layout before, to tell its leaving children how far it grew.
   Size oldSize;
   double pixelRatio = 1;
   std::vector<std::pair<Proposal, Measured>> measured;
 
   // What is on its way
-  AnimatedValues frameMotion, effects, transition, values, clip, change, bounce;
+  AnimatedValues frameMotion, effects, transition, values, clip, shadows, change, bounce;
   /// Of the transition's scale: insertion and removal may have different ones.
   UnitPoint transitionAnchor;
+  /// The content that gives way to a new one, and the size that it was laid out for.
   std::shared_ptr<const Element> previous;
+  Size previousSize;
   /// The animation for what the commit of that number altered here.
   std::optional<Animation> commitAnimation;
+  /// The same for its frame, which belongs to the views around it.
+  std::optional<Animation> frameAnimation;
   unsigned commitNumber = 0;
   bool isNew = true;
   bool isLeaving = false;
@@ -81,6 +86,7 @@ class Node {
   QTransform local, transform, contentTransform;
   Size presentedSize;
   double opacity = 1, blurRadius = 0, brightening = 0;
+  std::vector<double> shadowsShown;
   /// What it and everything inside covers in the scene, effects included.
   Rect bounds;
   /// What its own drawing covers, and what that and everything inside cover before blur and shadow.
@@ -88,8 +94,8 @@ class Node {
   /// May be seen: neither clipped away nor fully transparent.
   bool visible = false;
   bool needsDraw = true;
-  /// Something inside it looks different since the group was kept.
-  bool contentChanged = true;
+  /// A child came or went since the last frame.
+  bool childrenChanged = true;
   /// Its content as a picture, sharp, and at half, a quarter … of the size as far as blurs needed it.
   struct Group {
     std::vector<QImage> images;
@@ -106,6 +112,8 @@ class Node {
 };
 
 std::vector<double> numbers(const Effects& effects);
+std::vector<double> shadowNumbers(const std::vector<Attributes::Shadow>& shadows);
+std::vector<Attributes::Shadow> shadowsOf(const std::vector<double>& numbers);
 Effects effectsOf(const std::vector<double>& numbers, UnitPoint anchor);
 
 }  // namespace tarnwick::ui

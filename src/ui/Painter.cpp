@@ -53,28 +53,30 @@ bool hasOpaqueBack(const Node& node, const Node& clipped) {
     const Rect& back = node.ownBounds;
     const Rect& front = clipped.contentBounds;
     constexpr double slack = 0.01;
-    return shape->outline().cornerExtent == 0 && ShapeElement::color(node.values.presented()).alpha >= 1 &&
+    return shape->outline().cornerExtent() == 0 && ShapeElement::color(node.values.presented()).alpha >= 1 &&
            node.values.presented().size() == 4 && back.x <= front.x + slack && back.y <= front.y + slack &&
            back.right() >= front.right() - slack && back.bottom() >= front.bottom() - slack;
   }
-  const Node* back = node.leaving.empty() ? node.onlyChild() : nullptr;
+  const Node* back = node.leaving.empty() ? node.firstChild() : nullptr;
   return !node.element->draws() && back && hasOpaqueBack(*back, clipped);
 }
 
-QPainterPath clipPath(const Node& node) {
+Shape presentedClip(const Node& node) {
   Shape shape = *node.attributes.clip;
   shape.animated = node.clip.presented();
-  return outline(shape, node.presentedSize);
+  return shape;
 }
 
 }  // namespace
 
 void Painter::paint(Node& root, QImage& target, const Rect& area) {
-  const QRect pixels = QRectF(area.x * ratio_, area.y * ratio_, area.width * ratio_, area.height * ratio_)
-                           .toAlignedRect() & target.rect();
+  const QRect pixels =
+      QRectF(area.x * ratio_, area.y * ratio_, area.width * ratio_, area.height * ratio_).toAlignedRect() &
+      target.rect();
   if (pixels.isEmpty()) return;
   QPainter painter(&target);
-  painter.setRenderHints(QPainter::Antialiasing | QPainter::TextAntialiasing | QPainter::SmoothPixmapTransform);
+  painter.setRenderHints(QPainter::Antialiasing | QPainter::TextAntialiasing |
+                         QPainter::SmoothPixmapTransform);
   painter.setClipRect(pixels);
   painter.setCompositionMode(QPainter::CompositionMode_Source);
   painter.fillRect(pixels, Qt::transparent);
@@ -92,8 +94,10 @@ void Painter::draw(Node& node, Surface& surface, double opacity) {
                        (fades && drawing(node) > 1);
   if (!grouped) node.group.reset();
   if (!node.attributes.shadows.empty()) drawShadows(node, surface, opacity * node.opacity);
-  if (grouped) drawGroup(node, surface, opacity * node.opacity);
-  else drawContent(node, surface, opacity * node.opacity);
+  if (grouped)
+    drawGroup(node, surface, opacity * node.opacity);
+  else
+    drawContent(node, surface, opacity * node.opacity);
 }
 
 void Painter::drawContent(Node& node, Surface& surface, double opacity) {
@@ -105,37 +109,49 @@ void Painter::drawContent(Node& node, Surface& surface, double opacity) {
     DrawContext context{painter,
                         node.presentedSize,
                         node.frame.size(),
+                        node.previousSize,
                         node.environment,
                         node.values.presented().empty() ? none : node.values.presented(),
                         node.previous.get(),
                         node.change.presented().empty() ? 1 : node.change.presented()[0]};
     node.element->draw(context);
   }
-  const bool scrolls = node.element->kind() == "ScrollView";
-  if (scrolls) {
+  if (node.element->clips()) {
+    const QRectF box(0, 0, node.presentedSize.width, node.presentedSize.height);
     painter.save();
     painter.setTransform(node.transform * surface.toPixels);
-    painter.setClipRect(QRectF(0, 0, node.presentedSize.width, node.presentedSize.height), Qt::IntersectClip);
+    painter.setClipRect(box, Qt::IntersectClip);
+    Surface inside{surface.image, painter, surface.toPixels,
+                   fromQt(node.transform.mapRect(box) & toQt(surface.clip))};
+    drawInside(node, inside, opacity);
+    painter.restore();
+  } else {
+    drawInside(node, surface, opacity);
   }
+}
+
+void Painter::drawInside(Node& node, Surface& surface, double opacity) {
   for (auto* list : {&node.leaving, &node.children}) {
     for (const auto& child : *list) draw(*child, surface, opacity);
   }
-  if (scrolls) painter.restore();
 }
 
-/// Cuts off what lies outside the clip of `node`. Where its edges are straight there is nothing to cut, so only the
-/// strips with the corners are gone through.
+/// Cuts off what lies outside the clip of `node`. Where its edges are straight there is nothing to cut, so
+/// only the strips with the corners are gone through.
 void Painter::applyClip(const Node& node, QImage& image, QPainter& painter, const QTransform& toPixels) {
-  const double corner = node.attributes.clip->cornerExtent;
+  const Shape shape = presentedClip(node);
+  const double corner = shape.cornerExtent();
   const QRectF box = toPixels.mapRect(QRectF(0, 0, node.presentedSize.width, node.presentedSize.height));
   const double strip = corner * toPixels.m11() + 1;
   std::vector<QRect> parts;
   if (corner < 0 || 2 * strip >= box.width()) {
     parts.push_back(image.rect());
   } else {
-    parts.push_back(QRect(QPoint(0, 0), QPoint(int(std::ceil(box.left() + strip)), image.height())) & image.rect());
-    parts.push_back(QRect(QPoint(int(std::floor(box.right() - strip)), 0), QPoint(image.width(), image.height())) &
+    parts.push_back(QRect(QPoint(0, 0), QPoint(int(std::ceil(box.left() + strip)), image.height())) &
                     image.rect());
+    parts.push_back(
+        QRect(QPoint(int(std::floor(box.right() - strip)), 0), QPoint(image.width(), image.height())) &
+        image.rect());
   }
   painter.setOpacity(1);
   painter.setCompositionMode(QPainter::CompositionMode_DestinationIn);
@@ -148,7 +164,7 @@ void Painter::applyClip(const Node& node, QImage& image, QPainter& painter, cons
     QPainter masking(&mask);
     masking.setRenderHint(QPainter::Antialiasing);
     masking.setTransform(toPixels * QTransform::fromTranslate(-part.x(), -part.y()));
-    masking.fillPath(clipPath(node), Qt::black);
+    masking.fillPath(outline(shape, node.presentedSize), Qt::black);
     masking.end();
     painter.drawImage(part.topLeft(), mask);
   }
@@ -160,10 +176,12 @@ QImage Painter::render(Node& node, const Rect& rect, double scale) {
                std::max(1, int(std::ceil(rect.height * scale - 1e-6))), QImage::Format_ARGB32_Premultiplied);
   image.fill(Qt::transparent);
   QPainter painter(&image);
-  painter.setRenderHints(QPainter::Antialiasing | QPainter::TextAntialiasing | QPainter::SmoothPixmapTransform);
+  painter.setRenderHints(QPainter::Antialiasing | QPainter::TextAntialiasing |
+                         QPainter::SmoothPixmapTransform);
   const QTransform toPixels =
       QTransform::fromTranslate(-rect.x, -rect.y) * QTransform::fromScale(scale, scale);
-  Surface surface{image, painter, node.transform.inverted() * toPixels, fromQt(node.transform.mapRect(toQt(rect)))};
+  Surface surface{image, painter, node.transform.inverted() * toPixels,
+                  fromQt(node.transform.mapRect(toQt(rect)))};
   drawContent(node, surface, 1);
   if (node.attributes.clip) applyClip(node, image, painter, toPixels);
   painter.end();
@@ -176,8 +194,7 @@ void Painter::drawGroup(Node& node, Surface& surface, double opacity) {
   const QTransform toScene = node.transform;
   const bool blurs = node.blurRadius > leastBlur;
   // In the node's own coordinates: all of it where it will be used again, else what has to be drawn.
-  const bool reusable =
-      !node.attributes.clip && node.brightening == 0 && (blurs || node.opacity < 0.998);
+  const bool reusable = !node.attributes.clip && node.brightening == 0 && (blurs || node.opacity < 0.998);
   Rect wanted = fromQt(toScene.inverted().mapRect(toQt(node.contentBounds)));
   if (!reusable) {
     const Rect seen = fromQt(toScene.inverted().mapRect(toQt(surface.clip)));
@@ -218,9 +235,8 @@ void Painter::drawGroup(Node& node, Surface& surface, double opacity) {
     return;
   }
   // Kept is the sharp content; what moves on top of it (opacity, place, blur) costs no drawing of views.
-  if (!node.group || node.contentChanged || node.group->scale != scale || !(node.group->rect == rect)) {
+  if (!node.group || node.group->scale != scale || !(node.group->rect == rect)) {
     node.group = std::make_unique<Node::Group>(Node::Group{{render(node, rect, scale)}, rect, scale});
-    node.contentChanged = false;
   }
   std::vector<QImage>& images = node.group->images;
   while (images.size() <= halvings) images.push_back(halved(images.back()));
@@ -236,27 +252,29 @@ void Painter::drawShadows(Node& node, Surface& surface, double opacity) {
   const Node* shaped = &node;
   std::optional<Shape> shape;
   if (node.attributes.clip) {
-    shape = *node.attributes.clip;
-    shape->animated = node.clip.presented();
+    shape = presentedClip(node);
   } else {
-    while (!shaped->element->shape() && shaped->children.size() == 1) shaped = shaped->onlyChild();
-    if (const ShapeElement* element = shaped->element->shape()) shape = element->presented(shaped->values.presented());
+    while (!shaped->element->shape() && shaped->children.size() == 1) shaped = shaped->firstChild();
+    if (const ShapeElement* element = shaped->element->shape())
+      shape = element->presented(shaped->values.presented());
   }
   const QTransform toPixels = shaped->transform * surface.toPixels;
   const double scale = std::sqrt(std::abs(toPixels.determinant()));
   const QRect clip = surface.toPixels.mapRect(toQt(surface.clip)).toAlignedRect();
   QRect hidden;
-  if (node.attributes.clip && shape->cornerExtent >= 0 && opacity >= 0.998 && hasOpaqueBack(node, node)) {
-    const double corner = shape->cornerExtent;
+  if (node.attributes.clip && shape->cornerExtent() >= 0 && opacity >= 0.998 && hasOpaqueBack(node, node)) {
+    const double corner = shape->cornerExtent();
     const QRectF middle(corner, 0, node.presentedSize.width - 2 * corner, node.presentedSize.height);
     hidden = toPixels.mapRect(middle).toAlignedRect().adjusted(1, 1, -1, -1);
   }
-  for (auto shadow = node.attributes.shadows.rbegin(); shadow != node.attributes.shadows.rend(); ++shadow) {
-    Color color = shadow->color.opacity(opacity);
+  const std::vector<Attributes::Shadow> shadows = shadowsOf(node.shadows.presented());
+  for (auto shadow = shadows.rbegin(); shadow != shadows.rend(); ++shadow) {
+    const Color color = shadow->color.opacity(opacity);
     if (color.alpha <= 0.002) continue;
     if (shape) {
       const auto patch = ShadowPatch::of(*shape, shaped->presentedSize, shadow->radius, scale);
-      const QPointF corner = toPixels.map(QPointF(0, 0)) + QPointF(shadow->offset.x, shadow->offset.y) * scale;
+      const QPointF corner =
+          toPixels.map(QPointF(0, 0)) + QPointF(shadow->offset.x, shadow->offset.y) * scale;
       const QSizeF size(shaped->presentedSize.width * scale, shaped->presentedSize.height * scale);
       patch->draw(surface.image, corner, size, color, clip, hidden);
       continue;
@@ -265,16 +283,18 @@ void Painter::drawShadows(Node& node, Surface& surface, double opacity) {
     double reduced = scale;
     while (shadow->radius * reduced > reducedSigma) reduced /= 2;
     const double reach = 3 * shadow->radius;
-    const Rect rect = fromQt(node.transform.inverted().mapRect(toQt(node.contentBounds))).grownBy(reach, reach);
+    const Rect rect =
+        fromQt(node.transform.inverted().mapRect(toQt(node.contentBounds))).grownBy(reach, reach);
     QImage picture = render(node, rect, reduced);
     blur(picture, shadow->radius * reduced);
     QPainter tint(&picture);
     tint.setCompositionMode(QPainter::CompositionMode_SourceIn);
     tint.fillRect(picture.rect(), toQt(shadow->color));
     tint.end();
-    surface.painter.setTransform(QTransform::fromScale(1 / reduced, 1 / reduced) *
-                                 QTransform::fromTranslate(rect.x + shadow->offset.x, rect.y + shadow->offset.y) *
-                                 node.transform * surface.toPixels);
+    surface.painter.setTransform(
+        QTransform::fromScale(1 / reduced, 1 / reduced) *
+        QTransform::fromTranslate(rect.x + shadow->offset.x, rect.y + shadow->offset.y) * node.transform *
+        surface.toPixels);
     surface.painter.setOpacity(opacity);
     surface.painter.drawImage(QPointF(0, 0), picture);
   }

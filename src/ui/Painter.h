@@ -26,6 +26,7 @@ class Painter {
   };
   void draw(Node& node, Surface& surface, double opacity);
   void drawContent(Node& node, Surface& surface, double opacity);
+  void drawInside(Node& node, Surface& surface, double opacity);
   void drawGroup(Node& node, Surface& surface, double opacity);
   void drawShadows(Node& node, Surface& surface, double opacity);
   void applyClip(const Node& node, QImage& image, QPainter& painter, const QTransform& toPixels);

@@ -15,11 +15,11 @@ void Path::addEllipse(const Rect& rect) {
   constexpr double kappa = 0.5522847498;
   const double rx = rect.width / 2, ry = rect.height / 2, cx = rect.midX(), cy = rect.midY();
   const double kx = rx * kappa, ky = ry * kappa;
-  moveTo({cx, cy - ry});
-  cubicTo({cx + kx, cy - ry}, {cx + rx, cy - ky}, {cx + rx, cy});
+  moveTo({cx + rx, cy});
   cubicTo({cx + rx, cy + ky}, {cx + kx, cy + ry}, {cx, cy + ry});
   cubicTo({cx - kx, cy + ry}, {cx - rx, cy + ky}, {cx - rx, cy});
   cubicTo({cx - rx, cy - ky}, {cx - kx, cy - ry}, {cx, cy - ry});
+  cubicTo({cx + kx, cy - ry}, {cx + rx, cy - ky}, {cx + rx, cy});
   close();
 }
 

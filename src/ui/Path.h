@@ -21,6 +21,7 @@ class Path {
   void cubicTo(Point a, Point b, Point end) { elements_.push_back({Verb::cubic, {a, b, end}}); }
   void close() { elements_.push_back({Verb::close, {}}); }
   void addRect(const Rect& rect);
+  /// Clockwise from three o'clock.
   void addEllipse(const Rect& rect);
 
   const std::vector<Element>& elements() const { return elements_; }

@@ -31,6 +31,16 @@ void apply(QTransform& transform, const Effects& effects, Size size) {
   transform.translate(-ax, -ay);
 }
 
+/// A text is drawn for the size that it was laid out for, also while its frame is on its way there, and the
+/// one before it for its own.
+Rect drawnBox(const Node& node) {
+  Size size = node.presentedSize;
+  for (const Size& other : {node.frame.size(), node.previous ? node.previousSize : Size{}}) {
+    size = {std::max(size.width, other.width), std::max(size.height, other.height)};
+  }
+  return {0, 0, size.width, size.height};
+}
+
 }  // namespace
 
 void Presenter::present(Node& root, const Rect& window) { present(root, {{}, window, true, false, 0}); }
@@ -42,7 +52,8 @@ bool Presenter::advance(Node& node) {
     node.previous = nullptr;
     redraw = true;
   }
-  for (AnimatedValues* motion : {&node.frameMotion, &node.effects, &node.transition, &node.clip, &node.bounce}) {
+  for (AnimatedValues* motion :
+       {&node.frameMotion, &node.effects, &node.transition, &node.clip, &node.shadows, &node.bounce}) {
     motion->update(now_);
   }
   moving_ |= node.isMoving();
@@ -85,7 +96,7 @@ bool Presenter::present(Node& node, const Outer& outer) {
   const QTransform oldLocal = node.local, oldTransform = node.transform;
   const Size oldSize = node.presentedSize;
   const double oldOpacity = node.opacity, oldBlur = node.blurRadius, oldBrightening = node.brightening;
-  const std::vector<double> oldClip = node.clip.presented();
+  const std::vector<double> oldClip = node.clip.presented(), oldShadows = node.shadowsShown;
   const Rect oldBounds = node.bounds, oldOwn = node.ownBounds;
   const bool wasVisible = node.visible;
 
@@ -93,14 +104,15 @@ bool Presenter::present(Node& node, const Outer& outer) {
   placeInScene(node, outer);
   const bool looksChanged = oldSize != node.presentedSize || oldOpacity != node.opacity ||
                             oldBlur != node.blurRadius || oldBrightening != node.brightening ||
-                            oldClip != node.clip.presented();
+                            oldClip != node.clip.presented() || oldShadows != node.shadows.presented();
+  node.shadowsShown = node.shadows.presented();
   const bool movedInScene = looksChanged || oldTransform != node.transform;
   const bool movedInParent = looksChanged || oldLocal != node.local;
 
-  const bool clips = node.attributes.clip || node.element->kind() == "ScrollView";
+  const bool clips = node.attributes.clip || node.element->clips();
   const Rect box{0, 0, node.presentedSize.width, node.presentedSize.height};
   const double overflow = node.element->overflow();
-  node.ownBounds = node.element->draws() ? mapped(node, box.grownBy(overflow, overflow)) : Rect{};
+  node.ownBounds = node.element->draws() ? mapped(node, drawnBox(node).grownBy(overflow, overflow)) : Rect{};
   const Rect clip = clips ? intersection(outer.clip, mapped(node, box)) : outer.clip;
   const bool shown = outer.visible && node.opacity > 0.002 && std::abs(node.transform.determinant()) > 1e-6;
 
@@ -108,7 +120,7 @@ bool Presenter::present(Node& node, const Outer& outer) {
   const double blurSpread = blurReach * node.blurRadius * scale;
   const bool covered = outer.covered || movedInScene;
   Rect bounds = node.ownBounds;
-  bool inside = node.contentChanged;
+  bool inside = node.childrenChanged;
   for (auto* list : {&node.leaving, &node.children}) {
     for (const auto& child : *list) {
       inside |= present(*child, {node.contentTransform, clip, shown, covered, outer.spread + blurSpread});
@@ -118,21 +130,22 @@ bool Presenter::present(Node& node, const Outer& outer) {
   if (clips) bounds = intersection(bounds, mapped(node, box));
   node.contentBounds = bounds;
   bounds = bounds.grownBy(blurSpread, blurSpread);
-  for (const Attributes::Shadow& shadow : node.attributes.shadows) {
+  for (const Attributes::Shadow& shadow : shadowsOf(node.shadows.presented())) {
     const double reach = blurReach * shadow.radius * scale;
-    bounds = bounds.united(node.contentBounds.movedBy({shadow.offset.x * scale, shadow.offset.y * scale})
-                               .grownBy(reach, reach));
+    bounds = bounds.united(
+        node.contentBounds.movedBy({shadow.offset.x * scale, shadow.offset.y * scale}).grownBy(reach, reach));
   }
   node.bounds = shown ? bounds : Rect{};
   node.visible = shown && intersection(node.bounds, outer.clip).width > 0;
 
   const bool changed = redraw || inside;
-  node.contentChanged |= changed;
+  if (changed) node.group.reset();
   if (!outer.covered && (wasVisible || node.visible)) {
     const auto damage = [&](const Rect& rect) {
       if (!rect.isEmpty()) damage_(intersection(rect.grownBy(outer.spread, outer.spread), outer.clip));
     };
-    if (movedInScene || wasVisible != node.visible) {
+    const bool castsItsPicture = !node.attributes.shadows.empty() && !node.attributes.clip;
+    if (movedInScene || wasVisible != node.visible || (changed && castsItsPicture)) {
       damage(oldBounds);
       damage(node.bounds);
     } else if (redraw) {
@@ -140,7 +153,7 @@ bool Presenter::present(Node& node, const Outer& outer) {
       damage(node.ownBounds.grownBy(blurSpread, blurSpread));
     }
   }
-  node.needsDraw = false;
+  node.needsDraw = node.childrenChanged = false;
   return changed || movedInParent;
 }
 

@@ -5,7 +5,8 @@
 
 namespace tarnwick::ui {
 
-/// Moves a tree of nodes to an instant: what is where, what can be seen, and what looks different than before.
+/// Moves a tree of nodes to an instant: what is where, what can be seen, and what looks different than
+/// before.
 class Presenter {
  public:
   Presenter(double now, std::function<void(const Rect&)> damage) : now_(now), damage_(std::move(damage)) {}

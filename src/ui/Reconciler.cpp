@@ -76,19 +76,23 @@ std::unique_ptr<Node> Reconciler::build(Node* parent, const View& view, const En
 }
 
 Reconciler::Context Reconciler::contextInside(const Node& node) const {
-  return {node.environment, node.commitNumber == scene_.commitNumber_ ? node.commitAnimation : animation_, !first_};
+  return {node.environment, node.commitNumber == scene_.commitNumber_ ? node.commitAnimation : animation_,
+          !first_};
 }
 
 void Reconciler::update(Node& node, const View& view, Context context) {
   const Description& description = view.description();
   const Attributes& attributes = description.attributes;
+  const std::optional<Animation> inherited = context.animation;
   if (!node.isNew) {
     const auto& before = node.attributes.animations;
     for (size_t i = 0; i < attributes.animations.size() && i < before.size(); ++i) {
-      if (!(attributes.animations[i].second == before[i].second)) context.animation = attributes.animations[i].first;
+      if (!(attributes.animations[i].second == before[i].second))
+        context.animation = attributes.animations[i].first;
     }
   }
   node.commitAnimation = context.animation;
+  node.frameAnimation = inherited ? inherited : context.animation;
   node.commitNumber = scene_.commitNumber_;
 
   const Environment environment = inherit(context.environment, attributes);
@@ -108,6 +112,7 @@ void Reconciler::update(Node& node, const View& view, Context context) {
     if (before && context.animation && description.element->draws() &&
         environment.contentTransition != ContentTransition::identity) {
       node.previous = before;
+      node.previousSize = node.frame.size();
       node.change.jump({0});
       node.change.set({1}, *context.animation, now_);
     }
@@ -115,10 +120,12 @@ void Reconciler::update(Node& node, const View& view, Context context) {
   const auto settings = description.element->animatedValues(environment);
   node.values.set(settings, context.animation, now_);
   node.effects.set(numbers(attributes.effects), context.animation, now_);
+  node.shadows.set(shadowNumbers(attributes.shadows), context.animation, now_);
   if (attributes.clip) node.clip.set(attributes.clip->animated, context.animation, now_);
   if (attributes.bounce) {
-    const bool hops = node.isNew ? attributes.bounce->onAppear
-                                 : node.attributes.bounce && !(node.attributes.bounce->value == attributes.bounce->value);
+    const bool hops =
+        node.isNew ? attributes.bounce->onAppear
+                   : node.attributes.bounce && !(node.attributes.bounce->value == attributes.bounce->value);
     if (hops) {
       node.bounce.jump({0});
       node.bounce.set({1}, bounceMotion, now_);
@@ -158,14 +165,16 @@ void Reconciler::updateDynamic(Node& node, const Context& context) {
       node.subscriptions.push_back(object->observe([this_ = &scene_, &node] { this_->invalidate(node); }));
     }
   }
-  if (body.interval > 0) scene_.timelines_.insert(&node);
-  else if (scene_.timelines_.erase(&node)) node.timer = {};
+  if (body.interval > 0)
+    scene_.timelines_.insert(&node);
+  else if (scene_.timelines_.erase(&node))
+    node.timer = {};
   scene_.dirty_.erase(&node);
   updateChildren(node, {body.body(node.cell, scene_.scheduler_.now())}, context);
 }
 
 void Reconciler::renew(Node& node) {
-  node.commitAnimation = animation_;
+  node.commitAnimation = node.frameAnimation = animation_;
   node.commitNumber = scene_.commitNumber_;
   updateDynamic(node, {node.environment, animation_, true});
 }
@@ -188,7 +197,8 @@ void Reconciler::updateChildren(Node& node, const Views& views, const Context& c
   int slot = 0, unkeyed = 0;
   for (const View& view : views) {
     const int place = slot++;
-    const int number = view.isEmpty() || view.description().attributes.key.empty() ? unkeyed++ : 0;
+    const bool counts = view.isEmpty() || view.description().attributes.key.empty();
+    const int number = node.element->hasFixedSlots() ? place : counts ? unkeyed++ : 0;
     if (view.isEmpty()) continue;
     std::string identity = identityOf(view, number);
     // Two siblings of one key: the later one is told apart by its place.
@@ -217,27 +227,27 @@ void Reconciler::updateChildren(Node& node, const Views& views, const Context& c
         insert(*child, context);
       }
       needsLayout = true;
-      node.contentChanged = true;
+      node.childrenChanged = true;
     }
     node.children.push_back(std::move(child));
   }
 
   for (Node* old : order) {
-    const auto found = std::find_if(before.begin(), before.end(), [&](const auto& e) { return e.second.get() == old; });
+    const auto found =
+        std::find_if(before.begin(), before.end(), [&](const auto& e) { return e.second.get() == old; });
     if (found == before.end()) continue;
     const Node* successor = nullptr;
     for (const auto& child : node.children) {
       if (child->slot == old->slot && child->isNew) successor = child.get();
     }
     needsLayout = true;
-    node.contentChanged = true;
+    node.childrenChanged = true;
     remove(std::move(found->second), context, successor);
     before.erase(found);
   }
 }
 
 void Reconciler::insert(Node& node, const Context& context) {
-  scene_.structureChanged_ = true;
   if (first_ || !context.transitions) return;
   const Transition* own = node.attributes.transition ? &*node.attributes.transition : nullptr;
   if (own) {
@@ -262,7 +272,6 @@ void Reconciler::revive(Node& node, const Context& context) {
 }
 
 void Reconciler::remove(std::unique_ptr<Node> node, const Context& context, const Node* successor) {
-  scene_.structureChanged_ = true;
   const Transition* transition = transitionOf(*node);
   if (successor) {
     const Transition* next = transitionOf(*successor);
@@ -291,8 +300,9 @@ void Reconciler::noteMatches(Node& node, Node* root, bool hasTransition) {
   if (node.attributes.match && !node.isNew) {
     const Size size = node.presentedFrame().size();
     const QRectF rect = node.transform.mapRect(QRectF(0, 0, size.width, size.height));
-    handovers_.emplace_back(*node.attributes.match,
-                            Handover{&node, root, {rect.x(), rect.y(), rect.width(), rect.height()}, hasTransition});
+    handovers_.emplace_back(
+        *node.attributes.match,
+        Handover{&node, root, {rect.x(), rect.y(), rect.width(), rect.height()}, hasTransition});
   }
   for (const auto& child : node.children) noteMatches(*child, root, hasTransition);
 }
@@ -300,7 +310,8 @@ void Reconciler::noteMatches(Node& node, Node* root, bool hasTransition) {
 /// Ends the leaving of a view whose thing has moved over to another one.
 void Reconciler::takeAway(Node& root) {
   auto& siblings = root.parent->leaving;
-  const auto gone = std::find_if(siblings.begin(), siblings.end(), [&](const auto& s) { return s.get() == &root; });
+  const auto gone =
+      std::find_if(siblings.begin(), siblings.end(), [&](const auto& s) { return s.get() == &root; });
   if (gone == siblings.end()) return;
   for (auto& [match, handover] : handovers_) {
     if (handover.root == &root) handover.root = nullptr;
@@ -312,18 +323,19 @@ void Reconciler::takeAway(Node& root) {
 
 void Reconciler::handOver() {
   for (Node* node : newMatches_) {
-    const auto found = std::find_if(handovers_.begin(), handovers_.end(),
-                                    [&](const auto& entry) { return entry.first == *node->attributes.match; });
+    const auto found = std::find_if(handovers_.begin(), handovers_.end(), [&](const auto& entry) {
+      return entry.first == *node->attributes.match;
+    });
     if (found == handovers_.end() || !node->commitAnimation) continue;
     const Handover handover = found->second;
     // From the old view's place in the scene, seen from the new parent as it is presented now.
     const QPointF corner =
         node->parent->contentTransform.inverted().map(QPointF(handover.rect.x, handover.rect.y));
     const bool parentShown = !node->parent->isNew || node->parent->visible;
-    const Point start = parentShown ? Point{corner.x(), corner.y()}
-                                    : handover.rect.origin() - presentedOrigin(*node->parent);
-    node->frameMotion.startFrom({start.x, start.y, handover.rect.width, handover.rect.height}, node->commitAnimation,
-                                now_);
+    const Point start =
+        parentShown ? Point{corner.x(), corner.y()} : handover.rect.origin() - presentedOrigin(*node->parent);
+    node->frameMotion.startFrom({start.x, start.y, handover.rect.width, handover.rect.height},
+                                node->commitAnimation, now_);
     if (!handover.hasTransition) {
       // The thing itself moves over: nothing fades.
       for (Node* n = node; n && n->isNew; n = n->parent) {
@@ -334,8 +346,8 @@ void Reconciler::handOver() {
     } else if (handover.root && handover.root->isLeaving) {
       Node& old = *handover.leaving;
       const Point place = targetOrigin(*node) - targetOrigin(*old.parent);
-      old.frameMotion.set(numbersOf({place.x, place.y, node->frame.width, node->frame.height}), node->commitAnimation,
-                          now_);
+      old.frameMotion.set(numbersOf({place.x, place.y, node->frame.width, node->frame.height}),
+                          node->commitAnimation, now_);
     }
     handovers_.erase(found);
   }
@@ -369,7 +381,7 @@ bool Reconciler::buildForLayout(Node& node) {
 
 void Reconciler::settle(Node& node) {
   const bool visited = node.commitNumber == scene_.commitNumber_;
-  const std::optional<Animation>& animation = visited ? node.commitAnimation : animation_;
+  const std::optional<Animation>& animation = visited ? node.frameAnimation : animation_;
   const std::vector<double> target = numbersOf(node.frame);
   const Node* parent = node.parent;
   if (!node.isNew) {
@@ -377,7 +389,8 @@ void Reconciler::settle(Node& node) {
   } else {
     node.frameMotion.jump(target);
     if (parent && !parent->isNew && !first_) {
-      // Into a box that is on its way to another size: at the place that it will have, seen from the pinned side.
+      // Into a box that is on its way to another size: at the place that it will have, seen from the pinned
+      // side.
       const Size now = parent->presentedFrame().size(), then = parent->frame.size();
       const Rect start = node.frame.movedBy(
           {node.pin.x * (now.width - then.width), node.pin.y * (now.height - then.height)});

@@ -19,7 +19,8 @@ class Reconciler {
   std::unique_ptr<Node> build(Node* parent, const View& view, const Environment& inherited);
   /// Calls the body of a dynamic node again.
   void renew(Node& node);
-  /// Builds what depends on the layout: rows in view, readers of their size. @return true when it built something.
+  /// Builds what depends on the layout: rows in view, readers of their size. @return true when it built
+  /// something.
   bool buildForLayout(Node& node);
   /// After the layout: sends every node to its new frame.
   void settle(Node& node);

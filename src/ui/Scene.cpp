@@ -56,15 +56,6 @@ Scene::~Scene() {
   root_.reset();
 }
 
-void Scene::setSize(Size size) {
-  if (size == size_) return;
-  size_ = size;
-  ++commitNumber_;
-  Reconciler reconciler(*this, std::nullopt, true);
-  layOut(reconciler);
-  if (onNeedsFrame) onNeedsFrame();
-}
-
 void Scene::setPixelRatio(double ratio) {
   if (ratio == pixelRatio_) return;
   pixelRatio_ = ratio;
@@ -155,7 +146,7 @@ void Scene::finishLeaving(Node& node) {
     if (!node.leaving[i]->transition.isMoving()) {
       std::unique_ptr<Node> gone = std::move(node.leaving[i]);
       node.leaving.erase(node.leaving.begin() + std::ptrdiff_t(i));
-      node.contentChanged = true;
+      node.childrenChanged = true;
       discard(std::move(gone));
     } else {
       ++i;
@@ -234,7 +225,8 @@ std::vector<Scene::Control> Scene::controls() const {
     const auto& interaction = node.attributes.interaction;
     if (!node.visible || (interaction && interaction->disabled)) return;
     if (interaction && interaction->role != Role::none) {
-      controls.push_back({interaction->role, interaction->accessibilityName, presentedFrame(node), interaction->onTap});
+      controls.push_back(
+          {interaction->role, interaction->accessibilityName, presentedFrame(node), interaction->onTap});
     }
     for (const auto& child : node.children) collect(*child);
   };
@@ -243,7 +235,8 @@ std::vector<Scene::Control> Scene::controls() const {
 }
 
 Rect Scene::presentedFrame(const Node& node) {
-  const QRectF rect = node.transform.mapRect(QRectF(0, 0, node.presentedSize.width, node.presentedSize.height));
+  const QRectF rect =
+      node.transform.mapRect(QRectF(0, 0, node.presentedSize.width, node.presentedSize.height));
   return {rect.x(), rect.y(), rect.width(), rect.height()};
 }
 
@@ -256,7 +249,7 @@ std::optional<Rect> Scene::presentedFrame(const std::string& id) const {
 std::optional<Shape> Scene::presentedClip(const std::string& id) const {
   const Node* node = find(*root_, id);
   // The clip may stand inside effects of the same view.
-  while (node && !node->attributes.clip && node->children.size() == 1) node = node->onlyChild();
+  while (node && !node->attributes.clip && node->children.size() == 1) node = node->firstChild();
   if (!node || !node->attributes.clip) return std::nullopt;
   Shape shape = *node->attributes.clip;
   shape.animated = node->clip.presented();

@@ -17,14 +17,13 @@ namespace tarnwick::ui {
 
 class Node;
 
-/// A tree of views on the screen. It compares each new description with what is shown, keeps what moves moving,
-/// and knows what must be painted again. It draws nothing by itself: a host asks for frames.
+/// A tree of views on the screen. It compares each new description with what is shown, keeps what moves
+/// moving, and knows what must be painted again. It draws nothing by itself: a host asks for frames.
 class Scene : public transaction::Committer {
  public:
   Scene(Scheduler& scheduler, Size size, View root, double pixelRatio = 1);
   ~Scene() override;
 
-  void setSize(Size size);
   /// Device pixels per point.
   void setPixelRatio(double ratio);
   Size size() const { return size_; }
@@ -33,7 +32,8 @@ class Scene : public transaction::Committer {
   /// Called when there is something to show: the host is to call `frame` soon.
   std::function<void()> onNeedsFrame;
 
-  /// Takes over pending changes and moves everything to the present. @return true while anything is in motion.
+  /// Takes over pending changes and moves everything to the present. @return true while anything is in
+  /// motion.
   bool frame();
   /// What has to be painted again since the last call, in points.
   std::vector<Rect> takeDamage();
@@ -91,7 +91,6 @@ class Scene : public transaction::Committer {
   Task pendingCommit_;
   unsigned commitNumber_ = 0;
   bool committing_ = false;
-  bool structureChanged_ = true;
   SceneInput input_;
 };
 

@@ -28,14 +28,22 @@ Point SceneInput::inNode(const Node& node, Point point) const {
   return {p.x(), p.y()};
 }
 
+/// The same without the node's own effects.
+Point SceneInput::inFrame(const Node& node, Point point) const {
+  if (!node.parent) return point;
+  const QPointF p = node.parent->contentTransform.inverted().map(QPointF(point.x, point.y));
+  return Point{p.x(), p.y()} - node.presentedFrame().origin();
+}
+
 /// The frontmost node at `point` that is wanted.
 Node* SceneInput::hit(Node& node, Point point, const std::function<bool(const Node&)>& wanted) const {
   const auto& interaction = node.attributes.interaction;
   if (interaction && interaction->disabled) return nullptr;
   if (node.isLeaving || std::abs(node.transform.determinant()) < 1e-6) return nullptr;
-  const Point here = inNode(node, point);
+  // A button that shrinks while it is pressed keeps its area.
+  const Point here = &node == pressed_ ? inFrame(node, point) : inNode(node, point);
   const Rect box{0, 0, node.presentedSize.width, node.presentedSize.height};
-  const bool clips = node.attributes.clip || node.element->kind() == "ScrollView";
+  const bool clips = node.attributes.clip || node.element->clips();
   if (clips && !box.contains(here)) return nullptr;
   for (auto child = node.children.rbegin(); child != node.children.rend(); ++child) {
     if (Node* found = hit(**child, point, wanted)) return found;
@@ -50,22 +58,24 @@ Node* SceneInput::hit(Node& node, Point point, const std::function<bool(const No
 
 void SceneInput::moved(Point point) {
   pointer_ = point;
-  if (tooltip_ && tooltipNode_) setTooltip(std::nullopt);
   updateHover();
+  awaitTooltip();
   if (!pressed_) return;
-  const auto& interaction = *pressed_->attributes.interaction;
-  if (interaction.onDrag) {
+  // A copy: the handlers may make the view anew.
+  const auto interaction = pressed_->attributes.interaction;
+  if (!interaction) return;
+  if (interaction->onDrag) {
     const Point way = point - pressedAt_;
-    if (!dragging_ && std::hypot(way.x, way.y) >= interaction.dragDistance) dragging_ = true;
+    if (!dragging_ && std::hypot(way.x, way.y) >= interaction->dragDistance) dragging_ = true;
     if (dragging_) {
-      interaction.onDrag({inNode(*pressed_, pressedAt_), inNode(*pressed_, point), pressed_->presentedSize});
+      interaction->onDrag({inNode(*pressed_, pressedAt_), inNode(*pressed_, point), pressed_->presentedSize});
     }
   }
-  if (pressed_ && interaction.onPress) {
+  if (pressed_ && interaction->onPress) {
     const bool over = hit(*scene_.root_, point, takesPress) == pressed_;
     if (over != pressShown_) {
       pressShown_ = over;
-      interaction.onPress(over);
+      interaction->onPress(over);
     }
   }
 }
@@ -102,7 +112,10 @@ void SceneInput::released(Point point) {
   Node* const node = std::exchange(pressed_, nullptr);
   if (!node) return;
   const auto interaction = node->attributes.interaction;
+  if (!interaction) return;
+  pressed_ = node;
   const bool over = hit(*scene_.root_, point, takesPress) == node;
+  pressed_ = nullptr;
   const bool dragged = std::exchange(dragging_, false);
   const DragValue drag{inNode(*node, pressedAt_), inNode(*node, point), node->presentedSize};
   if (interaction->onPress && std::exchange(pressShown_, false)) interaction->onPress(false);
@@ -140,7 +153,8 @@ void SceneInput::sceneMoved() {
 void SceneInput::updateHover() {
   std::vector<Node*> inside;
   if (pointer_) {
-    Node* front = hit(*scene_.root_, *pointer_, [](const Node& node) { return bool(node.attributes.interaction); });
+    Node* front =
+        hit(*scene_.root_, *pointer_, [](const Node& node) { return bool(node.attributes.interaction); });
     for (Node* node = front; node; node = node->parent) {
       if (node->attributes.interaction) inside.push_back(node);
     }
@@ -161,20 +175,23 @@ void SceneInput::updateHover() {
   }
   if (withTooltip != tooltipNode_) {
     tooltipNode_ = withTooltip;
-    setTooltip(std::nullopt);
-    tooltipTimer_ = {};
-    if (withTooltip) {
-      tooltipTimer_ = scene_.scheduler_.after(tooltipDelay, [this] {
-        if (tooltipNode_ && pointer_ && !pressed_) {
-          setTooltip(Tooltip{tooltipNode_->attributes.interaction->tooltip, *pointer_});
-        }
-      });
-    }
+    awaitTooltip();
   }
   // Last: a handler may make the views anew.
   for (const auto& [interaction, hovering] : calls) {
     if (interaction && interaction->onHover) interaction->onHover(hovering);
   }
+}
+
+/// From now on the pointer rests.
+void SceneInput::awaitTooltip() {
+  setTooltip(std::nullopt);
+  tooltipTimer_ = {};
+  if (!tooltipNode_) return;
+  tooltipTimer_ = scene_.scheduler_.after(tooltipDelay, [this] {
+    if (!tooltipNode_ || !pointer_ || pressed_ || !tooltipNode_->attributes.interaction) return;
+    setTooltip(Tooltip{tooltipNode_->attributes.interaction->tooltip, *pointer_});
+  });
 }
 
 void SceneInput::setTooltip(std::optional<Tooltip> tooltip) {

@@ -40,9 +40,11 @@ class SceneInput {
   void forget(Node& node);
   void forgetAll();
   void updateHover();
+  void awaitTooltip();
   void setTooltip(std::optional<Tooltip> tooltip);
   Node* hit(Node& node, Point point, const std::function<bool(const Node&)>& wanted) const;
   Point inNode(const Node& node, Point point) const;
+  Point inFrame(const Node& node, Point point) const;
 
   Scene& scene_;
   std::optional<Point> pointer_;

@@ -46,7 +46,8 @@ void SceneWidget::scheduleFrame() {
 
 void SceneWidget::adoptPixelRatio() {
   const double ratio = devicePixelRatioF();
-  const QSize pixels(int(std::ceil(scene_.size().width * ratio)), int(std::ceil(scene_.size().height * ratio)));
+  const QSize pixels(int(std::ceil(scene_.size().width * ratio)),
+                     int(std::ceil(scene_.size().height * ratio)));
   if (image_.size() == pixels && scene_.pixelRatio() == ratio) return;
   image_ = QImage(pixels, QImage::Format_ARGB32_Premultiplied);
   image_.fill(Qt::transparent);
@@ -76,8 +77,9 @@ void SceneWidget::paintEvent(QPaintEvent* event) {
   painter.setCompositionMode(QPainter::CompositionMode_Source);
   const double ratio = scene_.pixelRatio();
   for (const QRect& area : event->region()) {
-    painter.drawImage(QRectF(area), image_,
-                      QRectF(area.x() * ratio, area.y() * ratio, area.width() * ratio, area.height() * ratio));
+    painter.drawImage(
+        QRectF(area), image_,
+        QRectF(area.x() * ratio, area.y() * ratio, area.width() * ratio, area.height() * ratio));
   }
 }
 

@@ -8,8 +8,8 @@
 
 namespace tarnwick::ui {
 
-/// Shows a scene in a window of the toolkit: frames at the screen's rate, only while something moves, and only
-/// what changed is painted.
+/// Shows a scene in a window of the toolkit: frames at the screen's rate, only while something moves, and
+/// only what changed is painted.
 class SceneWidget : public QWidget {
  public:
   SceneWidget(Scheduler& scheduler, Size size, View root);

@@ -14,17 +14,18 @@ View ScrollView(Axis axis, View content) {
 View LazyVStack(LazyRows rows) { return View(std::make_shared<LazyElement>(std::move(rows))); }
 
 Measured ScrollElement::measure(Node& node, Proposal proposal) const {
-  Node* content = node.onlyChild();
+  Node* content = node.firstChild();
   const Size own = content ? content->measure({}).size : Size{};
   return {{proposal.width.value_or(own.width), proposal.height.value_or(own.height)}};
 }
 
 void ScrollElement::place(Node& node, Size size) const {
-  Node* content = node.onlyChild();
+  Node* content = node.firstChild();
   if (!content) return;
   const bool vertical = axis_ == Axis::vertical;
-  Size wanted = content->measure({vertical ? std::optional(size.width) : std::nullopt,
-                                  vertical ? std::nullopt : std::optional(size.height)})
+  Size wanted = content
+                    ->measure({vertical ? std::optional(size.width) : std::nullopt,
+                               vertical ? std::nullopt : std::optional(size.height)})
                     .size;
   (vertical ? wanted.width : wanted.height) = vertical ? size.width : size.height;
   content->place({0, 0, wanted.width, wanted.height});
@@ -32,15 +33,17 @@ void ScrollElement::place(Node& node, Size size) const {
 }
 
 bool ScrollElement::scroll(Node& node, Point delta) {
-  const Node* content = node.onlyChild();
+  const Node* content = node.firstChild();
   if (!content) return false;
   const bool vertical = static_cast<const ScrollElement&>(*node.element).axis_ == Axis::vertical;
   const Point before = node.scroll;
   const auto limited = [](double value, double whole, double window) {
     return std::clamp(value, 0.0, std::max(0.0, whole - window));
   };
-  if (vertical) node.scroll.y = limited(before.y - delta.y, content->frame.height, node.frame.height);
-  else node.scroll.x = limited(before.x - delta.x, content->frame.width, node.frame.width);
+  if (vertical)
+    node.scroll.y = limited(before.y - delta.y, content->frame.height, node.frame.height);
+  else
+    node.scroll.x = limited(before.x - delta.x, content->frame.width, node.frame.width);
   return node.scroll != before;
 }
 

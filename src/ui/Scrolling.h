@@ -14,6 +14,7 @@ class ScrollElement : public Element {
   }
   Measured measure(Node& node, Proposal proposal) const override;
   void place(Node& node, Size size) const override;
+  bool clips() const override { return true; }
   Axis axis() const { return axis_; }
   /// Scrolls by `delta` points as far as the content goes. @return false when it is at its end already.
   static bool scroll(Node& node, Point delta);

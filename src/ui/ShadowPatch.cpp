@@ -23,14 +23,15 @@ struct Key {
 
 }  // namespace
 
-std::shared_ptr<const ShadowPatch> ShadowPatch::of(const Shape& shape, Size size, double radius, double scale) {
+std::shared_ptr<const ShadowPatch> ShadowPatch::of(const Shape& shape, Size size, double radius,
+                                                   double scale) {
   const double sigma = std::max(0.5, radius * scale);
   // Beyond this a blurred edge is below half a level of the strongest shadow that we draw.
   const double reach = std::ceil(2.5 * sigma);
   // The middle may be stretched when it lies beyond what corners and blur change.
-  const double corner = shape.cornerExtent * scale + reach;
+  const double corner = shape.cornerExtent() * scale + reach;
   const QSizeF whole(size.width * scale, size.height * scale);
-  const bool stretches = shape.cornerExtent >= 0 && whole.width() > 2 * corner + 2;
+  const bool stretches = shape.cornerExtent() >= 0 && whole.width() > 2 * corner + 2;
   const QSizeF box(stretches ? 2 * corner + 2 : whole.width(), whole.height());
 
   static std::deque<std::pair<Key, std::shared_ptr<const ShadowPatch>>> kept;
@@ -79,15 +80,20 @@ std::vector<ShadowPatch::Sample> ShadowPatch::samples(double start, double lengt
     double p = from + i + 0.5 - start;
     // Left half from the left edge, right half from the right one; what is between shows the middle.
     if (horizontal && stretches_) {
-      if (p > length / 2) p = std::max(p - length + box, box / 2);
-      else p = std::min(p, box / 2);
+      if (p > length / 2)
+        p = std::max(p - length + box, box / 2);
+      else
+        p = std::min(p, box / 2);
     }
     const double m = (p + reach_) / reduction_ - 0.5;
     const double floored = std::floor(m);
     const int index = int(floored);
-    if (index < 0) result[size_t(i)] = {0, 0};
-    else if (index >= last) result[size_t(i)] = {last - 1, 256};
-    else result[size_t(i)] = {index, int((m - floored) * 256)};
+    if (index < 0)
+      result[size_t(i)] = {0, 0};
+    else if (index >= last)
+      result[size_t(i)] = {last - 1, 256};
+    else
+      result[size_t(i)] = {index, int((m - floored) * 256)};
   }
   return result;
 }
@@ -98,7 +104,8 @@ std::vector<uint16_t> ShadowPatch::widened(int row, const std::vector<Sample>& c
   std::vector<uint16_t> wide(columns.size());
   for (size_t x = 0; x < columns.size(); ++x) {
     const Sample column = columns[x];
-    wide[x] = uint16_t(values[column.index] * (256 - column.fraction) + values[column.index + 1] * column.fraction);
+    wide[x] =
+        uint16_t(values[column.index] * (256 - column.fraction) + values[column.index + 1] * column.fraction);
   }
   return wide;
 }
@@ -111,13 +118,16 @@ struct Blend {
 
   explicit Blend(Color color) {
     const double strength = std::clamp(color.alpha, 0.0, 1.0);
-    const auto byte = [&](double channel) { return uint32_t(std::lround(255 * std::clamp(channel, 0.0, 1.0))); };
+    const auto byte = [&](double channel) {
+      return uint32_t(std::lround(255 * std::clamp(channel, 0.0, 1.0)));
+    };
     alpha = uint32_t(std::lround(256 * strength));
     redBlue = byte(color.red) << 16 | byte(color.blue);
     green = byte(color.green);
   }
 
-  void run(uint32_t* pixels, const uint16_t* upper, const uint16_t* lower, uint32_t fraction, int count) const {
+  void run(uint32_t* pixels, const uint16_t* upper, const uint16_t* lower, uint32_t fraction,
+           int count) const {
     const uint32_t rest = 256 - fraction;
     for (int x = 0; x < count; ++x) {
       const uint32_t coverage = (upper[x] * rest + lower[x] * fraction) >> 8;
@@ -155,7 +165,8 @@ void ShadowPatch::draw(QImage& target, QPointF corner, QSizeF size, Color color,
       above = row.index;
     }
     auto* pixels = reinterpret_cast<uint32_t*>(target.scanLine(area.y() + y)) + area.x();
-    const bool crosses = !skipped.isEmpty() && area.y() + y >= skipped.top() && area.y() + y <= skipped.bottom();
+    const bool crosses =
+        !skipped.isEmpty() && area.y() + y >= skipped.top() && area.y() + y <= skipped.bottom();
     const int left = crosses ? skipped.left() - area.x() : area.width();
     blend.run(pixels, upper.data(), lower.data(), uint32_t(row.fraction), left);
     if (!crosses) continue;

@@ -9,18 +9,19 @@
 
 namespace tarnwick::ui {
 
-/// The blurred silhouette of a shape, kept small: it is made on a reduced copy, and where the shape has straight
-/// edges only its corners are kept and the middle is stretched.
+/// The blurred silhouette of a shape, kept small: it is made on a reduced copy, and where the shape has
+/// straight edges only its corners are kept and the middle is stretched.
 class ShadowPatch {
  public:
   /// The shadow of `shape` in a box of `size` points, blurred by `radius` points (standard deviation), for a
   /// surface of `scale` pixels a point. The last few are kept.
   static std::shared_ptr<const ShadowPatch> of(const Shape& shape, Size size, double radius, double scale);
 
-  /// Draws it in `color` onto `target` (premultiplied ARGB), for a box whose top left corner is at `corner` and
-  /// whose size is `size`, all in pixels; only inside `clip`, and not inside `hidden`, which something opaque will
-  /// cover.
-  void draw(QImage& target, QPointF corner, QSizeF size, Color color, const QRect& clip, const QRect& hidden) const;
+  /// Draws it in `color` onto `target` (premultiplied ARGB), for a box whose top left corner is at `corner`
+  /// and whose size is `size`, all in pixels; only inside `clip`, and not inside `hidden`, which something
+  /// opaque will cover.
+  void draw(QImage& target, QPointF corner, QSizeF size, Color color, const QRect& clip,
+            const QRect& hidden) const;
 
  private:
   /// For each pixel of a line: the two samples that it lies between, and how far it is to the second, 0…256.

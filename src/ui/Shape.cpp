@@ -16,8 +16,11 @@ Path rectangle(Size size, const std::vector<double>&, const std::vector<double>&
   return path;
 }
 
-/// One corner of continuous curvature: the curve begins a little further out than a circular arc would and bends
-/// more gently. Where there is no room for that it becomes the arc.
+/// How far a corner of continuous curvature reaches along the edge, in radii.
+constexpr double continuousReach = 1.28;
+
+/// One corner of continuous curvature: the curve begins a little further out than a circular arc would and
+/// bends more gently. Where there is no room for that it becomes the arc.
 Path roundedRectangle(Size size, const std::vector<double>& animated, const std::vector<double>&) {
   const double w = size.width, h = size.height;
   const double r = std::clamp(animated[0], 0.0, std::min(w, h) / 2);
@@ -28,8 +31,8 @@ Path roundedRectangle(Size size, const std::vector<double>& animated, const std:
   }
   // Reach of the corner along the edge, and where its control points lie, as fractions of the reach.
   const double room = std::min(w, h) / 2 / r;
-  const double reach = r * std::min(1.28, room);
-  const double smooth = (reach / r - 1) / 0.28;
+  const double reach = r * std::min(continuousReach, room);
+  const double smooth = (reach / r - 1) / (continuousReach - 1);
   const double c = reach * (1 - (0.5522847498 + 0.09 * smooth));
   path.moveTo({reach, 0});
   path.lineTo({w - reach, 0});
@@ -92,9 +95,13 @@ QPainterPath trimmed(const QPainterPath& path, double from, double to) {
 
 }  // namespace
 
-Shape Rectangle() { return {.outline = rectangle, .cornerExtent = 0}; }
+Shape Rectangle() {
+  return {.outline = rectangle, .extent = [](const auto&, const auto&) { return 0.0; }};
+}
 Shape RoundedRectangle(double radius) {
-  return {.outline = roundedRectangle, .animated = {radius}, .cornerExtent = radius * 1.28};
+  return {.outline = roundedRectangle, .animated = {radius}, .extent = [](const auto& animated, const auto&) {
+            return animated[0] * continuousReach;
+          }};
 }
 Shape Capsule() { return {.outline = capsule}; }
 Shape Circle() { return {.outline = circle}; }

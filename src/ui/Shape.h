@@ -25,16 +25,20 @@ struct StrokeStyle {
 
 /// An outline that fits itself into a size. A new kind of shape is one `Outline` function.
 struct Shape {
-  /// The outline in a box of the given size with its origin at (0, 0). `animated` are the numbers that may be on
-  /// their way to another value, `fixed` those that jump.
+  /// The outline in a box of the given size with its origin at (0, 0). `animated` are the numbers that may be
+  /// on their way to another value, `fixed` those that jump.
   using Outline = Path (*)(Size size, const std::vector<double>& animated, const std::vector<double>& fixed);
 
   Outline outline;
   std::vector<double> animated = {};
   std::vector<double> fixed = {};
-  /// How far from the edges of its box the outline may differ from straight edges, in points; a negative value
-  /// when it depends on the size as a whole. It lets a shadow be drawn from its corners.
-  double cornerExtent = -1;
+  /// How far from the edges of its box the outline may differ from straight edges, in points. It lets a
+  /// shadow be drawn from its corners. None: the outline depends on the size as a whole.
+  using CornerExtent = double (*)(const std::vector<double>& animated, const std::vector<double>& fixed);
+  CornerExtent extent = nullptr;
+
+  /// `extent` for the numbers as they are; negative where there is none.
+  double cornerExtent() const { return extent ? extent(animated, fixed) : -1; }
 
   View fill(Paint paint) const;
   View stroke(Paint paint, StrokeStyle style = {}) const;

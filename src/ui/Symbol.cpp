@@ -14,8 +14,8 @@
 namespace tarnwick::ui {
 namespace {
 
-/// The glyphs stand in a square em with air around; at this many ems to a point they look as tall as the capitals
-/// of the text beside them and a little more.
+/// The glyphs stand in a square em with air around; at this many ems to a point they look as tall as the
+/// capitals of the text beside them and a little more.
 constexpr double emPerPoint = 1.32;
 
 /// The glyph's outline at 1 em = 1 unit, its square from (0, 0) to (1, 1).

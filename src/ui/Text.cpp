@@ -25,7 +25,8 @@ const fontBook::Face& faceFor(const QString& text, const Font& font) {
   return isDingbat(text) || text == QChar(0xB7) ? fontBook::sparkleFace(font) : fontBook::face(font);
 }
 
-/// A text cut into the cells that it is drawn in: digits one by one, of equal width where wanted, the rest in runs.
+/// A text cut into the cells that it is drawn in: digits one by one, of equal width where wanted, the rest in
+/// runs.
 struct Cell {
   QString text;
   double x;
@@ -81,7 +82,8 @@ Measured TextElement::measure(Node& node, Proposal proposal) const {
   const Environment& environment = node.environment;
   const QString text = QString::fromStdString(text_);
   const fontBook::Face& face = faceFor(text, environment.font);
-  double wanted = std::ceil(width(text, face, environment.monospacedDigits) * node.pixelRatio) / node.pixelRatio;
+  double wanted =
+      std::ceil(width(text, face, environment.monospacedDigits) * node.pixelRatio) / node.pixelRatio;
   if (proposal.width) wanted = std::min(wanted, std::max(0.0, *proposal.width));
   return {{wanted, std::ceil(face.metrics.height())}, std::round(face.metrics.ascent())};
 }
@@ -89,17 +91,18 @@ Measured TextElement::measure(Node& node, Proposal proposal) const {
 void TextElement::draw(DrawContext& context) const {
   const auto* before = dynamic_cast<const TextElement*>(context.previous);
   const Environment& environment = context.environment;
-  if (before && environment.contentTransition == ContentTransition::numericText) return drawRolling(context, *before);
+  if (before && environment.contentTransition == ContentTransition::numericText)
+    return drawRolling(context, *before);
   if (before && context.change < 1) {
     const double opacity = context.painter.opacity();
     context.painter.setOpacity(opacity * (1 - context.change));
-    before->drawLine(context);
+    before->drawLine(context, context.previousSize.width);
     context.painter.setOpacity(opacity * context.change);
-    drawLine(context);
+    drawLine(context, context.layoutSize.width);
     context.painter.setOpacity(opacity);
     return;
   }
-  drawLine(context);
+  drawLine(context, context.layoutSize.width);
 }
 
 void TextElement::prepare(DrawContext& context, const QFont& font) const {
@@ -108,11 +111,10 @@ void TextElement::prepare(DrawContext& context, const QFont& font) const {
   context.painter.setPen(toQt(Color{c[0], c[1], c[2], c[3]}));
 }
 
-void TextElement::drawLine(DrawContext& context) const {
+void TextElement::drawLine(DrawContext& context, double space) const {
   const Environment& environment = context.environment;
   QString text = QString::fromStdString(text_);
   const fontBook::Face& face = faceFor(text, environment.font);
-  const double space = context.layoutSize.width;
   if (width(text, face, environment.monospacedDigits) > space + 0.5) {
     const auto mode = environment.truncation == Truncation::middle ? Qt::ElideMiddle : Qt::ElideRight;
     text = face.metrics.elidedText(text, mode, space + 0.5);
@@ -136,7 +138,8 @@ void TextElement::drawRolling(DrawContext& context, const TextElement& before) c
   prepare(context, face.font);
   const double opacity = painter.opacity();
   const bool equalDigits = context.environment.monospacedDigits;
-  const std::vector<Cell> oldCells = cells(oldText, face, equalDigits), newCells = cells(text, face, equalDigits);
+  const std::vector<Cell> oldCells = cells(oldText, face, equalDigits),
+                          newCells = cells(text, face, equalDigits);
   // Counted from the right: the places of a number stay comparable.
   const size_t count = std::max(oldCells.size(), newCells.size());
   for (size_t i = 0; i < count; ++i) {

@@ -21,7 +21,7 @@ class TextElement : public Element {
 
  private:
   void prepare(DrawContext& context, const QFont& font) const;
-  void drawLine(DrawContext& context) const;
+  void drawLine(DrawContext& context, double space) const;
   void drawRolling(DrawContext& context, const TextElement& before) const;
 
   std::string text_;

@@ -21,11 +21,12 @@ class BesidePoint : public Element {
   }
   void place(Node& node, Size size) const override {
     constexpr double below = 18, above = 8, margin = 4;
-    const Size own = node.onlyChild()->measure({}).size;
-    const double x = std::clamp(point_.x - own.width / 2, margin, std::max(margin, size.width - own.width - margin));
+    const Size own = node.firstChild()->measure({}).size;
+    const double x =
+        std::clamp(point_.x - own.width / 2, margin, std::max(margin, size.width - own.width - margin));
     double y = point_.y + below;
     if (y + own.height + margin > size.height) y = point_.y - own.height - above;
-    node.onlyChild()->place({x, std::max(margin, y), own.width, own.height});
+    node.firstChild()->place({x, std::max(margin, y), own.width, own.height});
   }
 
  private:
@@ -44,7 +45,8 @@ View tooltipView(const SceneInput& input) {
                       .padding(Edge::vertical, 4)
                       .background(RoundedRectangle(6).fill(Color{0.17, 0.17, 0.18, 0.97}))
                       .overlay(RoundedRectangle(6).stroke(white(0.12), {.width = 1, .inside = true}));
-    return View(std::make_shared<BesidePoint>(input.tooltip()->point), {std::move(bubble)}).allowsHitTesting(false);
+    return View(std::make_shared<BesidePoint>(input.tooltip()->point), {std::move(bubble)})
+        .allowsHitTesting(false);
   });
 }
 

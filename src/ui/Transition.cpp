@@ -2,16 +2,12 @@
 
 namespace tarnwick::ui {
 
-Transition Transition::opacity() {
-  return {.insertion = {.opacity = 0}, .removal = {.opacity = 0}};
-}
+Transition Transition::opacity() { return {.insertion = {.opacity = 0}, .removal = {.opacity = 0}}; }
 
 Transition Transition::scale(double scale, UnitPoint anchor) {
   const Effects effects{.scaleX = scale, .scaleY = scale, .anchor = anchor};
   return {.insertion = effects, .removal = effects};
 }
-
-Transition Transition::identity() { return {}; }
 
 Transition Transition::combined(const Transition& other) const {
   const auto combine = [](const Effects& a, const Effects& b) {

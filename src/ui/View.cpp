@@ -31,15 +31,15 @@ View View::with(Change change) const {
   return view;
 }
 
-/// Two effects of one kind on the same view nest: the second one gets a group of its own.
-View View::effect(bool alreadySet(const Effects&), const std::function<void(Effects&)>& change) const {
+/// Two effects of one kind on the same view nest: the second one gets a group of its own. So does one behind
+/// a clip or a shadow, which it applies to as well.
+View View::effect(EffectKind kind, const std::function<void(Effects&)>& change) const {
   if (isEmpty()) return *this;
   const Attributes& mine = description_->attributes;
-  if ((mine.hasEffects && alreadySet(mine.effects)) || mine.clip || !mine.shadows.empty()) {
-    return Group(*this).effect(alreadySet, change);
-  }
+  if ((mine.effectKinds & unsigned(kind)) || mine.clip || !mine.shadows.empty())
+    return Group(*this).effect(kind, change);
   return with([&](Attributes& attributes) {
-    attributes.hasEffects = true;
+    attributes.effectKinds |= unsigned(kind);
     change(attributes.effects);
   });
 }
@@ -72,32 +72,30 @@ View View::overlay(View before, UnitPoint align) const {
 }
 
 View View::opacity(double opacity) const {
-  return effect([](const Effects& e) { return e.opacity != 1; }, [=](Effects& e) { e.opacity = opacity; });
+  return effect(EffectKind::opacity, [=](Effects& e) { e.opacity = opacity; });
 }
 View View::offset(Point offset) const {
-  return effect([](const Effects& e) { return e.offset != Point{}; }, [=](Effects& e) { e.offset = offset; });
+  return effect(EffectKind::offset, [=](Effects& e) { e.offset = offset; });
 }
 View View::scaleEffect(double scale, UnitPoint anchor) const { return scaleEffect(scale, scale, anchor); }
 View View::scaleEffect(double x, double y, UnitPoint anchor) const {
-  return effect([](const Effects& e) { return e.scaleX != 1 || e.scaleY != 1 || e.rotation != 0; },
-                [=](Effects& e) {
-                  e.scaleX = x;
-                  e.scaleY = y;
-                  e.anchor = anchor;
-                });
+  return effect(EffectKind::scaleOrRotation, [=](Effects& e) {
+    e.scaleX = x;
+    e.scaleY = y;
+    e.anchor = anchor;
+  });
 }
 View View::rotation(double degrees, UnitPoint anchor) const {
-  return effect([](const Effects& e) { return e.scaleX != 1 || e.scaleY != 1 || e.rotation != 0; },
-                [=](Effects& e) {
-                  e.rotation = degrees;
-                  e.anchor = anchor;
-                });
+  return effect(EffectKind::scaleOrRotation, [=](Effects& e) {
+    e.rotation = degrees;
+    e.anchor = anchor;
+  });
 }
 View View::blur(double radius) const {
-  return effect([](const Effects& e) { return e.blur != 0; }, [=](Effects& e) { e.blur = radius; });
+  return effect(EffectKind::blur, [=](Effects& e) { e.blur = radius; });
 }
 View View::brightness(double amount) const {
-  return effect([](const Effects& e) { return e.brightness != 0; }, [=](Effects& e) { e.brightness = amount; });
+  return effect(EffectKind::brightness, [=](Effects& e) { e.brightness = amount; });
 }
 View View::clipShape(Shape shape) const {
   if (isEmpty()) return *this;

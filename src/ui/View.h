@@ -52,8 +52,8 @@ struct FrameOptions {
 /// A description of what should be on the screen: a cheap value without effect, made anew whenever the state
 /// behind it changes. A default-constructed view is nothing at all.
 ///
-/// Decorators return the decorated view and compose by chaining, inside out: `a.padding(4).background(b)` has `b`
-/// behind the padding, too.
+/// Decorators return the decorated view and compose by chaining, inside out: `a.padding(4).background(b)` has
+/// `b` behind the padding, too.
 class View {
  public:
   View() = default;
@@ -99,8 +99,8 @@ class View {
   /// Whenever `value` changes, what changes in this view does so along `animation`.
   View animation(const Animation& animation, AnyValue value) const;
   View transition(Transition transition) const;
-  /// A view that vanishes while another one with the same id appears hands its place over: the new one sets out
-  /// from there.
+  /// A view that vanishes while another one with the same id appears hands its place over: the new one sets
+  /// out from there.
   View matchedGeometry(std::string id, Namespace names) const;
   /// The view hops once whenever `value` changes; with `onAppear` also when it is first shown.
   View bounce(AnyValue value, bool onAppear = false) const;
@@ -128,7 +128,9 @@ class View {
  private:
   template<typename Change>
   View with(Change change) const;
-  View effect(bool alreadySet(const Effects&), const std::function<void(Effects&)>& change) const;
+  /// Scale and rotation share their anchor, and so count as one.
+  enum class EffectKind { opacity = 1, offset = 2, scaleOrRotation = 4, blur = 8, brightness = 16 };
+  View effect(EffectKind kind, const std::function<void(Effects&)>& change) const;
   View interaction(const std::function<void(Interaction&)>& change) const;
 
   std::shared_ptr<const Description> description_;
@@ -176,8 +178,8 @@ enum class ContentMode { fit, fill };
 /// A picture scaled to the space it is given, cropped when it is to fill it.
 View ImageView(Image image, ContentMode mode = ContentMode::fit);
 
-/// Free drawing: `draw` is called with the size; `input` is all that the drawing depends on, so that an unchanged
-/// one is not drawn again.
+/// Free drawing: `draw` is called with the size; `input` is all that the drawing depends on, so that an
+/// unchanged one is not drawn again.
 View CanvasView(AnyValue input, std::function<void(Canvas&, Size)> draw);
 
 /// A view that reads its own size: `body` is called with the size that is offered.

@@ -56,7 +56,8 @@ View content(const Transient::Device& device) {
 }  // namespace
 
 View transientLeft(const Transient& transient) {
-  return std::visit([](const auto& value) { return content(value); }, transient.value);
+  return ZStack(UnitPoint::leading,
+                {std::visit([](const auto& value) { return content(value); }, transient.value)});
 }
 
 }  // namespace tarnwick

@@ -36,7 +36,10 @@ View content(const Transient::Device& device) {
 }  // namespace
 
 View transientRight(const Transient& transient) {
-  return std::visit([](const auto& value) { return content(value); }, transient.value);
+  // The stack stays when what is in it changes: a battery's level that is told later does not enter like
+  // news.
+  return ZStack(UnitPoint::trailing,
+                {std::visit([](const auto& value) { return content(value); }, transient.value)});
 }
 
 }  // namespace tarnwick
