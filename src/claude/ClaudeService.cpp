@@ -11,11 +11,6 @@ namespace {
 constexpr double idleAfter = 900;
 constexpr double forgottenAfter = 1200;
 
-std::optional<std::string> value(const StringMap& event, const char* key) {
-  const auto it = event.find(key);
-  return it == event.end() ? std::nullopt : std::optional(it->second);
-}
-
 int rank(Phase phase) {
   switch (phase) {
     case Phase::waiting:
@@ -36,7 +31,7 @@ char lowercase(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A'
 /// already said that it is done. The phrase is plain ASCII, so folding ASCII letters finds it in any case; a
 /// Turkish locale, which lowercases I differently, must not make a difference to an English phrase.
 bool isIdleReminder(const StringMap& event, const std::string& message) {
-  if (value(event, "notification_type") == "idle_prompt") return true;
+  if (valueOf(event, "notification_type") == "idle_prompt") return true;
   constexpr std::string_view phrase = "waiting for your input";
   return std::search(message.begin(), message.end(), phrase.begin(), phrase.end(),
                      [](char a, char b) { return lowercase(a) == b; }) != message.end();
@@ -87,9 +82,9 @@ void ClaudeService::announce(const char* icon, Color tint, const Session& sessio
 }
 
 void ClaudeService::handle(const StringMap& event) {
-  const std::string id = value(event, "session_id").value_or("default");
-  const std::string folder = value(event, "cwd").value_or("");
-  const std::string name = value(event, "hook_event_name").value_or("");
+  const std::string id = valueOf(event, "session_id").value_or("default");
+  const std::string folder = valueOf(event, "cwd").value_or("");
+  const std::string name = valueOf(event, "hook_event_name").value_or("");
   const Date now = scheduler_.now();
 
   if (name == "SessionEnd") {
@@ -112,12 +107,12 @@ void ClaudeService::handle(const StringMap& event) {
   } else if (name == "PreToolUse") {
     if (session.phase == Phase::done || session.phase == Phase::idle) session.startedAt = now;
     session.phase = Phase::working;
-    session.activity = describe(value(event, "tool_name"), value(event, "tool_detail"));
+    session.activity = describe(valueOf(event, "tool_name"), valueOf(event, "tool_detail"));
   } else if (name == "PostToolUse") {
     session.phase = Phase::working;
     session.activity = thinking();
   } else if (name == "Notification") {
-    const std::string message = value(event, "message").value_or("");
+    const std::string message = valueOf(event, "message").value_or("");
     if (isIdleReminder(event, message)) return;
     session.phase = Phase::waiting;
     session.activity = translate(message);

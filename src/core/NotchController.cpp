@@ -18,11 +18,6 @@ constexpr Animation dropTargetOn = spring(0.3, 0.7);
 constexpr Animation dropTargetOff = easeOut(0.2);
 constexpr Animation dropLands = spring(0.35, 0.7);
 
-std::string value(const StringMap& map, const char* key) {
-  const auto it = map.find(key);
-  return it == map.end() ? "" : it->second;
-}
-
 /// Lengths in points may be fractions of pixels; a window that is a point off is off.
 bool isSame(double a, double b) { return std::abs(a - b) < 0.5; }
 
@@ -113,13 +108,13 @@ void NotchController::checkFullscreen() {
 
 void NotchController::handleEvent(const StringMap& event) {
   // Real sessions do not disturb a running demonstration.
-  if (model_.showcase && !value(event, "session_id").starts_with("showcase")) return;
+  if (model_.showcase && !valueOf(event, "session_id").value_or("").starts_with("showcase")) return;
   withAnimation(notchOpen, [&] { model_.claude.handle(event); });
 }
 
 void NotchController::handleShowcase(const StringMap& payload) {
   if (!onShowcaseCommand) return;
-  onShowcaseCommand(value(payload, "cmd"), value(payload, "arg"));
+  onShowcaseCommand(valueOf(payload, "cmd").value_or(""), valueOf(payload, "arg").value_or(""));
   tracker_.reconsider();
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 #include <functional>
 #include <map>
+#include <optional>
 #include <string>
 
 #include "base/ObservableObject.h"
@@ -8,6 +9,11 @@
 namespace tarnwick {
 
 using StringMap = std::map<std::string, std::string>;
+
+inline std::optional<std::string> valueOf(const StringMap& map, const std::string& key) {
+  const auto found = map.find(key);
+  return found == map.end() ? std::nullopt : std::optional(found->second);
+}
 
 /// Notifications broadcast between processes of the same user session, fire and forget.
 class NotificationCenter {
