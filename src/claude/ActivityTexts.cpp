@@ -36,6 +36,8 @@ std::string labelOf(const std::string& tool) {
 
 }  // namespace
 
+// The texts that ClaudeService declares: apart from its rules, without a header of their own.
+
 std::string ClaudeService::describe(const std::optional<std::string>& tool,
                                     const std::optional<std::string>& detail) {
   if (!tool) return tr("Working…", "Travaille…");
