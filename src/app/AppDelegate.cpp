@@ -8,14 +8,16 @@
 namespace tarnwick {
 namespace {
 
-/// The window is laid out as large as the largest surface with its shadows.
-constexpr Size contentSize{940, 380};
-
-/// The black surface as it is shown now; empty while it cannot be seen.
-QPainterPath presentedSurface(const ui::Scene& scene) {
+/// The black surface as it is now.
+X11NotchPanel::Surface presentedSurface(const ui::Scene& scene) {
+  X11NotchPanel::Surface surface;
   const auto frame = scene.presentedFrame(surfaceId);
   const auto shape = scene.presentedClip(surfaceId);
-  return frame && shape ? ui::outline(*shape, frame->size()).translated(frame->x, frame->y) : QPainterPath();
+  if (frame) surface.frame = *frame;
+  if (frame && shape && scene.isVisible(surfaceId)) {
+    surface.outline = ui::outline(*shape, frame->size()).translated(frame->x, frame->y);
+  }
+  return surface;
 }
 
 }  // namespace
@@ -33,7 +35,7 @@ void AppDelegate::applicationDidFinishLaunching() {
 
 std::unique_ptr<NotchPanel> AppDelegate::makePanel(NotchModel& model) {
   // The settings window does not exist yet.
-  auto* content = new ui::SceneWidget(scheduler_, contentSize,
+  auto* content = new ui::SceneWidget(scheduler_, panelSize,
                                       notchRootView(
                                           model, [] {}, !connection_.isXWayland()));
   auto panel = std::make_unique<X11NotchPanel>(connection_, screens_, scheduler_, *content,

@@ -6,8 +6,6 @@
 namespace tarnwick {
 namespace {
 
-/// Room for the largest surface with its shadow.
-constexpr Size panelSize{940, 380};
 /// What is taken for a notch on a screen without one; at least as high as this, else as the menu bar.
 constexpr Size pretendedNotch{190, 24};
 

@@ -8,6 +8,9 @@
 
 namespace tarnwick {
 
+/// The panel's size in points: room for the largest surface with its shadow.
+inline constexpr Size panelSize{940, 380};
+
 /// One step of a scroll gesture.
 struct ScrollEvent {
   enum class Phase { none, mayBegin, began, changed, ended, cancelled };

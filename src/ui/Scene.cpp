@@ -242,8 +242,13 @@ Rect Scene::presentedFrame(const Node& node) {
 
 std::optional<Rect> Scene::presentedFrame(const std::string& id) const {
   const Node* node = find(*root_, id);
-  if (!node || !node->visible) return std::nullopt;
+  if (!node) return std::nullopt;
   return presentedFrame(*node);
+}
+
+bool Scene::isVisible(const std::string& id) const {
+  const Node* node = find(*root_, id);
+  return node && node->visible;
 }
 
 std::optional<Shape> Scene::presentedClip(const std::string& id) const {

@@ -44,9 +44,11 @@ class Scene : public transaction::Committer {
   /// What the pointer does; all in points.
   SceneInput& input() { return input_; }
 
-  /// The frame, as presented now, of the view with that explicit id; none while there is no such view or it
-  /// cannot be seen.
+  /// The frame, as presented now, of the view with that explicit id, also of a transparent one; none while
+  /// there is no such view.
   std::optional<Rect> presentedFrame(const std::string& id) const;
+  /// Whether there is a view with that explicit id, neither clipped away nor fully transparent.
+  bool isVisible(const std::string& id) const;
   /// The shape that the view with that id is clipped to, as presented now, in its own coordinates.
   std::optional<Shape> presentedClip(const std::string& id) const;
 

@@ -90,8 +90,10 @@ TEST(NotchRootView, IsInvisibleAtRestWithoutACameraNotch) {
     stage.model.hasNotch = false;
     scene.prepare(stage);
     stage.settle();
-    EXPECT_EQ(stage.inspector->id(surfaceId)->opacity(), std::string("idle") == scene.name ? 0 : 1)
-        << scene.name;
+    const bool idle = std::string("idle") == scene.name;
+    EXPECT_EQ(stage.inspector->id(surfaceId)->opacity(), idle ? 0 : 1) << scene.name;
+    EXPECT_EQ(stage.scene->isVisible(surfaceId), !idle) << scene.name;
+    EXPECT_EQ(stage.scene->presentedFrame(surfaceId)->width, scene.size.width) << scene.name;
   }
 }
 

@@ -28,7 +28,7 @@ QRect roundedOut(const Rect& rect, double ratio) {
 }  // namespace
 
 X11NotchPanel::X11NotchPanel(X11Connection& connection, const X11Screens& screens, Scheduler& scheduler,
-                             QWidget& content, Surface surface)
+                             QWidget& content, std::function<Surface()> surface)
     : connection_(connection),
       screens_(screens),
       content_(content),
@@ -89,19 +89,20 @@ void X11NotchPanel::surfaceChanged() {
 void X11NotchPanel::applySurface() {
   if (connection_.isXWayland()) {
     // Clicks on the empty part of a window never reach Wayland windows below it, whatever its shape.
-    const QRect shown = surface_().boundingRect().toAlignedRect() & content_.rect();
-    const QRect visible = shown.isEmpty() ? QRect(content_.width() / 2, 0, 1, 1) : shown;
-    const QRect place = visible.translated(qRound(frame_.x), qRound(frame_.y));
-    if (place == window_.geometry() && content_.pos() == -visible.topLeft()) return;
+    const QRect surface = roundedOut(surface_().frame, 1) & content_.rect();
+    // Before its first layout there is nothing to cover.
+    const QRect part = surface.isEmpty() ? QRect(content_.width() / 2, 0, 1, 1) : surface;
+    const QRect place = part.translated(qRound(frame_.x), qRound(frame_.y));
+    if (place == window_.geometry() && content_.pos() == -part.topLeft()) return;
     window_.setGeometry(place);
-    content_.move(-visible.topLeft());
+    content_.move(-part.topLeft());
     applyPointerArea();
   } else if (compositor_.isRunning()) {
     setBoundingShape(std::nullopt);
   } else {
     const double ratio = screens_.ratioAt(frame_);
     setBoundingShape(
-        QRegion(QTransform::fromScale(ratio, ratio).map(surface_()).toFillPolygon().toPolygon()));
+        QRegion(QTransform::fromScale(ratio, ratio).map(surface_().outline).toFillPolygon().toPolygon()));
   }
 }
 

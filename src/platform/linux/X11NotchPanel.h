@@ -19,12 +19,17 @@ namespace tarnwick {
 /// panel's frame; under XWayland the window shows only the part of it that the surface covers.
 class X11NotchPanel : public QObject, public NotchPanel {
  public:
-  /// The outline of the surface as it is shown now, in the content's coordinates.
-  using Surface = std::function<QPainterPath()>;
+  /// The surface as it is now, in the content's coordinates.
+  struct Surface {
+    /// Also while it cannot be seen: it appears when the pointer comes there.
+    Rect frame;
+    /// Empty while it cannot be seen.
+    QPainterPath outline;
+  };
 
   /// The content must outlive the panel's use of it; the panel becomes its parent.
   X11NotchPanel(X11Connection& connection, const X11Screens& screens, Scheduler& scheduler, QWidget& content,
-                Surface surface);
+                std::function<Surface()> surface);
   ~X11NotchPanel() override;
 
   void setFrame(const Rect& frame) override;
@@ -56,7 +61,7 @@ class X11NotchPanel : public QObject, public NotchPanel {
   X11Connection& connection_;
   const X11Screens& screens_;
   QWidget& content_;
-  Surface surface_;
+  std::function<Surface()> surface_;
   NotchWindow window_;
   X11Compositor compositor_;
   X11Stacking stacking_;
