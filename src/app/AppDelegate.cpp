@@ -41,6 +41,9 @@ std::unique_ptr<NotchPanel> AppDelegate::makePanel(NotchModel& model) {
   auto panel = std::make_unique<X11NotchPanel>(connection_, screens_, scheduler_, *content,
                                                [content] { return presentedSurface(content->scene()); });
   content->onFrame = [panel = panel.get()] { panel->surfaceChanged(); };
+  content->smoothPointsPerClick = [panel = panel.get()](const QWheelEvent& event) {
+    return panel->smoothPointsPerClick(event);
+  };
   // What takes long to load must not keep the notch waiting.
   content->onFirstFrame = [this] {
     audioDevices_.connect();

@@ -98,8 +98,9 @@ void SceneWidget::enterEvent(QEnterEvent* event) { scene_.input().moved(fromQt(e
 void SceneWidget::leaveEvent(QEvent*) { scene_.input().left(); }
 
 void SceneWidget::wheelEvent(QWheelEvent* event) {
-  const QPoint smooth = event->pixelDelta();
-  const QPointF delta = smooth.isNull() ? QPointF(event->angleDelta()) / 120 * wheelStep : QPointF(smooth);
+  const std::optional<double> smoothStep = smoothPointsPerClick ? smoothPointsPerClick(*event) : std::nullopt;
+  const QPointF delta =
+      QPointF(event->angleDelta()) / QWheelEvent::DefaultDeltasPerStep * smoothStep.value_or(wheelStep);
   event->setAccepted(scene_.input().scrolled(fromQt(event->position()), {delta.x(), delta.y()}));
 }
 

@@ -3,6 +3,7 @@
 #include <QTimer>
 #include <QWidget>
 #include <functional>
+#include <optional>
 
 #include "ui/Scene.h"
 
@@ -19,6 +20,9 @@ class SceneWidget : public QWidget {
   std::function<void()> onFrame;
   /// Called once, when the first frame has been painted.
   std::function<void()> onFirstFrame;
+  /// Points that a smooth device, such as a touchpad, travels for what the event counts as one click of a
+  /// wheel; nothing for a wheel, whose clicks scroll farther.
+  std::function<std::optional<double>(const QWheelEvent&)> smoothPointsPerClick;
 
  protected:
   void paintEvent(QPaintEvent* event) override;

@@ -2,6 +2,7 @@
 
 #include <QAccessible>
 #include <QApplication>
+#include <QWheelEvent>
 
 #include "support/VirtualScheduler.h"
 #include "ui/Button.h"
@@ -31,6 +32,31 @@ TEST(SceneWidget, tellsAssistiveTechnologyItsControls) {
   EXPECT_EQ(scene->indexOfChild(settings), 1);
   settings->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
   EXPECT_EQ(pressed, 10);
+}
+
+TEST(SceneWidget, scrollsWithTheFingersOrByTheClicksOfAWheel) {
+  VirtualScheduler scheduler;
+  SceneWidget widget(
+      scheduler, {200, 100},
+      ScrollView(Axis::vertical, Text("x").frame({.width = 100, .height = 1000}).id("content"))
+          .frame({.width = 200, .height = 100}));
+  widget.show();
+  const auto position = [&] {
+    widget.scene().frame();
+    return widget.scene().presentedFrame("content")->y;
+  };
+  // Smooth devices and some wheels tell a raw distance, whose unit is theirs.
+  const auto click = [&] {
+    QWheelEvent event({100, 50}, {100, 50}, {0, -120}, {0, -120}, Qt::NoButton, Qt::NoModifier,
+                      Qt::NoScrollPhase, false);
+    QApplication::sendEvent(&widget, &event);
+  };
+  ASSERT_EQ(position(), 0);
+  click();
+  EXPECT_EQ(position(), -48) << "a wheel";
+  widget.smoothPointsPerClick = [](const QWheelEvent&) { return std::optional(15.0); };
+  click();
+  EXPECT_EQ(position(), -48 - 15) << "fingers";
 }
 
 }  // namespace

@@ -157,12 +157,22 @@ bool X11NotchPanel::eventFilter(QObject*, QEvent* event) {
   return event->type() == QEvent::Wheel && scroll(static_cast<const QWheelEvent&>(*event));
 }
 
+const ScrollDevices::Traits& X11NotchPanel::traitsOf(const QWheelEvent& event) {
+  return scrollDevices_.traits(static_cast<uint16_t>(event.pointingDevice()->systemId()));
+}
+
+std::optional<double> X11NotchPanel::smoothPointsPerClick(const QWheelEvent& event) {
+  const auto& traits = traitsOf(event);
+  // Only devices that scroll smoothly come with pixels; a wheel with finer steps than clicks stays a wheel.
+  if (!traits.smooth || event.pixelDelta().isNull()) return std::nullopt;
+  return traits.pointsPerClick;
+}
+
 bool X11NotchPanel::scroll(const QWheelEvent& event) {
   constexpr double anglePerClick = 120;
-  const auto& traits = scrollDevices_.traits(static_cast<uint16_t>(event.pointingDevice()->systemId()));
+  const auto& traits = traitsOf(event);
   const QPointF clicks = QPointF(event.angleDelta()) / anglePerClick;
-  // Only devices that scroll smoothly come with pixels; a wheel with finer steps than clicks stays a wheel.
-  return scrollGesture_.step({.precise = traits.smooth && !event.pixelDelta().isNull(),
+  return scrollGesture_.step({.precise = smoothPointsPerClick(event).has_value(),
                               .directionInverted = traits.natural,
                               .deltaX = clicks.x() * traits.pointsPerClick,
                               .deltaY = clicks.y() * traits.pointsPerClick});

@@ -45,6 +45,10 @@ class X11NotchPanel : public QObject, public NotchPanel {
   /// blends the window.
   void surfaceChanged();
 
+  /// Points that the fingers travelled for what the event counts as one click of a wheel; nothing when it
+  /// came from a wheel.
+  std::optional<double> smoothPointsPerClick(const QWheelEvent& event);
+
   /// The pointer came or left the window.
   std::function<void()> onPointerCrossing;
 
@@ -52,6 +56,7 @@ class X11NotchPanel : public QObject, public NotchPanel {
   bool eventFilter(QObject* watched, QEvent* event) override;
 
  private:
+  const ScrollDevices::Traits& traitsOf(const QWheelEvent& event);
   bool scroll(const QWheelEvent& event);
   void applySurface();
   void applyPointerArea();
