@@ -1,5 +1,7 @@
 #include "app/AppDelegate.h"
 
+#include <QCoreApplication>
+
 #include "platform/linux/X11NotchPanel.h"
 #include "ui/Drawing.h"
 #include "ui/SceneWidget.h"
@@ -25,6 +27,7 @@ X11NotchPanel::Surface presentedSurface(const ui::Scene& scene) {
 AppDelegate::AppDelegate(X11Connection& connection) : connection_(connection) {}
 
 void AppDelegate::applicationDidFinishLaunching() {
+  notifications_.onAnotherOverlay = [] { QCoreApplication::quit(); };
   const Desktop desktop{scheduler_,    notifications_, defaults_,  folders_,      screens_,
                         pointer_,      windows_,       sounds_,    haptics_,      processes_,
                         applications_, images_,        log_,       audioDevices_, mediaKeys_,

@@ -1,6 +1,7 @@
 #include "platform/linux/DBusNotificationCenter.h"
 
 #include <gtest/gtest.h>
+#include <signal.h>
 
 #include <QDBusMessage>
 #include <QDBusMetaType>
@@ -90,6 +91,27 @@ TEST(DBusNotificationCenter, OneOverlayASession) {
   // The bus hears of the end a moment later.
   EXPECT_TRUE(waitUntil(
       [] { return !DBusNotificationCenter(TestDesktop::shared().scheduler).anotherOverlayRuns(); }));
+}
+
+TEST(DBusNotificationCenter, DoesNotWaitForABusThatHangs) {
+  TestDesktop& desktop = TestDesktop::shared();
+  DBusNotificationCenter first(desktop.scheduler);
+  ASSERT_FALSE(first.anotherOverlayRuns());
+  const auto bus = static_cast<pid_t>(desktop.busProcess());
+  ::kill(bus, SIGSTOP);
+  DBusNotificationCenter second(desktop.scheduler);
+  EXPECT_FALSE(second.anotherOverlayRuns()) << "not known yet";
+  bool told = false, received = false;
+  second.onAnotherOverlay = [&] { told = true; };
+  const auto subscription = second.observe(eventNotification, [&](const StringMap&) { received = true; });
+  ::kill(bus, SIGCONT);
+  EXPECT_TRUE(waitUntil([&] { return told; }));
+  EXPECT_TRUE(second.anotherOverlayRuns());
+  Sender sender;
+  EXPECT_TRUE(waitUntil([&] {
+    sender.send("event", {map({})});
+    return received;
+  }));
 }
 
 TEST(DBusNotificationCenter, PicksUpABusThatComesLater) {

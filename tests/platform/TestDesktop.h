@@ -75,6 +75,7 @@ class TestDesktop {
   /// The union of a window's shape, in pixels relative to it; none when it is not shaped.
   std::optional<Rect> shapeBounds(xcb_window_t window, uint8_t kind);
 
+  int64_t busProcess() const { return bus_->id(); }
   /// Wakes the session bus from the dead, at the same address.
   void restartBus();
 

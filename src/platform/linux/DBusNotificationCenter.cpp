@@ -2,6 +2,8 @@
 
 #include <QDBusArgument>
 #include <QDBusMetaType>
+#include <chrono>
+#include <semaphore>
 
 namespace tarnwick {
 namespace {
@@ -9,6 +11,7 @@ namespace {
 constexpr auto busName = "dev.tarnwick.Tarnwick";
 constexpr auto signalPath = "/dev/tarnwick";
 constexpr double retryInterval = 5;
+constexpr auto longestWait = std::chrono::milliseconds(500);
 
 /// The session bus's address. Never asks for a bus to be launched, as the library would if left to itself.
 QString sessionBusAddress() {
@@ -46,43 +49,71 @@ StringMap payload(const QDBusMessage& message) {
 
 }  // namespace
 
+/// A connection on its way; closed when nobody takes it.
+struct DBusNotificationCenter::Attempt {
+  ~Attempt() {
+    if (bus) QDBusConnection::disconnectFromBus(bus->name());
+  }
+  /// Blocks for as long as the bus takes to answer.
+  void run() {
+    if (!address.isEmpty()) bus = QDBusConnection::connectToBus(address, name);
+    if (bus && bus->isConnected()) {
+      constexpr unsigned primaryOwner = 1, alreadyOwner = 4;
+      const QDBusMessage reply = bus->call(nameRequest());
+      const unsigned result = reply.arguments().value(0).toUInt();
+      nameIsTaken =
+          reply.type() == QDBusMessage::ReplyMessage && result != primaryOwner && result != alreadyOwner;
+    }
+    done.release();
+  }
+
+  QString address, name;
+  std::optional<QDBusConnection> bus;
+  bool nameIsTaken = false;
+  std::binary_semaphore done{0};
+};
+
 DBusNotificationCenter::DBusNotificationCenter(Scheduler& scheduler) : scheduler_(scheduler) {
-  connectToBus();
+  const auto attempt = connectToBus();
+  // A second overlay must not even show itself; but a bus that hangs must not keep the first one from it.
+  if (attempt->done.try_acquire_for(longestWait)) {
+    connecting_.cancel();
+    adopt(*attempt);
+  }
 }
 
 DBusNotificationCenter::~DBusNotificationCenter() {
   if (bus_) QDBusConnection::disconnectFromBus(bus_->name());
 }
 
-void DBusNotificationCenter::connectToBus() {
-  const QString address = sessionBusAddress();
+std::shared_ptr<DBusNotificationCenter::Attempt> DBusNotificationCenter::connectToBus() {
   // A connection's name cannot be used again while the dead one is being taken apart.
-  static int attempt = 0;
-  const QString name = QString("tarnwick-%1").arg(++attempt);
-  if (!address.isEmpty()) bus_ = QDBusConnection::connectToBus(address, name);
-  if (!bus_ || !bus_->isConnected()) {
-    if (bus_) QDBusConnection::disconnectFromBus(name);
-    bus_.reset();
-    if (!retry_) retry_ = scheduler_.every(retryInterval, [this] { connectToBus(); });
-    return;
-  }
-  retry_.cancel();
+  static int number = 0;
+  const auto attempt = std::make_shared<Attempt>();
+  attempt->address = sessionBusAddress();
+  attempt->name = QString("tarnwick-%1").arg(++number);
+  connecting_ = scheduler_.background([attempt] { attempt->run(); }, [this, attempt] { adopt(*attempt); });
+  return attempt;
+}
 
-  constexpr unsigned primaryOwner = 1, alreadyOwner = 4;
-  const QDBusMessage reply = bus_->call(nameRequest());
-  const unsigned result = reply.arguments().value(0).toUInt();
-  anotherOverlayRuns_ =
-      reply.type() == QDBusMessage::ReplyMessage && result != primaryOwner && result != alreadyOwner;
-
+void DBusNotificationCenter::adopt(Attempt& attempt) {
+  if (!attempt.bus || !attempt.bus->isConnected()) return retryLater();
+  bus_ = std::exchange(attempt.bus, std::nullopt);
   bus_->connect(QString(), "/org/freedesktop/DBus/Local", "org.freedesktop.DBus.Local", "Disconnected", this,
                 SLOT(disconnected()));
   for (const auto& [notification, receivers] : receivers_) listen(notification);
+  anotherOverlayRuns_ = attempt.nameIsTaken;
+  if (anotherOverlayRuns_ && onAnotherOverlay) onAnotherOverlay();
 }
 
 void DBusNotificationCenter::disconnected() {
   if (bus_) QDBusConnection::disconnectFromBus(bus_->name());
   bus_.reset();
-  retry_ = scheduler_.every(retryInterval, [this] { connectToBus(); });
+  retryLater();
+}
+
+void DBusNotificationCenter::retryLater() {
+  retry_ = scheduler_.after(retryInterval, [this] { connectToBus(); });
 }
 
 void DBusNotificationCenter::listen(const std::string& name) {

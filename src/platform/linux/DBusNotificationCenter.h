@@ -2,6 +2,7 @@
 #include <QDBusConnection>
 #include <QDBusMessage>
 #include <QObject>
+#include <functional>
 #include <map>
 #include <memory>
 #include <optional>
@@ -19,12 +20,15 @@ class DBusNotificationCenter : public QObject, public NotificationCenter {
   Q_OBJECT
 
  public:
-  /// Connects, and asks for the name that marks the running overlay.
+  /// Connects, and asks for the name that marks the running overlay. Waits for the answer for half a second
+  /// at most; when the bus takes longer, all that follows happens as soon as it answers.
   explicit DBusNotificationCenter(Scheduler& scheduler);
   ~DBusNotificationCenter() override;
 
-  /// True when another process of this session has the name already.
+  /// True when another process of this session has the name already, as far as the bus has answered.
   bool anotherOverlayRuns() const { return anotherOverlayRuns_; }
+  /// The bus says so only later.
+  std::function<void()> onAnotherOverlay;
 
   Subscription observe(const std::string& name, std::function<void(const StringMap&)> receive) override;
 
@@ -35,14 +39,18 @@ class DBusNotificationCenter : public QObject, public NotificationCenter {
  private:
   using Receiver = std::function<void(const StringMap&)>;
 
-  void connectToBus();
+  struct Attempt;
+
+  std::shared_ptr<Attempt> connectToBus();
+  void adopt(Attempt& attempt);
+  void retryLater();
   void listen(const std::string& name);
 
   Scheduler& scheduler_;
   std::optional<QDBusConnection> bus_;
   bool anotherOverlayRuns_ = false;
   std::map<std::string, std::vector<std::weak_ptr<Receiver>>> receivers_;
-  Task retry_;
+  Task connecting_, retry_;
 };
 
 }  // namespace tarnwick
