@@ -260,7 +260,10 @@ void Painter::drawShadows(Node& node, Surface& surface, double opacity) {
   }
   const QTransform toPixels = shaped->transform * surface.toPixels;
   const double scale = std::sqrt(std::abs(toPixels.determinant()));
-  const QRect clip = surface.toPixels.mapRect(toQt(surface.clip)).toAlignedRect();
+  // Whole pixels: rounding errors must not reach beyond what is being painted.
+  constexpr double noise = 1e-3;
+  const QRect clip =
+      surface.toPixels.mapRect(toQt(surface.clip)).adjusted(noise, noise, -noise, -noise).toAlignedRect();
   QRect hidden;
   if (node.attributes.clip && shape->cornerExtent() >= 0 && opacity >= 0.998 && hasOpaqueBack(node, node)) {
     const double corner = shape->cornerExtent();

@@ -129,7 +129,11 @@ bool Presenter::present(Node& node, const Outer& outer) {
   }
   if (clips) bounds = intersection(bounds, mapped(node, box));
   node.contentBounds = bounds;
-  bounds = bounds.grownBy(blurSpread, blurSpread);
+  // A group is drawn at whole pixels, up to half of one beside its place.
+  const bool grouped =
+      node.attributes.clip || node.opacity < 1 || node.blurRadius > 0 || node.brightening != 0;
+  const double spread = blurSpread + (grouped ? 1 : 0);
+  bounds = bounds.grownBy(spread, spread);
   for (const Attributes::Shadow& shadow : shadowsOf(node.shadows.presented())) {
     const double reach = blurReach * shadow.radius * scale;
     bounds = bounds.united(

@@ -90,7 +90,7 @@ void Scene::commit(const std::optional<Animation>& animation) {
   committing_ = true;
   pendingCommit_ = {};
   ++commitNumber_;
-  Reconciler reconciler(*this, animation, false);
+  Reconciler reconciler(*this, animation ? std::optional(animation->delayed(-lead_)) : animation, false);
   while (!dirty_.empty()) {
     // The outermost first: it may renew the others on the way.
     Node* next = *std::min_element(dirty_.begin(), dirty_.end(),

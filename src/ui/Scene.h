@@ -26,6 +26,9 @@ class Scene : public transaction::Committer {
 
   /// Device pixels per point.
   void setPixelRatio(double ratio);
+  /// Seconds that a motion is ahead of its commit: as much as its first frame, which is shown at once, would
+  /// otherwise be late.
+  void setLead(double seconds) { lead_ = seconds; }
   Size size() const { return size_; }
   double pixelRatio() const { return pixelRatio_; }
 
@@ -85,6 +88,7 @@ class Scene : public transaction::Committer {
   Scheduler& scheduler_;
   Size size_;
   double pixelRatio_;
+  double lead_ = 0;
   std::unique_ptr<Node> root_;
   std::set<Node*> dirty_;
   std::set<Node*> timelines_;

@@ -49,6 +49,7 @@ void SceneWidget::adoptPixelRatio() {
   const QSize pixels(int(std::ceil(scene_.size().width * ratio)),
                      int(std::ceil(scene_.size().height * ratio)));
   if (image_.size() == pixels && scene_.pixelRatio() == ratio) return;
+  scene_.setLead(frameInterval());
   image_ = QImage(pixels, QImage::Format_ARGB32_Premultiplied);
   image_.fill(Qt::transparent);
   scene_.setPixelRatio(ratio);

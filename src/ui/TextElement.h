@@ -17,6 +17,8 @@ class TextElement : public Element {
   Measured measure(Node& node, Proposal proposal) const override;
   void draw(DrawContext& context) const override;
   bool draws() const override { return true; }
+  /// Glyphs may lean over the edges of their cells.
+  double overflow() const override { return 2; }
   const std::string& text() const { return text_; }
 
  private:

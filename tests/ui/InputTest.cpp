@@ -119,6 +119,51 @@ TEST(Input, aTooltipShowsWhereThePointerRests) {
   EXPECT_FALSE(stage.inspect.text("Settings"));
 }
 
+TEST(Input, aTooltipWaitsForThePointerToRest) {
+  Stage stage([] { return Rectangle().fill(white()).tooltip("Home"); });
+  for (int i = 0; i < 10; ++i) {
+    stage.inspect.hover(Point{50.0 + i, 50});
+    stage.run(0.3);
+    EXPECT_FALSE(stage.inspect.text("Home"));
+  }
+  stage.run(0.6);
+  EXPECT_TRUE(stage.inspect.text("Home"));
+}
+
+TEST(Input, aButtonThatShrinksWhilePressedKeepsItsArea) {
+  int pressed = 0;
+  Stage stage([&] {
+    return Button(
+        "go", [&] { ++pressed; }, Rectangle().fill(white()),
+        [](View label, bool down, bool) {
+          return label.frame({.width = 100, .height = 20}).scaleEffect(down ? 0.8 : 1);
+        });
+  });
+  stage.scene.input().pressed({151, 150});
+  stage.run(0.2);
+  stage.scene.input().released({151, 150});
+  EXPECT_EQ(pressed, 1);
+}
+
+TEST(Input, handlersMayRemoveWhatIsDragged) {
+  bool shown = true;
+  std::string seen(1000, 'x');
+  Stage* here = nullptr;
+  Stage stage([&] {
+    return shown ? Rectangle().fill(white()).onDrag(
+                       0,
+                       [&, copy = seen](const DragValue&) {
+                         here->change([&] { shown = false; }, linear(1));
+                         seen = copy + "y";
+                       },
+                       [](const DragValue&) {})
+                 : View();
+  });
+  here = &stage;
+  stage.inspect.drag({100, 100}, {200, 100});
+  EXPECT_EQ(seen.size(), 1001u);
+}
+
 TEST(Input, hoverFollowsWhatMovesUnderARestingPointer) {
   bool hovering = false;
   double x = 0;

@@ -204,6 +204,25 @@ TEST(Motion, matchedViewsHandTheirPlaceOver) {
   EXPECT_NEAR(pills()[0].frame().x, 80, 0.1);
 }
 
+TEST(Motion, whatComesBehindAViewLeavesTheViewAlone) {
+  bool hovered = false;
+  Stage stage(
+      [&] { return Text("icon").background(hovered ? Capsule().fill(white(0.1)).id("hover") : View()); });
+  stage.change([&] { hovered = true; }, linear(1));
+  EXPECT_EQ(stage.inspect.all([](const auto& f) { return f.kind() == "Text"; }).size(), 1u);
+  EXPECT_NEAR(stage.inspect.text("icon")->opacity(), 1, 0.01);
+}
+
+TEST(Motion, theFirstFrameIsAlreadyOnItsWay) {
+  double w = 100;
+  Stage stage([&] { return box(w, "a"); });
+  stage.scene.setLead(1.0 / 60);
+  stage.change([&] { w = 200; }, notchOpen);
+  EXPECT_GT(width(stage, "a"), 101);
+  stage.run(2);
+  EXPECT_DOUBLE_EQ(width(stage, "a"), 200);
+}
+
 TEST(Motion, timelinesTickOnlyWhileTheyCanBeSeen) {
   int made = 0;
   double opacity = 1;

@@ -3,6 +3,7 @@
 #include <QImage>
 #include <random>
 
+#include "ui/Canvas.h"
 #include "ui/Stage.h"
 
 namespace tarnwick::ui {
@@ -69,6 +70,71 @@ TEST(Painting, blurSpreadsAndKeepsTheAmountOfInk) {
   }
 }
 
+TEST(Painting, circlesBeginAtThreeOClock) {
+  Stage stage([] {
+    return Circle()
+        .stroke(white(), {.width = 4, .inside = true, .trimTo = 0.25})
+        .rotation(-90)
+        .frame({.width = 60, .height = 60});
+  });
+  const QImage image = picture(stage.scene);
+  // A quarter from twelve to three o'clock.
+  EXPECT_GT(alphaAt(image, 200 + 19, 150 - 20), 200);
+  EXPECT_EQ(alphaAt(image, 200 - 20, 150 - 20), 0);
+  EXPECT_EQ(alphaAt(image, 200 + 19, 150 + 19), 0);
+}
+
+TEST(Painting, shadowsComeAlongTheAnimation) {
+  bool casts = false;
+  Stage stage([&] {
+    return Rectangle()
+        .fill(black())
+        .frame({.width = 60, .height = 60})
+        .clipShape(RoundedRectangle(4))
+        .shadow(black(casts ? 1 : 0), 4);
+  });
+  stage.change([&] { casts = true; }, linear(1));
+  EXPECT_EQ(alphaAt(picture(stage.scene), 168, 150), 0);
+  stage.run(0.5);
+  const int half = alphaAt(picture(stage.scene), 168, 150);
+  stage.run(0.6);
+  EXPECT_NEAR(half, alphaAt(picture(stage.scene), 168, 150) / 2.0, 4);
+  EXPECT_GT(half, 20);
+}
+
+TEST(Painting, groupsThatOnlyMoveAreNotDrawnAgain) {
+  int drawn = 0;
+  double blur = 8;
+  Stage stage([&] {
+    return CanvasView(1,
+                      [&](Canvas& canvas, Size size) {
+                        ++drawn;
+                        canvas.fill(Rect{0, 0, size.width, size.height}, white());
+                      })
+        .frame({.width = 40, .height = 40})
+        .blur(blur)
+        .offset({blur, 0});
+  });
+  picture(stage.scene);
+  drawn = 0;
+  stage.change([&] { blur = 3; }, linear(1));
+  for (int i = 0; i < 20; ++i) {
+    stage.run(1.0 / 60);
+    picture(stage.scene);
+  }
+  EXPECT_LE(drawn, 1);
+}
+
+TEST(Painting, clipsWithTheRadiusThatIsShown) {
+  double radius = 40;
+  Stage stage([&] {
+    return Rectangle().fill(white()).frame({.width = 300, .height = 100}).clipShape(RoundedRectangle(radius));
+  });
+  stage.change([&] { radius = 2; }, linear(1));
+  // Still round: 12 points from the corner along the bottom edge is outside.
+  EXPECT_EQ(alphaAt(picture(stage.scene), 50 + 12, 198), 0);
+}
+
 TEST(Painting, fadesAGroupAsOne) {
   Stage stage([] {
     return ZStack(UnitPoint::center, {Rectangle().fill(black()), Rectangle().fill(white())})
@@ -113,7 +179,7 @@ TEST(Painting, repairsExactlyWhatChanged) {
         if (!item.shown) continue;
         View view =
             RoundedRectangle(6).fill(hsb(double(i) / 5, 0.8, 0.9)).frame({.width = item.width, .height = 24});
-        if (item.shadow) view = view.shadow(black(0.6), 5, {0, 3});
+        if (item.shadow) view = view.shadow({0.4, 0.7, 1, 0.9}, 5, {0, 3});
         views.push_back(HStack({.spacing = 3}, {view, Text("item " + std::to_string(i))})
                             .blur(item.blurred ? 4 : 0)
                             .opacity(item.opacity)
