@@ -203,10 +203,11 @@ TEST(DesktopApplications, BringsAnApplicationForwardOrStartsIt) {
   DesktopApplications applications(desktop.connection(), images);
 
   const auto window = desktop.startWindow("Player", QRect(300, 300, 200, 100));
-  const xcb_window_t player = desktop.findWindow("Player");
-  // The window manager lists it a moment after it is on the screen.
+  // It gets its name, and the window manager lists it, a moment after it is on the screen.
+  xcb_window_t player = XCB_WINDOW_NONE;
   X11Connection& x = desktop.connection();
   ASSERT_TRUE(waitUntil([&] {
+    player = desktop.findWindow("Player");
     const auto clients = x.property(x.requestProperty(x.root(), "_NET_CLIENT_LIST"));
     return clients && std::find(clients->begin(), clients->end(), player) != clients->end();
   }));
