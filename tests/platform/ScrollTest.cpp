@@ -54,6 +54,8 @@ namespace {
 void setDeviceProperty(X11Connection& connection, uint16_t device, const char* name,
                        std::vector<uint8_t> bytes, uint8_t format) {
   const auto items = static_cast<uint32_t>(bytes.size() / (format / 8));
+  // The request is padded to whole words from what follows the last item.
+  bytes.resize((bytes.size() + 3) / 4 * 4);
   xcb_input_xi_change_property(connection, device, XCB_PROP_MODE_REPLACE, format, connection.atom(name),
                                XCB_ATOM_INTEGER, items, bytes.data());
   xcb_flush(connection);
