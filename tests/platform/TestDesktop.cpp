@@ -167,6 +167,12 @@ xcb_window_t TestDesktop::findWindow(const std::string& title) {
   return XCB_WINDOW_NONE;
 }
 
+xcb_window_t TestDesktop::awaitWindow(const std::string& title) {
+  xcb_window_t window = XCB_WINDOW_NONE;
+  waitUntil([&] { return (window = findWindow(title)) != XCB_WINDOW_NONE; });
+  return window;
+}
+
 std::optional<Rect> TestDesktop::shapeBounds(xcb_window_t window, uint8_t kind) {
   X11Connection& c = *connection_;
   const auto extents = owned(xcb_shape_query_extents_reply(c, xcb_shape_query_extents(c, window), nullptr));

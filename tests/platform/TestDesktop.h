@@ -72,6 +72,8 @@ class TestDesktop {
   /// The child of the root window that holds `window`.
   xcb_window_t topLevel(xcb_window_t window);
   xcb_window_t findWindow(const std::string& title);
+  /// The same, once a new window has got its name and the window manager has taken it over.
+  xcb_window_t awaitWindow(const std::string& title);
   /// The union of a window's shape, in pixels relative to it; none when it is not shaped.
   std::optional<Rect> shapeBounds(xcb_window_t window, uint8_t kind);
 

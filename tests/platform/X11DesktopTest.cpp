@@ -103,7 +103,7 @@ TEST(X11WindowList, ListsWhatTheUserSees) {
   const auto dock = desktop().startWindow("dock", {0, 0, 1000, 30}, {"dock", "30"});
   EXPECT_TRUE(windowsOf(dock->id()).empty());
 
-  const std::string title = std::to_string(desktop().findWindow("full"));
+  const std::string title = std::to_string(desktop().awaitWindow("full"));
   QProcess::execute("xdotool", {"windowminimize", QString::fromStdString(title)});
   EXPECT_TRUE(waitUntil([&] { return windowsOf(full->id()).empty(); })) << "minimised";
   QProcess::execute("xdotool", {"windowmap", QString::fromStdString(title)});

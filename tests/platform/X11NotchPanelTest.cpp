@@ -107,7 +107,7 @@ TEST_F(X11NotchPanelTest, WithACompositorTheWindowIsTransparent) {
 
 TEST_F(X11NotchPanelTest, TakesClicksInItsAreaOnlyAndNeverTheFocus) {
   const auto other = desktop().startWindow("other", {0, 0, 1000, 800}, {"fullscreen"});
-  const xcb_window_t otherWindow = desktop().findWindow("other");
+  const xcb_window_t otherWindow = desktop().awaitWindow("other");
   desktop().hands.click(500, 600);
   other->waitForLine("pressed");
   ASSERT_TRUE(waitUntil([&] { return desktop().focusedWindow() == otherWindow; }));
@@ -149,10 +149,10 @@ TEST_F(X11NotchPanelTest, StaysAboveManagedWindowsButNotAboveOthers) {
   ASSERT_FALSE(isAbove("menu"));
 
   // A window manager may put its windows above anything.
-  const xcb_window_t frame = desktop().topLevel(desktop().findWindow("full"));
+  const xcb_window_t frame = desktop().topLevel(desktop().awaitWindow("full"));
   const uint32_t above = XCB_STACK_MODE_ABOVE;
   xcb_configure_window(desktop().connection(), frame, XCB_CONFIG_WINDOW_STACK_MODE, &above);
-  const xcb_window_t menuWindow = desktop().findWindow("menu");
+  const xcb_window_t menuWindow = desktop().awaitWindow("menu");
   xcb_configure_window(desktop().connection(), menuWindow, XCB_CONFIG_WINDOW_STACK_MODE, &above);
   xcb_flush(desktop().connection());
   ASSERT_TRUE(waitUntil([&] { return height(menuWindow) > height(frame); }));
@@ -163,7 +163,8 @@ TEST_F(X11NotchPanelTest, StaysAboveManagedWindowsButNotAboveOthers) {
 TEST_F(X11NotchPanelTest, BorrowsTheKeyboardFocus) {
   const auto other = desktop().startWindow("other", {0, 400, 300, 300});
   auto dying = desktop().startWindow("dying", {400, 400, 300, 300});
-  const xcb_window_t otherWindow = desktop().findWindow("other"), dyingWindow = desktop().findWindow("dying");
+  const xcb_window_t otherWindow = desktop().awaitWindow("other"),
+                     dyingWindow = desktop().awaitWindow("dying");
   const auto focus = [=](xcb_window_t target) {
     return waitUntil([=] {
       // The window manager may not have placed a new window yet.
