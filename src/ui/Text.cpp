@@ -13,7 +13,6 @@
 namespace tarnwick::ui {
 namespace {
 
-/// Text in one line. The measure of a text belongs to its font, so it is kept per font.
 std::vector<double> colorNumbers(Color color) { return {color.red, color.green, color.blue, color.alpha}; }
 
 /// The sparkle's characters are dingbats, which an emoji font would like to draw.

@@ -181,7 +181,7 @@ TEST(Indicators, ColourTheBatteryByItsLevel) {
   }
 }
 
-TEST(Indicators, KeepTheBarsLowWhilePaused) {
+TEST(Indicators, KeepThePlayingBarsWithinTheirRange) {
   NotchStage stage;
   stage.model.media.title = "Song";
   stage.model.media.playing = true;
