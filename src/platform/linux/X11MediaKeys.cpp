@@ -53,8 +53,9 @@ class X11MediaKeys::Tap {
                                   [&](const Key& candidate) { return candidate.keycode == event.detail; });
     if (key == keys_.end()) return;
     // A key that repeats is released and pressed at the same instant.
-    const bool repeats = down && lastRelease_ && *lastRelease_ == event.time;
-    if (!down) lastRelease_ = event.time;
+    const auto now = std::make_pair(event.detail, event.time);
+    const bool repeats = down && lastRelease_ == now;
+    if (!down) lastRelease_ = now;
     // Holding the mute key must not toggle for ever.
     if (repeats && key->code == mediakey::mute) return;
     handler_(key->code, down, modifierFlags(event.state));
@@ -64,7 +65,7 @@ class X11MediaKeys::Tap {
   X11Connection& connection_;
   const std::vector<Key> keys_;
   const Handler handler_;
-  std::optional<xcb_timestamp_t> lastRelease_;
+  std::optional<std::pair<xcb_keycode_t, xcb_timestamp_t>> lastRelease_;
 };
 
 X11MediaKeys::X11MediaKeys(X11Connection& connection, Scheduler& scheduler)
