@@ -7,6 +7,7 @@
 #include "ui/Drawing.h"
 #include "ui/FontBook.h"
 #include "ui/Node.h"
+#include "ui/SpeakerOutline.h"
 #include "ui/SymbolElement.h"
 #include "ui/SymbolTable.h"
 #include "ui/View.h"
@@ -18,34 +19,39 @@ namespace {
 /// capitals of the text beside them and a little more.
 constexpr double emPerPoint = 1.32;
 
-/// The glyph's outline at 1 em = 1 unit, its square from (0, 0) to (1, 1).
-const QPainterPath& glyph(const std::string& name) {
-  static std::map<std::string, QPainterPath> glyphs;
-  const auto found = glyphs.find(name);
-  if (found != glyphs.end()) return found->second;
+QPainterPath fontOutline(const SymbolGlyph& symbol) {
+  constexpr double size = 1000;
+  const QRawFont font = fontBook::symbols(size);
+  const auto indexes = font.glyphIndexesForString(QString::fromUcs4(&symbol.codepoint, 1));
+  if (indexes.isEmpty() || indexes[0] == 0) return {};
+  // Centred by the em square, as the designers of the glyphs meant it.
+  const QTransform aboutCenter = QTransform::fromTranslate(0.5, 0.5)
+                                     .rotate(symbol.turn)
+                                     .scale(symbol.scale / size, symbol.scale / size)
+                                     .translate(-size / 2, -size / 2);
+  return aboutCenter.map(font.pathForGlyph(indexes[0]).translated(0, size));
+}
+
+/// The symbol's outline at 1 em = 1 unit, its square from (0, 0) to (1, 1); empty for an unknown name.
+const QPainterPath& outlineOf(const std::string& name) {
+  static std::map<std::string, QPainterPath> outlines;
+  const auto found = outlines.find(name);
+  if (found != outlines.end()) return found->second;
   QPainterPath path;
-  if (const auto symbol = symbolGlyph(name)) {
-    constexpr double size = 1000;
-    const QRawFont font = fontBook::symbols(size);
-    const QString text = QString::fromUcs4(&symbol->codepoint, 1);
-    const auto indexes = font.glyphIndexesForString(text);
-    if (!indexes.isEmpty() && indexes[0] != 0) {
-      // Centred by the em square, as the designers of the glyphs meant it.
-      const QTransform aboutCenter = QTransform::fromTranslate(0.5, 0.5)
-                                         .scale(symbol->scale / size, symbol->scale / size)
-                                         .translate(-size / 2, -size / 2);
-      path = aboutCenter.map(font.pathForGlyph(indexes[0]).translated(0, size));
-    }
+  if (const auto speaker = speakerOutline(name)) {
+    path = *speaker;
+  } else if (const auto symbol = symbolGlyph(name)) {
+    path = fontOutline(*symbol);
   }
   path.setFillRule(Qt::WindingFill);
-  return glyphs.emplace(name, path).first->second;
+  return outlines.emplace(name, path).first->second;
 }
 
 double side(const Font& font) { return font.size * emPerPoint; }
 
 }  // namespace
 
-bool isSymbol(const std::string& name) { return !glyph(name).isEmpty(); }
+bool isSymbol(const std::string& name) { return !outlineOf(name).isEmpty(); }
 
 std::vector<double> SymbolElement::animatedValues(const Environment& environment) const {
   const Color c = environment.foreground;
@@ -78,11 +84,11 @@ void SymbolElement::drawGlyph(DrawContext& context, double scale, double opacity
   painter.translate(context.size.width / 2 - length / 2, context.size.height / 2 - length / 2);
   painter.scale(length, length);
   painter.setOpacity(painter.opacity() * opacity);
-  painter.fillPath(glyph(name_), toQt(Color{c[0], c[1], c[2], c[3]}));
+  painter.fillPath(outlineOf(name_), toQt(Color{c[0], c[1], c[2], c[3]}));
   // The font has one weight; a heavier one is drawn with a little more ink around the edges.
   const int weight = int(context.environment.font.weight);
   if (weight >= int(Weight::bold)) {
-    painter.strokePath(glyph(name_), QPen(toQt(Color{c[0], c[1], c[2], c[3]}), 0.03));
+    painter.strokePath(outlineOf(name_), QPen(toQt(Color{c[0], c[1], c[2], c[3]}), 0.03));
   }
   painter.restore();
 }

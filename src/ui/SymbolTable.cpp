@@ -10,6 +10,9 @@ namespace {
 /// of a twelfth on each side; and of a sun that is the dimmer one because it is smaller.
 constexpr double full = 0.88, dim = 0.66;
 
+/// Of a battery that stands in the font: its end comes to the right.
+constexpr double lying = 90;
+
 struct Entry {
   std::string_view name;
   SymbolGlyph glyph;
@@ -22,7 +25,7 @@ constexpr Entry table[] = {
     {"airpodsmax", {0xf01f}},                        // headphones
     {"airpodspro", {0xf003}},                        // earbuds
     {"backward.fill", {0xe020}},                     // fast_rewind
-    {"battery.25percent", {0xebe0}},                 // battery_2_bar
+    {"battery.25percent", {0xebe0, 1, lying}},       // battery_2_bar
     {"beats.headphones", {0xf01f}},                  // headphones
     {"bolt.fill", {0xea0b}},                         // bolt
     {"calendar", {0xebcc}},                          // calendar_month
@@ -50,11 +53,6 @@ constexpr Entry table[] = {
     {"play.fill", {0xe037}},                         // play_arrow
     {"powerplug.fill", {0xe63c}},                    // power
     {"rectangle.and.hand.point.up.left", {0xe913}},  // touch_app
-    {"speaker.fill", {0xe04e}},                      // volume_mute
-    {"speaker.slash.fill", {0xe04f}},                // volume_off
-    {"speaker.wave.1.fill", {0xe04d}},               // volume_down
-    {"speaker.wave.2.fill", {0xe050}},               // volume_up
-    {"speaker.wave.3.fill", {0xe050}},               // volume_up
     {"sun.max.fill", {0xe518, full}},                // light_mode
     {"sun.min.fill", {0xe518, dim}},                 // light_mode, smaller
     {"trash", {0xe92e}},                             // delete_outline

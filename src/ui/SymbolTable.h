@@ -9,6 +9,8 @@ struct SymbolGlyph {
   char32_t codepoint;
   /// Optical correction of its size, about its centre.
   double scale = 1;
+  /// Degrees that it is turned clockwise about its centre.
+  double turn = 0;
 };
 
 /// The glyph for a symbol name, or none for an unknown name.

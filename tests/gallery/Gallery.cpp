@@ -79,6 +79,7 @@ std::vector<Exhibit> compact() {
       indicator("volume 0", Transient::hud(HUDKind::volume, 0)),
       indicator("volume 20", Transient::hud(HUDKind::volume, 0.2)),
       indicator("volume 50", Transient::hud(HUDKind::volume, 0.5)),
+      indicator("volume 60", Transient::hud(HUDKind::volume, 0.6)),
       indicator("volume 100", Transient::hud(HUDKind::volume, 1)),
       indicator("mute", Transient::hud(HUDKind::mute, 0.5)),
       indicator("brightness 30", Transient::hud(HUDKind::brightness, 0.3)),

@@ -146,6 +146,32 @@ TEST(Painting, fadesAGroupAsOne) {
   EXPECT_NEAR(qRed(pixel), qAlpha(pixel), 2) << "the black behind does not shine through";
 }
 
+TEST(Painting, aSpeakerStandsStillWhileItsWavesComeAndGo) {
+  const auto drawn = [](const char* name) {
+    Stage stage([=] { return Symbol(name).font({60}); });
+    return picture(stage.scene);
+  };
+  // The symbol's square is 80 points wide around (200, 150), the loudspeaker its left half.
+  const auto ink = [](const QImage& image, int from, int to) {
+    int sum = 0;
+    for (int x = from; x < to; ++x) {
+      for (int y = 110; y < 190; ++y) sum += qAlpha(image.pixel(x, y)) > 128;
+    }
+    return sum;
+  };
+  const QImage silent = drawn("speaker.fill");
+  int before = ink(silent, 198, 240);
+  EXPECT_EQ(before, 0);
+  for (const char* name : {"speaker.wave.1.fill", "speaker.wave.2.fill", "speaker.wave.3.fill"}) {
+    const QImage louder = drawn(name);
+    EXPECT_EQ(louder.copy(160, 110, 38, 80), silent.copy(160, 110, 38, 80)) << name;
+    EXPECT_GT(ink(louder, 198, 240), before + 50) << name;
+    before = ink(louder, 198, 240);
+  }
+  const QImage muted = drawn("speaker.slash.fill");
+  EXPECT_NE(muted.copy(160, 110, 38, 80), silent.copy(160, 110, 38, 80)) << "crossed out";
+}
+
 TEST(Painting, drawsSymbolsAndTexts) {
   for (const char* name : {"hand.raised.fill", "checkmark.circle.fill", "gearshape.fill"}) {
     EXPECT_TRUE(isSymbol(name)) << name;
