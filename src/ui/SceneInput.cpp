@@ -183,6 +183,16 @@ void SceneInput::updateHover() {
   }
 }
 
+/// What the outermost clip around a view leaves of the scene: beyond it there may be another program's
+/// window.
+Rect SceneInput::surfaceOf(const Node& node) const {
+  Rect surface{0, 0, scene_.size().width, scene_.size().height};
+  for (const Node* n = &node; n; n = n->parent) {
+    if (n->attributes.clip) surface = Scene::presentedFrame(*n);
+  }
+  return surface;
+}
+
 /// From now on the pointer rests.
 void SceneInput::awaitTooltip() {
   setTooltip(std::nullopt);
@@ -190,7 +200,7 @@ void SceneInput::awaitTooltip() {
   if (!tooltipNode_) return;
   tooltipTimer_ = scene_.scheduler_.after(tooltipDelay, [this] {
     if (!tooltipNode_ || !pointer_ || pressed_ || !tooltipNode_->attributes.interaction) return;
-    setTooltip(Tooltip{tooltipNode_->attributes.interaction->tooltip, *pointer_});
+    setTooltip(Tooltip{tooltipNode_->attributes.interaction->tooltip, *pointer_, surfaceOf(*tooltipNode_)});
   });
 }
 

@@ -25,10 +25,11 @@ class SceneInput {
   /// Scrolls the innermost scroll view at `point` that has a way to go. @return false where there is none.
   bool scrolled(Point point, Point delta);
 
-  /// The text of the tooltip on show, and where the pointer rests.
+  /// The text of the tooltip on show, where the pointer rests, and the surface that it stays on.
   struct Tooltip {
     std::string text;
     Point point;
+    Rect surface;
   };
   const std::optional<Tooltip>& tooltip() const { return tooltip_; }
   /// Notifies when the tooltip comes or goes.
@@ -42,6 +43,7 @@ class SceneInput {
   void updateHover();
   void awaitTooltip();
   void setTooltip(std::optional<Tooltip> tooltip);
+  Rect surfaceOf(const Node& node) const;
   Node* hit(Node& node, Point point, const std::function<bool(const Node&)>& wanted) const;
   Point inNode(const Node& node, Point point) const;
   Point inFrame(const Node& node, Point point) const;

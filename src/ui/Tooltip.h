@@ -4,7 +4,8 @@
 
 namespace tarnwick::ui {
 
-/// The tooltip of the scene, beside the pointer and inside the scene's bounds; nothing while there is none.
+/// The tooltip of the scene, beside the pointer and on the surface of what it explains; nothing while there
+/// is none.
 View tooltipView(const SceneInput& input);
 
 }  // namespace tarnwick::ui

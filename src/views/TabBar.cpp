@@ -13,6 +13,9 @@ using namespace ui;
 
 namespace {
 
+constexpr Size buttonSize{31, 26};
+constexpr double spacing = 1;
+
 View symbolIcon(const char* name, double size, bool selected) {
   return Symbol(name).font({size}).opacity(selected ? 1 : 0.55);
 }
@@ -47,7 +50,7 @@ View highlight(bool selected, bool hovering) {
 View tabButton(Tab tab, View label, bool selected, std::function<void()> action) {
   const ButtonStyle style = [selected](View content, bool pressed, bool hovering) {
     return pressScaleStyle()(content, pressed, hovering)
-        .frame({.width = 31, .height = 26})
+        .frame({.width = buttonSize.width, .height = buttonSize.height})
         .background(highlight(selected, hovering))
         .animation(spring(0.25, 0.7), hovering)
         .contentShape(Capsule());
@@ -58,6 +61,8 @@ View tabButton(Tab tab, View label, bool selected, std::function<void()> action)
 }
 
 }  // namespace
+
+const double tabBarWidth = double(std::size(allTabs)) * (buttonSize.width + spacing) - spacing;
 
 std::string tabTitle(Tab tab) {
   switch (tab) {
@@ -82,7 +87,7 @@ View tabBar(NotchModel& model, Namespace names) {
     buttons.push_back(tabButton(tab, icon(tab, model.claude, selected, names), selected,
                                 [&model, tab] { model.select(tab); }));
   }
-  return HStack({.spacing = 1}, buttons);
+  return HStack({.spacing = spacing}, buttons);
 }
 
 }  // namespace tarnwick

@@ -107,16 +107,19 @@ View rightWing(NotchModel& model, const std::function<void()>& openSettings) {
 
 View topStrip(NotchModel& model, Namespace names, std::function<void()> openSettings) {
   const double width = std::max(0.0, (model.size().width - 2 * notchFlare - model.notchSize->width) / 2);
-  const double margin = model.presentation() == Presentation::expanded ? 14 : 10;
+  const bool expanded = model.presentation() == Presentation::expanded;
+  const double margin = expanded ? 14 : 10;
+  // Beside the widest cameras the tab bar moves outwards rather than under the camera.
+  const double leftMargin = expanded ? std::min(margin, width - tabBarWidth) : margin;
   // The stacks stay while their items come and go, so that an item's transition has a place to happen in.
-  const auto box = [=](View item, Edge outside, UnitPoint align) {
-    return ZStack(align, {item}).padding(outside, margin).frame({.width = width, .align = align});
+  const auto box = [=](View item, Edge outside, double inset, UnitPoint align) {
+    return ZStack(align, {item}).padding(outside, inset).frame({.width = width, .align = align});
   };
   return HStack({},
                 {
-                    box(leftWing(model, names), Edge::leading, UnitPoint::leading),
+                    box(leftWing(model, names), Edge::leading, leftMargin, UnitPoint::leading),
                     Spacer(),
-                    box(rightWing(model, openSettings), Edge::trailing, UnitPoint::trailing),
+                    box(rightWing(model, openSettings), Edge::trailing, margin, UnitPoint::trailing),
                 })
       .frame({.height = model.notchSize->height});
 }

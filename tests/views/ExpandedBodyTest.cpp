@@ -64,6 +64,37 @@ TEST(TabBar, LetsOnePillGlideToTheSelectedTab) {
   EXPECT_NEAR(pills()[0].frame().x, from.x + 4 * 32, 0.01);
 }
 
+TEST(TabBar, KeepsClearOfTheCamera) {
+  for (const double camera : {150.0, 185.0, 208.0, 260.0}) {
+    SCOPED_TRACE(camera);
+    NotchStage stage;
+    stage.model.notchSize = Size{camera, 32};
+    open(stage, Tab::home);
+    const Rect surface = stage.inspector->id("surface")->frame();
+    const Rect first = stage.inspector->control("Home")->frame();
+    const Rect last = stage.inspector->control("Notes")->frame();
+    EXPECT_LE(last.right(), surface.midX() - camera / 2);
+    // From the surface's edge inside the ear.
+    EXPECT_GE(first.x - surface.x - 6, 11);
+    EXPECT_LE(first.x - surface.x - 6, 14);
+  }
+}
+
+TEST(TopStrip, KeepsTooltipsOnTheSurface) {
+  NotchStage stage;
+  open(stage, Tab::claude);
+  const Rect surface = stage.inspector->id("surface")->frame().grownBy(-6, 0);
+  for (const char* name : {"Home", "Settings"}) {
+    SCOPED_TRACE(name);
+    stage.inspector->hover(*stage.inspector->control(name));
+    stage.settle();
+    const auto tooltip = stage.inspector->text(name);
+    ASSERT_TRUE(tooltip);
+    EXPECT_GT(tooltip->frame().x, surface.x);
+    EXPECT_LT(tooltip->frame().right(), surface.right());
+  }
+}
+
 TEST(TabBar, LetsTheMascotFlyInFromTheWing) {
   NotchStage stage;
   stage.hook("a", "UserPromptSubmit");
