@@ -11,6 +11,9 @@ namespace {
 /// Devices that are connected when the program starts are no news.
 constexpr double gracePeriod = 3;
 constexpr double indicatorSeconds = 3;
+/// A headset may be asked for its level only once its sound has been set up. What comes later than this many
+/// seconds does not belong to the connection any more.
+constexpr double levelPatience = 30;
 
 std::string symbolFor(const BluetoothDevice& device) {
   std::string name = device.name;
@@ -64,14 +67,20 @@ void BluetoothService::connected(const BluetoothDevice& device) {
 
 void BluetoothService::announce(const BluetoothDevice& device, bool isConnected) {
   announced_ = isConnected ? device.id : "";
+  announcedAt_ = scheduler_.uptime();
+  levelTold_ = battery(device).has_value();
   if (model_.settings.bluetoothAlerts) model_.show(indicator(device, isConnected), indicatorSeconds);
 }
 
 void BluetoothService::updateBattery(const BluetoothDevice& device) {
-  // Devices tell their level a moment after they have connected. Once the indicator has left, it is no news.
-  if (device.id != announced_ || !*model_.transient) return;
+  // Devices tell their level a moment after they have connected. Once it has been told, it is no news.
+  if (device.id != announced_) return;
   const Transient next = indicator(device, true);
-  if (*model_.transient != next && model_.transient.get()->key() == next.key()) announce(device, true);
+  const std::optional<Transient>& shown = model_.transient;
+  const bool completes =
+      !levelTold_ && battery(device) && scheduler_.uptime() - announcedAt_ <= levelPatience;
+  const bool isNews = shown ? *shown != next && shown->key() == next.key() : completes;
+  if (isNews) announce(device, true);
 }
 
 }  // namespace tarnwick

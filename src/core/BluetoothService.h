@@ -18,8 +18,11 @@ class BluetoothService {
   NotchModel& model_;
   Scheduler& scheduler_;
   const double launchedAt_;
-  /// The device whose connection was announced last.
+  /// The device whose connection was announced last, and when.
   std::string announced_;
+  double announcedAt_ = 0;
+  /// Its level was told along.
+  bool levelTold_ = false;
   Subscription subscription_;
 };
 

@@ -106,6 +106,27 @@ TEST_F(BluetoothServiceTest, UpdatesTheIndicatorWhenTheLevelComesLater) {
   EXPECT_EQ(*model.transient, std::nullopt) << "a level alone is no news";
 }
 
+TEST_F(BluetoothServiceTest, ShowsALevelThatComesAfterTheIndicatorHasGone) {
+  EXPECT_NE(shownAfter(Event::connected, named("Buds", 4)), std::nullopt);
+  pass(8);
+  ASSERT_EQ(*model.transient, std::nullopt);
+  tell(Event::batteryChanged, named("Buds", 4, {0}));
+  EXPECT_EQ(*model.transient, std::nullopt) << "still unknown";
+  tell(Event::batteryChanged, named("Buds", 4, {70}));
+  EXPECT_EQ(*model.transient, Transient::device("Buds", "headphones", 70, true));
+  pass(3.1);
+  tell(Event::batteryChanged, named("Buds", 4, {69}));
+  EXPECT_EQ(*model.transient, std::nullopt) << "told once";
+
+  shownAfter(Event::connected, named("Mouse"));
+  EXPECT_EQ(shownAfter(Event::disconnected, named("Mouse")),
+            Transient::device("Mouse", "magicmouse", {}, false));
+  EXPECT_EQ(shownAfter(Event::batteryChanged, named("Mouse", 0, {50})), std::nullopt) << "it has gone";
+  shownAfter(Event::connected, named("Mouse"));
+  pass(21);
+  EXPECT_EQ(shownAfter(Event::batteryChanged, named("Mouse", 0, {50})), std::nullopt) << "too late";
+}
+
 TEST_F(BluetoothServiceTest, ALevelNeverTakesAnothersPlace) {
   shownAfter(Event::connected, named("Buds", 4));
   model.show(Transient::lowPowerMode(true), 3);
