@@ -41,6 +41,15 @@ const Transition* transitionOf(const Node& node) {
   return nullptr;
 }
 
+/// Whether a view around it makes its entrance in the same commit. What is inside just comes along, unless it
+/// has a motion of its own.
+bool comesAlong(const Node& node) {
+  for (const Node* n = node.parent; n && n->isNew; n = n->parent) {
+    if (n->attributes.transition) return true;
+  }
+  return false;
+}
+
 std::vector<double> numbersOf(const Rect& rect) { return {rect.x, rect.y, rect.width, rect.height}; }
 
 /// Where a node's corner is in the scene once everything has come to rest.
@@ -252,7 +261,7 @@ void Reconciler::insert(Node& node, const Context& context) {
   const Transition* own = node.attributes.transition ? &*node.attributes.transition : nullptr;
   if (own) {
     const auto& animation = own->insertionAnimation ? own->insertionAnimation : context.animation;
-    if (!animation) return;
+    if (!animation || (!own->insertionAnimation && comesAlong(node))) return;
     node.transition.jump(numbers(own->insertion));
     node.transition.set(atRest, animation, now_);
     node.transitionAnchor = own->insertion.anchor;

@@ -127,6 +127,22 @@ TEST(Motion, viewsEnterAndLeaveByTheirTransition) {
       << "without animation it is gone";
 }
 
+TEST(Motion, whatIsInsideAViewThatEntersComesAlongUnlessItHasAMotionOfItsOwn) {
+  bool shown = false;
+  Transition own = Transition::opacity();
+  own.insertionAnimation = linear(2);
+  Stage stage([&] {
+    const View page =
+        ZStack(UnitPoint::center, {box(20, "inner").transition(slide), box(20, "own").transition(own)});
+    return ZStack(UnitPoint::center, {box(300, "back"), shown ? page.id("page").transition(slide) : View()});
+  });
+  stage.change([&] { shown = true; }, linear(1));
+  stage.run(0.5);
+  EXPECT_NEAR(stage.inspect.id("inner")->frame().x, 190 + 20, 1) << "moved once, not twice";
+  EXPECT_NEAR(stage.inspect.id("inner")->opacity(), 0.5, 0.02);
+  EXPECT_NEAR(stage.inspect.id("own")->opacity(), 0.5 * 0.25, 0.02);
+}
+
 TEST(Motion, thePageThatIsReplacedLeavesInTheDirectionOfTheMove) {
   std::string page = "one";
   double direction = 1;
