@@ -1,6 +1,6 @@
 #include <QPainter>
 #include <QString>
-#include <QStringList>
+#include <QTextLayout>
 #include <algorithm>
 #include <cmath>
 
@@ -112,19 +112,36 @@ void TextElement::prepare(DrawContext& context, const QFont& font) const {
 
 void TextElement::drawLine(DrawContext& context, double space) const {
   const Environment& environment = context.environment;
-  QString text = QString::fromStdString(text_);
+  const QString text = QString::fromStdString(text_);
   const fontBook::Face& face = faceFor(text, environment.font);
-  if (width(text, face, environment.monospacedDigits) > space + 0.5) {
-    const auto mode = environment.truncation == Truncation::middle ? Qt::ElideMiddle : Qt::ElideRight;
-    text = face.metrics.elidedText(text, mode, space + 0.5);
+  const Shaped wanted{&face, environment.monospacedDigits, environment.truncation, space};
+  if (!shaped_.isFor(wanted)) {
+    shaped_ = wanted;
+    shape(text);
   }
   prepare(context, face.font);
-  const double baseline = std::round(face.metrics.ascent());
-  if (!environment.monospacedDigits) {
-    context.painter.drawText(QPointF(0, baseline), text);
-    return;
+  for (const QGlyphRun& run : shaped_.runs) context.painter.drawGlyphRun({}, run);
+}
+
+/// Shaping takes longer than drawing: its result is kept for the next time.
+void TextElement::shape(QString text) const {
+  const fontBook::Face& face = *shaped_.face;
+  if (width(text, face, shaped_.equalDigits) > shaped_.space + 0.5) {
+    const auto mode = shaped_.truncation == Truncation::middle ? Qt::ElideMiddle : Qt::ElideRight;
+    text = face.metrics.elidedText(text, mode, shaped_.space + 0.5);
   }
-  for (const Cell& cell : cells(text, face, true)) drawCell(context.painter, cell, face, baseline);
+  const auto add = [&](const QString& part, double x) {
+    QTextLayout layout(part, face.font);
+    layout.beginLayout();
+    QTextLine line = layout.createLine();
+    layout.endLayout();
+    line.setPosition({x, std::round(face.metrics.ascent()) - line.ascent()});
+    shaped_.runs += layout.glyphRuns();
+  };
+  if (!shaped_.equalDigits) return add(text, 0);
+  for (const Cell& cell : cells(text, face, true)) {
+    add(cell.text, cell.x + (cell.width - face.metrics.horizontalAdvance(cell.text)) / 2);
+  }
 }
 
 void TextElement::drawRolling(DrawContext& context, const TextElement& before) const {

@@ -1,11 +1,18 @@
 #pragma once
+#include <QGlyphRun>
+#include <QList>
 #include <string>
 
 #include "ui/Element.h"
 
 class QFont;
+class QString;
 
 namespace tarnwick::ui {
+
+namespace fontBook {
+struct Face;
+}
 
 /// One line of text.
 class TextElement : public Element {
@@ -22,11 +29,26 @@ class TextElement : public Element {
   const std::string& text() const { return text_; }
 
  private:
+  /// The text as glyphs, cut to fit.
+  struct Shaped {
+    const fontBook::Face* face = nullptr;
+    bool equalDigits = false;
+    Truncation truncation = {};
+    double space = 0;
+    QList<QGlyphRun> runs = {};
+
+    bool isFor(const Shaped& wanted) const {
+      return face == wanted.face && equalDigits == wanted.equalDigits && truncation == wanted.truncation &&
+             space == wanted.space;
+    }
+  };
+  void shape(QString text) const;
   void prepare(DrawContext& context, const QFont& font) const;
   void drawLine(DrawContext& context, double space) const;
   void drawRolling(DrawContext& context, const TextElement& before) const;
 
   std::string text_;
+  mutable Shaped shaped_;
 };
 
 }  // namespace tarnwick::ui
