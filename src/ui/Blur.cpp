@@ -77,27 +77,4 @@ void blur(QImage& image, double sigma) {
   blurPlane<4>(image.bits(), image.width(), image.height(), image.bytesPerLine(), sigma);
 }
 
-QImage halved(const QImage& image) {
-  QImage half((image.width() + 1) / 2, (image.height() + 1) / 2, QImage::Format_ARGB32_Premultiplied);
-  for (int y = 0; y < half.height(); ++y) {
-    const auto* upper = reinterpret_cast<const uint32_t*>(image.constScanLine(2 * y));
-    const auto* lower = 2 * y + 1 < image.height()
-                            ? reinterpret_cast<const uint32_t*>(image.constScanLine(2 * y + 1))
-                            : upper;
-    auto* to = reinterpret_cast<uint32_t*>(half.scanLine(y));
-    const int pairs = image.width() / 2;
-    for (int x = 0; x < pairs; ++x) {
-      const uint32_t a = upper[2 * x], b = upper[2 * x + 1], c = lower[2 * x], d = lower[2 * x + 1];
-      const uint32_t even =
-          ((a & 0xFF00FF) + (b & 0xFF00FF) + (c & 0xFF00FF) + (d & 0xFF00FF)) >> 2 & 0xFF00FF;
-      const uint32_t odd =
-          ((a >> 8 & 0xFF00FF) + (b >> 8 & 0xFF00FF) + (c >> 8 & 0xFF00FF) + (d >> 8 & 0xFF00FF)) << 6 &
-          0xFF00FF00;
-      to[x] = even | odd;
-    }
-    if (pairs < half.width()) to[pairs] = upper[2 * pairs];
-  }
-  return half;
-}
-
 }  // namespace tarnwick::ui

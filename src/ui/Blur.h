@@ -16,7 +16,5 @@ struct AlphaMap {
 void blur(AlphaMap& map, double sigma);
 /// The same for a picture in premultiplied ARGB.
 void blur(QImage& image, double sigma);
-/// The picture at half its size, each pixel the mean of four.
-QImage halved(const QImage& image);
 
 }  // namespace tarnwick::ui

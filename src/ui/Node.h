@@ -96,9 +96,9 @@ class Node {
   bool needsDraw = true;
   /// A child came or went since the last frame.
   bool childrenChanged = true;
-  /// Its content as a picture, sharp, and at half, a quarter … of the size as far as blurs needed it.
+  /// Its content as a picture, before blur and opacity, at `scale` pixels a point.
   struct Group {
-    std::vector<QImage> images;
+    QImage image;
     Rect rect;
     double scale = 0;
   };

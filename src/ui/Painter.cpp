@@ -12,11 +12,9 @@
 namespace tarnwick::ui {
 namespace {
 
-/// Blurs run on a copy halved until their standard deviation is at most this many pixels.
+/// Blurs run at a scale halved until their standard deviation is at most this many pixels.
 constexpr double reducedSigma = 1.3;
 constexpr double leastBlur = 0.1;
-/// Points around a group that are kept free for a blur to spread into.
-constexpr double largestBlur = 30;
 
 /// How many nodes below draw something; counting ends at two.
 int drawing(const Node& node) {
@@ -93,11 +91,13 @@ void Painter::draw(Node& node, Surface& surface, double opacity) {
   const bool grouped = node.blurRadius > leastBlur || node.brightening != 0 || node.attributes.clip ||
                        (fades && drawing(node) > 1);
   if (!grouped) node.group.reset();
-  if (!node.attributes.shadows.empty()) drawShadows(node, surface, opacity * node.opacity);
+  opacity *= node.opacity;
+  if (node.attributes.clip) return drawClipped(node, surface, opacity);
+  drawShadows(node, surface, opacity, false);
   if (grouped)
-    drawGroup(node, surface, opacity * node.opacity);
+    drawGroup(node, surface, opacity);
   else
-    drawContent(node, surface, opacity * node.opacity);
+    drawContent(node, surface, opacity);
 }
 
 void Painter::drawContent(Node& node, Surface& surface, double opacity) {
@@ -115,6 +115,7 @@ void Painter::drawContent(Node& node, Surface& surface, double opacity) {
                         node.previous.get(),
                         node.change.presented().empty() ? 1 : node.change.presented()[0]};
     node.element->draw(context);
+    surface.blank = false;
   }
   if (node.element->clips()) {
     const QRectF box(0, 0, node.presentedSize.width, node.presentedSize.height);
@@ -124,6 +125,7 @@ void Painter::drawContent(Node& node, Surface& surface, double opacity) {
     Surface inside{surface.image, painter, surface.toPixels,
                    fromQt(node.transform.mapRect(box) & toQt(surface.clip))};
     drawInside(node, inside, opacity);
+    surface.blank &= inside.blank;
     painter.restore();
   } else {
     drawInside(node, surface, opacity);
@@ -136,38 +138,59 @@ void Painter::drawInside(Node& node, Surface& surface, double opacity) {
   }
 }
 
-/// Cuts off what lies outside the clip of `node`. Where its edges are straight there is nothing to cut, so
-/// only the strips with the corners are gone through.
-void Painter::applyClip(const Node& node, QImage& image, QPainter& painter, const QTransform& toPixels) {
-  const Shape shape = presentedClip(node);
-  const double corner = shape.cornerExtent();
+/// Draws a clipped node. On what is still blank it needs no picture of its own: its content is drawn, its
+/// corners are cut off, and the shadows are put underneath.
+void Painter::drawClipped(Node& node, Surface& surface, double opacity) {
+  const QTransform toPixels = node.transform * surface.toPixels;
+  const bool direct = surface.blank && opacity >= 0.998 && node.blurRadius <= leastBlur &&
+                      node.brightening == 0 && toPixels.type() <= QTransform::TxScale;
+  if (!direct) {
+    drawShadows(node, surface, opacity, false);
+    return drawGroup(node, surface, opacity);
+  }
   const QRectF box = toPixels.mapRect(QRectF(0, 0, node.presentedSize.width, node.presentedSize.height));
-  const double strip = corner * toPixels.m11() + 1;
-  std::vector<QRect> parts;
-  if (corner < 0 || 2 * strip >= box.width()) {
-    parts.push_back(image.rect());
-  } else {
-    parts.push_back(QRect(QPoint(0, 0), QPoint(int(std::ceil(box.left() + strip)), image.height())) &
-                    image.rect());
-    parts.push_back(
-        QRect(QPoint(int(std::floor(box.right() - strip)), 0), QPoint(image.width(), image.height())) &
-        image.rect());
-  }
-  painter.setOpacity(1);
-  painter.setCompositionMode(QPainter::CompositionMode_DestinationIn);
+  QPainter& painter = surface.painter;
+  painter.save();
   painter.resetTransform();
-  for (const QRect& part : parts) {
-    if (part.isEmpty()) continue;
-    // A picture of its own: a path alone would leave what lies outside of it as it is.
-    QImage mask(part.size(), QImage::Format_ARGB32_Premultiplied);
-    mask.fill(Qt::transparent);
-    QPainter masking(&mask);
-    masking.setRenderHint(QPainter::Antialiasing);
-    masking.setTransform(toPixels * QTransform::fromTranslate(-part.x(), -part.y()));
-    masking.fillPath(outline(shape, node.presentedSize), Qt::black);
-    masking.end();
-    painter.drawImage(part.topLeft(), mask);
+  painter.setClipRect(box.toAlignedRect(), Qt::IntersectClip);
+  Surface inside{
+      surface.image, painter, surface.toPixels,
+      fromQt(surface.toPixels.inverted().mapRect(QRectF(box.toAlignedRect())) & toQt(surface.clip))};
+  drawContent(node, inside, 1);
+  cutCorners(node, painter, toPixels);
+  painter.restore();
+  drawShadows(node, surface, 1, true);
+  surface.blank = false;
+}
+
+/// Cuts off what lies outside the clip of `node`. Where its edges are straight there is nothing to cut.
+void Painter::cutCorners(const Node& node, QPainter& painter, const QTransform& toPixels) {
+  const Shape shape = presentedClip(node);
+  const QRectF box = toPixels.mapRect(QRectF(0, 0, node.presentedSize.width, node.presentedSize.height));
+  const double corner = shape.cornerExtent(), strip = corner * toPixels.m11() + 1;
+  QPainterPath outside = toPixels.map(outline(shape, node.presentedSize));
+  outside.setFillRule(Qt::OddEvenFill);
+  outside.addRect(box.adjusted(-2, -2, 2, 2));
+  painter.save();
+  painter.resetTransform();
+  painter.setOpacity(1);
+  // Nothing as the source takes away by coverage, as "destination out" would, but on the engine's fast path.
+  painter.setCompositionMode(QPainter::CompositionMode_Source);
+  if (corner < 0 || 2 * strip >= box.width()) {
+    painter.fillPath(outside, Qt::transparent);
+  } else {
+    const QRect whole = box.toAlignedRect();
+    QRect left = whole, right = whole;
+    left.setRight(int(std::ceil(box.left() + strip)) - 1);
+    right.setLeft(int(std::floor(box.right() - strip)));
+    for (const QRect& part : {left, right}) {
+      painter.save();
+      painter.setClipRect(part, Qt::IntersectClip);
+      painter.fillPath(outside, Qt::transparent);
+      painter.restore();
+    }
   }
+  painter.restore();
 }
 
 /// The content of a node, in its own coordinates and without its effects.
@@ -183,71 +206,67 @@ QImage Painter::render(Node& node, const Rect& rect, double scale) {
   Surface surface{image, painter, node.transform.inverted() * toPixels,
                   fromQt(node.transform.mapRect(toQt(rect)))};
   drawContent(node, surface, 1);
-  if (node.attributes.clip) applyClip(node, image, painter, toPixels);
+  if (node.attributes.clip) cutCorners(node, painter, toPixels);
   painter.end();
   if (node.brightening != 0) brighten(image, node.brightening);
   return image;
 }
 
 void Painter::drawGroup(Node& node, Surface& surface, double opacity) {
-  const double scale = std::sqrt(std::abs(surface.toPixels.determinant()));
-  const QTransform toScene = node.transform;
+  const QTransform& toScene = node.transform;
   const bool blurs = node.blurRadius > leastBlur;
+  // What will be blurred need not be drawn sharp first.
+  double scale = std::sqrt(std::abs(surface.toPixels.determinant()));
+  while (blurs && node.blurRadius * scale > reducedSigma) scale /= 2;
+  // Room for any blur at this scale to spread, so that the picture can be used again while the blur goes.
+  const double room = blurs ? std::ceil(3 * reducedSigma) / scale : 0;
+
   // In the node's own coordinates: all of it where it will be used again, else what has to be drawn.
   const bool reusable = !node.attributes.clip && node.brightening == 0 && (blurs || node.opacity < 0.998);
-  Rect wanted = fromQt(toScene.inverted().mapRect(toQt(node.contentBounds)));
+  Rect wanted = fromQt(toScene.inverted().mapRect(toQt(node.contentBounds))).grownBy(room, room);
   if (!reusable) {
-    const Rect seen = fromQt(toScene.inverted().mapRect(toQt(surface.clip)));
+    const Rect seen = fromQt(toScene.inverted().mapRect(toQt(surface.clip))).grownBy(room, room);
     const double left = std::max(wanted.x, seen.x), top = std::max(wanted.y, seen.y);
     wanted = {left, top, std::min(wanted.right(), seen.right()) - left,
               std::min(wanted.bottom(), seen.bottom()) - top};
     if (wanted.isEmpty()) return;
   }
-  // Room for the blur to spread, on whole pixels also of the copies at half the size and below.
-  size_t halvings = 0;
-  double reduced = scale;
-  for (; node.blurRadius * reduced > reducedSigma; reduced /= 2) ++halvings;
-  constexpr int steps = 32;
-  const double step = (reusable ? steps : 1) / scale, room = reusable ? largestBlur : 0;
-  const auto down = [&](double v) { return std::floor((v - room) / step) * step; };
-  const auto up = [&](double v) { return std::ceil((v + room) / step) * step; };
+  const auto down = [&](double v) { return std::floor(v * scale) / scale; };
+  const auto up = [&](double v) { return std::ceil(v * scale) / scale; };
   const Rect rect{down(wanted.x), down(wanted.y), up(wanted.right()) - down(wanted.x),
                   up(wanted.bottom()) - down(wanted.y)};
 
-  const auto put = [&](const QImage& image, double pictureScale) {
-    QPainter& painter = surface.painter;
-    QTransform place = QTransform::fromScale(1 / pictureScale, 1 / pictureScale) *
-                       QTransform::fromTranslate(rect.x, rect.y) * toScene * surface.toPixels;
-    painter.setOpacity(opacity);
-    if (std::abs(place.m11() - 1) < 1e-6 && std::abs(place.m22() - 1) < 1e-6 && place.m12() == 0) {
-      // Whole pixels: as crisp as drawn directly, and a plain copy.
-      painter.resetTransform();
-      painter.drawImage(QPoint(int(std::round(place.dx())), int(std::round(place.dy()))), image);
-      return;
-    }
-    painter.setTransform(place);
-    painter.drawImage(QPointF(0, 0), image);
-  };
+  // Kept is what is not blurred yet; what moves on top of it (opacity, place, blur) costs no drawing of
+  // views.
+  QImage picture;
   if (!reusable) {
-    QImage picture = render(node, rect, scale);
-    if (blurs) blur(picture, node.blurRadius * scale);
-    put(picture, scale);
-    return;
+    picture = render(node, rect, scale);
+  } else {
+    if (!node.group || node.group->scale != scale || !(node.group->rect == rect)) {
+      node.group = std::make_unique<Node::Group>(Node::Group{render(node, rect, scale), rect, scale});
+    }
+    picture = node.group->image;
   }
-  // Kept is the sharp content; what moves on top of it (opacity, place, blur) costs no drawing of views.
-  if (!node.group || node.group->scale != scale || !(node.group->rect == rect)) {
-    node.group = std::make_unique<Node::Group>(Node::Group{{render(node, rect, scale)}, rect, scale});
+  if (blurs) blur(picture, node.blurRadius * scale);
+
+  surface.blank = false;
+  QPainter& painter = surface.painter;
+  const QTransform place = QTransform::fromScale(1 / scale, 1 / scale) *
+                           QTransform::fromTranslate(rect.x, rect.y) * toScene * surface.toPixels;
+  painter.setOpacity(opacity);
+  if (std::abs(place.m11() - 1) < 1e-6 && std::abs(place.m22() - 1) < 1e-6 && place.m12() == 0) {
+    // Whole pixels: as crisp as drawn directly, and a plain copy.
+    painter.resetTransform();
+    painter.drawImage(QPoint(int(std::round(place.dx())), int(std::round(place.dy()))), picture);
+  } else {
+    painter.setTransform(place);
+    painter.drawImage(QPointF(0, 0), picture);
   }
-  std::vector<QImage>& images = node.group->images;
-  while (images.size() <= halvings) images.push_back(halved(images.back()));
-  if (!blurs) return put(images[0], scale);
-  QImage blurred = images[halvings];
-  blur(blurred, node.blurRadius * reduced);
-  put(blurred, reduced);
 }
 
-void Painter::drawShadows(Node& node, Surface& surface, double opacity) {
-  if (opacity <= 0.002) return;
+/// Draws the shadows before what casts them or, where that has been drawn onto nothing, `beneath` it.
+void Painter::drawShadows(Node& node, Surface& surface, double opacity, bool beneath) {
+  if (node.attributes.shadows.empty() || opacity <= 0.002) return;
   // The outline: what the node is clipped to, or the one shape that it consists of.
   const Node* shaped = &node;
   std::optional<Shape> shape;
@@ -270,33 +289,34 @@ void Painter::drawShadows(Node& node, Surface& surface, double opacity) {
     const QRectF middle(corner, 0, node.presentedSize.width - 2 * corner, node.presentedSize.height);
     hidden = toPixels.mapRect(middle).toAlignedRect().adjusted(1, 1, -1, -1);
   }
-  const std::vector<Attributes::Shadow> shadows = shadowsOf(node.shadows.presented());
-  for (auto shadow = shadows.rbegin(); shadow != shadows.rend(); ++shadow) {
-    const Color color = shadow->color.opacity(opacity);
+  std::vector<Attributes::Shadow> shadows = shadowsOf(node.shadows.presented());
+  if (!beneath) std::ranges::reverse(shadows);  // the first one is the nearest
+  for (const Attributes::Shadow& shadow : shadows) {
+    const Color color = shadow.color.opacity(opacity);
     if (color.alpha <= 0.002) continue;
+    surface.blank = false;
     if (shape) {
-      const auto patch = ShadowPatch::of(*shape, shaped->presentedSize, shadow->radius, scale);
-      const QPointF corner =
-          toPixels.map(QPointF(0, 0)) + QPointF(shadow->offset.x, shadow->offset.y) * scale;
+      const auto patch = ShadowPatch::of(*shape, shaped->presentedSize, shadow.radius, scale);
+      const QPointF corner = toPixels.map(QPointF(0, 0)) + QPointF(shadow.offset.x, shadow.offset.y) * scale;
       const QSizeF size(shaped->presentedSize.width * scale, shaped->presentedSize.height * scale);
-      patch->draw(surface.image, corner, size, color, clip, hidden);
+      patch->draw(surface.image, corner, size, color, clip, hidden, beneath);
       continue;
     }
     // Anything else casts the shadow of its own picture.
     double reduced = scale;
-    while (shadow->radius * reduced > reducedSigma) reduced /= 2;
-    const double reach = 3 * shadow->radius;
+    while (shadow.radius * reduced > reducedSigma) reduced /= 2;
+    const double reach = 3 * shadow.radius;
     const Rect rect =
         fromQt(node.transform.inverted().mapRect(toQt(node.contentBounds))).grownBy(reach, reach);
     QImage picture = render(node, rect, reduced);
-    blur(picture, shadow->radius * reduced);
+    blur(picture, shadow.radius * reduced);
     QPainter tint(&picture);
     tint.setCompositionMode(QPainter::CompositionMode_SourceIn);
-    tint.fillRect(picture.rect(), toQt(shadow->color));
+    tint.fillRect(picture.rect(), toQt(shadow.color));
     tint.end();
     surface.painter.setTransform(
         QTransform::fromScale(1 / reduced, 1 / reduced) *
-        QTransform::fromTranslate(rect.x + shadow->offset.x, rect.y + shadow->offset.y) * node.transform *
+        QTransform::fromTranslate(rect.x + shadow.offset.x, rect.y + shadow.offset.y) * node.transform *
         surface.toPixels);
     surface.painter.setOpacity(opacity);
     surface.painter.drawImage(QPointF(0, 0), picture);

@@ -23,13 +23,16 @@ class Painter {
     QTransform toPixels;
     /// In scene points: nothing outside needs drawing.
     Rect clip;
+    /// Nothing has been drawn yet.
+    bool blank = true;
   };
   void draw(Node& node, Surface& surface, double opacity);
   void drawContent(Node& node, Surface& surface, double opacity);
   void drawInside(Node& node, Surface& surface, double opacity);
+  void drawClipped(Node& node, Surface& surface, double opacity);
   void drawGroup(Node& node, Surface& surface, double opacity);
-  void drawShadows(Node& node, Surface& surface, double opacity);
-  void applyClip(const Node& node, QImage& image, QPainter& painter, const QTransform& toPixels);
+  void drawShadows(Node& node, Surface& surface, double opacity, bool beneath);
+  void cutCorners(const Node& node, QPainter& painter, const QTransform& toPixels);
   QImage render(Node& node, const Rect& rect, double scale);
 
   double ratio_;

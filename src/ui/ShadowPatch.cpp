@@ -112,11 +112,13 @@ std::vector<uint16_t> ShadowPatch::widened(int row, const std::vector<Sample>& c
 
 namespace {
 
-/// Premultiplied colour over what lies below, by a coverage of 0…255·256 that lies between two lines.
+/// Premultiplied colour over what is there or beneath it, by a coverage of 0…255·256 that lies between two
+/// lines.
 struct Blend {
   uint32_t alpha, redBlue, green;
+  bool beneath;
 
-  explicit Blend(Color color) {
+  Blend(Color color, bool isBeneath) : beneath(isBeneath) {
     const double strength = std::clamp(color.alpha, 0.0, 1.0);
     const auto byte = [&](double channel) {
       return uint32_t(std::lround(255 * std::clamp(channel, 0.0, 1.0)));
@@ -128,6 +130,26 @@ struct Blend {
 
   void run(uint32_t* pixels, const uint16_t* upper, const uint16_t* lower, uint32_t fraction,
            int count) const {
+    if (beneath)
+      runBeneath(pixels, upper, lower, fraction, count);
+    else
+      runOver(pixels, upper, lower, fraction, count);
+  }
+
+ private:
+  void runBeneath(uint32_t* pixels, const uint16_t* upper, const uint16_t* lower, uint32_t fraction,
+                  int count) const {
+    const uint32_t rest = 256 - fraction;
+    for (int x = 0; x < count; ++x) {
+      const uint32_t coverage = (upper[x] * rest + lower[x] * fraction) >> 8;
+      const uint32_t above = pixels[x] >> 24, visible = 256 - above - (above >> 7);
+      const uint32_t a = (((coverage * alpha + (1u << 15)) >> 16) * visible) >> 8, scale = a + (a >> 7);
+      pixels[x] += a << 24 | (redBlue * scale >> 8 & 0xFF00FF) | (green * scale & 0xFF00);
+    }
+  }
+
+  void runOver(uint32_t* pixels, const uint16_t* upper, const uint16_t* lower, uint32_t fraction,
+               int count) const {
     const uint32_t rest = 256 - fraction;
     for (int x = 0; x < count; ++x) {
       const uint32_t coverage = (upper[x] * rest + lower[x] * fraction) >> 8;
@@ -144,7 +166,7 @@ struct Blend {
 }  // namespace
 
 void ShadowPatch::draw(QImage& target, QPointF corner, QSizeF size, Color color, const QRect& clip,
-                       const QRect& hidden) const {
+                       const QRect& hidden, bool beneath) const {
   if (map_.values.empty() || color.alpha <= 0) return;
   const QRect reachable = QRectF(corner, size).adjusted(-reach_, -reach_, reach_, reach_).toAlignedRect();
   const QRect area = reachable & clip & target.rect();
@@ -152,7 +174,7 @@ void ShadowPatch::draw(QImage& target, QPointF corner, QSizeF size, Color color,
   const std::vector<Sample> columns = samples(corner.x(), size.width(), area.x(), area.width(), true);
   const std::vector<Sample> rows = samples(corner.y(), size.height(), area.y(), area.height(), false);
   const QRect skipped = hidden & area;
-  const Blend blend(color);
+  const Blend blend(color, beneath);
 
   // Rows of the map are few; each is brought to the width of the target once.
   int above = -2;

@@ -18,10 +18,10 @@ class ShadowPatch {
   static std::shared_ptr<const ShadowPatch> of(const Shape& shape, Size size, double radius, double scale);
 
   /// Draws it in `color` onto `target` (premultiplied ARGB), for a box whose top left corner is at `corner`
-  /// and whose size is `size`, all in pixels; only inside `clip`, and not inside `hidden`, which something
-  /// opaque will cover.
-  void draw(QImage& target, QPointF corner, QSizeF size, Color color, const QRect& clip,
-            const QRect& hidden) const;
+  /// and whose size is `size`, all in pixels; over what is there or `beneath` it; only inside `clip`, and not
+  /// inside `hidden`, which something opaque covers.
+  void draw(QImage& target, QPointF corner, QSizeF size, Color color, const QRect& clip, const QRect& hidden,
+            bool beneath) const;
 
  private:
   /// For each pixel of a line: the two samples that it lies between, and how far it is to the second, 0…256.

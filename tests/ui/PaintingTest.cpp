@@ -193,6 +193,7 @@ TEST(Painting, repairsExactlyWhatChanged) {
     const auto roll = [&](int sides) { return int(random() % unsigned(sides)); };
     struct Item {
       double width = 30;
+      int number = 0;
       bool shown = true, blurred = false, shadow = false;
       double opacity = 1;
     };
@@ -206,7 +207,7 @@ TEST(Painting, repairsExactlyWhatChanged) {
         View view =
             RoundedRectangle(6).fill(hsb(double(i) / 5, 0.8, 0.9)).frame({.width = item.width, .height = 24});
         if (item.shadow) view = view.shadow({0.4, 0.7, 1, 0.9}, 5, {0, 3});
-        views.push_back(HStack({.spacing = 3}, {view, Text("item " + std::to_string(i))})
+        views.push_back(HStack({.spacing = 3}, {view, Text("item " + std::to_string(item.number))})
                             .blur(item.blurred ? 4 : 0)
                             .opacity(item.opacity)
                             .id(std::to_string(i))
@@ -226,7 +227,7 @@ TEST(Painting, repairsExactlyWhatChanged) {
         Item& item = items[size_t(roll(5))];
         stage.change(
             [&] {
-              switch (roll(6)) {
+              switch (roll(7)) {
                 case 0:
                   item.width = 20 + roll(100);
                   break;
@@ -240,6 +241,9 @@ TEST(Painting, repairsExactlyWhatChanged) {
                   item.opacity = item.opacity < 1 ? 1 : 0.4;
                   break;
                 case 4:
+                  item.number = roll(1000);
+                  break;
+                case 5:
                   item.shadow = !item.shadow;
                   break;
                 default:
