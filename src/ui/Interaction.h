@@ -8,7 +8,7 @@
 namespace tarnwick::ui {
 
 /// What a control is for assistive technology.
-enum class Role { none, button, slider, list, text, image };
+enum class Role { none, button, slider, list, text, image, notification };
 
 /// A drag of the pointer with the button held, in the view's own coordinates.
 struct DragValue {
@@ -34,6 +34,8 @@ struct Interaction {
   std::string tooltip;
   Role role = Role::none;
   std::string accessibilityName;
+  /// Of a control that is on or off.
+  std::optional<bool> checked;
   /// Nothing in this view or below takes the pointer.
   bool disabled = false;
 };

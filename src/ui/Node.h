@@ -23,6 +23,9 @@ class Node {
   ~Node();
   Node(const Node&) = delete;
 
+  /// Tells the node from all others that there are and have been.
+  const unsigned long serial = ++lastSerial;
+
   // For elements that lay out their children.
   /// Answers from memory where the same was asked before in this layout.
   Measured measure(Proposal proposal);
@@ -109,6 +112,9 @@ class Node {
     return f.empty() ? frame : Rect{f[0], f[1], f[2], f[3]};
   }
   bool isMoving() const;
+
+ private:
+  static inline unsigned long lastSerial = 0;
 };
 
 std::vector<double> numbers(const Effects& effects);

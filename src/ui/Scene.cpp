@@ -225,8 +225,8 @@ std::vector<Scene::Control> Scene::controls() const {
     const auto& interaction = node.attributes.interaction;
     if (!node.visible || (interaction && interaction->disabled)) return;
     if (interaction && interaction->role != Role::none) {
-      controls.push_back(
-          {interaction->role, interaction->accessibilityName, presentedFrame(node), interaction->onTap});
+      controls.push_back({node.serial, interaction->role, interaction->accessibilityName,
+                          interaction->checked, presentedFrame(node), interaction->onTap});
     }
     for (const auto& child : node.children) collect(*child);
   };

@@ -57,8 +57,12 @@ class Scene : public transaction::Committer {
 
   /// A view that tells assistive technology what it is.
   struct Control {
+    /// Stays as long as the view does, and never means another one.
+    unsigned long id;
     Role role;
     std::string name;
+    /// Whether it is on, where it may be on or off.
+    std::optional<bool> checked;
     /// As presented, in points.
     Rect frame;
     /// What a click does; may be empty.

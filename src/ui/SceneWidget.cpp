@@ -60,6 +60,7 @@ void SceneWidget::runFrame() {
   lastFrame_ = scheduler_.uptime();
   adoptPixelRatio();
   const bool moving = scene_.frame();
+  tellAssistiveTechnology(*this);
   QRegion region;
   for (const Rect& area : scene_.takeDamage()) {
     scene_.paint(image_, area);

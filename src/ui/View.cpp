@@ -189,5 +189,8 @@ View View::accessibility(Role role, std::string name) const {
     i.accessibilityName = std::move(name);
   });
 }
+View View::accessibilityChecked(bool checked) const {
+  return interaction([=](Interaction& i) { i.checked = checked; });
+}
 
 }  // namespace tarnwick::ui

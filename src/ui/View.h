@@ -124,6 +124,8 @@ class View {
 
   /// What the view is for assistive technology.
   View accessibility(Role role, std::string name) const;
+  /// Tells assistive technology that the control is on or off.
+  View accessibilityChecked(bool checked) const;
 
  private:
   template<typename Change>

@@ -34,6 +34,7 @@ View bannerView(const Banner& banner) {
                   })
         .padding(Edge::horizontal, 22)
         .padding(Edge::top, 10)
+        .accessibility(Role::notification, banner.title + ": " + banner.subtitle)
         .onAppear([appeared] { withAnimation(pop, [&] { appeared.set(true); }); });
   });
 }

@@ -53,6 +53,7 @@ View tabButton(Tab tab, View label, bool selected, std::function<void()> action)
         .frame({.width = buttonSize.width, .height = buttonSize.height})
         .background(highlight(selected, hovering))
         .animation(spring(0.25, 0.7), hovering)
+        .accessibilityChecked(selected)
         .contentShape(Capsule());
   };
   return Button(tabTitle(tab), std::move(action), std::move(label), style)

@@ -1,15 +1,58 @@
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <private/qguiapplication_p.h>
+#include <qpa/qplatformaccessibility.h>
+#include <qpa/qplatformintegration.h>
 #include <QAccessible>
 #include <QApplication>
 #include <QWheelEvent>
 
 #include "support/VirtualScheduler.h"
 #include "ui/Button.h"
+#include "ui/Dynamic.h"
 #include "ui/SceneWidget.h"
 
 namespace tarnwick::ui {
 namespace {
+
+/// Hears what assistive technology is told.
+class Listener {
+ public:
+  Listener() {
+    heard.clear();
+    QGuiApplicationPrivate::platformIntegration()->accessibility()->setActive(true);
+    before_ = QAccessible::installUpdateHandler(hear);
+  }
+  ~Listener() {
+    QAccessible::installUpdateHandler(before_);
+    QGuiApplicationPrivate::platformIntegration()->accessibility()->setActive(false);
+  }
+  static inline std::vector<std::string> heard;
+
+ private:
+  static void hear(QAccessibleEvent* event) {
+    QAccessibleInterface* about = event->accessibleInterface();
+    if (!about || about->object()) return;  // the window's own
+    const std::string name = about->text(QAccessible::Name).toStdString();
+    EXPECT_NE(about->parent()->indexOfChild(about), -1) << name << ": those who hear of it ask for its place";
+    switch (event->type()) {
+      case QAccessible::ObjectCreated:
+        return heard.push_back("created " + name);
+      case QAccessible::ObjectDestroyed:
+        return heard.push_back("destroyed " + name);
+      case QAccessible::NameChanged:
+        return heard.push_back("named " + name);
+      case QAccessible::StateChanged:
+        return heard.push_back(name + (about->state().checked ? " on" : " off"));
+      case QAccessible::ObjectShow:
+        return;
+      default:
+        ADD_FAILURE() << "event " << event->type() << " about " << name;
+    }
+  }
+  QAccessible::UpdateHandler before_;
+};
 
 TEST(SceneWidget, tellsAssistiveTechnologyItsControls) {
   VirtualScheduler scheduler;
@@ -22,6 +65,7 @@ TEST(SceneWidget, tellsAssistiveTechnologyItsControls) {
                                  Button(
                                      "Settings", [&] { pressed += 10; }, Text("S"), plain)}));
   widget.show();
+  const Listener listener;
   QAccessibleInterface* scene = QAccessible::queryAccessibleInterface(&widget);
   ASSERT_TRUE(scene);
   ASSERT_EQ(scene->childCount(), 2);
@@ -34,12 +78,60 @@ TEST(SceneWidget, tellsAssistiveTechnologyItsControls) {
   EXPECT_EQ(pressed, 10);
 }
 
+TEST(SceneWidget, tellsAssistiveTechnologyWhatChanges) {
+  VirtualScheduler scheduler;
+  struct State : ObservableObject {
+    std::vector<std::string> names{"a", "b"};
+    std::string last = "last";
+    bool on = false;
+    int moved = 0;
+  } state;
+  SceneWidget widget(scheduler, {200, 100}, observing({&state}, [&] {
+                       Views controls;
+                       for (const std::string& name : state.names) {
+                         controls.push_back(Text(name).accessibility(Role::text, name).id(name));
+                       }
+                       controls.push_back(Text("x")
+                                              .padding(double(state.moved))
+                                              .accessibility(Role::button, state.last)
+                                              .accessibilityChecked(state.on)
+                                              .id("last"));
+                       return VStack({}, controls);
+                     }));
+  widget.show();
+  const auto change = [&](const std::function<void()>& alter) {
+    alter();
+    state.notifyObservers();
+    widget.scene().commit(std::nullopt);
+    Listener::heard.clear();
+    widget.hide();
+    widget.show();  // makes a frame
+    return Listener::heard;
+  };
+  using testing::ElementsAre;
+  using testing::IsEmpty;
+  EXPECT_THAT(change([&] { state.names = {"a"}; }), IsEmpty()) << "nobody listens";
+
+  const Listener listener;
+  QAccessibleInterface* scene = QAccessible::queryAccessibleInterface(&widget);
+  ASSERT_EQ(scene->childCount(), 2);
+  QAccessibleInterface* last = scene->child(1);
+  EXPECT_THAT(change([&] { state.moved = 3; }), IsEmpty()) << "it has only moved";
+  EXPECT_THAT(change([&] { state.names = {"new", "a"}; }), ElementsAre("created new"));
+  EXPECT_EQ(scene->child(2), last) << "the same control in another place";
+  EXPECT_THAT(change([&] { state.last = "end"; }), ElementsAre("named end"));
+  EXPECT_THAT(change([&] { state.on = true; }), ElementsAre("end on"));
+  EXPECT_THAT(change([&] { state.names = {"b"}; }), ElementsAre("destroyed new", "destroyed a", "created b"));
+  EXPECT_EQ(scene->childCount(), 2);
+  EXPECT_EQ(scene->child(0)->text(QAccessible::Name), "b");
+  EXPECT_EQ(scene->child(1), last);
+}
+
 TEST(SceneWidget, scrollsWithTheFingersOrByTheClicksOfAWheel) {
   VirtualScheduler scheduler;
-  SceneWidget widget(
-      scheduler, {200, 100},
-      ScrollView(Axis::vertical, Text("x").frame({.width = 100, .height = 1000}).id("content"))
-          .frame({.width = 200, .height = 100}));
+  SceneWidget widget(scheduler, {200, 100},
+                     ScrollView(Axis::vertical, Text("x").frame({.width = 100, .height = 1000}).id("content"))
+                         .frame({.width = 200, .height = 100}));
   widget.show();
   const auto position = [&] {
     widget.scene().frame();
