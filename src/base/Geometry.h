@@ -62,4 +62,10 @@ inline constexpr UnitPoint UnitPoint::topTrailing{1, 0};
 inline constexpr UnitPoint UnitPoint::bottomLeading{0, 1};
 inline constexpr UnitPoint UnitPoint::bottomTrailing{1, 1};
 
+/// The place of a box of size `inner` in one of size `outer`.
+constexpr Rect aligned(Size inner, Size outer, UnitPoint align) {
+  return {(outer.width - inner.width) * align.x, (outer.height - inner.height) * align.y, inner.width,
+          inner.height};
+}
+
 }  // namespace tarnwick

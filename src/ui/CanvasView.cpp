@@ -9,7 +9,8 @@ class CanvasElement : public Element {
  public:
   CanvasElement(AnyValue input, std::function<void(Canvas&, Size)> draw)
       : input_(std::move(input)), draw_(std::move(draw)) {}
-  std::string_view kind() const override { return "Canvas"; }
+  static constexpr ElementKind itsKind{"Canvas"};
+  const ElementKind& kind() const override { return itsKind; }
   bool equals(const Element& other) const override {
     return static_cast<const CanvasElement&>(other).input_ == input_;
   }

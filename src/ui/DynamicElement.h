@@ -5,10 +5,11 @@
 namespace tarnwick::ui {
 
 /// Stands for the view that its body makes.
-class DynamicElement : public Element {
+class DynamicElement : public WrapperElement {
  public:
   explicit DynamicElement(DynamicBody body) : body_(std::move(body)) {}
-  std::string_view kind() const override { return "Dynamic"; }
+  static constexpr ElementKind itsKind{"Dynamic"};
+  const ElementKind& kind() const override { return itsKind; }
   bool equals(const Element&) const override { return false; }
   bool affectsLayout(const Element&) const override { return false; }
   const DynamicBody& body() const { return body_; }

@@ -43,12 +43,25 @@ struct DrawContext {
   double change;
 };
 
+/// What tells one kind of element from the others: each kind is one object, compared by its address.
+class ElementKind {
+ public:
+  constexpr explicit ElementKind(std::string_view name) : name_(name) {}
+  ElementKind(const ElementKind&) = delete;
+  /// Unique as well: part of a view's identity.
+  constexpr std::string_view name() const { return name_; }
+  friend constexpr bool operator==(const ElementKind& a, const ElementKind& b) { return &a == &b; }
+
+ private:
+  std::string_view name_;
+};
+
 /// One kind of view: how it measures itself, places its children and draws. Elements never change; what
 /// changes lives in the `Node` that shows them.
 class Element {
  public:
   virtual ~Element() = default;
-  virtual std::string_view kind() const = 0;
+  virtual const ElementKind& kind() const = 0;
   /// Whether it draws and measures as `other`, which is of the same kind.
   virtual bool equals(const Element& other) const = 0;
 
@@ -73,6 +86,18 @@ class Element {
   /// How far it draws beyond its frame, in points.
   virtual double overflow() const { return 0; }
 };
+
+/// Stands for its child, and is nothing without one.
+class WrapperElement : public Element {
+ public:
+  Measured measure(Node& node, Proposal proposal) const override;
+};
+
+/// The element as one of class `Kind`; null where it is another, or null.
+template<typename Kind>
+const Kind* as(const Element* element) {
+  return element && element->kind() == Kind::itsKind ? static_cast<const Kind*>(element) : nullptr;
+}
 
 /// Whether two elements are interchangeable.
 bool equal(const Element& a, const Element& b);

@@ -11,7 +11,8 @@ namespace tarnwick::ui {
 class GeometryElement : public Element {
  public:
   explicit GeometryElement(std::function<View(Size)> body) : body_(std::move(body)) {}
-  std::string_view kind() const override { return "GeometryReader"; }
+  static constexpr ElementKind itsKind{"GeometryReader"};
+  const ElementKind& kind() const override { return itsKind; }
   bool equals(const Element&) const override { return false; }
   bool affectsLayout(const Element&) const override { return false; }
   Measured measure(Node& node, Proposal proposal) const override;

@@ -11,7 +11,8 @@ namespace {
 class ImageElement : public Element {
  public:
   ImageElement(Image image, ContentMode mode) : image_(std::move(image)), mode_(mode) {}
-  std::string_view kind() const override { return "Image"; }
+  static constexpr ElementKind itsKind{"Image"};
+  const ElementKind& kind() const override { return itsKind; }
   bool equals(const Element& other) const override {
     const auto& same = static_cast<const ImageElement&>(other);
     return same.image_ == image_ && same.mode_ == mode_;
@@ -20,7 +21,7 @@ class ImageElement : public Element {
   bool draws() const override { return true; }
 
   void draw(DrawContext& context) const override {
-    const auto* before = dynamic_cast<const ImageElement*>(context.previous);
+    const auto* before = as<ImageElement>(context.previous);
     if (!before || context.change >= 1) return drawPicture(context);
     // The old one stays whole beneath, so that nothing shines through half way.
     before->drawPicture(context);

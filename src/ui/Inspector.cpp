@@ -3,8 +3,8 @@
 #include <cmath>
 
 #include "ui/Drawing.h"
-#include "ui/Elements.h"
 #include "ui/Node.h"
+#include "ui/ShapeElement.h"
 #include "ui/SymbolElement.h"
 #include "ui/TextElement.h"
 
@@ -21,11 +21,11 @@ void collect(Node& node, const Inspector::Wanted& wanted, std::vector<Inspector:
 
 }  // namespace
 
-std::string Inspector::Found::kind() const { return std::string(node_->element->kind()); }
+std::string Inspector::Found::kind() const { return std::string(node_->element->kind().name()); }
 
 std::string Inspector::Found::content() const {
-  if (const auto* text = dynamic_cast<const TextElement*>(node_->element.get())) return text->text();
-  if (const auto* symbol = dynamic_cast<const SymbolElement*>(node_->element.get())) return symbol->name();
+  if (const auto* text = as<TextElement>(node_->element.get())) return text->text();
+  if (const auto* symbol = as<SymbolElement>(node_->element.get())) return symbol->name();
   return {};
 }
 

@@ -6,8 +6,8 @@
 
 #include "ui/Blur.h"
 #include "ui/Drawing.h"
-#include "ui/Elements.h"
 #include "ui/ShadowPatch.h"
+#include "ui/ShapeElement.h"
 
 namespace tarnwick::ui {
 namespace {

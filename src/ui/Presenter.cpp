@@ -4,7 +4,8 @@
 #include <numbers>
 
 #include "ui/Drawing.h"
-#include "ui/Elements.h"
+#include "ui/MatchElement.h"
+#include "ui/ShapeElement.h"
 
 namespace tarnwick::ui {
 namespace {
@@ -82,7 +83,7 @@ void Presenter::placeInScene(Node& node, const Outer& outer) {
   node.transform = local * outer.transform;
   node.contentTransform = node.transform;
   node.presentedSize = size;
-  if (node.element->kind() == "Match" && node.frame.width > 0 && node.frame.height > 0) {
+  if (node.element->kind() == MatchElement::itsKind && node.frame.width > 0 && node.frame.height > 0) {
     node.contentTransform.scale(size.width / node.frame.width, size.height / node.frame.height);
   }
   node.contentTransform.translate(-node.scroll.x, -node.scroll.y);

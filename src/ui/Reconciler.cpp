@@ -4,7 +4,6 @@
 #include <set>
 
 #include "ui/DynamicElement.h"
-#include "ui/Elements.h"
 #include "ui/GeometryReader.h"
 #include "ui/Scrolling.h"
 
@@ -20,7 +19,7 @@ std::string identityOf(const View& view, int slot) {
   const Attributes& attributes = view.description().attributes;
   std::string identity = attributes.key.empty() ? std::to_string(slot) : "#" + attributes.key;
   if (attributes.match) identity += "=" + attributes.match->id;
-  return (identity += ':') += view.description().element->kind();
+  return (identity += ':') += view.description().element->kind().name();
 }
 
 Environment inherit(Environment environment, const Attributes& attributes) {
@@ -35,7 +34,7 @@ Environment inherit(Environment environment, const Attributes& attributes) {
 /// The transition of a view: its own, or that of the one view that it only wraps.
 const Transition* transitionOf(const Node& node) {
   if (node.attributes.transition) return &*node.attributes.transition;
-  if (node.children.size() == 1 && node.element->kind() != "ScrollView") {
+  if (node.children.size() == 1 && node.element->kind() != ScrollElement::itsKind) {
     return transitionOf(*node.children.front());
   }
   return nullptr;
@@ -145,21 +144,19 @@ void Reconciler::update(Node& node, const View& view, Context context) {
   if (appears) scene_.appeared_.push_back(attributes.onAppear);
   if (node.isNew && attributes.match) newMatches_.push_back(&node);
 
-  if (description.element->kind() == "Dynamic" || description.element->kind() == "GeometryReader" ||
-      description.element->kind() == "LazyVStack") {
-    updateContent(node, context);
-  } else {
-    updateChildren(node, description.children, context);
-  }
+  updateContent(node, description.children, context);
 }
 
-void Reconciler::updateContent(Node& node, const Context& context) {
-  if (const auto* geometry = dynamic_cast<const GeometryElement*>(node.element.get())) {
+void Reconciler::updateContent(Node& node, const Views& described, const Context& context) {
+  const Element* element = node.element.get();
+  if (const auto* geometry = as<GeometryElement>(element)) {
     if (node.builtFor) updateChildren(node, {geometry->build(*node.builtFor)}, context);
-  } else if (dynamic_cast<const LazyElement*>(node.element.get())) {
+  } else if (as<LazyElement>(element)) {
     if (node.rowsKnown) updateRows(node, context);
-  } else {
+  } else if (as<DynamicElement>(element)) {
     updateDynamic(node, context);
+  } else {
+    updateChildren(node, described, context);
   }
 }
 
@@ -365,13 +362,13 @@ void Reconciler::handOver() {
 
 bool Reconciler::buildForLayout(Node& node) {
   bool built = false;
-  if (const auto* geometry = dynamic_cast<const GeometryElement*>(node.element.get())) {
+  if (const auto* geometry = as<GeometryElement>(node.element.get())) {
     if (node.builtFor != node.frame.size()) {
       node.builtFor = node.frame.size();
       updateChildren(node, {geometry->build(*node.builtFor)}, contextInside(node));
       built = true;
     }
-  } else if (const auto* lazy = dynamic_cast<const LazyElement*>(node.element.get())) {
+  } else if (const auto* lazy = as<LazyElement>(node.element.get())) {
     const auto [first, count] = lazy->rangeInView(node);
     if (!node.rowsKnown || first != node.firstRow || count != node.rowCount) {
       Context context = contextInside(node);

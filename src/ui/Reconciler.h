@@ -45,7 +45,7 @@ class Reconciler {
 
   void update(Node& node, const View& view, Context context);
   void updateChildren(Node& node, const Views& views, const Context& context);
-  void updateContent(Node& node, const Context& context);
+  void updateContent(Node& node, const Views& described, const Context& context);
   void updateDynamic(Node& node, const Context& context);
   void updateRows(Node& node, const Context& context);
   void insert(Node& node, const Context& context);

@@ -135,9 +135,8 @@ void SceneInput::released(Point point) {
 
 bool SceneInput::scrolled(Point point, Point delta) {
   const auto scrolls = [&](const Node& node) {
-    if (node.element->kind() != "ScrollView") return false;
-    const bool vertical = static_cast<const ScrollElement&>(*node.element).axis() == Axis::vertical;
-    return (vertical ? delta.y : delta.x) != 0;
+    const auto* view = as<ScrollElement>(node.element.get());
+    return view && (view->axis() == Axis::vertical ? delta.y : delta.x) != 0;
   };
   Node* node = hit(*scene_.root_, point, scrolls);
   if (!node || !ScrollElement::scroll(*node, delta)) return false;

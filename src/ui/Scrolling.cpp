@@ -63,7 +63,7 @@ void LazyElement::place(Node& node, Size size) const {
 std::pair<size_t, size_t> LazyElement::rangeInView(const Node& node) const {
   double top = 0;
   const Node* window = node.parent;
-  for (const Node* below = &node; window && window->element->kind() != "ScrollView";
+  for (const Node* below = &node; window && window->element->kind() != ScrollElement::itsKind;
        below = window, window = window->parent) {
     top -= below->frame.y;
   }

@@ -8,7 +8,8 @@ namespace tarnwick::ui {
 class ScrollElement : public Element {
  public:
   explicit ScrollElement(Axis axis) : axis_(axis) {}
-  std::string_view kind() const override { return "ScrollView"; }
+  static constexpr ElementKind itsKind{"ScrollView"};
+  const ElementKind& kind() const override { return itsKind; }
   bool equals(const Element& other) const override {
     return static_cast<const ScrollElement&>(other).axis_ == axis_;
   }
@@ -27,7 +28,8 @@ class ScrollElement : public Element {
 class LazyElement : public Element {
  public:
   explicit LazyElement(LazyRows rows) : rows_(std::move(rows)) {}
-  std::string_view kind() const override { return "LazyVStack"; }
+  static constexpr ElementKind itsKind{"LazyVStack"};
+  const ElementKind& kind() const override { return itsKind; }
   bool equals(const Element&) const override { return false; }
   Measured measure(Node& node, Proposal proposal) const override;
   void place(Node& node, Size size) const override;

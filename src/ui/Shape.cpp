@@ -5,7 +5,8 @@
 #include <cmath>
 
 #include "ui/Drawing.h"
-#include "ui/Elements.h"
+#include "ui/ShapeElement.h"
+#include "ui/View.h"
 
 namespace tarnwick::ui {
 namespace {

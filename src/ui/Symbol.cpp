@@ -64,7 +64,7 @@ Measured SymbolElement::measure(Node& node, Proposal) const {
 }
 
 void SymbolElement::draw(DrawContext& context) const {
-  const auto* before = dynamic_cast<const SymbolElement*>(context.previous);
+  const auto* before = as<SymbolElement>(context.previous);
   if (!before || context.change >= 1) return drawGlyph(context, 1, 1);
   const double progress = std::clamp(context.change, 0.0, 1.0);
   if (context.environment.contentTransition == ContentTransition::replace) {

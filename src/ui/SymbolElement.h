@@ -9,7 +9,8 @@ namespace tarnwick::ui {
 class SymbolElement : public Element {
  public:
   explicit SymbolElement(std::string name) : name_(std::move(name)) {}
-  std::string_view kind() const override { return "Symbol"; }
+  static constexpr ElementKind itsKind{"Symbol"};
+  const ElementKind& kind() const override { return itsKind; }
   bool equals(const Element& other) const override {
     return static_cast<const SymbolElement&>(other).name_ == name_;
   }

@@ -5,7 +5,6 @@
 #include <cmath>
 
 #include "ui/Drawing.h"
-#include "ui/Elements.h"
 #include "ui/FontBook.h"
 #include "ui/Node.h"
 #include "ui/TextElement.h"
@@ -88,7 +87,7 @@ Measured TextElement::measure(Node& node, Proposal proposal) const {
 }
 
 void TextElement::draw(DrawContext& context) const {
-  const auto* before = dynamic_cast<const TextElement*>(context.previous);
+  const auto* before = as<TextElement>(context.previous);
   const Environment& environment = context.environment;
   if (before && environment.contentTransition == ContentTransition::numericText)
     return drawRolling(context, *before);

@@ -18,7 +18,8 @@ struct Face;
 class TextElement : public Element {
  public:
   explicit TextElement(std::string text) : text_(std::move(text)) {}
-  std::string_view kind() const override { return "Text"; }
+  static constexpr ElementKind itsKind{"Text"};
+  const ElementKind& kind() const override { return itsKind; }
   bool equals(const Element& other) const override;
   std::vector<double> animatedValues(const Environment& environment) const override;
   Measured measure(Node& node, Proposal proposal) const override;

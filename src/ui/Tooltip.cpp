@@ -12,7 +12,8 @@ namespace {
 class BesidePoint : public Element {
  public:
   BesidePoint(Point point, const Rect& surface) : point_(point), surface_(surface) {}
-  std::string_view kind() const override { return "BesidePoint"; }
+  static constexpr ElementKind itsKind{"BesidePoint"};
+  const ElementKind& kind() const override { return itsKind; }
   bool equals(const Element& other) const override {
     const auto& same = static_cast<const BesidePoint&>(other);
     return same.point_ == point_ && same.surface_ == surface_;

@@ -5,7 +5,7 @@
 
 #include "ui/Description.h"
 #include "ui/Dynamic.h"
-#include "ui/Elements.h"
+#include "ui/MatchElement.h"
 
 namespace tarnwick::ui {
 
@@ -51,24 +51,6 @@ View View::interaction(const std::function<void(Interaction&)>& change) const {
     change(*copy);
     attributes.interaction = std::move(copy);
   });
-}
-
-View View::frame(const FrameOptions& options) const {
-  return View(std::make_shared<FrameElement>(options), {*this});
-}
-View View::padding(double length) const { return padding(Edge::all, length); }
-View View::padding(Edge edges, double length) const {
-  if (isEmpty()) return *this;
-  return View(std::make_shared<PaddingElement>(edges, length), {*this});
-}
-View View::aspectRatio(double ratio) const {
-  return View(std::make_shared<AspectRatioElement>(ratio), {*this});
-}
-View View::background(View behind, UnitPoint align) const {
-  return View(std::make_shared<LayerElement>(align, LayerElement::Side::behind), {std::move(behind), *this});
-}
-View View::overlay(View before, UnitPoint align) const {
-  return View(std::make_shared<LayerElement>(align, LayerElement::Side::before), {*this, std::move(before)});
 }
 
 View View::opacity(double opacity) const {
