@@ -10,12 +10,17 @@ bool isValidUtf8(std::string_view text) {
   for (;;) {
     text.remove_prefix(lengthOfPlainAscii(text));
     if (text.empty()) return true;
-    utf8proc_int32_t codePoint;
-    const auto bytes = reinterpret_cast<const utf8proc_uint8_t*>(text.data());
-    const auto length = utf8proc_iterate(bytes, static_cast<utf8proc_ssize_t>(text.size()), &codePoint);
-    if (length <= 0) return false;
-    text.remove_prefix(static_cast<size_t>(length));
+    const size_t length = lengthOfCodePoint(text);
+    if (length == 0) return false;
+    text.remove_prefix(length);
   }
+}
+
+size_t lengthOfCodePoint(std::string_view text) {
+  utf8proc_int32_t codePoint;
+  const auto bytes = reinterpret_cast<const utf8proc_uint8_t*>(text.data());
+  const auto length = utf8proc_iterate(bytes, static_cast<utf8proc_ssize_t>(text.size()), &codePoint);
+  return length > 0 ? static_cast<size_t>(length) : 0;
 }
 
 size_t lengthOfPlainAscii(std::string_view text) {

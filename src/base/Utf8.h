@@ -5,6 +5,9 @@ namespace tarnwick {
 
 bool isValidUtf8(std::string_view text);
 
+/// The bytes of the code point that `text` begins with; 0 where none does.
+size_t lengthOfCodePoint(std::string_view text);
+
 /// How many bytes at the beginning of `text` are ASCII other than U+0000.
 size_t lengthOfPlainAscii(std::string_view text);
 

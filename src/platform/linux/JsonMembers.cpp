@@ -3,27 +3,11 @@
 #include <rapidjson/document.h>
 #include <rapidjson/stringbuffer.h>
 #include <rapidjson/writer.h>
-#include <utf8proc.h>
+
+#include "base/Utf8.h"
 
 namespace tarnwick {
 namespace {
-
-/// The length of the character that the text starts with; 0 when that is not UTF-8.
-size_t characterLength(std::string_view text) {
-  utf8proc_int32_t character;
-  const auto length = utf8proc_iterate(reinterpret_cast<const utf8proc_uint8_t*>(text.data()),
-                                       static_cast<utf8proc_ssize_t>(text.size()), &character);
-  return length > 0 ? static_cast<size_t>(length) : 0;
-}
-
-bool isUtf8(std::string_view text) {
-  while (!text.empty()) {
-    const size_t length = characterLength(text);
-    if (length == 0) return false;
-    text.remove_prefix(length);
-  }
-  return true;
-}
 
 /// Steps over JSON values. Each step answers whether what it names stood there; all but `string` and `word`
 /// pass the blanks before it.
@@ -152,7 +136,7 @@ std::string withPlainBytes(std::string_view text) {
 std::optional<std::vector<JsonMember>> membersOfObject(std::string_view json) {
   std::vector<JsonMember> members;
   JsonScanner scanner(json);
-  if (!isUtf8(json) || !scanner.object(members) || !scanner.atEnd()) return std::nullopt;
+  if (!isValidUtf8(json) || !scanner.object(members) || !scanner.atEnd()) return std::nullopt;
   return members;
 }
 
@@ -162,7 +146,7 @@ std::string jsonString(std::string_view text) {
   std::string_view written(buffer.GetString(), buffer.GetSize());
   std::string json;
   while (!written.empty()) {
-    size_t length = characterLength(written);
+    size_t length = lengthOfCodePoint(written);
     if (length > 0) {
       json += written.substr(0, length);
     } else {
