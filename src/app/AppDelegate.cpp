@@ -52,7 +52,7 @@ std::unique_ptr<NotchPanel> AppDelegate::makePanel(NotchModel& model) {
     audioDevices_.connect();
     processes_.allowStarting();
     systemBus_.open();
-    calendars_.allowConnecting();
+    sessionBus_.open();
   };
   panel->onPointerCrossing = [this] { pointer_.noteActivity(); };
   return panel;

@@ -9,15 +9,15 @@
 #include "platform/linux/DesktopApplications.h"
 #include "platform/linux/EvolutionCalendars.h"
 #include "platform/linux/JsonUserDefaults.h"
+#include "platform/linux/MessageBus.h"
 #include "platform/linux/Module.h"
 #include "platform/linux/NoHaptics.h"
 #include "platform/linux/PulseAudioDevices.h"
 #include "platform/linux/QtChildProcesses.h"
 #include "platform/linux/QtImageDecoder.h"
 #include "platform/linux/QtScheduler.h"
-#include "platform/linux/SystemBus.h"
-#include "platform/linux/UPowerSources.h"
 #include "platform/linux/StandardErrorLog.h"
+#include "platform/linux/UPowerSources.h"
 #include "platform/linux/X11Connection.h"
 #include "platform/linux/X11MediaKeys.h"
 #include "platform/linux/X11Pointer.h"
@@ -57,11 +57,12 @@ class AppDelegate {
   StandardErrorLog log_;
   PulseAudioDevices audioDevices_{scheduler_, [] { return loadPulseModule(moduleFolder()); }};
   X11MediaKeys mediaKeys_{connection_, scheduler_};
-  SystemBus systemBus_{scheduler_};
+  MessageBus systemBus_{scheduler_, systemBusAddress};
   BacklightBrightness brightness_{systemBus_};
   UPowerSources powerSources_{systemBus_};
   BluezDevices bluetooth_{systemBus_};
-  EvolutionCalendars calendars_{scheduler_, [] { return loadCalendarModule(moduleFolder()); }};
+  MessageBus sessionBus_{scheduler_, sessionBusAddress};
+  EvolutionCalendars calendars_{scheduler_, sessionBus_, [] { return loadCalendarReader(moduleFolder()); }};
   std::unique_ptr<NotchController> controller_;
 };
 

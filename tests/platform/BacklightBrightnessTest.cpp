@@ -85,7 +85,7 @@ class BacklightTest : public testing::Test {
 
   TemporaryFolder sysfs;
   std::unique_ptr<Child> daemon;
-  SystemBus systemBus{TestDesktop::shared().scheduler};
+  MessageBus systemBus{TestDesktop::shared().scheduler, systemBusAddress};
   BacklightBrightness brightness{systemBus, sysfs.path() + "/backlight"};
 };
 
@@ -160,7 +160,7 @@ TEST_F(BacklightTest, SendsTheLastOfManyWishes) {
 
 TEST_F(BacklightTest, GivesUpWithoutASystemBus) {
   panel("panel", "firmware", 10, 5);
-  SystemBus none(TestDesktop::shared().scheduler);
+  MessageBus none(TestDesktop::shared().scheduler, systemBusAddress);
   BacklightBrightness own(none, sysfs.path() + "/backlight");
   own.set(1);
   EXPECT_EQ(own.current(), 0.5);

@@ -73,7 +73,7 @@ class SystemServicesTest : public testing::Test {
   const TemporaryFolder folder;
   std::unique_ptr<Child> bus;
   std::optional<QDBusConnection> connection;
-  SystemBus systemBus{TestDesktop::shared().scheduler};
+  MessageBus systemBus{TestDesktop::shared().scheduler, systemBusAddress};
 };
 
 class UPowerSourcesTest : public SystemServicesTest {

@@ -4,7 +4,7 @@
 #include <string>
 
 #include "platform/DisplayBrightness.h"
-#include "platform/linux/SystemBus.h"
+#include "platform/linux/MessageBus.h"
 
 namespace tarnwick {
 
@@ -13,7 +13,7 @@ namespace tarnwick {
 class BacklightBrightness : public DisplayBrightness {
  public:
   /// @param folder of the backlight class
-  explicit BacklightBrightness(SystemBus& bus, std::string folder = "/sys/class/backlight")
+  explicit BacklightBrightness(MessageBus& bus, std::string folder = "/sys/class/backlight")
       : bus_(bus), folder_(std::move(folder)) {}
 
   std::optional<double> current() const override;
@@ -32,7 +32,7 @@ class BacklightBrightness : public DisplayBrightness {
   void write();
   void written(long raw);
 
-  SystemBus& bus_;
+  MessageBus& bus_;
   const std::string folder_;
   /// Receiver of the replies.
   QObject context_;

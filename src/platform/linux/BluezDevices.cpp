@@ -40,7 +40,7 @@ bool belongsTo(const QString& batteryPath, const QString& devicePath) {
 
 }  // namespace
 
-BluezDevices::BluezDevices(SystemBus& bus) : service_(bus, bluez) {
+BluezDevices::BluezDevices(MessageBus& bus) : service_(bus, bluez) {
   service_.listen("", objectManager, "InterfacesAdded");
   service_.listen("", objectManager, "InterfacesRemoved");
   for (const char* interface : {deviceInterface, batteryInterface}) {

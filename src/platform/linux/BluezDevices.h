@@ -5,14 +5,14 @@
 #include <vector>
 
 #include "platform/BluetoothDevices.h"
-#include "platform/linux/SystemBus.h"
+#include "platform/linux/MessageBus.h"
 
 namespace tarnwick {
 
 /// The devices that BlueZ knows. Those that are connected when it is found are not told of.
 class BluezDevices : public BluetoothDevices {
  public:
-  explicit BluezDevices(SystemBus& bus);
+  explicit BluezDevices(MessageBus& bus);
   Subscription observe(Receiver receive) override;
 
  private:
@@ -26,7 +26,7 @@ class BluezDevices : public BluetoothDevices {
   void tell(BluetoothEvent event, const BluetoothDevice& device);
   void tellBattery(const QString& batteryPath);
 
-  SystemService service_;
+  BusService service_;
   /// By object path: the properties of all devices, and the levels of all batteries.
   std::map<QString, QVariantMap> devices_;
   std::map<QString, int> batteries_;

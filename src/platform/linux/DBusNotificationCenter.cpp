@@ -5,6 +5,8 @@
 #include <chrono>
 #include <semaphore>
 
+#include "platform/linux/MessageBus.h"
+
 namespace tarnwick {
 namespace {
 
@@ -12,15 +14,6 @@ constexpr auto busName = "dev.tarnwick.Tarnwick";
 constexpr auto signalPath = "/dev/tarnwick";
 constexpr double retryInterval = 5;
 constexpr auto longestWait = std::chrono::milliseconds(500);
-
-/// The session bus's address. Never asks for a bus to be launched, as the library would if left to itself.
-QString sessionBusAddress() {
-  if (const QByteArray address = qgetenv("DBUS_SESSION_BUS_ADDRESS"); !address.isEmpty()) {
-    return QString::fromLocal8Bit(address);
-  }
-  const QByteArray runtime = qgetenv("XDG_RUNTIME_DIR");
-  return runtime.isEmpty() ? QString() : "unix:path=" + QString::fromLocal8Bit(runtime) + "/bus";
-}
 
 QDBusMessage nameRequest() {
   constexpr unsigned doNotQueue = 4;

@@ -1,27 +1,27 @@
 #pragma once
-#include <QObject>
+#include <map>
 #include <memory>
 #include <optional>
 #include <string>
 
 #include "base/Scheduler.h"
-#include "platform/linux/CalendarClient.h"
+#include "platform/linux/EvolutionCalendar.h"
+#include "platform/linux/MessageBus.h"
 
 namespace tarnwick {
 
-/// The function that makes calendar clients, from the module in that folder; null when the module or a
-/// library that it needs is missing. May take long.
-MakeCalendarClient* loadCalendarModule(const std::string& folder);
+/// The reader of the module "CalendarReader.so" in that folder; null when the module or a library that it
+/// needs is missing. May take long.
+ReadCalendar* loadCalendarReader(const std::string& folder);
 
 /// The calendars of Evolution Data Server, which desktops keep their online accounts in. Without it, access
-/// counts as not granted.
-class EvolutionCalendars : public QObject, public Calendars {
+/// counts as not granted. The service is spoken to as its own library does it: that library is good, but
+/// brings forty others and four threads along, a third of all the memory that the overlay would need.
+class EvolutionCalendars : public Calendars {
  public:
-  /// @param load called once, off the main thread, when access is asked for
-  EvolutionCalendars(Scheduler& scheduler, std::function<MakeCalendarClient*()> load);
-
-  /// Requests that came before are carried out now.
-  void allowConnecting();
+  /// @param bus the session's
+  /// @param load called once, off the main thread, when there is a calendar
+  EvolutionCalendars(Scheduler& scheduler, MessageBus& bus, std::function<ReadCalendar*()> load);
 
   void requestAccess(std::function<void(bool)> then) override;
   bool hasAccess() const override { return access_; }
@@ -31,24 +31,32 @@ class EvolutionCalendars : public QObject, public Calendars {
   }
 
  private:
-  void connect();
-  void makeClient(MakeCalendarClient* make);
+  /// An enabled calendar, by what the service calls its source.
+  using Colors = std::map<QString, Color>;
+
+  void look();
+  void lookAgainAfter(double seconds);
+  void setSources(const Colors& colors);
+  void update();
+  void publish();
+  void setAccess(bool access);
   void checkDay();
 
   Scheduler& scheduler_;
-  const std::function<MakeCalendarClient*()> load_;
+  MessageBus& bus_;
+  const std::function<ReadCalendar*()> load_;
   std::function<void(bool)> onAccess_;
-  bool allowed_ = false;
   bool access_ = false;
-  /// The days that the client follows; its last answer is about them.
+  BusService sources_;
+  Colors colors_;
+  ReadCalendar* read_ = nullptr;
+  std::map<QString, std::unique_ptr<EvolutionCalendar>> calendars_;
+  /// The days that the calendars follow; what is known is about them.
   std::optional<std::pair<Date, Date>> followed_;
   std::vector<CalendarEvent> known_;
   ObservableObject changes_;
-  Task loading_;
-  Task dayTimer_;
+  Task loading_, looking_, dayTimer_;
   Date day_;
-  /// Ends first: its thread reports to the rest.
-  std::unique_ptr<CalendarClient> client_;
 };
 
 }  // namespace tarnwick

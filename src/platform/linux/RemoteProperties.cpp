@@ -9,7 +9,7 @@ constexpr auto propertiesInterface = "org.freedesktop.DBus.Properties";
 
 }  // namespace
 
-RemoteProperties::RemoteProperties(SystemBus& bus, const QString& service, QString path, QString interface,
+RemoteProperties::RemoteProperties(MessageBus& bus, const QString& service, QString path, QString interface,
                                    bool starts)
     : path_(std::move(path)), interface_(std::move(interface)), service_(bus, service, starts) {
   service_.listen(path_, propertiesInterface, "PropertiesChanged", interface_);

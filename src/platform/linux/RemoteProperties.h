@@ -2,7 +2,7 @@
 #include <QVariantMap>
 #include <functional>
 
-#include "platform/linux/SystemBus.h"
+#include "platform/linux/MessageBus.h"
 
 namespace tarnwick {
 
@@ -10,7 +10,7 @@ namespace tarnwick {
 class RemoteProperties {
  public:
   /// @param starts the service is started when it does not run
-  RemoteProperties(SystemBus& bus, const QString& service, QString path, QString interface, bool starts);
+  RemoteProperties(MessageBus& bus, const QString& service, QString path, QString interface, bool starts);
 
   /// Empty while the service is not there or has not answered yet.
   const QVariantMap& values() const { return values_; }
@@ -23,7 +23,7 @@ class RemoteProperties {
   void adopt(QVariantMap values);
 
   const QString path_, interface_;
-  SystemService service_;
+  BusService service_;
   QVariantMap values_;
 };
 

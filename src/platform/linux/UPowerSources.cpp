@@ -11,7 +11,7 @@ constexpr unsigned chargingState = 1;
 
 }  // namespace
 
-UPowerSources::UPowerSources(SystemBus& bus)
+UPowerSources::UPowerSources(MessageBus& bus)
     : manager_(bus, upower, "/org/freedesktop/UPower", upower, true),
       display_(bus, upower, "/org/freedesktop/UPower/devices/DisplayDevice", "org.freedesktop.UPower.Device",
                true),

@@ -10,7 +10,7 @@ namespace tarnwick {
 /// low power mode. Several batteries of the machine count as the one that UPower makes of them for display.
 class UPowerSources : public PowerSources {
  public:
-  explicit UPowerSources(SystemBus& bus);
+  explicit UPowerSources(MessageBus& bus);
 
   std::optional<std::vector<PowerSource>> all() const override;
   bool isLowPowerModeEnabled() const override { return lowPowerMode_.value_or(false); }

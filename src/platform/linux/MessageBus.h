@@ -10,19 +10,30 @@
 
 namespace tarnwick {
 
-/// The connection to the system bus, which the adapters of system services share. A bus that is not there is
-/// looked for every few seconds.
-class SystemBus : public QObject {
+/// Where the buses of this session and of the system listen. The library is never left to look for itself: it
+/// would ask for a bus to be launched.
+QString sessionBusAddress();
+QString systemBusAddress();
+
+/// A connection to a bus, which the adapters of services there share. A bus that is not there is looked for
+/// every few seconds.
+class MessageBus : public QObject {
   Q_OBJECT
 
  public:
-  explicit SystemBus(Scheduler& scheduler) : scheduler_(scheduler) {}
-  ~SystemBus() override;
+  using Reply = std::function<void(const QDBusMessage&)>;
+
+  /// @param address asked for whenever it is connected to
+  MessageBus(Scheduler& scheduler, QString (*address)()) : scheduler_(scheduler), address_(address) {}
+  ~MessageBus() override;
 
   /// Begins to connect, off the main thread.
   void open();
   /// None while there is none.
   std::optional<QDBusConnection>& connection() { return connection_; }
+  /// Calls a method, and then `then` with the answer or `failed`, unless `receiver` has been destroyed by
+  /// then. Without a connection nothing happens.
+  void call(const QDBusMessage& message, QObject* receiver, Reply then, std::function<void()> failed = {});
 
  Q_SIGNALS:
   void opened();
@@ -35,20 +46,19 @@ class SystemBus : public QObject {
   void close();
 
   Scheduler& scheduler_;
+  QString (*const address_)();
   std::optional<QDBusConnection> connection_;
   Task connecting_;
   Task retry_;
 };
 
-/// One service of the system bus, followed through its coming and going. Nothing here waits for it.
-class SystemService : public QObject {
+/// One service of a bus, followed through its coming and going. Nothing here waits for it.
+class BusService : public QObject {
   Q_OBJECT
 
  public:
-  using Reply = std::function<void(const QDBusMessage&)>;
-
   /// @param starts a call starts the service when it does not run
-  SystemService(SystemBus& bus, QString name, bool starts = false);
+  BusService(MessageBus& bus, QString name, bool starts = false);
 
   /// The service may be there: ask for everything anew.
   std::function<void()> onAppear;
@@ -60,9 +70,9 @@ class SystemService : public QObject {
   /// those signals only that begin with it.
   void listen(const QString& path, const QString& interface, const QString& member,
               const QString& firstArgument = {});
-  /// Calls `then` with the answer, unless that is an error.
+  /// Calls a method, and then `then` with the answer, or `failed`.
   void call(const QString& path, const QString& interface, const QString& method,
-            const QVariantList& arguments, Reply then);
+            const QVariantList& arguments, MessageBus::Reply then, std::function<void()> failed = {});
 
  private Q_SLOTS:
   void busOpened();
@@ -75,7 +85,7 @@ class SystemService : public QObject {
     QStringList arguments;
   };
 
-  SystemBus& bus_;
+  MessageBus& bus_;
   const QString name_;
   const bool starts_;
   std::vector<Match> matches_;

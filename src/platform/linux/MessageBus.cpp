@@ -1,4 +1,4 @@
-#include "platform/linux/SystemBus.h"
+#include "platform/linux/MessageBus.h"
 
 #include <QDBusPendingCallWatcher>
 #include <QDBusPendingReply>
@@ -8,19 +8,27 @@ namespace {
 
 constexpr double retryInterval = 10;
 
+}  // namespace
+
+QString sessionBusAddress() {
+  if (const QByteArray address = qgetenv("DBUS_SESSION_BUS_ADDRESS"); !address.isEmpty()) {
+    return QString::fromLocal8Bit(address);
+  }
+  const QByteArray runtime = qgetenv("XDG_RUNTIME_DIR");
+  return runtime.isEmpty() ? QString() : "unix:path=" + QString::fromLocal8Bit(runtime) + "/bus";
+}
+
 QString systemBusAddress() {
   const QByteArray address = qgetenv("DBUS_SYSTEM_BUS_ADDRESS");
   return address.isEmpty() ? "unix:path=/var/run/dbus/system_bus_socket" : QString::fromLocal8Bit(address);
 }
 
-}  // namespace
+MessageBus::~MessageBus() { close(); }
 
-SystemBus::~SystemBus() { close(); }
-
-void SystemBus::open() {
+void MessageBus::open() {
   // A connection's name cannot be used again while the dead one is being taken apart.
   static int attempt = 0;
-  const QString name = QString("tarnwick-system-%1").arg(++attempt);
+  const QString name = QString("tarnwick-services-%1").arg(++attempt);
   // Whatever becomes of this object meanwhile, a connection that nobody takes is closed.
   const std::shared_ptr<std::optional<QDBusConnection>> made(
       new std::optional<QDBusConnection>, [name](std::optional<QDBusConnection>* connection) {
@@ -28,7 +36,7 @@ void SystemBus::open() {
         delete connection;
       });
   connecting_ = scheduler_.background(
-      [name, address = systemBusAddress(), made] { *made = QDBusConnection::connectToBus(address, name); },
+      [name, address = address_(), made] { *made = QDBusConnection::connectToBus(address, name); },
       [this, made] {
         if (!*made || !(*made)->isConnected()) {
           if (!retry_) retry_ = scheduler_.every(retryInterval, [this] { open(); });
@@ -42,30 +50,42 @@ void SystemBus::open() {
       });
 }
 
-void SystemBus::disconnected() {
+void MessageBus::disconnected() {
   close();
   Q_EMIT lost();
   retry_ = scheduler_.every(retryInterval, [this] { open(); });
 }
 
-void SystemBus::close() {
+void MessageBus::close() {
   if (connection_) QDBusConnection::disconnectFromBus(connection_->name());
   connection_.reset();
 }
 
-SystemService::SystemService(SystemBus& bus, QString name, bool starts)
-    : bus_(bus), name_(std::move(name)), starts_(starts) {
-  connect(&bus, &SystemBus::opened, this, &SystemService::busOpened);
-  connect(&bus, &SystemBus::lost, this, [this] { onVanish(); });
+void MessageBus::call(const QDBusMessage& message, QObject* receiver, Reply then,
+                      std::function<void()> failed) {
+  if (!connection_) return;
+  auto* watcher = new QDBusPendingCallWatcher(connection_->asyncCall(message), receiver);
+  connect(watcher, &QDBusPendingCallWatcher::finished, receiver,
+          [watcher, then = std::move(then), failed = std::move(failed)] {
+            watcher->deleteLater();
+            if (!watcher->isError()) return then(watcher->reply());
+            if (failed) failed();
+          });
 }
 
-void SystemService::listen(const QString& path, const QString& interface, const QString& member,
-                           const QString& firstArgument) {
+BusService::BusService(MessageBus& bus, QString name, bool starts)
+    : bus_(bus), name_(std::move(name)), starts_(starts) {
+  connect(&bus, &MessageBus::opened, this, &BusService::busOpened);
+  connect(&bus, &MessageBus::lost, this, [this] { onVanish(); });
+}
+
+void BusService::listen(const QString& path, const QString& interface, const QString& member,
+                        const QString& firstArgument) {
   matches_.push_back(
       {path, interface, member, firstArgument.isEmpty() ? QStringList() : QStringList{firstArgument}});
 }
 
-void SystemService::busOpened() {
+void BusService::busOpened() {
   QDBusConnection& connection = *bus_.connection();
   connection.connect("org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus",
                      "NameOwnerChanged", {name_}, "sss", this, SLOT(ownerChanged(QString, QString, QString)));
@@ -76,24 +96,19 @@ void SystemService::busOpened() {
   onAppear();
 }
 
-void SystemService::ownerChanged(const QString&, const QString& before, const QString& now) {
+void BusService::ownerChanged(const QString&, const QString& before, const QString& now) {
   if (!before.isEmpty()) onVanish();
   if (!now.isEmpty()) onAppear();
 }
 
-void SystemService::received(const QDBusMessage& message) { onSignal(message); }
+void BusService::received(const QDBusMessage& message) { onSignal(message); }
 
-void SystemService::call(const QString& path, const QString& interface, const QString& method,
-                         const QVariantList& arguments, Reply then) {
-  if (!bus_.connection()) return;
+void BusService::call(const QString& path, const QString& interface, const QString& method,
+                      const QVariantList& arguments, MessageBus::Reply then, std::function<void()> failed) {
   QDBusMessage message = QDBusMessage::createMethodCall(name_, path, interface, method);
   message.setArguments(arguments);
   message.setAutoStartService(starts_);
-  auto* watcher = new QDBusPendingCallWatcher(bus_.connection()->asyncCall(message), this);
-  connect(watcher, &QDBusPendingCallWatcher::finished, this, [watcher, then = std::move(then)] {
-    watcher->deleteLater();
-    if (!watcher->isError()) then(watcher->reply());
-  });
+  bus_.call(message, this, std::move(then), std::move(failed));
 }
 
 }  // namespace tarnwick
