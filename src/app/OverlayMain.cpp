@@ -5,15 +5,22 @@
 #include <QApplication>
 #include <QSocketNotifier>
 #include <algorithm>
+#include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <string_view>
 
 #include "app/AppDelegate.h"
+#include "cli/BusProbe.h"
+#include "platform/linux/BusWaiter.h"
 
 namespace {
+
+constexpr auto longestWaitForBus = std::chrono::milliseconds(500);
+constexpr const char* sessionBusVariable = "DBUS_SESSION_BUS_ADDRESS";
 
 int signalPipe[2];
 
@@ -58,6 +65,26 @@ class StartupVariable {
   QByteArray before_;
 };
 
+/// Whether the session's bus can be waited for; where nothing can be known about it, it is.
+bool sessionBusAnswers() {
+  const auto addresses = tarnwick::sessionBusAddresses();
+  return addresses.empty() ||
+         tarnwick::BusProbe(addresses).wait(longestWaitForBus) == tarnwick::BusProbe::State::answers;
+}
+
+/// Keeps the session's bus from the whole program: the toolkit looks for assistive technology there as soon
+/// as there is a window, which then does not show before the bus has answered.
+class HiddenBus {
+ public:
+  HiddenBus()
+      : address_(tarnwick::sessionBusAddress()), variable_(sessionBusVariable, "unix:path=/dev/null/") {}
+  const QString& address() const { return address_; }
+
+ private:
+  const QString address_;
+  const StartupVariable variable_;
+};
+
 std::unique_ptr<QApplication> makeApplication(int& count, char** arguments) {
   // Everything about the window is X11; a Wayland session offers it through XWayland.
   const StartupVariable platform("QT_QPA_PLATFORM", "xcb");
@@ -89,6 +116,9 @@ int main(int argc, char** argv) {
     return EXIT_FAILURE;
   }
 
+  std::optional<HiddenBus> hiddenBus;
+  if (!sessionBusAnswers()) hiddenBus.emplace();
+
   // Unknown arguments mean the overlay, and mean nothing to the toolkit either.
   std::string command = commandPath(argv[0]);
   char* arguments[] = {command.data(), nullptr};
@@ -96,14 +126,30 @@ int main(int argc, char** argv) {
   const auto application = makeApplication(count, arguments);
   quitOnSignals(*application);
 
-  tarnwick::AppDelegate delegate(*connection);
-  if (delegate.anotherOverlayRuns()) {
+  auto delegate = std::make_unique<tarnwick::AppDelegate>(*connection);
+  if (delegate->anotherOverlayRuns()) {
     std::fputs("Tarnwick is running already.\n", stderr);
     return EXIT_SUCCESS;
   }
   connection->start();
-  delegate.applicationDidFinishLaunching();
+  delegate->applicationDidFinishLaunching();
+  tarnwick::QtScheduler scheduler;
+  tarnwick::BusWaiter busWaiter(scheduler);
+  bool startAnew = false;
+  if (hiddenBus) {
+    busWaiter.wait([&] { return hiddenBus->address(); },
+                   [&] {
+                     startAnew = true;
+                     QApplication::quit();
+                   });
+  }
   QApplication::exec();
+  if (startAnew) {
+    // Not everything that wants the bus can be told that it is there now.
+    delegate.reset();
+    hiddenBus.reset();
+    ::execv("/proc/self/exe", argv);
+  }
   // The stores have written what changed. Taking everything apart would only wait for services that may hang.
   std::_Exit(EXIT_SUCCESS);
 }

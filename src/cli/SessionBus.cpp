@@ -2,35 +2,18 @@
 
 #include <poll.h>
 #include <sys/socket.h>
-#include <sys/un.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
-#include <cstddef>
-#include <cstring>
 
 #include "cli/BusMessage.h"
 #include "cli/BusReplies.h"
+#include "cli/BusSocket.h"
 
 namespace tarnwick {
 namespace {
 
 using Clock = std::chrono::steady_clock;
-
-class Socket {
- public:
-  Socket() : descriptor_(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0)) {}
-  ~Socket() {
-    if (descriptor_ >= 0) ::close(descriptor_);
-  }
-  Socket(const Socket&) = delete;
-  Socket& operator=(const Socket&) = delete;
-  operator int() const { return descriptor_; }
-
- private:
-  int descriptor_;
-};
 
 /// Milliseconds for poll(2), rounded up so that it does not return early again and again.
 int until(Clock::time_point deadline) {
@@ -38,23 +21,9 @@ int until(Clock::time_point deadline) {
   return static_cast<int>(std::max<decltype(left)>(left, 0));
 }
 
-bool connectTo(const Socket& socket, const BusAddress& address, Clock::time_point deadline) {
-  sockaddr_un name{};
-  name.sun_family = AF_UNIX;
-  if (address.name.size() + 1 > sizeof name.sun_path) return false;
-  std::memcpy(name.sun_path + address.isAbstract, address.name.data(), address.name.size());
-  const auto length = static_cast<socklen_t>(offsetof(sockaddr_un, sun_path) + address.name.size() + 1);
-  for (;;) {
-    if (::connect(socket, reinterpret_cast<const sockaddr*>(&name), length) == 0) return true;
-    // The bus has too many callers waiting; nothing tells when it has taken one in.
-    if (errno != EAGAIN || until(deadline) == 0) return false;
-    ::poll(nullptr, 0, 1);
-  }
-}
-
 /// Sends `bytes` and waits until that many calls in them have been answered; gives up silently when the bus
 /// does.
-void exchange(const Socket& socket, std::string_view bytes, size_t calls, Clock::time_point deadline) {
+void exchange(int socket, std::string_view bytes, size_t calls, Clock::time_point deadline) {
   BusReplies replies;
   while (replies.count() < calls) {
     if (!bytes.empty()) {
@@ -88,12 +57,8 @@ void SessionBus::post(std::string_view name, const StringMap& userInfo) {
   bytes += BusMessage::busCall(3, "org.freedesktop.DBus.Peer", "Ping");
 
   const Clock::time_point deadline = Clock::now() + patience_;
-  for (const BusAddress& address : addresses_) {
-    const Socket socket;
-    if (socket < 0 || !connectTo(socket, address, deadline)) continue;
-    exchange(socket, bytes, 2, deadline);
-    return;
-  }
+  const BusSocket socket(addresses_, deadline);
+  if (socket.descriptor() >= 0) exchange(socket.descriptor(), bytes, 2, deadline);
 }
 
 }  // namespace tarnwick

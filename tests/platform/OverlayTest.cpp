@@ -2,6 +2,8 @@
 #include <gtest/gtest.h>
 #include <signal.h>
 
+#include <QDBusConnection>
+#include <QDBusConnectionInterface>
 #include <QProcess>
 
 #include "platform/TestDesktop.h"
@@ -58,6 +60,32 @@ TEST(Overlay, ShowsItsWindowAndEndsOnASignal) {
   EXPECT_TRUE(overlay.ended());
   EXPECT_EQ(overlay.exitStatus(), QProcess::NormalExit);
   EXPECT_EQ(overlay.exitCode(), 0);
+}
+
+TEST(Overlay, DoesNotWaitForABusThatIsSilent) {
+  const auto behind = desktop().startUnmanaged("behind", {0, 0, 1000, 800});
+  ASSERT_TRUE(waitUntil([] { return desktop().pixel(500, 5) == 0x00ff00; }));
+  const auto bus = static_cast<pid_t>(desktop().busProcess());
+  ::kill(bus, SIGSTOP);
+  Overlay overlay;
+  int step = 0;
+  const auto shows = [&] {
+    desktop().hands.movePointer(500 + ++step % 2, 2);
+    return desktop().pixel(500, 5) == 0;
+  };
+  EXPECT_TRUE(waitUntil(shows));
+  const int64_t process = overlay.processId();
+  ::kill(bus, SIGCONT);
+
+  QDBusConnection connection =
+      QDBusConnection::connectToBus(qEnvironmentVariable("DBUS_SESSION_BUS_ADDRESS"), "looking on");
+  EXPECT_TRUE(waitUntil([&] {
+    const auto owner = connection.interface()->servicePid("dev.tarnwick.Tarnwick");
+    return owner.isValid() && owner.value() == process;
+  })) << "it comes to the bus when that answers";
+  EXPECT_TRUE(waitUntil(shows));
+  EXPECT_EQ(overlay.state(), QProcess::Running);
+  QDBusConnection::disconnectFromBus("looking on");
 }
 
 TEST(Overlay, SaysThatThereIsNoDisplay) {

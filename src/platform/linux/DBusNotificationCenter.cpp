@@ -3,7 +3,6 @@
 #include <QDBusArgument>
 #include <QDBusMetaType>
 #include <chrono>
-#include <semaphore>
 
 #include "platform/linux/MessageBus.h"
 
@@ -57,36 +56,43 @@ struct DBusNotificationCenter::Attempt {
       nameIsTaken =
           reply.type() == QDBusMessage::ReplyMessage && result != primaryOwner && result != alreadyOwner;
     }
-    done.release();
   }
 
   QString address, name;
   std::optional<QDBusConnection> bus;
   bool nameIsTaken = false;
-  std::binary_semaphore done{0};
 };
 
 DBusNotificationCenter::DBusNotificationCenter(Scheduler& scheduler) : scheduler_(scheduler) {
-  const auto attempt = connectToBus();
   // A second overlay must not even show itself; but a bus that hangs must not keep the first one from it.
-  if (attempt->done.try_acquire_for(longestWait)) {
-    connecting_.cancel();
-    adopt(*attempt);
+  BusProbe probe(sessionBusAddresses());
+  if (probe.wait(longestWait) != BusProbe::State::answers) {
+    awaitBus();
+    return;
   }
+  const auto attempt = nextAttempt();
+  attempt->run();
+  adopt(*attempt);
 }
 
 DBusNotificationCenter::~DBusNotificationCenter() {
   if (bus_) QDBusConnection::disconnectFromBus(bus_->name());
 }
 
-std::shared_ptr<DBusNotificationCenter::Attempt> DBusNotificationCenter::connectToBus() {
+std::shared_ptr<DBusNotificationCenter::Attempt> DBusNotificationCenter::nextAttempt() {
   // A connection's name cannot be used again while the dead one is being taken apart.
   static int number = 0;
   const auto attempt = std::make_shared<Attempt>();
   attempt->address = sessionBusAddress();
   attempt->name = QString("tarnwick-%1").arg(++number);
-  connecting_ = scheduler_.background([attempt] { attempt->run(); }, [this, attempt] { adopt(*attempt); });
   return attempt;
+}
+
+void DBusNotificationCenter::awaitBus() {
+  waiter_.wait(sessionBusAddress, [this] {
+    const auto attempt = nextAttempt();
+    connecting_ = scheduler_.background([attempt] { attempt->run(); }, [this, attempt] { adopt(*attempt); });
+  });
 }
 
 void DBusNotificationCenter::adopt(Attempt& attempt) {
@@ -106,7 +112,7 @@ void DBusNotificationCenter::disconnected() {
 }
 
 void DBusNotificationCenter::retryLater() {
-  retry_ = scheduler_.after(retryInterval, [this] { connectToBus(); });
+  retry_ = scheduler_.after(retryInterval, [this] { awaitBus(); });
 }
 
 void DBusNotificationCenter::listen(const std::string& name) {

@@ -10,6 +10,7 @@
 
 #include "base/Scheduler.h"
 #include "platform/NotificationCenter.h"
+#include "platform/linux/BusWaiter.h"
 
 namespace tarnwick {
 
@@ -41,7 +42,8 @@ class DBusNotificationCenter : public QObject, public NotificationCenter {
 
   struct Attempt;
 
-  std::shared_ptr<Attempt> connectToBus();
+  static std::shared_ptr<Attempt> nextAttempt();
+  void awaitBus();
   void adopt(Attempt& attempt);
   void retryLater();
   void listen(const std::string& name);
@@ -50,6 +52,7 @@ class DBusNotificationCenter : public QObject, public NotificationCenter {
   std::optional<QDBusConnection> bus_;
   bool anotherOverlayRuns_ = false;
   std::map<std::string, std::vector<std::weak_ptr<Receiver>>> receivers_;
+  BusWaiter waiter_{scheduler_};
   Task connecting_, retry_;
 };
 

@@ -6,7 +6,7 @@
 namespace tarnwick {
 namespace {
 
-constexpr double retryInterval = 10;
+constexpr double retryInterval = 5;
 
 }  // namespace
 
@@ -26,6 +26,14 @@ QString systemBusAddress() {
 MessageBus::~MessageBus() { close(); }
 
 void MessageBus::open() {
+  waiter_.wait(address_, [this] { connect(); });
+}
+
+void MessageBus::openLater() {
+  retry_ = scheduler_.after(retryInterval, [this] { open(); });
+}
+
+void MessageBus::connect() {
   // A connection's name cannot be used again while the dead one is being taken apart.
   static int attempt = 0;
   const QString name = QString("tarnwick-services-%1").arg(++attempt);
@@ -38,11 +46,7 @@ void MessageBus::open() {
   connecting_ = scheduler_.background(
       [name, address = address_(), made] { *made = QDBusConnection::connectToBus(address, name); },
       [this, made] {
-        if (!*made || !(*made)->isConnected()) {
-          if (!retry_) retry_ = scheduler_.every(retryInterval, [this] { open(); });
-          return;
-        }
-        retry_.cancel();
+        if (!*made || !(*made)->isConnected()) return openLater();
         connection_ = std::exchange(*made, std::nullopt);
         connection_->connect(QString(), "/org/freedesktop/DBus/Local", "org.freedesktop.DBus.Local",
                              "Disconnected", this, SLOT(disconnected()));
@@ -53,7 +57,7 @@ void MessageBus::open() {
 void MessageBus::disconnected() {
   close();
   Q_EMIT lost();
-  retry_ = scheduler_.every(retryInterval, [this] { open(); });
+  openLater();
 }
 
 void MessageBus::close() {
@@ -65,12 +69,12 @@ void MessageBus::call(const QDBusMessage& message, QObject* receiver, Reply then
                       std::function<void()> failed) {
   if (!connection_) return;
   auto* watcher = new QDBusPendingCallWatcher(connection_->asyncCall(message), receiver);
-  connect(watcher, &QDBusPendingCallWatcher::finished, receiver,
-          [watcher, then = std::move(then), failed = std::move(failed)] {
-            watcher->deleteLater();
-            if (!watcher->isError()) return then(watcher->reply());
-            if (failed) failed();
-          });
+  QObject::connect(watcher, &QDBusPendingCallWatcher::finished, receiver,
+                   [watcher, then = std::move(then), failed = std::move(failed)] {
+                     watcher->deleteLater();
+                     if (!watcher->isError()) return then(watcher->reply());
+                     if (failed) failed();
+                   });
 }
 
 BusService::BusService(MessageBus& bus, QString name, bool starts)

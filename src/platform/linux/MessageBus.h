@@ -7,6 +7,7 @@
 #include <optional>
 
 #include "base/Scheduler.h"
+#include "platform/linux/BusWaiter.h"
 
 namespace tarnwick {
 
@@ -27,7 +28,7 @@ class MessageBus : public QObject {
   MessageBus(Scheduler& scheduler, QString (*address)()) : scheduler_(scheduler), address_(address) {}
   ~MessageBus() override;
 
-  /// Begins to connect, off the main thread.
+  /// Begins to connect; nothing waits for that.
   void open();
   /// None while there is none.
   std::optional<QDBusConnection>& connection() { return connection_; }
@@ -43,13 +44,15 @@ class MessageBus : public QObject {
   void disconnected();
 
  private:
+  void connect();
+  void openLater();
   void close();
 
   Scheduler& scheduler_;
   QString (*const address_)();
   std::optional<QDBusConnection> connection_;
-  Task connecting_;
-  Task retry_;
+  BusWaiter waiter_{scheduler_};
+  Task connecting_, retry_;
 };
 
 /// One service of a bus, followed through its coming and going. Nothing here waits for it.

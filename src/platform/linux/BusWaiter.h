@@ -1,0 +1,35 @@
+#pragma once
+#include <QSocketNotifier>
+#include <QString>
+#include <functional>
+#include <memory>
+
+#include "base/Scheduler.h"
+#include "cli/BusProbe.h"
+
+namespace tarnwick {
+
+/// Waits, without holding anything up, until a bus answers. The D-Bus library may be let at it only then: it
+/// waits on the thread that all its connections share, and one that is silent would silence the others.
+class BusWaiter {
+ public:
+  explicit BusWaiter(Scheduler& scheduler) : scheduler_(scheduler) {}
+
+  /// Calls `then` once, in a later turn of the loop, when the bus at that address answers. One that is not
+  /// there is looked for every few seconds. Replaces an earlier wait.
+  void wait(std::function<QString()> address, std::function<void()> then);
+
+ private:
+  void look();
+  void proceed();
+  void answered();
+
+  Scheduler& scheduler_;
+  std::function<QString()> address_;
+  std::function<void()> then_;
+  std::unique_ptr<BusProbe> probe_;
+  std::unique_ptr<QSocketNotifier> notifier_;
+  Task retry_, answer_;
+};
+
+}  // namespace tarnwick
