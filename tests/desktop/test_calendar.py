@@ -14,8 +14,7 @@ class Calendar(DesktopTest):
         super().setUp()
         self.file = self.desktop.home / ".local/share/evolution/calendar/system/calendar.ics"
         self.file.parent.mkdir(parents=True)
-        # Left to themselves they outlive their bus, and write into a home that has gone.
-        self.addCleanup(self.signal_services, signal.SIGKILL)
+        self.addCleanup(self.end_services)
 
     def write_event_of_soon(self, uid):
         """The calendar now holds one event, which begins within five minutes."""
@@ -39,6 +38,11 @@ class Calendar(DesktopTest):
             except (FileNotFoundError, PermissionError, ProcessLookupError):
                 pass  # it has ended meanwhile, or is another user's
         self.assertGreater(services, 0)
+
+    def end_services(self):
+        """Left to themselves they outlive their bus, and write into a home that has gone."""
+        self.desktop.kill_overlay()  # which would have them started again
+        self.signal_services(signal.SIGKILL)
 
     def test_an_event_of_soon_is_announced_also_after_the_service_has_died(self):
         self.write_event_of_soon("first")
