@@ -67,10 +67,10 @@ Shape presentedClip(const Node& node) {
 
 }  // namespace
 
-void Painter::paint(Node& root, QImage& target, const Rect& area) {
-  const QRect pixels =
-      QRectF(area.x * ratio_, area.y * ratio_, area.width * ratio_, area.height * ratio_).toAlignedRect() &
-      target.rect();
+void Painter::paint(Node& root, QImage& target, const Rect& area, Point origin) {
+  const QTransform toPixels =
+      QTransform::fromScale(ratio_, ratio_) * QTransform::fromTranslate(origin.x, origin.y);
+  const QRect pixels = toPixels.mapRect(toQt(area)).toAlignedRect() & target.rect();
   if (pixels.isEmpty()) return;
   QPainter painter(&target);
   painter.setRenderHints(QPainter::Antialiasing | QPainter::TextAntialiasing |
@@ -79,9 +79,7 @@ void Painter::paint(Node& root, QImage& target, const Rect& area) {
   painter.setCompositionMode(QPainter::CompositionMode_Source);
   painter.fillRect(pixels, Qt::transparent);
   painter.setCompositionMode(QPainter::CompositionMode_SourceOver);
-  Surface surface{target, painter, QTransform::fromScale(ratio_, ratio_),
-                  fromQt(QRectF(pixels.x() / ratio_, pixels.y() / ratio_, pixels.width() / ratio_,
-                                pixels.height() / ratio_))};
+  Surface surface{target, painter, toPixels, fromQt(toPixels.inverted().mapRect(QRectF(pixels)))};
   draw(root, surface, 1);
 }
 

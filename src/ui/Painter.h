@@ -12,8 +12,8 @@ namespace tarnwick::ui {
 class Painter {
  public:
   explicit Painter(double pixelRatio) : ratio_(pixelRatio) {}
-  /// Clears and paints the part `area` (points) of the scene in `target`.
-  void paint(Node& root, QImage& target, const Rect& area);
+  /// Clears and paints the part `area` (points) of the scene, whose corner lies at `origin` (pixels) of `target`.
+  void paint(Node& root, QImage& target, const Rect& area, Point origin);
 
  private:
   /// What is drawn on: from the scene's points to its pixels.

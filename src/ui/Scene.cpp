@@ -167,7 +167,8 @@ void Scene::updateTimelines() {
     }
     const double interval = static_cast<const DynamicElement&>(*node->element).body().interval;
     node->timer = scheduler_.every(interval, [this, node] {
-      invalidate(*node);
+      if (leaves(node)) return;
+      dirty_.insert(node);
       commit(std::nullopt);
     });
   }
@@ -209,7 +210,9 @@ void Scene::addDamage(const Rect& rect) {
 
 std::vector<Rect> Scene::takeDamage() { return std::exchange(damage_, {}); }
 
-void Scene::paint(QImage& target, const Rect& area) { Painter(pixelRatio_).paint(*root_, target, area); }
+void Scene::paint(QImage& target, const Rect& area, Point origin) {
+  Painter(pixelRatio_).paint(*root_, target, area, origin);
+}
 
 Node* Scene::find(Node& node, const std::string& key) const {
   if (node.attributes.key == key) return &node;

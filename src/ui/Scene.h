@@ -40,9 +40,9 @@ class Scene : public transaction::Committer {
   bool frame();
   /// What has to be painted again since the last call, in points.
   std::vector<Rect> takeDamage();
-  /// Paints what lies in `area` (points) into `target`, which shows the scene from its top left corner at
-  /// `pixelRatio`.
-  void paint(QImage& target, const Rect& area);
+  /// Paints what lies in `area` (points) into `target`, which shows the scene at `pixelRatio` with its top
+  /// left corner at `origin` (pixels).
+  void paint(QImage& target, const Rect& area, Point origin = {});
 
   /// What the pointer does; all in points.
   SceneInput& input() { return input_; }

@@ -1,6 +1,8 @@
 #include "ui/SceneWidget.h"
 
+#include <QImage>
 #include <QMouseEvent>
+#include <QPaintEngine>
 #include <QPainter>
 #include <QScreen>
 #include <algorithm>
@@ -44,28 +46,15 @@ void SceneWidget::scheduleFrame() {
   clock_.start(std::max(0, int(std::floor(wait * 1000))));
 }
 
-void SceneWidget::adoptPixelRatio() {
-  const double ratio = devicePixelRatioF();
-  const QSize pixels(int(std::ceil(scene_.size().width * ratio)),
-                     int(std::ceil(scene_.size().height * ratio)));
-  if (image_.size() == pixels && scene_.pixelRatio() == ratio) return;
-  scene_.setLead(frameInterval());
-  image_ = QImage(pixels, QImage::Format_ARGB32_Premultiplied);
-  image_.fill(Qt::transparent);
-  scene_.setPixelRatio(ratio);
-}
-
 void SceneWidget::runFrame() {
   if (!isVisible()) return;
   lastFrame_ = scheduler_.uptime();
-  adoptPixelRatio();
+  scene_.setLead(frameInterval());
+  scene_.setPixelRatio(devicePixelRatioF());
   const bool moving = scene_.frame();
   tellAssistiveTechnology(*this);
   QRegion region;
-  for (const Rect& area : scene_.takeDamage()) {
-    scene_.paint(image_, area);
-    region += toQt(area).toAlignedRect();
-  }
+  for (const Rect& area : scene_.takeDamage()) region += toQt(area).toAlignedRect();
   if (onFrame) onFrame();
   if (!region.isEmpty()) repaint(region & rect());
   if (onFirstFrame) std::exchange(onFirstFrame, nullptr)();
@@ -74,14 +63,20 @@ void SceneWidget::runFrame() {
 
 void SceneWidget::showEvent(QShowEvent*) { runFrame(); }
 
+/// Paints straight into the window's picture, which spares one of our own and the way from there.
 void SceneWidget::paintEvent(QPaintEvent* event) {
   QPainter painter(this);
-  painter.setCompositionMode(QPainter::CompositionMode_Source);
-  const double ratio = scene_.pixelRatio();
+  QPaintDevice* device = painter.paintEngine()->paintDevice();
+  const QTransform place = painter.deviceTransform();
+  painter.end();
+  if (device->devType() != QInternal::Image) return;
+  auto* window = static_cast<QImage*>(device);
+  // The same pixels as a picture without a ratio: the scene counts in pixels itself.
+  QImage pixels(window->bits(), window->width(), window->height(), window->bytesPerLine(), window->format());
+  // Where a point is no whole number of pixels, the toolkit has cleared some around.
+  const double ratio = scene_.pixelRatio(), margin = ratio == std::round(ratio) ? 0 : 1;
   for (const QRect& area : event->region()) {
-    painter.drawImage(
-        QRectF(area), image_,
-        QRectF(area.x() * ratio, area.y() * ratio, area.width() * ratio, area.height() * ratio));
+    scene_.paint(pixels, fromQt(QRectF(area)).grownBy(margin, margin), {place.dx(), place.dy()});
   }
 }
 

@@ -1,5 +1,5 @@
 #pragma once
-#include <QImage>
+#include <QRegion>
 #include <QTimer>
 #include <QWidget>
 #include <functional>
@@ -42,7 +42,6 @@ class SceneWidget : public QWidget {
 
   Scheduler& scheduler_;
   Scene scene_;
-  QImage image_;
   QTimer clock_;
   double lastFrame_ = -1;
 };
