@@ -81,9 +81,18 @@ Measured TextElement::measure(Node& node, Proposal proposal) const {
   const QString text = QString::fromStdString(text_);
   const fontBook::Face& face = faceFor(text, environment.font);
   double wanted =
-      std::ceil(width(text, face, environment.monospacedDigits) * node.pixelRatio) / node.pixelRatio;
+      std::ceil(naturalWidth(text, face, environment.monospacedDigits) * node.pixelRatio) / node.pixelRatio;
   if (proposal.width) wanted = std::min(wanted, std::max(0.0, *proposal.width));
   return {{wanted, std::ceil(face.metrics.height())}, std::round(face.metrics.ascent())};
+}
+
+double TextElement::naturalWidth(const QString& text, const fontBook::Face& face, bool equalDigits) const {
+  const auto known = std::pair(&face, equalDigits);
+  if (measured_ != known) {
+    measured_ = known;
+    width_ = width(text, face, equalDigits);
+  }
+  return width_;
 }
 
 void TextElement::draw(DrawContext& context) const {
@@ -125,7 +134,7 @@ void TextElement::drawLine(DrawContext& context, double space) const {
 /// Shaping takes longer than drawing: its result is kept for the next time.
 void TextElement::shape(QString text) const {
   const fontBook::Face& face = *shaped_.face;
-  if (width(text, face, shaped_.equalDigits) > shaped_.space + 0.5) {
+  if (naturalWidth(text, face, shaped_.equalDigits) > shaped_.space + 0.5) {
     const auto mode = shaped_.truncation == Truncation::middle ? Qt::ElideMiddle : Qt::ElideRight;
     text = face.metrics.elidedText(text, mode, shaped_.space + 0.5);
   }

@@ -2,6 +2,7 @@
 #include <QGlyphRun>
 #include <QList>
 #include <string>
+#include <utility>
 
 #include "ui/Element.h"
 
@@ -44,12 +45,16 @@ class TextElement : public Element {
     }
   };
   void shape(QString text) const;
+  /// What it takes to show all of it, in points; measured once.
+  double naturalWidth(const QString& text, const fontBook::Face& face, bool equalDigits) const;
   void prepare(DrawContext& context, const QFont& font) const;
   void drawLine(DrawContext& context, double space) const;
   void drawRolling(DrawContext& context, const TextElement& before) const;
 
   std::string text_;
   mutable Shaped shaped_;
+  mutable std::pair<const fontBook::Face*, bool> measured_;
+  mutable double width_ = 0;
 };
 
 }  // namespace tarnwick::ui
