@@ -28,9 +28,6 @@ SceneWidget::SceneWidget(Scheduler& scheduler, Size size, View root)
   setMouseTracking(true);
   installSceneAccessibility();
   resize(int(size.width), int(size.height));
-  clock_.setSingleShot(true);
-  clock_.setTimerType(Qt::PreciseTimer);
-  connect(&clock_, &QTimer::timeout, this, [this] { runFrame(); });
   scene_.onNeedsFrame = [this] { scheduleFrame(); };
 }
 
@@ -39,16 +36,23 @@ double SceneWidget::frameInterval() const {
   return 1 / std::clamp(rate, 30.0, 240.0);
 }
 
-/// The next frame is at once, or a frame's time after the last one.
-void SceneWidget::scheduleFrame() {
-  if (clock_.isActive() || !isVisible()) return;
-  const double wait = lastFrame_ + frameInterval() - scheduler_.uptime();
-  clock_.start(std::max(0, int(std::floor(wait * 1000))));
+/// What has just changed is shown at once, even shortly after a frame that was due. In the long run there is
+/// at most one frame a refresh: the next one is due that much later.
+void SceneWidget::scheduleFrame() { runFrameAt(nextDue_ - frameInterval()); }
+
+/// Runs a frame then, or earlier where that has been arranged.
+void SceneWidget::runFrameAt(double time) {
+  if (!isVisible() || (next_ && nextTime_ <= time)) return;
+  nextTime_ = time;
+  // Timers count milliseconds; late is worse than early.
+  const double wait = std::floor((time - scheduler_.uptime()) * 1000) / 1000;
+  next_ = scheduler_.after(std::max(0.0, wait), [this] { runFrame(); });
 }
 
 void SceneWidget::runFrame() {
   if (!isVisible()) return;
-  lastFrame_ = scheduler_.uptime();
+  next_ = {};
+  const double began = scheduler_.uptime();
   scene_.setLead(frameInterval());
   scene_.setPixelRatio(devicePixelRatioF());
   const bool moving = scene_.frame();
@@ -56,9 +60,12 @@ void SceneWidget::runFrame() {
   QRegion region;
   for (const Rect& area : scene_.takeDamage()) region += toQt(area).toAlignedRect();
   if (onFrame) onFrame();
-  if (!region.isEmpty()) repaint(region & rect());
+  if (!region.isEmpty()) {
+    nextDue_ = std::max(nextDue_, began) + frameInterval();
+    repaint(region & rect());
+  }
   if (onFirstFrame) std::exchange(onFirstFrame, nullptr)();
-  if (moving) scheduleFrame();
+  if (moving) runFrameAt(std::max(began + frameInterval(), nextDue_ - frameInterval()));
 }
 
 void SceneWidget::showEvent(QShowEvent*) { runFrame(); }

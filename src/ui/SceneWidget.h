@@ -1,6 +1,5 @@
 #pragma once
 #include <QRegion>
-#include <QTimer>
 #include <QWidget>
 #include <functional>
 #include <optional>
@@ -37,13 +36,16 @@ class SceneWidget : public QWidget {
  private:
   double frameInterval() const;
   void scheduleFrame();
+  void runFrameAt(double time);
   void runFrame();
   void adoptPixelRatio();
 
   Scheduler& scheduler_;
   Scene scene_;
-  QTimer clock_;
-  double lastFrame_ = -1;
+  Task next_;
+  double nextTime_ = 0;
+  /// When the frames so far would end at the screen's rate; what changed nothing to be seen does not count.
+  double nextDue_ = 0;
 };
 
 }  // namespace tarnwick::ui

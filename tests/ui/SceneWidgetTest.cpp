@@ -127,6 +127,36 @@ TEST(SceneWidget, tellsAssistiveTechnologyWhatChanges) {
   EXPECT_EQ(scene->child(1), last);
 }
 
+TEST(SceneWidget, showsAChangeAtOnceButABurstOnlyOnceARefresh) {
+  VirtualScheduler scheduler;
+  ObservableObject state;
+  double width = 0;
+  SceneWidget widget(scheduler, {400, 100}, observing({&state}, [&] {
+                       return Rectangle().fill(black()).frame({.width = width, .height = 20});
+                     }));
+  widget.show();
+  scheduler.advance(1);
+  int frames = 0;
+  widget.onFrame = [&] { ++frames; };
+  const auto change = [&] {
+    width += 1;
+    state.notifyObservers();
+  };
+  change();
+  scheduler.advance(0);
+  EXPECT_EQ(frames, 1);
+  scheduler.advance(0.005);
+  change();
+  scheduler.advance(0);
+  EXPECT_EQ(frames, 2) << "even soon after another frame";
+  for (int i = 0; i < 200; ++i) {
+    change();
+    scheduler.advance(0.005);
+  }
+  EXPECT_LE(frames, 63);
+  EXPECT_GE(frames, 55);
+}
+
 TEST(SceneWidget, scrollsWithTheFingersOrByTheClicksOfAWheel) {
   VirtualScheduler scheduler;
   SceneWidget widget(scheduler, {200, 100},

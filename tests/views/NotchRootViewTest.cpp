@@ -210,5 +210,22 @@ TEST(Artwork, ShowsTheBestPictureThatThereIs) {
   EXPECT_EQ(stage.inspector->kind("Image")[0].frame().size(), (Size{22, 22}));
 }
 
+TEST(NotchRootView, RepaintsNothingButTheWingsWhileASessionWorks) {
+  NotchStage stage;
+  stage.hook("one", "UserPromptSubmit");
+  stage.settle();
+  stage.scene->takeDamage();
+  int painted = 0;
+  for (int frame = 0; frame < 60; ++frame) {
+    stage.play(1.0 / 60);
+    for (const Rect& area : stage.scene->takeDamage()) {
+      ++painted;
+      EXPECT_TRUE(area.right() < 470 - 60 || area.x > 470 + 60) << area.x << " " << area.width;
+      EXPECT_LT(area.width * area.height, 1000);
+    }
+  }
+  EXPECT_GT(painted, 15);
+}
+
 }  // namespace
 }  // namespace tarnwick
