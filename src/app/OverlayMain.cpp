@@ -21,6 +21,8 @@ namespace {
 
 constexpr auto longestWaitForBus = std::chrono::milliseconds(500);
 constexpr const char* sessionBusVariable = "DBUS_SESSION_BUS_ADDRESS";
+/// Tells the program that it has started itself anew, because the bus answered.
+constexpr const char* startedAnewVariable = "TARNWICK_STARTED_ANEW";
 
 int signalPipe[2];
 
@@ -65,13 +67,6 @@ class StartupVariable {
   QByteArray before_;
 };
 
-/// Whether the session's bus can be waited for; where nothing can be known about it, it is.
-bool sessionBusAnswers() {
-  const auto addresses = tarnwick::sessionBusAddresses();
-  return addresses.empty() ||
-         tarnwick::BusProbe(addresses).wait(longestWaitForBus) == tarnwick::BusProbe::State::answers;
-}
-
 /// Keeps the session's bus from the whole program: the toolkit looks for assistive technology there as soon
 /// as there is a window, which then does not show before the bus has answered.
 class HiddenBus {
@@ -107,6 +102,11 @@ int main(int argc, char** argv) {
     std::fputs("Tarnwick: --snapshot cannot render pictures yet.\n", stderr);
     return EXIT_FAILURE;
   }
+  const bool startedAnew = ::getenv(startedAnewVariable) != nullptr;
+  ::unsetenv(startedAnewVariable);
+  // Its answer comes while the display is being opened.
+  const auto addresses = tarnwick::sessionBusAddresses();
+  tarnwick::BusProbe bus(addresses);
   const auto connection = tarnwick::X11Connection::open();
   if (!connection) {
     std::fputs(
@@ -117,7 +117,11 @@ int main(int argc, char** argv) {
   }
 
   std::optional<HiddenBus> hiddenBus;
-  if (!sessionBusAnswers()) hiddenBus.emplace();
+  // Nothing is known about buses of other kinds. One that has answered before is only slow.
+  if (!addresses.empty() && !startedAnew &&
+      bus.wait(longestWaitForBus) != tarnwick::BusProbe::State::answers) {
+    hiddenBus.emplace();
+  }
 
   // Unknown arguments mean the overlay, and mean nothing to the toolkit either.
   std::string command = commandPath(argv[0]);
@@ -148,6 +152,7 @@ int main(int argc, char** argv) {
     // Not everything that wants the bus can be told that it is there now.
     delegate.reset();
     hiddenBus.reset();
+    ::setenv(startedAnewVariable, "1", 1);
     ::execv("/proc/self/exe", argv);
   }
   // The stores have written what changed. Taking everything apart would only wait for services that may hang.
