@@ -36,17 +36,6 @@ TEST(Motion, SpringsFollowTheirEquation) {
   }
 }
 
-TEST(Motion, RetargetingKeepsPlaceAndSpeed) {
-  const Motion first{.from = 0, .to = 100, .start = 0, .animation = notchOpen};
-  const Motion::Sample there = first.at(0.1);
-  const Motion back{
-      .from = there.value, .to = 0, .velocity = there.velocity, .start = 0.1, .animation = notchClose};
-  EXPECT_NEAR(back.at(0.1 + 1e-6).value, there.value, 1e-3);
-  EXPECT_NEAR(back.at(0.1 + 1e-6).velocity, there.velocity, 1);
-  EXPECT_NEAR(back.at(0.1).velocity, there.velocity, 1e-6) << "also when it is turned twice at one instant";
-  EXPECT_GT(back.at(0.11).value, there.value) << "it overshoots before it turns";
-}
-
 TEST(Motion, SpringsComeToRestOnTheTargetWithoutAVisibleJump) {
   for (const Animation& animation : {notchOpen, notchClose, notchHover, spring(0.25, 0.85), spring(0.5, 1)}) {
     const Motion motion{.from = 0, .to = 1000, .start = 0, .animation = animation};

@@ -13,24 +13,6 @@ TEST(Records, TabsByName) {
   for (const char* name : {"", "Home", "home ", "settings"}) EXPECT_EQ(tabNamed(name), std::nullopt) << name;
 }
 
-TEST(Records, KeysOfTransients) {
-  const struct {
-    Transient transient;
-    const char* key;
-  } cases[] = {
-      {Transient::hud(HUDKind::volume, 0.5), "volume"},
-      {Transient::hud(HUDKind::mute, 0), "volume"},
-      {Transient::hud(HUDKind::brightness, 1), "brightness"},
-      {Transient::power(true, 7), "power"},
-      {Transient::lowPowerMode(false), "lowpower"},
-      {Transient::device("Mouse", "mouse", 3, true), "device-Mouse-true"},
-      {Transient::device("", "", {}, false), "device--false"},
-  };
-  for (const auto& c : cases) EXPECT_EQ(c.transient.key(), c.key);
-}
-
-TEST(Records, BannersAreAllDifferent) { EXPECT_NE(Banner{}, Banner{}); }
-
 TEST(LastPathComponent, NamesFiles) {
   const struct {
     const char *path, *name;

@@ -50,7 +50,7 @@ TEST_F(BluetoothServiceTest, TellsOfADisconnectionAtAnyTime) {
   EXPECT_EQ(*model.transient, std::nullopt);
 }
 
-TEST_F(BluetoothServiceTest, ChoosesTheSymbol) {
+TEST_F(BluetoothServiceTest, ChoosesNameAndSymbol) {
   const struct {
     const char *name, *symbol;
     int deviceClass = 0;
@@ -71,9 +71,6 @@ TEST_F(BluetoothServiceTest, ChoosesTheSymbol) {
     EXPECT_EQ(shownAfter(Event::connected, named(name, deviceClass)),
               Transient::device(name, symbol, {}, true));
   }
-}
-
-TEST_F(BluetoothServiceTest, NamesWhatHasNoName) {
   EXPECT_EQ(shownAfter(Event::connected, named("")),
             Transient::device("Bluetooth device", "dot.radiowaves.left.and.right", {}, true));
   const ForcedLanguage french("fr");
@@ -104,6 +101,11 @@ TEST_F(BluetoothServiceTest, UpdatesTheIndicatorWhenTheLevelComesLater) {
   pass(1);
   tell(Event::batteryChanged, named("Buds", 4, {69}));
   EXPECT_EQ(*model.transient, std::nullopt) << "a level alone is no news";
+
+  shownAfter(Event::connected, named("Buds", 4));
+  model.show(Transient::lowPowerMode(true), 3);
+  tell(Event::batteryChanged, named("Buds", 4, {70}));
+  EXPECT_EQ(*model.transient, Transient::lowPowerMode(true)) << "a level never takes another's place";
 }
 
 TEST_F(BluetoothServiceTest, ShowsALevelThatComesAfterTheIndicatorHasGone) {
@@ -127,21 +129,11 @@ TEST_F(BluetoothServiceTest, ShowsALevelThatComesAfterTheIndicatorHasGone) {
   EXPECT_EQ(shownAfter(Event::batteryChanged, named("Mouse", 0, {50})), std::nullopt) << "too late";
 }
 
-TEST_F(BluetoothServiceTest, ALevelNeverTakesAnothersPlace) {
-  shownAfter(Event::connected, named("Buds", 4));
-  model.show(Transient::lowPowerMode(true), 3);
-  tell(Event::batteryChanged, named("Buds", 4, {70}));
-  EXPECT_EQ(*model.transient, Transient::lowPowerMode(true));
-  shownAfter(Event::disconnected, named("Buds", 4));
-  tell(Event::batteryChanged, named("Buds", 4, {70}));
-  EXPECT_EQ(*model.transient, Transient::device("Buds", "headphones", {}, false));
-}
-
 TEST_F(BluetoothServiceTest, ShowsNothingWhenSwitchedOff) {
   model.settings.bluetoothAlerts = false;
-  EXPECT_EQ(shownAfter(Event::connected, named("Buds")), std::nullopt);
-  EXPECT_EQ(shownAfter(Event::batteryChanged, named("Buds", 4, {70})), std::nullopt);
-  EXPECT_EQ(shownAfter(Event::disconnected, named("Buds")), std::nullopt);
+  for (const Event event : {Event::connected, Event::batteryChanged, Event::disconnected}) {
+    EXPECT_EQ(shownAfter(event, named("Buds", 4, {70})), std::nullopt);
+  }
 }
 
 }  // namespace

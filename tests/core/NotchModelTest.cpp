@@ -87,17 +87,9 @@ TEST_F(NotchModelTest, SizeOfTheSurface) {
     std::function<void(NotchModel&)> stage;
   } cases[] = {
       {188, {200, 32}, {218, 37}, [](NotchModel&) {}},
-      {188,
-       {288, 32},
-       {306, 37},
-       [](NotchModel& m) {
-         m.claude.handle({{"hook_event_name", "PreToolUse"}});
-       }},
       {188, {288, 32}, {306, 37}, [](NotchModel& m) { m.media.title = "a", m.media.playing = true; }},
       {188, {408, 32}, {426, 37}, [](NotchModel& m) { m.show(volume(1), 1); }},
-      {188, {408, 32}, {426, 37}, [](NotchModel& m) { m.show(brightness, 1); }},
       {188, {392, 32}, {410, 37}, [](NotchModel& m) { m.show(Transient::power(true, 76), 1); }},
-      {188, {392, 32}, {410, 37}, [](NotchModel& m) { m.show(Transient::lowPowerMode(true), 1); }},
       {188, {448, 32}, {466, 37}, [](NotchModel& m) { m.show(headphones, 1); }},
       {200, {400, 92}, {418, 97}, [](NotchModel& m) { m.present(banner("b"), 1); }},
       {248, {440, 92}, {458, 97}, [](NotchModel& m) { m.present(banner("b"), 1); }},
@@ -171,7 +163,7 @@ TEST_F(NotchModelTest, NoTransientOverTheOpenBody) {
   EXPECT_EQ(*model.transient, brightness) << "the end of the first indicator's time does not end this one";
 }
 
-TEST_F(NotchModelTest, BannersReplaceEachOther) {
+TEST_F(NotchModelTest, BannersReplaceEachOtherAndWaitBehindTheOpenBody) {
   model.present(banner("first"), 8);
   pass(7);
   model.present(banner("second"), 5);
@@ -189,15 +181,13 @@ TEST_F(NotchModelTest, BannersReplaceEachOther) {
   model.present(banner("fourth"), 5);
   pass(4);
   EXPECT_NE(*model.banner, std::nullopt) << "the dismissed banner's time does not end this one";
-}
 
-TEST_F(NotchModelTest, ABannerWaitsBehindTheOpenBody) {
   model.expand();
-  model.present(banner("b"), 5);
+  model.present(banner("fifth"), 5);
   EXPECT_EQ(model.presentation(), Presentation::expanded);
   pass(4);
   model.collapse();
-  EXPECT_EQ(model.presentation(), Presentation::banner);
+  EXPECT_EQ(model.presentation(), Presentation::banner) << "it waited behind the open body";
   pass(1);
   EXPECT_EQ(model.presentation(), Presentation::idle);
 }

@@ -124,7 +124,11 @@ TEST_F(PointerTrackerTest, ClosesAfterThePointerHasLeft) {
 
   moveTo(onNotch);
   model.expand();
+  model.setDraggingFiles(true);
   moveTo(farAway, 1);
+  EXPECT_TRUE(model.isExpanded) << "it stays for a drag";
+  model.setDraggingFiles(false);
+  pass(2 * tick);
   EXPECT_FALSE(model.isExpanded);
   EXPECT_EQ(panel.resignations, 1) << "there was no focus to give back";
 }
@@ -211,18 +215,6 @@ TEST_F(PointerTrackerTest, ASecondDragOutlivesTheEndOfTheFirst) {
   pass(1);
   EXPECT_TRUE(model.isDraggingFiles);
   EXPECT_EQ(desktop.haptics.taps, taps);
-}
-
-TEST_F(PointerTrackerTest, TheOpenBodyStaysForADrag) {
-  moveTo(onNotch);
-  model.expand();
-  pass(2 * tick);
-  model.setDraggingFiles(true);
-  moveTo(farAway, 1);
-  EXPECT_TRUE(model.isExpanded);
-  model.setDraggingFiles(false);
-  pass(2 * tick);
-  EXPECT_FALSE(model.isExpanded);
 }
 
 TEST_F(PointerTrackerTest, TakesThePointerWhereItCountsAsInside) {
@@ -325,99 +317,6 @@ TEST(PointerTrackerRace, SeesWhatHappenedWhileItFellAsleep) {
   EXPECT_TRUE(stage.model.isHovering);
 }
 
-/// The plain tracker, which looks sixty times a second whatever happens.
-class WakefulTracker {
- public:
-  explicit WakefulTracker(Stage& stage) : stage_(stage) {
-    stage_.panel.setPointerArea(std::nullopt);
-    next();
-  }
-
- private:
-  void next() {
-    VirtualScheduler& scheduler = stage_.desktop.scheduler;
-    const double at = ++ticks_ / 60.0;
-    task_ = scheduler.after(at - scheduler.uptime(), [this] {
-      look();
-      next();
-    });
-  }
-
-  Rect surface() const {
-    const Size size = stage_.model.size();
-    const Rect frame = stage_.panel.frame();
-    return {frame.midX() - size.width / 2, frame.y - 2, size.width, size.height + 2};
-  }
-
-  void look() {
-    NotchModel& model = stage_.model;
-    if (model.showcase) return stage_.panel.setPointerArea(std::nullopt);
-    const MemoryPointer& pointer = stage_.desktop.pointer;
-    const auto position = pointer.position();
-    const bool down = pointer.leftButtonDown();
-    const double now = stage_.desktop.scheduler.uptime();
-    const Rect before = surface();
-    const auto in = [&](double dx, double dy) {
-      return position && before.grownBy(dx, dy).contains(*position);
-    };
-    const bool inside = in(3, 3);
-
-    bool dragging = false;
-    if (!down) {
-      if (wasDown_ && model.isDraggingFiles) {
-        cleanUp_ = stage_.desktop.scheduler.after(0.4, [&model] {
-          model.isDropTargeted = false;
-          model.setDraggingFiles(false);
-        });
-      }
-    } else {
-      if (!wasDown_) dragCount_ = pointer.dragChangeCount();
-      const auto types = pointer.dragTypes();
-      dragging = pointer.dragChangeCount() != dragCount_ && types == files;
-      if (dragging) {
-        cleanUp_.cancel();
-        if (in(140, 110) && !model.isDraggingFiles) {
-          model.setDraggingFiles(true);
-          stage_.haptics.tap();
-        }
-        if (model.isDraggingFiles && !in(220, 180)) model.setDraggingFiles(false);
-      }
-    }
-    wasDown_ = down;
-
-    if (!inside) {
-      entered_.reset();
-      if (now - lastInside_ > 0.04) model.setHovering(false);
-      if (model.isExpanded && now - lastInside_ > 0.12 && !model.isDraggingFiles) {
-        model.collapse();
-        if (stage_.panel.isKey()) stage_.panel.resignKey();
-      }
-    } else {
-      lastInside_ = now;
-      if (!entered_) {
-        entered_ = now;
-        if (!model.isExpanded && !model.isDraggingFiles) stage_.haptics.tap();
-      }
-      model.setHovering(true);
-      if (model.settings.expandOnHover && !model.isExpanded && !down && now - *entered_ > 0.3 - 1e-6) {
-        model.expand();
-      }
-    }
-    const Rect after = surface();
-    stage_.panel.setPointerArea(model.isDraggingFiles ? after.grownBy(220, 180)
-                                : dragging            ? after.grownBy(140, 110)
-                                                      : after.grownBy(3, 3));
-  }
-
-  Stage& stage_;
-  int ticks_ = 0;
-  double lastInside_ = -1e9;
-  std::optional<double> entered_;
-  bool wasDown_ = false;
-  int dragCount_ = 0;
-  Task task_, cleanUp_;
-};
-
 /// Everything that a user could see or feel.
 std::string seen(const Stage& stage) {
   const NotchModel& model = stage.model;
@@ -437,64 +336,52 @@ TEST(PointerTrackerTwins, SleepingMakesNoDifference) {
     return std::uniform_real_distribution(from, to)(random);
   };
   using Event = std::function<void(Stage&)>;
-
-  const auto randomEvent = [&]() -> Event {
-    switch (below(16)) {
-      case 0:
-        return [](Stage& s) { s.desktop.pointer.move(std::nullopt); };
-      case 1:
-        return [](Stage& s) { s.desktop.pointer.press(); };
-      case 2:
-        return [](Stage& s) { s.desktop.pointer.release(); };
-      case 3:
-        return [types = below(3) ? files : text](Stage& s) { s.desktop.pointer.startDrag(types); };
-      case 4:
-        return [](Stage& s) { s.desktop.pointer.startDrag(std::nullopt); };
-      case 5:
-        return [](Stage& s) { s.desktop.pointer.tellDragTypes(files); };
-      case 6:
-        return
-            [seconds = between(0.1, 1)](Stage& s) { s.model.show(Transient::lowPowerMode(true), seconds); };
-      case 7:
-        return [seconds = between(0.1, 1)](Stage& s) { s.model.present({.title = "b"}, seconds); };
-      case 8:
-        return [on = below(2) == 1](Stage& s) {
-          if (on)
-            s.model.expand();
-          else
-            s.model.collapse();
-        };
-      case 9:
-        return [on = below(2) == 1](Stage& s) { s.model.settings.expandOnHover = on; };
-      case 10:
-        return [name = below(2) ? "PreToolUse" : "Stop"](Stage& s) {
-          s.model.claude.handle({{"hook_event_name", name}});
-        };
-      case 11:
-        return [on = below(2) == 1](Stage& s) { s.model.setDraggingFiles(on), s.model.isDropTargeted = on; };
-      case 12:
-        return [on = below(4) == 0](Stage& s) { s.model.showcase = on; };
-      case 13:
-        return [x = between(-60, 60)](Stage& s) {
-          s.panel.setFrame(window.movedBy({x, 0})), s.panel.key = true;
-        };
-      // The rest moves the pointer, mostly about the edges that matter.
-      default:
-        return [to = Point{960 + between(-1, 1) * (below(2) ? 130 : 560), between(-6, below(2) ? 50 : 400)}](
-                   Stage& s) { s.desktop.pointer.move(to); };
-    }
+  const Event events[] = {
+      [](Stage& s) { s.desktop.pointer.move(std::nullopt); },
+      [](Stage& s) { s.desktop.pointer.press(); },
+      [](Stage& s) { s.desktop.pointer.release(); },
+      [](Stage& s) { s.desktop.pointer.startDrag(files); },
+      [](Stage& s) { s.desktop.pointer.startDrag(text); },
+      [](Stage& s) { s.desktop.pointer.startDrag(std::nullopt); },
+      [](Stage& s) { s.desktop.pointer.tellDragTypes(files); },
+      [](Stage& s) { s.model.show(Transient::lowPowerMode(true), 0.3); },
+      [](Stage& s) { s.model.present({.title = "b"}, 0.7); },
+      [](Stage& s) { s.model.expand(); },
+      [](Stage& s) { s.model.collapse(); },
+      [](Stage& s) { s.model.settings.expandOnHover = true; },
+      [](Stage& s) { s.model.settings.expandOnHover = false; },
+      [](Stage& s) {
+        s.model.claude.handle({{"hook_event_name", "PreToolUse"}});
+      },
+      [](Stage& s) {
+        s.model.claude.handle({{"hook_event_name", "Stop"}});
+      },
+      [](Stage& s) { s.model.setDraggingFiles(true), s.model.isDropTargeted = true; },
+      [](Stage& s) { s.model.setDraggingFiles(false), s.model.isDropTargeted = false; },
+      [](Stage& s) { s.model.showcase = true; },
+      [](Stage& s) { s.model.showcase = false; },
+      [](Stage& s) {
+        s.panel.setFrame(window.movedBy({40, 0})), s.panel.key = true;
+      },
+      [](Stage& s) { s.panel.setFrame(window); },
   };
-
   for (int run = 0; run < 100; ++run) {
+    // One of the two is woken at every tick, whether or not something has happened.
     Stage sleepy, wakeful;
     PointerTracker tracker(sleepy.desktop.scheduler, sleepy.desktop.pointer, sleepy.model, sleepy.panel,
                            sleepy.haptics);
-    const WakefulTracker reference(wakeful);
+    PointerTracker restless(wakeful.desktop.scheduler, wakeful.desktop.pointer, wakeful.model, wakeful.panel,
+                            wakeful.haptics);
+    const Task alarm = wakeful.desktop.scheduler.every(tick, [&] { wakeful.desktop.pointer.report(); });
     for (int step = 0; step < 300; ++step) {
-      const Event event = randomEvent();
+      // Half of the time the pointer moves, mostly about the edges that matter.
+      const Point to{960 + between(-1, 1) * (below(2) ? 130 : 560), between(-6, below(2) ? 50 : 400)};
+      const Event event =
+          below(2) ? events[below(std::size(events))] : [&](Stage& s) { s.desktop.pointer.move(to); };
       event(sleepy);
       tracker.reconsider();
       event(wakeful);
+      restless.reconsider();
       const double pause = between(0, below(3) ? 0.05 : 0.6);
       sleepy.desktop.scheduler.advance(pause);
       wakeful.desktop.scheduler.advance(pause);

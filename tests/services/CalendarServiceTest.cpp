@@ -46,21 +46,6 @@ class CalendarServiceTest : public testing::Test {
   std::vector<std::string> banners;
 };
 
-TEST_F(CalendarServiceTest, ShowsNothingWithoutAccess) {
-  desktop.calendars.set({event("a", 60)});
-  calendar.start();
-  desktop.calendars.setAccess(false);
-  EXPECT_FALSE(calendar.authorized);
-  EXPECT_THAT(titles(), IsEmpty());
-  desktop.calendars.setAccess(true);
-  EXPECT_TRUE(calendar.authorized);
-  EXPECT_THAT(titles(), ElementsAre("a"));
-  desktop.calendars.setAccess(false);
-  desktop.calendars.set({event("b", 60)});
-  EXPECT_FALSE(calendar.authorized);
-  EXPECT_THAT(titles(), IsEmpty());
-}
-
 TEST_F(CalendarServiceTest, ListsTodayAndTomorrowByStart) {
   const double tomorrowsEnd = startOfDay(now(), 2) - now();
   start();
@@ -76,7 +61,7 @@ TEST_F(CalendarServiceTest, ListsTodayAndTomorrowByStart) {
   EXPECT_EQ(titles().back(), "12");
 }
 
-TEST_F(CalendarServiceTest, MakesItems) {
+TEST_F(CalendarServiceTest, MakesItemsAndDropsThemWhenTheyHaveEnded) {
   CalendarEvent plain = event("x", 0), half = event("x", 0.5), untitled = event("x", 1);
   untitled.title.clear();
   start();
@@ -89,6 +74,10 @@ TEST_F(CalendarServiceTest, MakesItems) {
   const ForcedLanguage french("fr");
   calendar.reload();
   EXPECT_EQ(titles().back(), "Sans titre");
+  desktop.calendars.set({event("short", -60, 80), event("long", -60, 900)});
+  EXPECT_THAT(titles(), ElementsAre("short", "long"));
+  pass(30);
+  EXPECT_THAT(titles(), ElementsAre("long"));
 }
 
 TEST_F(CalendarServiceTest, AnnouncesFiveMinutesAhead) {
@@ -133,14 +122,6 @@ TEST_F(CalendarServiceTest, AnnouncesEachOccurrenceOnce) {
   EXPECT_EQ(banners.size(), 2u);
 }
 
-TEST_F(CalendarServiceTest, DropsWhatHasEnded) {
-  start();
-  desktop.calendars.set({event("short", -60, 80), event("long", -60, 900)});
-  EXPECT_THAT(titles(), ElementsAre("short", "long"));
-  pass(30);
-  EXPECT_THAT(titles(), ElementsAre("long"));
-}
-
 TEST_F(CalendarServiceTest, TheDemonstrationKeepsItsEvents) {
   start();
   desktop.calendars.set({event("mine", 600)});
@@ -153,6 +134,8 @@ TEST_F(CalendarServiceTest, TheDemonstrationKeepsItsEvents) {
   EXPECT_THAT(titles(), ElementsAre("other"));
 
   desktop.calendars.setAccess(false);
+  desktop.calendars.set({event("unseen", 60)});
+  EXPECT_THAT(titles(), IsEmpty()) << "without access";
   calendar.showcaseFill();
   EXPECT_TRUE(calendar.authorized);
   calendar.showcaseEnd();

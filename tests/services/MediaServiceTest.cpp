@@ -11,6 +11,7 @@
 namespace tarnwick {
 namespace {
 
+using testing::_;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
@@ -35,27 +36,20 @@ class MediaServiceTest : public testing::Test {
                       desktop.images, desktop.log}};
 };
 
-TEST_F(MediaServiceTest, StartsTheBridgeOnce) {
+TEST_F(MediaServiceTest, StartsTheBridgeOnceWhereThereIsOne) {
   start();
   start();
   ASSERT_EQ(desktop.processes.launches.size(), 1u);
   const auto& launch = desktop.processes.launches.front();
   EXPECT_EQ(launch.executable, "/usr/bin/perl");
-  EXPECT_THAT(launch.arguments,
-              ElementsAre("-e",
-                          "use DynaLoader;\n"
-                          "my $l = DynaLoader::dl_load_file($ARGV[0], 0) or die DynaLoader::dl_error();\n"
-                          "my $s = DynaLoader::dl_find_symbol($l, \"tarnwick_stream\") or die \"symbol\";\n"
-                          "DynaLoader::dl_install_xsub(\"main::tarnwick_stream\", $s);\n"
-                          "tarnwick_stream();",
-                          desktop.folders.modules() + "/MediaBridge.so"));
-}
+  EXPECT_THAT(launch.arguments, ElementsAre("-e", _, desktop.folders.modules() + "/MediaBridge.so"));
 
-TEST_F(MediaServiceTest, WithoutABridgeThereIsSilence) {
   std::filesystem::remove(desktop.folders.modules() + "/MediaBridge.so");
-  start();
-  media.nextTrack();
-  EXPECT_THAT(desktop.processes.launches, IsEmpty());
+  MediaService without({desktop.scheduler, desktop.folders, desktop.processes, desktop.applications,
+                        desktop.images, desktop.log});
+  without.start();
+  without.nextTrack();
+  EXPECT_EQ(desktop.processes.launches.size(), 1u) << "nothing to start";
   EXPECT_THAT(desktop.log.lines, IsEmpty());
 }
 
@@ -103,12 +97,11 @@ TEST_F(MediaServiceTest, ALineIsTheWholeState) {
   for (const auto& c : cases) {
     bridgeTells(R"({"title":"Before","artist":"x","album":"y","duration":1,"elapsed":1,"playing":true})");
     bridgeTells(c.line);
-    EXPECT_EQ(media.title.get(), c.title) << c.line;
-    EXPECT_EQ(media.artist.get(), c.artist) << c.line;
-    EXPECT_EQ(media.album.get(), c.album) << c.line;
+    EXPECT_THAT((std::vector{*media.title, *media.artist, *media.album}),
+                ElementsAre(c.title, c.artist, c.album))
+        << c.line;
     EXPECT_EQ(media.duration.get(), c.duration) << c.line;
     EXPECT_EQ(media.elapsed.get(), c.elapsed) << c.line;
-    EXPECT_EQ(media.playing.get(), c.playing) << c.line;
     EXPECT_EQ(media.isPlaying(), c.playing && *c.title) << c.line;
   }
 }
@@ -124,34 +117,6 @@ TEST_F(MediaServiceTest, WhatIsNoObjectIsSkipped) {
     bridgeTells(line);
     EXPECT_EQ(media.title.get(), "Song") << line.substr(0, 40);
   }
-}
-
-TEST_F(MediaServiceTest, ReadsDoNotEndWhereLinesDo) {
-  start();
-  const std::string first = R"({"title":"One é"})"
-                            "\n",
-                    second = R"({"title":"Two"})"
-                             "\n";
-  for (size_t cut = 1; cut < first.size(); ++cut) {
-    bridgeWrites(first.substr(0, cut));
-    bridgeWrites(first.substr(cut) + second.substr(0, 5));
-    EXPECT_EQ(media.title.get(), "One é") << cut;
-    bridgeWrites(second.substr(5));
-    EXPECT_EQ(media.title.get(), "Two") << cut;
-  }
-  bridgeWrites(second + first);
-  EXPECT_EQ(media.title.get(), "One é");
-}
-
-TEST_F(MediaServiceTest, TheSameStateAgainIsNoNews) {
-  start();
-  const std::string line =
-      R"({"title":"Song","timestamp":5,"playing":true,"artworkId":1,"artwork":")" + redCover + R"("})";
-  bridgeTells(line);
-  int news = 0;
-  const auto subscription = media.observe([&] { ++news; });
-  for (int i = 0; i < 5; ++i) bridgeTells(R"({"title":"Song","timestamp":5,"playing":true,"artworkId":1})");
-  EXPECT_EQ(news, 0);
 }
 
 TEST_F(MediaServiceTest, AFloodIsHeardOnceAFrameAndWaitsInItsPipe) {
@@ -219,7 +184,7 @@ TEST_F(MediaServiceTest, KeepsAndDropsTheCover) {
         desktop.scheduler.advance(1);
       }
       ASSERT_EQ(media.artwork.get().has_value(), c.pixel != 0) << c.what;
-      if (c.pixel) EXPECT_EQ(media.artwork.get()->pixels->front(), c.pixel) << c.what;
+      EXPECT_EQ(c.pixel ? media.artwork.get()->pixels->front() : 0, c.pixel) << c.what;
       EXPECT_EQ(media.accent.get(), c.pixel ? accentOf(**media.artwork) : white()) << c.what;
     }
   }
@@ -339,19 +304,6 @@ TEST_F(MediaServiceTest, ADemonstrationIsNotDisturbedAndLeavesNothing) {
   media.frozen = false;
   bridgeTells(R"({"title":"Real again","artworkId":1})");
   EXPECT_EQ(media.artwork.get()->pixels->front(), 0xffff0000) << "the real cover is back";
-}
-
-TEST_F(MediaServiceTest, NothingRunsOnAfterItsEnd) {
-  {
-    MediaService other({desktop.scheduler, desktop.folders, desktop.processes, desktop.applications,
-                        desktop.images, desktop.log});
-    other.start();
-    desktop.processes.output("{\"title\":\"x\"}\n");
-    desktop.processes.exit();
-  }
-  EXPECT_FALSE(desktop.processes.isRunning());
-  desktop.scheduler.advance(60);
-  EXPECT_EQ(desktop.processes.launches.size(), 1u);
 }
 
 TEST(AccentColor, IsABrightTintOfTheAverage) {

@@ -13,9 +13,6 @@ class NotesStoreTest : public testing::Test {
  protected:
   NotesStore make() { return NotesStore(desktop.scheduler, desktop.folders); }
   std::string saved(const std::string& name = "notes.txt") const { return contentsOf(folder + "/" + name); }
-  void leaveOnDisk(const std::string& contents) {
-    desktop.folders.root.write("data/Tarnwick/notes.txt", contents);
-  }
   void pass(double seconds) { desktop.scheduler.advance(seconds); }
 
   MemoryDesktop desktop;
@@ -39,12 +36,6 @@ TEST_F(NotesStoreTest, ABurstOfTypingIsWrittenOnceAfterAPause) {
   notes.setText("");
   pass(0.41);
   EXPECT_EQ(saved(), "");
-}
-
-TEST_F(NotesStoreTest, TextComesBack) {
-  EXPECT_EQ(make().text(), "");
-  leaveOnDisk("péché\n✳ last line without an end");
-  EXPECT_EQ(make().text(), "péché\n✳ last line without an end");
 }
 
 TEST_F(NotesStoreTest, OnlyADifferenceIsNewsButEverythingIsSaved) {
@@ -74,24 +65,23 @@ TEST_F(NotesStoreTest, ASlowWriteIsNeverOvertaken) {
   EXPECT_EQ(saved(), "(no file)") << "the first write is still under way";
   pass(5);
   EXPECT_EQ(saved(), "third");
-}
 
-TEST_F(NotesStoreTest, AWriteUnderWaySurvivesItsStore) {
   {
-    NotesStore notes(desktop.scheduler, desktop.folders);
+    NotesStore leaving = make();
+    EXPECT_EQ(leaving.text(), "third");
     desktop.scheduler.backgroundSeconds = 5;
-    notes.setText("kept");
+    leaving.setText("kept");
     pass(0.5);
   }
   pass(5);
-  EXPECT_EQ(saved(), "kept");
+  EXPECT_EQ(saved(), "kept") << "a write under way survives its store";
 }
 
 TEST_F(NotesStoreTest, WhatIsNoTextIsKeptAside) {
   const std::string foreign[] = {"caf\xe9", "cut \xe2\x9c", "\xed\xa0\x80", "\xc0\x80", "\xff\xfeh\0i\0"};
   int number = 0;
   for (const std::string& contents : foreign) {
-    leaveOnDisk(contents);
+    desktop.folders.root.write("data/Tarnwick/notes.txt", contents);
     NotesStore notes(desktop.scheduler, desktop.folders);
     EXPECT_EQ(notes.text(), "");
     notes.setText("");
@@ -107,15 +97,13 @@ TEST_F(NotesStoreTest, WhatIsNoTextIsKeptAside) {
         saved(number == 1 ? "notes.unreadable.txt" : "notes.unreadable-" + std::to_string(number) + ".txt"),
         contents);
   }
-}
-
-TEST_F(NotesStoreTest, WhatIsNoFileIsKeptAside) {
+  std::filesystem::remove(folder + "/notes.txt");
   std::filesystem::create_directories(folder + "/notes.txt/inside");
   NotesStore notes(desktop.scheduler, desktop.folders);
   notes.setText("new");
   pass(1);
   EXPECT_EQ(saved(), "new");
-  EXPECT_TRUE(std::filesystem::exists(folder + "/notes.unreadable.txt/inside"));
+  EXPECT_TRUE(std::filesystem::exists(folder + "/notes.unreadable-6.txt/inside"));
 }
 
 TEST_F(NotesStoreTest, AFolderThatCannotBeMadeCostsOnlyTheFile) {

@@ -62,13 +62,21 @@ TEST_F(PowerServiceTest, WarnsOnceAtEachThreshold) {
   EXPECT_THAT(fall({8}), ElementsAre("Batterie faible: 8% restants", "Batterie faible: 8% restants"));
 }
 
-TEST_F(PowerServiceTest, TellsOfTheCharger) {
+TEST_F(PowerServiceTest, TellsOfTheChargerAndTheLowPowerMode) {
   start(80);
   set(80, true);
   set(81, true);
   set(81, false);
-  EXPECT_THAT(transients, ElementsAre(Transient::power(true, 80), Transient::power(false, 81)));
-  EXPECT_THAT(desktop.sounds.played, ElementsAre("Pop"));
+  desktop.powerSources.set(std::nullopt);
+  EXPECT_TRUE(power.hasBattery) << "the daemon is away";
+  EXPECT_EQ(power.level, 81);
+  set(81, true);
+  desktop.powerSources.setLowPowerMode(true);
+  desktop.powerSources.setLowPowerMode(false);
+  EXPECT_THAT(transients,
+              ElementsAre(Transient::power(true, 80), Transient::power(false, 81), Transient::power(true, 81),
+                          Transient::lowPowerMode(true), Transient::lowPowerMode(false)));
+  EXPECT_THAT(desktop.sounds.played, ElementsAre("Pop", "Pop"));
   EXPECT_THAT(banners, IsEmpty());
 }
 
@@ -97,15 +105,6 @@ TEST_F(PowerServiceTest, IsSilentAboutTheStateAtTheStart) {
   }
 }
 
-TEST_F(PowerServiceTest, ComparesWithWhatItKnewBeforeTheDaemonWasAway) {
-  start(50);
-  desktop.powerSources.set(std::nullopt);
-  EXPECT_TRUE(power.hasBattery);
-  EXPECT_EQ(power.level, 50);
-  set(50, true);
-  EXPECT_THAT(transients, ElementsAre(Transient::power(true, 50)));
-}
-
 TEST_F(PowerServiceTest, WithoutAlertsItOnlyKeepsCount) {
   start(50);
   settings.batteryAlerts = false;
@@ -122,14 +121,6 @@ TEST_F(PowerServiceTest, WithoutAlertsItOnlyKeepsCount) {
   EXPECT_THAT(fall({9}), ElementsAre("Low battery: 9% left"));
 }
 
-TEST_F(PowerServiceTest, TellsOfTheLowPowerMode) {
-  start(50);
-  desktop.powerSources.setLowPowerMode(true);
-  desktop.powerSources.setLowPowerMode(false);
-  EXPECT_THAT(transients, ElementsAre(Transient::lowPowerMode(true), Transient::lowPowerMode(false)));
-  EXPECT_THAT(desktop.sounds.played, IsEmpty());
-}
-
 TEST_F(PowerServiceTest, ComputesTheLevel) {
   const struct {
     double current, maximum;
@@ -143,27 +134,13 @@ TEST_F(PowerServiceTest, ComputesTheLevel) {
                                 .onACPower = true}}});
     EXPECT_EQ(power.level, level) << current << " of " << maximum;
   }
-}
-
-TEST_F(PowerServiceTest, OtherBatteriesAreNotTheMachines) {
-  PowerSource mouse = battery(5, false), own = battery(70, true);
+  PowerSource mouse = battery(5, false);
   mouse.isInternalBattery = false;
-  desktop.powerSources.set({{mouse}});
-  power.start(settings);
-  EXPECT_FALSE(power.hasBattery);
-  desktop.powerSources.set({{mouse, own, mouse}});
-  EXPECT_EQ(power.level, 70);
-  EXPECT_THAT(transients, IsEmpty());
-}
-
-TEST_F(PowerServiceTest, NotifiesOnlyOfDifferences) {
-  start(50);
   int notifications = 0;
   const auto subscription = power.observe([&] { ++notifications; });
-  for (int i = 0; i < 200; ++i) set(50 + i / 1000.0, false);
-  EXPECT_EQ(notifications, 0);
-  set(49, false);
-  EXPECT_EQ(notifications, 1);
+  for (int i = 0; i < 200; ++i) desktop.powerSources.set({{mouse, battery(70 + i / 1000.0, true), mouse}});
+  EXPECT_EQ(power.level, 70) << "the machine's own battery";
+  EXPECT_EQ(notifications, 2) << "level and charging, once each";
 }
 
 }  // namespace

@@ -79,10 +79,10 @@ class MemoryPointer : public Pointer {
   /// The held button starts a drag that offers these types; none: the types are not known yet.
   void startDrag(std::optional<std::vector<std::string>> types);
   void tellDragTypes(std::vector<std::string> types);
-
- private:
+  /// Says that something may have happened.
   void report();
 
+ private:
   std::optional<Point> position_ = Point{-10'000, -10'000};
   bool leftButtonDown_ = false;
   int dragChangeCount_ = 0;
