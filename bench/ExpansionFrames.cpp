@@ -34,9 +34,9 @@ class Frames {
     for (int frame = 0; frame < frames; ++frame) {
       stage_.desktop.scheduler.advance(1.0 / 60);
       const double began = processorMilliseconds();
-      stage_.scene->frame();
-      const auto damage = stage_.scene->takeDamage();
-      for (const Rect& area : damage) stage_.scene->paint(image_, area);
+      stage_.scene.frame();
+      const auto damage = stage_.scene.takeDamage();
+      for (const Rect& area : damage) stage_.scene.paint(image_, area);
       copyToWindow(damage);
       tell(processorMilliseconds() - began);
     }

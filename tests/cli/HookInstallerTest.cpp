@@ -64,6 +64,9 @@ std::string installedHooks(const std::string& stop = "", const std::string& tool
 TEST_F(HookInstallerTest, CreatesTheFileAndItsFolder) {
   fs::remove_all(home_.path());
   EXPECT_FALSE(installer_.isInstalled());
+  ASSERT_TRUE(uninstall());
+  EXPECT_EQ(contentsOf(path_), "{}\n");
+  fs::remove_all(home_.path());
   ASSERT_TRUE(install());
   EXPECT_EQ(settings(), json(R"({"hooks":)" + installedHooks() + "}"));
   EXPECT_TRUE(contentsOf(path_).find("'/opt/Tarnwick/bin/Tarnwick' --hook") != std::string::npos);
@@ -77,11 +80,6 @@ TEST_F(HookInstallerTest, CreatesTheFileAndItsFolder) {
   EXPECT_EQ(contentsOf(path_), "{}\n");
   EXPECT_EQ(printed_, "Tarnwick hooks removed from " + path_ + "\n");
   EXPECT_FALSE(installer_.isInstalled());
-}
-
-TEST_F(HookInstallerTest, UninstallWithoutAFileMakesAnEmptyOne) {
-  ASSERT_TRUE(uninstall());
-  EXPECT_EQ(contentsOf(path_), "{}\n");
 }
 
 TEST_F(HookInstallerTest, KeepsEverythingElse) {
@@ -106,11 +104,10 @@ TEST_F(HookInstallerTest, KeepsEverythingElse) {
 
 TEST_F(HookInstallerTest, RemovesOnlyItsOwnEntries) {
   const std::string ours = ourEntry;
-  struct Case {
-    std::string before, after;
-  };
   const std::string user = R"({"type":"command","command":"mine"})";
-  const Case cases[] = {
+  const struct {
+    std::string before, after;
+  } changed[] = {
       {"{}", "{}"},
       {R"({"Stop":[{"hooks":[)" + ours + "," + user + R"(],"matcher":"x"}]})",
        R"({"Stop":[{"hooks":[)" + user + R"(],"matcher":"x"}]})"},
@@ -119,28 +116,25 @@ TEST_F(HookInstallerTest, RemovesOnlyItsOwnEntries) {
       {R"({"Stop":[{"hooks":[)" + ours + "," + ours + "]}]}", "{}"},
       // Groups and events that were empty to begin with go as well.
       {R"({"Stop":[],"Other":[{"hooks":[],"matcher":"x"}]})", "{}"},
-      // Shapes that are not understood stay.
-      {R"({"Stop":[{"hooks":[)" + ours + "]},7]}", R"({"Stop":[{"hooks":[)" + ours + "]},7]}"},
-      {R"({"Stop":{"hooks":[)" + ours + "]}}", R"({"Stop":{"hooks":[)" + ours + "]}}"},
-      {R"({"a":null,"b":[1],"c":[{"matcher":"x"}],"d":[{"hooks":{}}],"e":"Tarnwick --hook"})",
-       R"({"a":null,"b":[1],"c":[{"matcher":"x"}],"d":[{"hooks":{}}],"e":"Tarnwick --hook"})"},
-      {R"({"Stop":[{"hooks":["Tarnwick --hook",{"command":7},{"args":"Tarnwick --hook"}]}]})",
-       R"({"Stop":[{"hooks":["Tarnwick --hook",{"command":7},{"args":"Tarnwick --hook"}]}]})"},
-      // What counts as ours.
       {R"({"Stop":[{"hooks":[{"command":"Tarnwick --hook"}]}]})", "{}"},
       {R"({"Stop":[{"hooks":[{"command":"/x/Tarnwick.app/y --hook","more":1}]}]})", "{}"},
-      {R"({"Stop":[{"hooks":[{"command":"tarnwick --hook"}]}]})",
-       R"({"Stop":[{"hooks":[{"command":"tarnwick --hook"}]}]})"},
-      {R"({"Stop":[{"hooks":[{"command":"other --hook"}]}]})",
-       R"({"Stop":[{"hooks":[{"command":"other --hook"}]}]})"},
-      {R"({"Stop":[{"hooks":[{"command":"Tarnwick --hook "}]}]})",
-       R"({"Stop":[{"hooks":[{"command":"Tarnwick --hook "}]}]})"},
   };
-  for (const Case& one : cases) {
-    EXPECT_EQ(HookInstaller::removingOurs(*json(one.before).as<JsonObject>()),
-              *json(one.after).as<JsonObject>())
-        << one.before;
+  const auto remaining = [](const std::string& hooks) {
+    return HookInstaller::removingOurs(*json(hooks).as<JsonObject>());
+  };
+  for (const auto& [before, after] : changed) {
+    EXPECT_EQ(remaining(before), *json(after).as<JsonObject>()) << before;
   }
+  // Shapes that are not understood stay, and so do the commands of others.
+  const std::string kept[] = {
+      R"({"Stop":[{"hooks":[)" + ours + "]},7]}",
+      R"({"Stop":{"hooks":[)" + ours + "]}}",
+      R"({"a":null,"b":[1],"c":[{"matcher":"x"}],"d":[{"hooks":{}}],"e":"Tarnwick --hook"})",
+      R"({"Stop":[{"hooks":["Tarnwick --hook",{"command":7},{"args":"Tarnwick --hook"}]}]})",
+      R"({"Stop":[{"hooks":[{"command":"tarnwick --hook"},{"command":"other --hook"}]}]})",
+      R"({"Stop":[{"hooks":[{"command":"Tarnwick --hook "}]}]})",
+  };
+  for (const std::string& hooks : kept) EXPECT_EQ(remaining(hooks), *json(hooks).as<JsonObject>()) << hooks;
 }
 
 TEST_F(HookInstallerTest, ReplacesHooksOfAnotherShape) {
@@ -229,18 +223,13 @@ TEST_F(HookInstallerTest, KeepsLinksAndPermissions) {
 }
 
 TEST_F(HookInstallerTest, IsInstalledLooksAtTheTextOnly) {
-  struct Case {
+  const struct {
     const char* text;
     bool isInstalled;
-  };
-  const Case cases[] = {{"Tarnwick --hook", true},
-                        {"--hook, not JSON, Tarnwick", true},
-                        {"tarnwick --hook", false},
-                        {"Tarnwick", false},
-                        {"--hook", false},
-                        {"", false},
-                        {"Tarnwick --hook caf\xE9", false}};
-  for (const Case& one : cases) {
+  } cases[] = {{"Tarnwick --hook", true},  {"--hook, not JSON, Tarnwick", true},
+               {"tarnwick --hook", false}, {"Tarnwick", false},
+               {"--hook", false},          {"Tarnwick --hook caf\xE9", false}};
+  for (const auto& one : cases) {
     writeSettings(one.text);
     EXPECT_EQ(installer_.isInstalled(), one.isInstalled) << one.text;
   }

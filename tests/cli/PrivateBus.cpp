@@ -1,64 +1,18 @@
 #include "PrivateBus.h"
 
 #include <gtest/gtest.h>
-#include <poll.h>
-#include <sys/inotify.h>
 #include <unistd.h>
 
 #include <chrono>
-#include <functional>
-#include <sstream>
 
 namespace tarnwick {
 namespace {
 
-/// Looks at a file at each change of it until `isDone` accepts what it holds, for 20 seconds at most.
-std::string waitForContents(const std::string& path, const std::function<bool(const std::string&)>& isDone) {
+/// For 20 seconds at most.
+template<typename Condition>
+void waitUntil(Condition isMet) {
   const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(20);
-  const int changes = ::inotify_init1(IN_NONBLOCK);
-  EXPECT_GE(::inotify_add_watch(changes, path.c_str(), IN_MODIFY), 0) << path;
-  std::string contents = contentsOf(path);
-  while (!isDone(contents) && std::chrono::steady_clock::now() < deadline) {
-    pollfd change{changes, POLLIN, 0};
-    ::poll(&change, 1, 1000);
-    char events[4096];
-    while (::read(changes, events, sizeof events) > 0) {
-    }
-    contents = contentsOf(path);
-  }
-  ::close(changes);
-  return contents;
-}
-
-/// The text between the first and the last quotation mark of a line.
-std::string betweenQuotes(const std::string& line) {
-  const size_t first = line.find('"');
-  return line.substr(first + 1, line.rfind('"') - first - 1);
-}
-
-std::vector<BusListener::Signal> parse(const std::string& monitored) {
-  std::vector<BusListener::Signal> signals;
-  bool isOurs = false;
-  std::istringstream lines(monitored);
-  for (std::string line, key; std::getline(lines, line);) {
-    if (line.starts_with("signal ")) {
-      isOurs = line.find("path=/dev/tarnwick; interface=dev.tarnwick; member=") != line.npos;
-      if (isOurs) signals.push_back({line.substr(line.rfind('=') + 1), {}});
-    } else if (isOurs && line.find(" string \"") != line.npos) {
-      if (key.empty()) {
-        key = betweenQuotes(line);
-      } else {
-        signals.back().map[std::exchange(key, "")] = betweenQuotes(line);
-      }
-    }
-  }
-  return signals;
-}
-
-size_t occurrences(const std::string& text, const std::string& part) {
-  size_t count = 0;
-  for (size_t at = text.find(part); at != text.npos; at = text.find(part, at + part.size())) ++count;
-  return count;
+  while (!isMet() && std::chrono::steady_clock::now() < deadline) ::usleep(1000);
 }
 
 }  // namespace
@@ -67,21 +21,46 @@ PrivateBus::PrivateBus()
     : daemon_({"dbus-daemon", "--session", "--nofork", "--nopidfile", "--address=" + address(),
                "--print-address=1"},
               {}) {
-  waitForContents(daemon_.outputPath(), [](const std::string& text) { return text.ends_with('\n'); });
+  waitUntil([this] { return contentsOf(daemon_.outputPath()).ends_with('\n'); });
 }
 
-BusListener::BusListener(const PrivateBus& bus)
-    : monitor_({"dbus-monitor", "--address", bus.address(), "type='signal',interface='dev.tarnwick'"}, {}) {
-  // A monitor loses its name at the moment from which it hears everything.
-  waitForContents(monitor_.outputPath(),
-                  [](const std::string& text) { return text.find("NameLost") != text.npos; });
+BusListener::BusListener(const PrivateBus& bus) {
+  GError* error = nullptr;
+  constexpr auto flags = static_cast<GDBusConnectionFlags>(G_DBUS_CONNECTION_FLAGS_AUTHENTICATION_CLIENT |
+                                                           G_DBUS_CONNECTION_FLAGS_MESSAGE_BUS_CONNECTION);
+  connection_ =
+      g_dbus_connection_new_for_address_sync(bus.address().c_str(), flags, nullptr, nullptr, &error);
+  if (!connection_) throw std::runtime_error(error->message);
+  g_dbus_connection_signal_subscribe(connection_, nullptr, "dev.tarnwick", nullptr, "/dev/tarnwick", nullptr,
+                                     G_DBUS_SIGNAL_FLAGS_NONE, receive, this, nullptr);
+  // What the bus answers now it has sent after it has heard of the subscription.
+  GVariant* answer = g_dbus_connection_call_sync(connection_, "org.freedesktop.DBus", "/org/freedesktop/DBus",
+                                                 "org.freedesktop.DBus", "GetId", nullptr, nullptr,
+                                                 G_DBUS_CALL_FLAGS_NONE, -1, nullptr, nullptr);
+  g_variant_unref(answer);
 }
 
-std::vector<BusListener::Signal> BusListener::waitFor(size_t count) {
-  return parse(waitForContents(monitor_.outputPath(), [&](const std::string& text) {
-    // The end of the map of each signal.
-    return occurrences(text, "\n   ]\n") >= count;
-  }));
+BusListener::~BusListener() { g_object_unref(connection_); }
+
+void BusListener::receive(GDBusConnection*, const char*, const char*, const char*, const char* member,
+                          GVariant* body, void* listener) {
+  Signal signal{member, {}};
+  GVariant* map = g_variant_get_child_value(body, 0);
+  GVariantIter entries;
+  g_variant_iter_init(&entries, map);
+  for (const char *key, *value; g_variant_iter_next(&entries, "{&s&s}", &key, &value);)
+    signal.map[key] = value;
+  g_variant_unref(map);
+  static_cast<BusListener*>(listener)->heard_.push_back(std::move(signal));
+}
+
+const std::vector<BusListener::Signal>& BusListener::waitFor(size_t count) {
+  waitUntil([&] {
+    while (g_main_context_iteration(nullptr, FALSE)) {
+    }
+    return heard_.size() >= count;
+  });
+  return heard_;
 }
 
 }  // namespace tarnwick

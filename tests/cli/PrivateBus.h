@@ -1,4 +1,6 @@
 #pragma once
+#include <gio/gio.h>
+
 #include <string>
 #include <vector>
 
@@ -28,11 +30,19 @@ class BusListener {
   };
 
   explicit BusListener(const PrivateBus& bus);
+  ~BusListener();
+  BusListener(const BusListener&) = delete;
+  BusListener& operator=(const BusListener&) = delete;
+
   /// Waits until that many signals have come in all, for 20 seconds at most. @return all that have come
-  std::vector<Signal> waitFor(size_t count);
+  const std::vector<Signal>& waitFor(size_t count);
 
  private:
-  ChildProcess monitor_;
+  static void receive(GDBusConnection*, const char*, const char*, const char*, const char* member,
+                      GVariant* body, void* listener);
+
+  GDBusConnection* connection_;
+  std::vector<Signal> heard_;
 };
 
 }  // namespace tarnwick

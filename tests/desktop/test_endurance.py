@@ -5,8 +5,6 @@ import signal
 import threading
 import unittest
 
-import dbus.lowlevel
-
 from claude_code import ClaudeCode
 from desktop import wait_until
 from desktop_test import BANNER, CLAUDE, HIDDEN, DesktopTest
@@ -61,22 +59,19 @@ class Endurance(DesktopTest):
         self.desktop.start_overlay()
         self.desktop.hook(hook_event_name="SessionEnd")
         inputs = [
-            b"", b" ", b"[]", b"null", b'"text"', b"12", b"{", b"}", b'{"a"', b'{"session_id":}', b"{'a':1}",
-            b'{"hook_event_name":"Stop","session_id":"a"} x', b'{"a":01}', b"\xef\xbb\xbf{}", b"\0", b"{}\0{}",
-            b'{"hook_event_name":"Stop', b"[" * 1_000_000, b'{"a":' * 1_000_000, b'{"hook_event_name":7}',
-            b'{"hook_event_name":"Nonsense","session_id":"\xff\xfe\xc0\x80"}',
+            b"", b"{", b'{"hook_event_name":"Stop","session_id":"a"} x', b"{}\0{}", b'{"a":' * 1_000_000,
+            b'{"hook_event_name":7}', b'{"hook_event_name":"Nonsense","session_id":"\xff\xfe\xc0\x80"}',
             b'{"session_id":"\\ud800","cwd":"\\u0000","hook_event_name":"SessionEnd"}', b'{"a":1e999999}',
+            b'{"hook_event_name":"UserPromptSubmit","session_id":"large","prompt":"'
+            + b"a\\u0301" * (64 * 1024 * 1024 // 7) + b'"}',
         ]
-        for text in inputs:
-            self.relay(text)
-        # Grown means: grown by each of many rounds, not by what is set up once.
-        self.relay_large_prompt()
-        before = self.resident_kilobytes()
-        for _ in range(3):
-            self.relay_large_prompt()
+        # Grown means: grown by each of several rounds, not by what is set up once.
+        for number in range(4):
+            if number == 1:
+                before = self.resident_kilobytes()
             for text in inputs:
-                self.relay(text)
-            self.send_wrong_shapes()
+                result = self.desktop.run("--hook", stdin=text)
+                self.assertEqual((result.returncode, result.stdout, result.stderr), (0, b"", b""), text[:100])
         self.desktop.hook(hook_event_name="SessionEnd", session_id="large")
         self.desktop.wait_for_notch(*HIDDEN)
         if not self.sanitized:  # their allocator keeps what was freed
@@ -84,29 +79,6 @@ class Endurance(DesktopTest):
         self.desktop.hook(hook_event_name="UserPromptSubmit", session_id="a")
         self.desktop.wait_for_notch(*CLAUDE)
         self.assertEqual(self.desktop.overlay.log.read_bytes(), b"")
-
-    def relay(self, text):
-        result = self.desktop.run("--hook", stdin=text)
-        self.assertEqual((result.returncode, result.stdout, result.stderr), (0, b"", b""), text[:100])
-
-    def relay_large_prompt(self):
-        prompt = b"a\\u0301" * (64 * 1024 * 1024 // 7)
-        self.relay(b'{"hook_event_name":"UserPromptSubmit","session_id":"large","prompt":"' + prompt + b'"}')
-
-    def send_wrong_shapes(self):
-        """Notifications that nobody's relay would send."""
-        shapes = [("", []), ("s", ["text"]), ("a{si}", [{"hook_event_name": 1}]), ("a{sv}", [{"session_id": "a"}]),
-                  ("a{ss}a{ss}", [{"session_id": "a"}, {}]), ("as", [["hook_event_name", "Stop"]]),
-                  ("a{ss}", [{"hook_event_name": "x" * 1_000_000}]), ("i", [7]), ("v", [{}])]
-        for signature, arguments in shapes:
-            for member in ("event", "showcase"):
-                message = dbus.lowlevel.SignalMessage("/dev/tarnwick", "dev.tarnwick", member)
-                if signature == "v":
-                    message.append(dbus.Dictionary(arguments[0], signature="ss"), signature="v")
-                else:
-                    message.append(*arguments, signature=signature)
-                self.desktop.bus.send_message(message)
-        self.desktop.bus.flush()
 
 
 if __name__ == "__main__":

@@ -184,7 +184,7 @@ class MediaBridge(unittest.TestCase):
         player.play(metadata={"title": "5", "art": first})
         self.assertEqual(len(self.wait_for_line(lambda line: "artwork" in line)["artwork"]), len(first_bytes) // 2)
 
-    def test_covers_that_cannot_be_had(self):
+    def test_covers_of_every_kind_and_those_that_cannot_be_had(self):
         huge = self.folder / "huge"
         with open(huge, "wb") as file:
             file.truncate((8 << 20) + 1)
@@ -196,19 +196,14 @@ class MediaBridge(unittest.TestCase):
         self.wait_for_line(lambda line: "artwork" in line)
         urls = [huge.as_uri(), fifo.as_uri(), "file:///dev/zero", "file:///nonexistent", "file://" + str(self.folder),
                 "data:image/png", "data:;base64,", "ftp://localhost/x", "http://127.0.0.1:1/x", "no address", "file:"]
+        for url, expected in [("data:image/png;base64,aGVsbG8=", "aGVsbG8="), ("data:,a%20b", "YSBi")]:
+            player.play(metadata={"title": "In the address itself", "art": url})
+            self.assertEqual(self.wait_for_line(lambda line: "artwork" in line)["artwork"], expected)
         for number, url in enumerate(urls, 1):
             player.play(metadata={"title": str(number), "art": url})
             self.wait_for_line(title=str(number), artworkId=0)
             player.play(metadata={"title": f"{number} good", "art": good})
             self.assertEqual(self.wait_for_line(lambda line: "artwork" in line)["artwork"], good_bytes, url)
-
-    def test_covers_in_the_address_itself(self):
-        player = self.player()
-        self.start_bridge()
-        for number, (url, expected) in enumerate([("data:image/png;base64,aGVsbG8=", "aGVsbG8="),
-                                                  ("data:,a%20b", "YSBi")]):
-            player.play(metadata={"title": str(number), "art": url})
-            self.assertEqual(self.wait_for_line(lambda line: "artwork" in line)["artwork"], expected)
 
     def test_covers_from_the_web_never_hold_up_the_stream(self):
         release = threading.Event()

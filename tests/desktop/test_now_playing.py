@@ -78,18 +78,5 @@ class NowPlaying(DesktopTest):
         wait_until(lambda: not Path(f"/proc/{last}").exists()
                    or " Z " in Path(f"/proc/{last}/stat").read_text(), "the bridge to end with the overlay")
 
-    def test_a_chattering_player_costs_no_memory(self):
-        player = self.play()
-        self.desktop.start_overlay()
-        self.desktop.wait_for_notch(*NOW_PLAYING)
-        before = self.resident_kilobytes()
-        for _ in range(5):
-            player.tell(flood=2000)
-        player.play(metadata={"title": "Last", "art": self.cover()})
-        self.wait_for_cover()
-        if not self.sanitized:
-            self.assertLess(self.resident_kilobytes() - before, 10_000)
-
-
 if __name__ == "__main__":
     unittest.main()

@@ -7,7 +7,7 @@ import unittest
 from Xlib import X
 
 from desktop import wait_until
-from desktop_test import HIDDEN, HOVERED, DesktopTest
+from desktop_test import HIDDEN, DesktopTest
 from picture import is_wallpaper
 
 # The surface while it shows a level, in points.
@@ -97,20 +97,6 @@ class Sound(DesktopTest):
         self.desktop.wait_for_notch(*HIDDEN)
         self.wait_for_level(lambda: self.type(VOLUME_UP))  # though there is nothing to change
         self.assertEqual(self.desktop.overlay.log.read_bytes(), b"")
-
-    def test_the_keys_are_left_alone_when_they_shall_not_be_replaced(self):
-        self.start_daemon()
-        self.desktop.start_overlay(defaults={"replaceHUD": False})
-        wait_until(lambda: "Tarnwick" in self.control("list", "clients"), "the overlay at the audio daemon")
-        root, code = self.desktop.root, self.keycode(VOLUME_UP)
-        root.grab_key(code, X.AnyModifier, False, X.GrabModeAsync, X.GrabModeAsync)
-        self.type(VOLUME_UP)
-        wait_until(lambda: self.desktop.x.pending_events() and self.desktop.x.next_event().type == X.KeyPress,
-                   "the key at the other program")
-        self.set_volume(16384)
-        self.hover_notch()  # what is shown by now would be shown with it
-        self.desktop.wait_for_notch(*HOVERED)
-
 
 if __name__ == "__main__":
     unittest.main()

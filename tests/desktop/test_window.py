@@ -4,20 +4,11 @@ import unittest
 
 from Xlib import X
 
-from claude_code import ClaudeCode
-from desktop import PATIENCE, PROGRAM, wait_until
+from desktop import wait_until
 from desktop_test import BANNER, CLAUDE, HIDDEN, DesktopTest
 
 
 class Window(DesktopTest):
-    def test_a_second_overlay_ends_at_once(self):
-        first = self.desktop.start_overlay()
-        second = self.desktop.start([PROGRAM])
-        self.assertEqual(second.wait(PATIENCE), 0)
-        self.desktop.hook(hook_event_name="UserPromptSubmit", session_id="a")
-        self.desktop.wait_for_notch(*CLAUDE)
-        self.assertIsNone(first.poll())
-
     def test_asked_for_pictures_it_says_that_it_has_none(self):
         result = self.desktop.run("--snapshot", "pictures")
         self.assertEqual(result.returncode, 1)
@@ -46,26 +37,6 @@ class Window(DesktopTest):
         wait_until(lambda: window.get_attributes().map_state == X.IsViewable
                    and window.get_geometry().height == height, "the full-screen window")
         return window
-
-
-class WithoutCompositor(DesktopTest):
-    compositor = False
-
-    def test_nothing_but_the_notch_is_black(self):
-        self.desktop.start_overlay()
-        self.desktop.wait_for_notch(*HIDDEN)
-        self.assert_wallpaper_around(0, 0)
-        self.desktop.hook(hook_event_name="UserPromptSubmit", session_id="a")
-        self.desktop.wait_for_notch(*CLAUDE)
-        self.assert_wallpaper_around(*CLAUDE)
-
-    def assert_wallpaper_around(self, width, height):
-        picture = self.desktop.top()
-        left, right = self.middle - width // 2, self.middle + width // 2
-        corner = picture.pixel(picture.x, 379)
-        strangers = [(x, y) for y in range(picture.height) for x in range(picture.x, picture.x + picture.width)
-                     if not (y < height and left <= x < right) and picture.pixel(x, y) != corner]
-        self.assertEqual(strangers[:5], [])
 
 
 if __name__ == "__main__":

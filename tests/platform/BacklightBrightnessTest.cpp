@@ -158,16 +158,12 @@ TEST_F(BacklightTest, SendsTheLastOfManyWishes) {
   EXPECT_TRUE(waitUntil([this] { return brightness.current() == 0.4; }));
 }
 
-TEST_F(BacklightTest, GivesUpWithoutASystemBus) {
+TEST_F(BacklightTest, GivesUpWithoutABusOrALoginDaemon) {
   panel("panel", "firmware", 10, 5);
   MessageBus none(TestDesktop::shared().scheduler, systemBusAddress);
   BacklightBrightness own(none, sysfs.path() + "/backlight");
   own.set(1);
   EXPECT_EQ(own.current(), 0.5);
-}
-
-TEST_F(BacklightTest, GivesUpWithoutALoginDaemon) {
-  panel("panel", "firmware", 10, 5);
   brightness.set(1);
   EXPECT_TRUE(waitUntil([this] { return brightness.current() == 0.5; })) << "it is as bright as it was";
 }

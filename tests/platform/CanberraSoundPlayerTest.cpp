@@ -3,43 +3,12 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "platform/TestDesktop.h"
-#include "support/TemporaryFolder.h"
+#include "platform/AudioDaemon.h"
 
 using namespace tarnwick;
 
-namespace {
-
-/// An audio daemon without hardware, which tells the names of the streams that play.
-class AudioDaemon {
- public:
-  AudioDaemon() {
-    qputenv("PULSE_SERVER", server_.toUtf8());
-    // Everything that is played comes out as the monitor of the null sink.
-    waitUntil([this] { return !list("sinks").empty(); });
-  }
-  ~AudioDaemon() { qunsetenv("PULSE_SERVER"); }
-
-  static std::string list(const char* what) {
-    QProcess process;
-    process.start("pactl", {"list", what});
-    process.waitForFinished();
-    return process.exitCode() == 0 ? process.readAllStandardOutput().toStdString() : "";
-  }
-
- private:
-  TemporaryFolder folder_;
-  QString server_ = "unix:" + QString::fromStdString(folder_.path()) + "/pulse";
-  Child daemon_{
-      "pulseaudio",
-      {"-n", "--daemonize=no", "--exit-idle-time=-1", "--use-pid-file=no", "--log-target=null", "-L",
-       "module-null-sink", "-L", "module-native-protocol-unix auth-anonymous=1 socket=" + server_.mid(5)}};
-};
-
-}  // namespace
-
 TEST(CanberraSoundPlayer, PlaysTheThemesSounds) {
-  const AudioDaemon daemon;
+  AudioDaemon daemon;
   CanberraSoundPlayer player(TestDesktop::shared().scheduler);
   const std::pair<const char*, const char*> cases[] = {
       {"Glass", "complete"}, {"Funk", "message"}, {"Pop", "power-plug"}, {"Basso", "dialog-warning"}};
@@ -47,7 +16,7 @@ TEST(CanberraSoundPlayer, PlaysTheThemesSounds) {
     const std::string expected = std::string("event.id = \"") + event + '"';
     EXPECT_TRUE(waitUntil([&] {
       player.play(name);
-      return AudioDaemon::list("sink-inputs").find(expected) != std::string::npos;
+      return daemon.ask({"list", "sink-inputs"}).find(expected) != std::string::npos;
     })) << name;
   }
 }

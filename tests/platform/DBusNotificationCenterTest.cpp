@@ -71,18 +71,6 @@ TEST(DBusNotificationCenter, WrongShapesArriveEmpty) {
   EXPECT_EQ(events.back(), (StringMap{{"last", "one"}}));
 }
 
-TEST(DBusNotificationCenter, KeepsTheOrderOfABurst) {
-  DBusNotificationCenter center(TestDesktop::shared().scheduler);
-  std::vector<int> numbers;
-  const auto subscription = center.observe(eventNotification, [&](const StringMap& payload) {
-    numbers.push_back(std::stoi(payload.at("number")));
-  });
-  Sender sender;
-  for (int i = 0; i < 2000; ++i) sender.send("event", {map({{"number", QString::number(i)}})});
-  ASSERT_TRUE(waitUntil([&] { return numbers.size() == 2000; }));
-  EXPECT_TRUE(std::is_sorted(numbers.begin(), numbers.end()));
-}
-
 TEST(DBusNotificationCenter, OneOverlayASession) {
   auto first = std::make_unique<DBusNotificationCenter>(TestDesktop::shared().scheduler);
   EXPECT_FALSE(first->anotherOverlayRuns());

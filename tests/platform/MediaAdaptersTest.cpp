@@ -186,7 +186,7 @@ TEST(DesktopApplications, KnowsTheApplicationOfAProcess) {
     ASSERT_TRUE(application) << c.what;
     EXPECT_EQ(application->bundle, c.bundle) << c.what;
     ASSERT_EQ(application->icon.has_value(), c.icon) << c.what;
-    if (c.icon) EXPECT_EQ(application->icon->pixels->front(), 0xff0000ff) << c.what;
+    EXPECT_EQ(c.icon ? application->icon->pixels->front() : 0xff0000ff, 0xff0000ff) << c.what;
   }
   EXPECT_EQ(applications.runningApplication(static_cast<int32_t>(::getpid()), ""), Application{})
       << "a program without a desktop entry";
@@ -203,14 +203,9 @@ TEST(DesktopApplications, BringsAnApplicationForwardOrStartsIt) {
   DesktopApplications applications(desktop.connection(), images);
 
   const auto window = desktop.startWindow("Player", QRect(300, 300, 200, 100));
-  // It gets its name, and the window manager lists it, a moment after it is on the screen.
-  xcb_window_t player = XCB_WINDOW_NONE;
+  const xcb_window_t player = desktop.awaitWindow("Player");
+  ASSERT_TRUE(waitUntil([&] { return desktop.isManaged(player); }));
   X11Connection& x = desktop.connection();
-  ASSERT_TRUE(waitUntil([&] {
-    player = desktop.findWindow("Player");
-    const auto clients = x.property(x.requestProperty(x.root(), "_NET_CLIENT_LIST"));
-    return clients && std::find(clients->begin(), clients->end(), player) != clients->end();
-  }));
   xcb_set_input_focus(x, XCB_INPUT_FOCUS_POINTER_ROOT, x.root(), XCB_CURRENT_TIME);
   xcb_flush(x);
   ASSERT_TRUE(waitUntil([&] { return desktop.focusedWindow() != player; }));

@@ -2,12 +2,9 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <signal.h>
-
 #include <QCoreApplication>
 
-#include "platform/TestDesktop.h"
-#include "support/TemporaryFolder.h"
+#include "platform/AudioDaemon.h"
 #include "support/VirtualScheduler.h"
 
 using namespace tarnwick;
@@ -19,52 +16,6 @@ namespace {
 
 constexpr auto output = AudioScope::output;
 constexpr auto input = AudioScope::input;
-
-/// A daemon without hardware that can be ended and started again; the environment leads programs to it.
-class AudioDaemon {
- public:
-  AudioDaemon() {
-    qputenv("PULSE_SERVER", ("unix:" + socket_).toUtf8());
-    start();
-  }
-  ~AudioDaemon() { qunsetenv("PULSE_SERVER"); }
-
-  void start() {
-    process_ = std::make_unique<Child>(
-        "pulseaudio",
-        QStringList{
-            "-n", "--daemonize=no", "--exit-idle-time=-1", "--use-pid-file=no", "--log-target=null", "-L",
-            "module-null-sink sink_name=speakers sink_properties=device.description=Speakers", "-L",
-            "module-null-sink sink_name=screen channels=2 "
-            "sink_properties='device.description=Screen device.bus=pci device.profile.name=hdmi-stereo'",
-            "-L", "module-null-source source_name=microphone description=Microphone", "-L",
-            "module-native-protocol-unix auth-anonymous=1 socket=" + socket_});
-    waitUntil([this] { return control({"info"}); });
-  }
-  void end() { process_.reset(); }
-  void stop() { ::kill(static_cast<pid_t>(process_->id()), SIGSTOP); }
-  void resume() { ::kill(static_cast<pid_t>(process_->id()), SIGCONT); }
-
-  /// Runs a command of another program.
-  bool control(const QStringList& arguments) {
-    QProcess process;
-    process.start("pactl", arguments);
-    process.waitForFinished();
-    told_ = process.readAllStandardOutput().toStdString();
-    return process.exitCode() == 0;
-  }
-  /// What another program reads.
-  std::string ask(const QStringList& arguments) {
-    control(arguments);
-    return told_;
-  }
-
- private:
-  TemporaryFolder folder_;
-  const QString socket_ = QString::fromStdString(folder_.path() + "/pulse");
-  std::unique_ptr<Child> process_;
-  std::string told_;
-};
 
 class PulseAudioDevicesTest : public testing::Test {
  protected:
@@ -319,20 +270,4 @@ TEST_F(PulseEchoTest, ABurstIsReportedOnceAFrame) {
   pass();
   if (fake.client->asked) fake.client->answer();
   EXPECT_EQ(volume(), 19900.0 / PulseClient::fullVolume) << "the last one is not lost";
-}
-
-TEST_F(PulseEchoTest, TriesAgainAfterALostConnectionOnlyOnce) {
-  int lists = 0;
-  const auto listObserver = devices.observe([&] { ++lists; });
-  devices.setVolume(1, output, 1);  // never confirmed
-  fake.client->onClosed();
-  EXPECT_THAT(devices.all(), IsEmpty());
-  EXPECT_EQ(lists, 1);
-  EXPECT_EQ(fake.connections, 1);
-  scheduler.advance(60);
-  EXPECT_EQ(fake.connections, 2) << "a connection that takes its time is left alone";
-  fake.client->onChange();
-  fake.client->answer();
-  EXPECT_THAT(devices.all(), SizeIs(1));
-  EXPECT_EQ(reports, 0) << "a device that returns is no change of its volume";
 }

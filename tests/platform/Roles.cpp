@@ -40,12 +40,17 @@ class DragSource : public OtherWindow {
   DragSource(QString type, QByteArray content) : type_(std::move(type)), data_(std::move(content)) {}
 
  protected:
-  void mouseMoveEvent(QMouseEvent*) override {
+  void mousePressEvent(QMouseEvent* event) override { pressed_ = event->pos(); }
+  void mouseMoveEvent(QMouseEvent* event) override {
+    if ((event->pos() - pressed_).manhattanLength() < QApplication::startDragDistance()) return;
     if (std::exchange(dragging_, true)) return;
     auto* mime = new QMimeData;
     mime->setData(type_, data_);
     auto* drag = new QDrag(this);
     drag->setMimeData(mime);
+    connect(drag, &QDrag::actionChanged, this, [](Qt::DropAction action) {
+      if (action == Qt::CopyAction) say("accepted");
+    });
     say("dragging");
     const Qt::DropAction action = drag->exec(Qt::CopyAction | Qt::MoveAction);
     say("dropped " + QByteArray(action == Qt::CopyAction     ? "copy"
@@ -57,6 +62,7 @@ class DragSource : public OtherWindow {
  private:
   QString type_;
   QByteArray data_;
+  QPoint pressed_;
   bool dragging_ = false;
 };
 

@@ -8,8 +8,10 @@ namespace tarnwick {
 /// --window TITLE X Y WIDTH HEIGHT [fullscreen | dock TOP-STRUT]   a coloured window (0x00ff00) that prints
 ///                                    "pressed" for each button press it gets
 /// --unmanaged TITLE X Y WIDTH HEIGHT a window that no window manager knows: a menu, or a screen locker
-/// --drag TYPE DATA X Y               a window of 100 × 100 that drags DATA as soon as the pointer is dragged
-///                                    in it, and prints "dropped ACTION" at the end
+/// --drag TYPE DATA X Y               a window of 100 × 100 that drags DATA when the pointer is dragged in
+/// it. It
+///                                    prints "dragging", "accepted" where a drop would copy, and "dropped
+///                                    ACTION"
 ///
 /// @return the exit status; -1 when the arguments name no role
 int playRole(int argc, char** argv);

@@ -34,15 +34,13 @@ class SystemServicesTest : public testing::Test {
   }
 
   void startBus() {
-    const QString path = QString::fromStdString(folder.path() + "/system-bus");
-    QFile::remove(path);
-    qputenv("DBUS_SYSTEM_BUS_ADDRESS", ("unix:path=" + path).toUtf8());
-    bus = std::make_unique<Child>("dbus-daemon", QStringList{"--session", "--nofork", "--print-address",
-                                                             "--address=unix:path=" + path});
-    bus->waitForLine("unix:");
+    const std::string path = folder.path() + "/system-bus";
+    qputenv("DBUS_SYSTEM_BUS_ADDRESS", ("unix:path=" + path).c_str());
+    bus = startMessageBus(path);
     static int count = 0;
     if (connection) QDBusConnection::disconnectFromBus(connection->name());
-    connection = QDBusConnection::connectToBus("unix:path=" + path, QString("hand-%1").arg(++count));
+    connection = QDBusConnection::connectToBus(qEnvironmentVariable("DBUS_SYSTEM_BUS_ADDRESS"),
+                                               QString("hand-%1").arg(++count));
   }
 
   std::unique_ptr<Child> startMock(const QString& name, const QString& service) {

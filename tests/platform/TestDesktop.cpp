@@ -8,6 +8,7 @@
 #include <QElapsedTimer>
 #include <QFile>
 #include <QTimer>
+#include <algorithm>
 #include <stdexcept>
 
 namespace tarnwick {
@@ -64,6 +65,15 @@ std::string Child::waitForLine(const std::string& start) {
   return found ? rest : "(no line " + start + ")";
 }
 
+std::unique_ptr<Child> startMessageBus(const std::string& socket) {
+  const QString path = QString::fromStdString(socket);
+  QFile::remove(path);
+  auto bus = std::make_unique<Child>(
+      "dbus-daemon", QStringList{"--session", "--nofork", "--print-address", "--address=unix:path=" + path});
+  bus->waitForLine("unix:");
+  return bus;
+}
+
 TestDesktop& TestDesktop::shared() { return *existing; }
 
 TestDesktop::TestDesktop() {
@@ -82,12 +92,9 @@ TestDesktop::TestDesktop() {
 }
 
 void TestDesktop::startBus() {
-  const QString path = QString::fromStdString(folder_.path() + "/bus");
-  QFile::remove(path);
-  qputenv("DBUS_SESSION_BUS_ADDRESS", ("unix:path=" + path).toUtf8());
-  bus_ = std::make_unique<Child>(
-      "dbus-daemon", QStringList{"--session", "--nofork", "--print-address", "--address=unix:path=" + path});
-  bus_->waitForLine("unix:");
+  const std::string path = folder_.path() + "/bus";
+  qputenv("DBUS_SESSION_BUS_ADDRESS", ("unix:path=" + path).c_str());
+  bus_ = startMessageBus(path);
 }
 
 void TestDesktop::restartBus() {
@@ -171,6 +178,12 @@ xcb_window_t TestDesktop::awaitWindow(const std::string& title) {
   xcb_window_t window = XCB_WINDOW_NONE;
   waitUntil([&] { return (window = findWindow(title)) != XCB_WINDOW_NONE; });
   return window;
+}
+
+bool TestDesktop::isManaged(xcb_window_t window) {
+  const auto clients =
+      connection_->property(connection_->requestProperty(connection_->root(), "_NET_CLIENT_LIST"));
+  return clients && std::find(clients->begin(), clients->end(), window) != clients->end();
 }
 
 std::optional<Rect> TestDesktop::shapeBounds(xcb_window_t window, uint8_t kind) {

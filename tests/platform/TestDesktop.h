@@ -34,6 +34,9 @@ class Child {
   QProcess process_;
 };
 
+/// A message bus that listens on that socket.
+std::unique_ptr<Child> startMessageBus(const std::string& socket);
+
 /// The desktop that all tests of this program share: an X server with two monitors, a window manager, and a
 /// session bus, all of their own.
 ///
@@ -71,9 +74,10 @@ class TestDesktop {
   std::vector<xcb_window_t> stacking();
   /// The child of the root window that holds `window`.
   xcb_window_t topLevel(xcb_window_t window);
-  xcb_window_t findWindow(const std::string& title);
-  /// The same, once a new window has got its name and the window manager has taken it over.
+  /// The window of that title, once it has got it.
   xcb_window_t awaitWindow(const std::string& title);
+  /// The window manager has taken the window over, and it is still there.
+  bool isManaged(xcb_window_t window);
   /// The union of a window's shape, in pixels relative to it; none when it is not shaped.
   std::optional<Rect> shapeBounds(xcb_window_t window, uint8_t kind);
 
@@ -82,6 +86,7 @@ class TestDesktop {
   void restartBus();
 
  private:
+  xcb_window_t findWindow(const std::string& title);
   static QStringList numbers(const QRect& place);
   void startBus();
 

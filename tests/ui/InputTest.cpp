@@ -107,27 +107,18 @@ TEST(Input, aTooltipShowsWhereThePointerRests) {
         .tooltip("Settings")
         .frame({.maxWidth = infinity, .maxHeight = infinity, .align = UnitPoint::topTrailing});
   });
-  stage.inspect.hover(Point{390, 10});
-  stage.run(0.5);
-  EXPECT_FALSE(stage.inspect.text("Settings"));
-  stage.run(0.5);
+  for (double x = 380; x <= 390; ++x) {
+    stage.inspect.hover(Point{x, 10});
+    stage.play(0.5);
+    EXPECT_FALSE(stage.inspect.text("Settings")) << "it does not rest yet";
+  }
+  stage.play(0.5);
   ASSERT_TRUE(stage.inspect.text("Settings"));
   EXPECT_LT(stage.inspect.text("Settings")->frame().right(), 400) << "inside the scene";
   EXPECT_GT(stage.inspect.text("Settings")->frame().y, 20) << "below the pointer";
   stage.inspect.hover(Point{10, 200});
-  stage.run(0.5);
+  stage.play(0.5);
   EXPECT_FALSE(stage.inspect.text("Settings"));
-}
-
-TEST(Input, aTooltipWaitsForThePointerToRest) {
-  Stage stage([] { return Rectangle().fill(white()).tooltip("Home"); });
-  for (int i = 0; i < 10; ++i) {
-    stage.inspect.hover(Point{50.0 + i, 50});
-    stage.run(0.3);
-    EXPECT_FALSE(stage.inspect.text("Home"));
-  }
-  stage.run(0.6);
-  EXPECT_TRUE(stage.inspect.text("Home"));
 }
 
 TEST(Input, aButtonThatShrinksWhilePressedKeepsItsArea) {
@@ -140,7 +131,7 @@ TEST(Input, aButtonThatShrinksWhilePressedKeepsItsArea) {
         });
   });
   stage.scene.input().pressed({151, 150});
-  stage.run(0.2);
+  stage.play(0.2);
   stage.scene.input().released({151, 150});
   EXPECT_EQ(pressed, 1);
 }
@@ -179,18 +170,6 @@ TEST(Input, hoverFollowsWhatMovesUnderARestingPointer) {
   EXPECT_FALSE(hovering);
   stage.change([&] { x = 100; });
   EXPECT_TRUE(hovering);
-}
-
-TEST(Input, viewsThatLeaveTakeNoPointer) {
-  bool shown = true;
-  int taps = 0;
-  Stage stage([&] {
-    return shown ? Rectangle().fill(white()).onTap([&] { ++taps; }).transition(Transition::opacity())
-                 : View();
-  });
-  stage.change([&] { shown = false; }, linear(1));
-  stage.inspect.tap(Point{200, 150});
-  EXPECT_EQ(taps, 0);
 }
 
 }  // namespace

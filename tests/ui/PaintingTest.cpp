@@ -70,38 +70,6 @@ TEST(Painting, blurSpreadsAndKeepsTheAmountOfInk) {
   }
 }
 
-TEST(Painting, circlesBeginAtThreeOClock) {
-  Stage stage([] {
-    return Circle()
-        .stroke(white(), {.width = 4, .inside = true, .trimTo = 0.25})
-        .rotation(-90)
-        .frame({.width = 60, .height = 60});
-  });
-  const QImage image = picture(stage.scene);
-  // A quarter from twelve to three o'clock.
-  EXPECT_GT(alphaAt(image, 200 + 19, 150 - 20), 200);
-  EXPECT_EQ(alphaAt(image, 200 - 20, 150 - 20), 0);
-  EXPECT_EQ(alphaAt(image, 200 + 19, 150 + 19), 0);
-}
-
-TEST(Painting, shadowsComeAlongTheAnimation) {
-  bool casts = false;
-  Stage stage([&] {
-    return Rectangle()
-        .fill(black())
-        .frame({.width = 60, .height = 60})
-        .clipShape(RoundedRectangle(4))
-        .shadow(black(casts ? 1 : 0), 4);
-  });
-  stage.change([&] { casts = true; }, linear(1));
-  EXPECT_EQ(alphaAt(picture(stage.scene), 168, 150), 0);
-  stage.run(0.5);
-  const int half = alphaAt(picture(stage.scene), 168, 150);
-  stage.run(0.6);
-  EXPECT_NEAR(half, alphaAt(picture(stage.scene), 168, 150) / 2.0, 4);
-  EXPECT_GT(half, 20);
-}
-
 TEST(Painting, groupsThatOnlyMoveAreNotDrawnAgain) {
   int drawn = 0;
   double blur = 8;
@@ -119,20 +87,10 @@ TEST(Painting, groupsThatOnlyMoveAreNotDrawnAgain) {
   drawn = 0;
   stage.change([&] { blur = 3; }, linear(1));
   for (int i = 0; i < 20; ++i) {
-    stage.run(1.0 / 60);
+    stage.play(1.0 / 60);
     picture(stage.scene);
   }
   EXPECT_LE(drawn, 1);
-}
-
-TEST(Painting, clipsWithTheRadiusThatIsShown) {
-  double radius = 40;
-  Stage stage([&] {
-    return Rectangle().fill(white()).frame({.width = 300, .height = 100}).clipShape(RoundedRectangle(radius));
-  });
-  stage.change([&] { radius = 2; }, linear(1));
-  // Still round: 12 points from the corner along the bottom edge is outside.
-  EXPECT_EQ(alphaAt(picture(stage.scene), 50 + 12, 198), 0);
 }
 
 TEST(Painting, fadesAGroupAsOne) {
@@ -194,8 +152,7 @@ TEST(Painting, repairsExactlyWhatChanged) {
     struct Item {
       double width = 30;
       int number = 0;
-      bool shown = true, blurred = false, shadow = false;
-      double opacity = 1;
+      bool shown = true, blurred = false, shadow = false, faint = false;
     };
     std::vector<Item> items(5);
     double spacing = 4;
@@ -209,7 +166,7 @@ TEST(Painting, repairsExactlyWhatChanged) {
         if (item.shadow) view = view.shadow({0.4, 0.7, 1, 0.9}, 5, {0, 3});
         views.push_back(HStack({.spacing = 3}, {view, Text("item " + std::to_string(item.number))})
                             .blur(item.blurred ? 4 : 0)
-                            .opacity(item.opacity)
+                            .opacity(item.faint ? 0.4 : 1)
                             .id(std::to_string(i))
                             .transition({.insertion = {.opacity = 0, .blur = 5, .scaleX = 0.6, .scaleY = 0.6},
                                          .removal = {.opacity = 0, .offset = {20, 0}}}));
@@ -225,52 +182,31 @@ TEST(Painting, repairsExactlyWhatChanged) {
     for (int step = 0; step < 120; ++step) {
       if (step % 9 == 0) {
         Item& item = items[size_t(roll(5))];
+        const auto animation = roll(4) ? std::optional(notchOpen) : std::nullopt;
+        bool* const flags[] = {&item.shown, &item.blurred, &item.faint, &item.shadow};
+        const int what = roll(7);
         stage.change(
             [&] {
-              switch (roll(7)) {
-                case 0:
-                  item.width = 20 + roll(100);
-                  break;
-                case 1:
-                  item.shown = !item.shown;
-                  break;
-                case 2:
-                  item.blurred = !item.blurred;
-                  break;
-                case 3:
-                  item.opacity = item.opacity < 1 ? 1 : 0.4;
-                  break;
-                case 4:
-                  item.number = roll(1000);
-                  break;
-                case 5:
-                  item.shadow = !item.shadow;
-                  break;
-                default:
-                  spacing = roll(12);
-              }
+              if (what < 4) *flags[what] = !*flags[what];
+              if (what == 4) item.width = 20 + roll(100);
+              if (what == 5) item.number = roll(1000);
+              if (what == 6) spacing = roll(12);
             },
-            roll(4) ? std::optional(notchOpen) : std::nullopt);
+            animation);
       } else {
-        stage.run(1.0 / 60);
+        stage.play(1.0 / 60);
       }
       for (const Rect& area : stage.scene.takeDamage()) stage.scene.paint(shown, area);
       const QImage whole = picture(stage.scene);
-      int wrong = 0;
-      QRect where;
+      const qsizetype bytes = whole.bytesPerLine();
       for (int y = 0; y < whole.height(); ++y) {
-        for (int x = 0; x < whole.width(); ++x) {
-          const QRgb a = whole.pixel(x, y), b = shown.pixel(x, y);
-          const int off = std::max({std::abs(qAlpha(a) - qAlpha(b)), std::abs(qRed(a) - qRed(b)),
-                                    std::abs(qGreen(a) - qGreen(b)), std::abs(qBlue(a) - qBlue(b))});
-          if (off > 24) {
-            ++wrong;
-            where |= QRect(x, y, 1, 1);
-          }
+        const uchar *line = whole.constScanLine(y), *other = shown.constScanLine(y);
+        if (std::equal(line, line + bytes, other)) continue;
+        for (qsizetype i = 0; i < bytes; ++i) {
+          ASSERT_LE(std::abs(line[i] - other[i]), 24)
+              << "seed " << seed << " step " << step << " at " << i / 4 << "," << y;
         }
       }
-      ASSERT_EQ(wrong, 0) << "seed " << seed << " step " << step << " at " << where.x() << "," << where.y()
-                          << " " << where.width() << "x" << where.height();
     }
   }
 }

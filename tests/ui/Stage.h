@@ -1,7 +1,6 @@
 #pragma once
-#include <QGuiApplication>
+#include <algorithm>
 #include <functional>
-#include <memory>
 
 #include "base/ObservableObject.h"
 #include "base/Observed.h"
@@ -12,13 +11,18 @@
 
 namespace tarnwick::ui {
 
-/// A scene on the virtual clock whose only view is made by `body`; `change` alters what the body reads.
+/// A scene on a virtual clock, and what a test does with it.
 class Stage {
  public:
-  explicit Stage(std::function<View()> body, Size size = {400, 300})
-      : scene(scheduler, size, observing({&state_}, std::move(body))), inspect(scene) {
+  /// @param clock must outlive the stage; none: one of its own
+  explicit Stage(View view, Size size = {400, 300}, double pixelRatio = 1, VirtualScheduler* clock = nullptr)
+      : scheduler(clock ? *clock : own_), scene(scheduler, size, std::move(view), pixelRatio) {
+    // Pictures that change by the clock are not to be taken just as they do.
+    own_.advance(0.03);
     scene.frame();
   }
+  /// The view is made by `body`; `change` alters what that reads.
+  explicit Stage(std::function<View()> body) : Stage(observing({&state_}, std::move(body))) {}
 
   /// Runs `edit` and shows the result along `animation` (at once without one).
   void change(const std::function<void()>& edit, std::optional<Animation> animation = std::nullopt) {
@@ -32,22 +36,23 @@ class Stage {
       both();
     scene.frame();
   }
-  /// Lets time pass, a frame every 1/60 s.
-  void run(double seconds) {
-    for (double t = 0; t < seconds - 1e-9; t += 1.0 / 60) {
-      scheduler.advance(1.0 / 60);
+  /// Lets time pass, frame by frame.
+  void play(double seconds) {
+    constexpr double frame = 1.0 / 60;
+    for (double left = seconds; left > 1e-9; left -= frame) {
+      scheduler.advance(std::min(frame, left));
       scene.frame();
     }
   }
 
-  VirtualScheduler scheduler;
-
  private:
+  VirtualScheduler own_;
   ObservableObject state_;
 
  public:
+  VirtualScheduler& scheduler;
   Scene scene;
-  Inspector inspect;
+  Inspector inspect{scene};
 };
 
 }  // namespace tarnwick::ui

@@ -1,9 +1,9 @@
 #include <gmock/gmock.h>
 
-#include "NotchStage.h"
-#include "ViewStage.h"
 #include "support/ForcedLanguage.h"
+#include "ui/Stage.h"
 #include "views/ButtonStyles.h"
+#include "views/NotchStage.h"
 
 namespace tarnwick {
 namespace {
@@ -16,7 +16,7 @@ void open(NotchStage& stage, Tab tab) {
 }
 
 std::optional<ui::Inspector::Found> page(NotchStage& stage, const char* tab, bool leaving) {
-  return stage.inspector->first([&](const ui::Inspector::Found& found) {
+  return stage.inspect.first([&](const ui::Inspector::Found& found) {
     return found.id() == tab && found.kind() == "Frame" && found.isLeaving() == leaving;
   });
 }
@@ -35,33 +35,14 @@ TEST(TabBar, SelectsAndNamesItsTabs) {
     NotchStage stage;
     open(stage, Tab::home);
     for (const auto& c : tabs) {
-      const auto button = stage.inspector->control(french ? c.french : c.english);
+      const auto button = stage.inspect.control(french ? c.french : c.english);
       ASSERT_TRUE(button) << c.english;
       EXPECT_EQ(button->interaction()->role, ui::Role::button);
-      stage.inspector->tap(*button);
+      stage.inspect.tap(*button);
       stage.settle();
       EXPECT_EQ(stage.model.tab, c.tab) << c.english;
     }
   }
-}
-
-TEST(TabBar, LetsOnePillGlideToTheSelectedTab) {
-  NotchStage stage;
-  open(stage, Tab::home);
-  const auto pills = [&] {
-    return stage.inspector->all([](const auto& found) { return found.id() == "pill"; });
-  };
-  ASSERT_EQ(pills().size(), 1u);
-  const Rect from = pills()[0].frame();
-  EXPECT_EQ(from.size(), (Size{31, 26}));
-  stage.model.select(Tab::notes);
-  stage.play(0.1);
-  ASSERT_EQ(pills().size(), 1u);
-  EXPECT_GT(pills()[0].frame().x, from.x + 2);
-  EXPECT_LT(pills()[0].frame().x, from.x + 4 * 32 - 2);
-  EXPECT_EQ(pills()[0].opacity(), 1);
-  stage.settle();
-  EXPECT_NEAR(pills()[0].frame().x, from.x + 4 * 32, 0.01);
 }
 
 TEST(TabBar, KeepsClearOfTheCamera) {
@@ -70,9 +51,9 @@ TEST(TabBar, KeepsClearOfTheCamera) {
     NotchStage stage;
     stage.model.notchSize = Size{camera, 32};
     open(stage, Tab::home);
-    const Rect surface = stage.inspector->id("surface")->frame();
-    const Rect first = stage.inspector->control("Home")->frame();
-    const Rect last = stage.inspector->control("Notes")->frame();
+    const Rect surface = stage.inspect.id("surface")->frame();
+    const Rect first = stage.inspect.control("Home")->frame();
+    const Rect last = stage.inspect.control("Notes")->frame();
     EXPECT_LE(last.right(), surface.midX() - camera / 2);
     // From the surface's edge inside the ear.
     EXPECT_GE(first.x - surface.x - 6, 11);
@@ -83,31 +64,16 @@ TEST(TabBar, KeepsClearOfTheCamera) {
 TEST(TopStrip, KeepsTooltipsOnTheSurface) {
   NotchStage stage;
   open(stage, Tab::claude);
-  const Rect surface = stage.inspector->id("surface")->frame().grownBy(-6, 0);
+  const Rect surface = stage.inspect.id("surface")->frame().grownBy(-6, 0);
   for (const char* name : {"Home", "Settings"}) {
     SCOPED_TRACE(name);
-    stage.inspector->hover(*stage.inspector->control(name));
+    stage.inspect.hover(*stage.inspect.control(name));
     stage.settle();
-    const auto tooltip = stage.inspector->text(name);
+    const auto tooltip = stage.inspect.text(name);
     ASSERT_TRUE(tooltip);
     EXPECT_GT(tooltip->frame().x, surface.x);
     EXPECT_LT(tooltip->frame().right(), surface.right());
   }
-}
-
-TEST(TabBar, LetsTheMascotFlyInFromTheWing) {
-  NotchStage stage;
-  stage.hook("a", "UserPromptSubmit");
-  stage.settle();
-  const Rect wing = stage.inspector->kind("Canvas")[0].frame();
-  withAnimation(notchOpen, [&] { stage.model.expand(Tab::home); });
-  stage.play(1.0 / 60);
-  const Rect start = stage.inspector->kind("Canvas").back().frame();
-  stage.settle();
-  const Rect end = stage.inspector->kind("Canvas").back().frame();
-  // Of the way between the two places it has gone only a part.
-  EXPECT_LT(std::abs(start.midX() - wing.midX()), std::abs(end.midX() - wing.midX()));
-  EXPECT_GT(start.width, end.width);
 }
 
 TEST(ExpandedBody, SlidesInTheDirectionOfTheMove) {
@@ -139,17 +105,17 @@ TEST(ExpandedBody, SlidesInTheDirectionOfTheMove) {
 TEST(TopStrip, OpensTheSettingsAndShowsTheBatteryThatThereIs) {
   NotchStage stage;
   open(stage, Tab::home);
-  EXPECT_THAT(stage.inspector->texts(), testing::IsEmpty());
+  EXPECT_THAT(stage.inspect.texts(), testing::IsEmpty());
   stage.model.power.hasBattery = true;
   stage.model.power.level = 64;
   stage.settle();
-  EXPECT_THAT(stage.inspector->texts(), Contains("64 %"));
-  EXPECT_FALSE(stage.inspector->symbol("bolt.fill"));
+  EXPECT_THAT(stage.inspect.texts(), Contains("64 %"));
+  EXPECT_FALSE(stage.inspect.symbol("bolt.fill"));
   stage.model.power.pluggedIn = true;
   stage.settle();
-  EXPECT_TRUE(stage.inspector->symbol("bolt.fill"));
+  EXPECT_TRUE(stage.inspect.symbol("bolt.fill"));
 
-  stage.inspector->tap(*stage.inspector->control("Settings"));
+  stage.inspect.tap(*stage.inspect.control("Settings"));
   EXPECT_EQ(stage.settingsOpened, 1);
 }
 
@@ -165,34 +131,24 @@ TEST(ButtonStyles, AnswerThePointer) {
   for (const auto& s : styles) {
     SCOPED_TRACE(s.name);
     int clicks = 0;
-    ViewStage stage(ui::Button(
+    ui::Stage stage(ui::Button(
         "ok", [&] { ++clicks; }, ui::Text("label"), s.style));
     const auto expect = [&](double fill, double scale) {
       stage.play(1);
-      EXPECT_NEAR(stage.inspector.kind("Shape")[0].color().alpha, fill, 1e-6);
-      EXPECT_NEAR(stage.inspector.text("label")->scale(), scale, 1e-6);
+      EXPECT_NEAR(stage.inspect.kind("Shape")[0].color().alpha, fill, 1e-6);
+      EXPECT_NEAR(stage.inspect.text("label")->scale(), scale, 1e-6);
     };
     expect(s.restFill, 1);
-    stage.inspector.hover(*stage.inspector.text("label"));
+    stage.inspect.hover(*stage.inspect.text("label"));
     expect(s.hoverFill, s.hoverScale);
-    stage.inspector.press(*stage.inspector.text("label"));
+    stage.inspect.press(*stage.inspect.text("label"));
     expect(s.pressFill, s.pressScale);
-    stage.inspector.release({200, 100});
+    stage.inspect.release({200, 150});
     expect(s.hoverFill, s.hoverScale);
     EXPECT_EQ(clicks, 1);
-    stage.inspector.leave();
+    stage.inspect.leave();
     expect(s.restFill, 1);
   }
-}
-
-TEST(HoverLift, RaisesWhatIsUnderThePointer) {
-  ViewStage stage(hoverLift(ui::Text("card"), 1.05));
-  stage.inspector.hover(*stage.inspector.text("card"));
-  stage.play(1);
-  EXPECT_NEAR(stage.inspector.text("card")->scale(), 1.05, 1e-6);
-  stage.inspector.leave();
-  stage.play(1);
-  EXPECT_NEAR(stage.inspector.text("card")->scale(), 1, 1e-6);
 }
 
 }  // namespace

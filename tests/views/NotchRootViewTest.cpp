@@ -2,9 +2,9 @@
 
 #include <gmock/gmock.h>
 
-#include "NotchStage.h"
 #include "support/ForcedLanguage.h"
 #include "views/NotchShape.h"
+#include "views/NotchStage.h"
 
 namespace tarnwick {
 namespace {
@@ -37,10 +37,6 @@ const Scene scenes[] = {
     {"claude", work, {285, 32}, 10},
     {"now playing", playMusic, {285, 32}, 10},
     {"volume", [](NotchStage& s) { s.model.show(Transient::hud(HUDKind::volume, 1), 9); }, {405, 32}, 10},
-    {"device",
-     [](NotchStage& s) { s.model.show(Transient::device("x", "keyboard", {}, true), 9); },
-     {445, 32},
-     10},
     {"banner", [](NotchStage& s) { s.model.present(banner(), 9); }, {400, 92}, 22},
     {"expanded", [](NotchStage& s) { s.model.expand(); }, {560, 170}, 26},
     {"files",
@@ -54,80 +50,55 @@ const Scene scenes[] = {
 
 TEST(NotchRootView, HangsTheSurfaceFromTheMiddleOfTheTopEdge) {
   for (const Scene& scene : scenes) {
-    SCOPED_TRACE(scene.name);
-    NotchStage stage;
-    scene.prepare(stage);
-    stage.settle();
-    const Rect expected{470 - std::floor(scene.size.width / 2 + 0.5), 0, scene.size.width, scene.size.height};
-    const Rect surface = *stage.scene->presentedFrame(surfaceId);
-    EXPECT_NEAR(surface.x, expected.x, 1);
-    EXPECT_EQ(surface.y, 0);
-    EXPECT_NEAR(surface.width, scene.size.width, 1e-6);
-    EXPECT_NEAR(surface.height, scene.size.height, 1e-6);
-    const auto clip = stage.scene->presentedClip(surfaceId);
-    ASSERT_TRUE(clip);
-    EXPECT_THAT(clip->animated, ElementsAre(scene.radius));
-    EXPECT_THAT(clip->fixed, ElementsAre(notchFlare));
+    for (const bool hasNotch : {true, false}) {
+      SCOPED_TRACE(scene.name);
+      NotchStage stage;
+      stage.model.hasNotch = hasNotch;
+      scene.prepare(stage);
+      stage.settle();
+      const Rect surface = *stage.scene.presentedFrame(surfaceId);
+      EXPECT_NEAR(surface.midX(), 470, 1);
+      EXPECT_EQ(surface.y, 0);
+      EXPECT_NEAR(surface.width, scene.size.width, 1e-6);
+      EXPECT_NEAR(surface.height, scene.size.height, 1e-6);
+      const auto clip = stage.scene.presentedClip(surfaceId);
+      ASSERT_TRUE(clip);
+      EXPECT_THAT(clip->animated, ElementsAre(scene.radius));
+      EXPECT_THAT(clip->fixed, ElementsAre(notchFlare));
+      const bool invisible = !hasNotch && std::string("idle") == scene.name;
+      EXPECT_EQ(stage.inspect.id(surfaceId)->opacity(), invisible ? 0 : 1);
+      EXPECT_EQ(stage.scene.isVisible(surfaceId), !invisible);
+    }
   }
 }
 
-TEST(NotchRootView, FollowsThePresentationAlongItsSpring) {
+TEST(NotchRootView, ExpandsByATapOnTheSurfaceButNotTwice) {
   NotchStage stage;
-  stage.model.expand();
-  stage.play(0.1);
-  const Rect underway = *stage.scene->presentedFrame(surfaceId);
-  EXPECT_GT(underway.width, 197);
-  EXPECT_LT(underway.width, 560);
-  const double radius = stage.scene->presentedClip(surfaceId)->animated[0];
-  EXPECT_GT(radius, 10);
-  EXPECT_LT(radius, 26);
-  EXPECT_NEAR(underway.midX(), 470, 1);
-}
-
-TEST(NotchRootView, IsInvisibleAtRestWithoutACameraNotch) {
-  for (const Scene& scene : scenes) {
-    NotchStage stage;
-    stage.model.hasNotch = false;
-    scene.prepare(stage);
-    stage.settle();
-    const bool idle = std::string("idle") == scene.name;
-    EXPECT_EQ(stage.inspector->id(surfaceId)->opacity(), idle ? 0 : 1) << scene.name;
-    EXPECT_EQ(stage.scene->isVisible(surfaceId), !idle) << scene.name;
-    EXPECT_EQ(stage.scene->presentedFrame(surfaceId)->width, scene.size.width) << scene.name;
+  for (const Point outside : {Point{300, 10}, Point{470, 40}, Point{372.5, 31.5}}) {
+    stage.inspect.tap(outside);
+    EXPECT_FALSE(stage.model.isExpanded) << outside.x << ", " << outside.y;
   }
-}
-
-TEST(NotchRootView, ExpandsByATapAnywhereButNotTwice) {
-  NotchStage stage;
-  stage.inspector->tap(Point{470, 10});
+  stage.inspect.tap(Point{470, 10});
   stage.settle();
   EXPECT_TRUE(stage.model.isExpanded);
 
   stage.model.tab = Tab::home;
   // With a session waiting, another expansion would change the tab.
   stage.hook("w", "Notification", {{"message", "Hello"}});
-  stage.inspector->tap(Point{470, 150});
+  stage.inspect.tap(Point{470, 150});
   stage.settle();
   EXPECT_EQ(stage.model.tab, Tab::home);
 }
 
-TEST(NotchRootView, TakesNoTapBesideTheSurface) {
-  NotchStage stage;
-  for (const Point outside : {Point{300, 10}, Point{470, 40}, Point{372.5, 31.5}}) {
-    stage.inspector->tap(outside);
-    EXPECT_FALSE(stage.model.isExpanded) << outside.x << ", " << outside.y;
-  }
-}
-
 TEST(NotchRootView, GlowsWithMusicAndBanners) {
-  const auto glows = [](NotchStage& stage, const char* id) { return stage.inspector->id(id).has_value(); };
+  const auto glows = [](NotchStage& stage, const char* id) { return stage.inspect.id(id).has_value(); };
   NotchStage stage;
   stage.model.media.title = "Song";
   stage.model.media.accent = colors::pink;
   stage.model.expand(Tab::home);
   stage.settle();
   ASSERT_TRUE(glows(stage, "homeGlow"));
-  EXPECT_EQ(stage.inspector->id("homeGlow")->color(), colors::pink.opacity(0.32));
+  EXPECT_EQ(stage.inspect.id("homeGlow")->color(), colors::pink.opacity(0.32));
   stage.model.setDraggingFiles(true);
   stage.settle();
   EXPECT_FALSE(glows(stage, "homeGlow"));
@@ -139,7 +110,7 @@ TEST(NotchRootView, GlowsWithMusicAndBanners) {
   stage.model.present(banner(), 9);
   stage.settle();
   ASSERT_TRUE(glows(stage, "bannerGlow"));
-  EXPECT_EQ(stage.inspector->id("bannerGlow")->color(), colors::blue.opacity(0.25));
+  EXPECT_EQ(stage.inspect.id("bannerGlow")->color(), colors::blue.opacity(0.25));
 }
 
 TEST(Banner, ShowsTheMascotOrItsIconTwiceInTheStrip) {
@@ -147,16 +118,16 @@ TEST(Banner, ShowsTheMascotOrItsIconTwiceInTheStrip) {
     NotchStage stage;
     stage.model.present(banner(crab ? std::optional(CrabMood::happy) : std::nullopt), 9);
     stage.settle();
-    EXPECT_EQ(stage.inspector->symbols().size(), crab ? 2u : 3u) << "with the badge's";
-    EXPECT_EQ(stage.inspector->kind("Canvas").size(), crab ? 1u : 0u);
-    EXPECT_THAT(stage.inspector->texts(), ElementsAre("Review", "Starts soon"));
+    EXPECT_EQ(stage.inspect.symbols().size(), crab ? 2u : 3u) << "with the badge's";
+    EXPECT_EQ(stage.inspect.kind("Canvas").size(), crab ? 1u : 0u);
+    EXPECT_THAT(stage.inspect.texts(), ElementsAre("Review", "Starts soon"));
   }
 }
 
 TEST(Banner, PopsItsBadgeInForEachNewOne) {
   NotchStage stage;
   const auto badgeWidth = [&] {
-    for (const auto& found : stage.inspector->kind("Shape")) {
+    for (const auto& found : stage.inspect.kind("Shape")) {
       if (found.targetFrame().width == 40) return found.frame().width;
     }
     return -1.0;
@@ -181,8 +152,8 @@ TEST(Banner, KeepsLongTextsOnTheCard) {
   shown.title = shown.subtitle = std::string(300, 'W');
   stage.model.present(shown, 9);
   stage.settle();
-  const Rect surface = *stage.scene->presentedFrame(surfaceId);
-  for (const auto& text : stage.inspector->kind("Text")) {
+  const Rect surface = *stage.scene.presentedFrame(surfaceId);
+  for (const auto& text : stage.inspect.kind("Text")) {
     EXPECT_NEAR(text.frame().right(), surface.right() - 6 - 22 - 14, 1);
   }
 }
@@ -194,31 +165,31 @@ TEST(Artwork, ShowsTheBestPictureThatThereIs) {
   NotchStage stage;
   playMusic(stage);
   stage.settle();
-  EXPECT_TRUE(stage.inspector->symbol("music.note"));
+  EXPECT_TRUE(stage.inspect.symbol("music.note"));
 
   stage.model.media.appIcon = picture();
   stage.settle();
-  EXPECT_FALSE(stage.inspector->symbol("music.note"));
-  EXPECT_NEAR(stage.inspector->kind("Image").at(0).frame().width, 22 - 2 * 0.08 * 22, 1e-6);
+  EXPECT_FALSE(stage.inspect.symbol("music.note"));
+  EXPECT_NEAR(stage.inspect.kind("Image").at(0).frame().width, 22 - 2 * 0.08 * 22, 1e-6);
 
   stage.model.media.artwork = picture();
   stage.play(0.1);
   // One fades into the other.
-  EXPECT_EQ(stage.inspector->all([](const auto& found) { return found.kind() == "Image"; }).size(), 2u);
+  EXPECT_EQ(stage.inspect.all([](const auto& found) { return found.kind() == "Image"; }).size(), 2u);
   stage.settle();
-  ASSERT_EQ(stage.inspector->kind("Image").size(), 1u);
-  EXPECT_EQ(stage.inspector->kind("Image")[0].frame().size(), (Size{22, 22}));
+  ASSERT_EQ(stage.inspect.kind("Image").size(), 1u);
+  EXPECT_EQ(stage.inspect.kind("Image")[0].frame().size(), (Size{22, 22}));
 }
 
 TEST(NotchRootView, RepaintsNothingButTheWingsWhileASessionWorks) {
   NotchStage stage;
   stage.hook("one", "UserPromptSubmit");
   stage.settle();
-  stage.scene->takeDamage();
+  stage.scene.takeDamage();
   int painted = 0;
   for (int frame = 0; frame < 60; ++frame) {
     stage.play(1.0 / 60);
-    for (const Rect& area : stage.scene->takeDamage()) {
+    for (const Rect& area : stage.scene.takeDamage()) {
       ++painted;
       EXPECT_TRUE(area.right() < 470 - 60 || area.x > 470 + 60) << area.x << " " << area.width;
       EXPECT_LT(area.width * area.height, 1000);
