@@ -199,8 +199,8 @@ class Activation : public QAccessible::ActivationObserver {
 void installSceneAccessibility() {
   [[maybe_unused]] static const bool installed = [] {
     QAccessible::installFactory(makeInterface);
-    // It lives on when the program ends, as the toolkit's list of observers does.
-    QAccessible::installActivationObserver(new Activation);
+    static Activation activation;
+    QAccessible::installActivationObserver(&activation);
     return true;
   }();
 }
