@@ -62,7 +62,8 @@ class AppDelegate {
   UPowerSources powerSources_{systemBus_};
   BluezDevices bluetooth_{systemBus_};
   MessageBus sessionBus_{scheduler_, sessionBusAddress};
-  EvolutionCalendars calendars_{scheduler_, sessionBus_, [] { return loadCalendarReader(moduleFolder()); }};
+  EvolutionCalendars calendars_{scheduler_, sessionBus_, hasCalendars(folders_),
+                                [] { return loadCalendarReader(moduleFolder()); }};
   std::unique_ptr<NotchController> controller_;
 };
 

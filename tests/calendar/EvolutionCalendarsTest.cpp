@@ -200,7 +200,7 @@ class EvolutionCalendarsTest : public testing::Test {
   Date from = today;
   QtScheduler scheduler;
   MessageBus bus{scheduler, sessionBusAddress};
-  EvolutionCalendars calendars{scheduler, bus, [] { return loadCalendarReader(TARNWICK_MODULES); }};
+  EvolutionCalendars calendars{scheduler, bus, true, [] { return loadCalendarReader(TARNWICK_MODULES); }};
   Subscription subscription;
   std::optional<bool> access;
   int changes = 0;

@@ -4,6 +4,7 @@
 #include <QDBusObjectPath>
 #include <algorithm>
 #include <cstdio>
+#include <filesystem>
 
 #include "base/LocalTime.h"
 #include "platform/linux/Module.h"
@@ -70,9 +71,17 @@ ReadCalendar* loadCalendarReader(const std::string& folder) {
   return reinterpret_cast<ReadCalendar*>(moduleFunction(folder + "/CalendarReader.so", readCalendarName));
 }
 
-EvolutionCalendars::EvolutionCalendars(Scheduler& scheduler, MessageBus& bus,
+bool hasCalendars(const Folders& folders) {
+  const std::string places[] = {folders.data() + "/evolution", folders.configuration() + "/evolution",
+                                folders.configuration() + "/goa-1.0"};
+  std::error_code ignored;
+  return std::ranges::any_of(places,
+                             [&](const auto& place) { return std::filesystem::exists(place, ignored); });
+}
+
+EvolutionCalendars::EvolutionCalendars(Scheduler& scheduler, MessageBus& bus, bool starts,
                                        std::function<ReadCalendar*()> load)
-    : scheduler_(scheduler), bus_(bus), load_(std::move(load)), sources_(bus, service, true) {
+    : scheduler_(scheduler), bus_(bus), load_(std::move(load)), sources_(bus, service, starts) {
   sources_.listen(managerPath, objectManager, "InterfacesAdded");
   sources_.listen(managerPath, objectManager, "InterfacesRemoved");
   sources_.listen("", "org.freedesktop.DBus.Properties", "PropertiesChanged", sourceInterface);

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "base/Scheduler.h"
+#include "platform/Folders.h"
 #include "platform/linux/EvolutionCalendar.h"
 #include "platform/linux/MessageBus.h"
 
@@ -14,14 +15,19 @@ namespace tarnwick {
 /// needs is missing. May take long.
 ReadCalendar* loadCalendarReader(const std::string& folder);
 
+/// Whether this user has ever had calendars or an online account. For nobody else need the service be
+/// started, which takes a hundred megabytes.
+bool hasCalendars(const Folders& folders);
+
 /// The calendars of Evolution Data Server, which desktops keep their online accounts in. Without it, access
 /// counts as not granted. The service is spoken to as its own library does it: that library is good, but
 /// brings forty others and four threads along, a third of all the memory that the overlay would need.
 class EvolutionCalendars : public Calendars {
  public:
   /// @param bus the session's
+  /// @param starts whether the service is started where it does not run; else it is waited for
   /// @param load called once, off the main thread, when there is a calendar
-  EvolutionCalendars(Scheduler& scheduler, MessageBus& bus, std::function<ReadCalendar*()> load);
+  EvolutionCalendars(Scheduler& scheduler, MessageBus& bus, bool starts, std::function<ReadCalendar*()> load);
 
   void requestAccess(std::function<void(bool)> then) override;
   bool hasAccess() const override { return access_; }
