@@ -49,6 +49,7 @@ int main(int count, char** arguments) {
   switch (commandLine.role) {
     case Role::hook: {
       SessionBus bus(sessionBusAddresses());
+      bus.greet();
       HookCLI::run(bus);
       return EXIT_SUCCESS;
     }

@@ -8,7 +8,6 @@
 
 #include "cli/BusMessage.h"
 #include "cli/BusReplies.h"
-#include "cli/BusSocket.h"
 
 namespace tarnwick {
 namespace {
@@ -44,21 +43,28 @@ void exchange(int socket, std::string_view bytes, size_t calls, Clock::time_poin
 
 }  // namespace
 
+void SessionBus::greet() {
+  socket_ = std::make_unique<BusSocket>(addresses_, Clock::now() + patience_);
+  if (socket_->descriptor() < 0) return;
+  const std::string greeting =
+      std::string(BusMessage::authentication) + BusMessage::busCall(1, "org.freedesktop.DBus", "Hello");
+  // A new connection takes these few bytes at once, or is broken, which the post will find out.
+  (void)::send(socket_->descriptor(), greeting.data(), greeting.size(), MSG_NOSIGNAL);
+}
+
 void SessionBus::post(std::string_view name, const StringMap& userInfo) {
   const size_t dot = name.rfind('.');
   std::string path = "/" + std::string(name.substr(0, dot));
   std::ranges::replace(path, '.', '/');
 
-  // Everything goes out in one write. Closing at once would lose it, for a bus drops what it has not read of
-  // a closed connection; the answer to a call sent after the signal tells that the bus has passed it on.
-  std::string bytes(BusMessage::authentication);
-  bytes += BusMessage::busCall(1, "org.freedesktop.DBus", "Hello");
-  bytes += BusMessage::signal(2, path, name.substr(0, dot), name.substr(dot + 1), userInfo);
-  bytes += BusMessage::busCall(3, "org.freedesktop.DBus.Peer", "Ping");
-
-  const Clock::time_point deadline = Clock::now() + patience_;
-  const BusSocket socket(addresses_, deadline);
-  if (socket.descriptor() >= 0) exchange(socket.descriptor(), bytes, 2, deadline);
+  if (!socket_) greet();
+  const std::unique_ptr<BusSocket> socket = std::move(socket_);
+  if (socket->descriptor() < 0) return;
+  // Closing at once would lose the signal, for a bus drops what it has not read of a closed connection; the
+  // answer to a call sent after it tells that the bus has passed it on.
+  const std::string bytes = BusMessage::signal(2, path, name.substr(0, dot), name.substr(dot + 1), userInfo) +
+                            BusMessage::busCall(3, "org.freedesktop.DBus.Peer", "Ping");
+  exchange(socket->descriptor(), bytes, 2, Clock::now() + patience_);
 }
 
 }  // namespace tarnwick
