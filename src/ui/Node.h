@@ -76,7 +76,6 @@ class Node {
   std::shared_ptr<StateCell> cell;
   std::vector<const ObservableObject*> observed;
   std::vector<Subscription> subscriptions;
-  Task timer;
 
   // Scrolled
   Point scroll;

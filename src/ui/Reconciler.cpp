@@ -172,9 +172,9 @@ void Reconciler::updateDynamic(Node& node, const Context& context) {
     }
   }
   if (body.interval > 0)
-    scene_.timelines_.insert(&node);
-  else if (scene_.timelines_.erase(&node))
-    node.timer = {};
+    scene_.timelineViews_.insert(&node);
+  else if (scene_.timelineViews_.erase(&node))
+    scene_.timelines_.stop(node);
   scene_.dirty_.erase(&node);
   updateChildren(node, {body.body(node.cell, scene_.scheduler_.now())}, context);
 }

@@ -157,21 +157,19 @@ void Scene::finishLeaving(Node& node) {
 
 /// Timelines that cannot be seen rest.
 void Scene::updateTimelines() {
-  for (Node* node : timelines_) {
-    const bool runs = bool(node->timer);
-    const bool wanted = node->visible || node->isNew;
-    if (runs == wanted) continue;
-    if (!wanted) {
-      node->timer = {};
-      continue;
-    }
-    const double interval = static_cast<const DynamicElement&>(*node->element).body().interval;
-    node->timer = scheduler_.every(interval, [this, node] {
-      if (leaves(node)) return;
-      dirty_.insert(node);
-      commit(std::nullopt);
-    });
+  for (Node* node : timelineViews_) {
+    if (node->visible || node->isNew)
+      timelines_.run(*node, static_cast<const DynamicElement&>(*node->element).body().interval);
+    else
+      timelines_.stop(*node);
   }
+}
+
+void Scene::beat(const std::vector<Node*>& nodes) {
+  for (Node* node : nodes) {
+    if (!leaves(node)) dirty_.insert(node);
+  }
+  commit(std::nullopt);
 }
 
 void Scene::discard(std::unique_ptr<Node> node) {
@@ -181,7 +179,7 @@ void Scene::discard(std::unique_ptr<Node> node) {
 
 void Scene::forget(Node& node) {
   dirty_.erase(&node);
-  timelines_.erase(&node);
+  if (timelineViews_.erase(&node)) timelines_.stop(node);
   input_.forget(node);
   for (const auto& child : node.children) forget(*child);
   for (const auto& child : node.leaving) forget(*child);

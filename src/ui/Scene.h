@@ -9,6 +9,7 @@
 #include "base/Animation.h"
 #include "base/Scheduler.h"
 #include "ui/SceneInput.h"
+#include "ui/Timelines.h"
 #include "ui/View.h"
 
 class QImage;
@@ -83,6 +84,7 @@ class Scene : public transaction::Committer {
   void layOut(class Reconciler& reconciler);
   void finishLeaving(Node& node);
   void updateTimelines();
+  void beat(const std::vector<Node*>& nodes);
   void discard(std::unique_ptr<Node> node);
   void forget(Node& node);
   void addDamage(const Rect& rect);
@@ -95,7 +97,8 @@ class Scene : public transaction::Committer {
   double lead_ = 0;
   std::unique_ptr<Node> root_;
   std::set<Node*> dirty_;
-  std::set<Node*> timelines_;
+  std::set<Node*> timelineViews_;
+  Timelines timelines_{scheduler_, [this](const auto& nodes) { beat(nodes); }};
   std::vector<std::function<void()>> appeared_;
   std::vector<Rect> damage_;
   Task pendingCommit_;

@@ -19,6 +19,9 @@ TEST(Timelines, WakeAsSeldomAsTheirPicturesChange) {
       {"working crab", crabView(CrabMood::working), 12, 11},
       {"sparkle", sparkleSpinner(crabOrange), 10, 9},
       {"paused bars", equalizerBars(white(), false, 4), 0, 0},
+      {"crab and sparkles, together where they can",
+       ui::HStack({}, {crabView(CrabMood::working), sparkleSpinner(crabOrange), sparkleSpinner(crabOrange)}),
+       16, 15},
       {"playing bars", equalizerBars(white(), true, 4), 24, 23},
   };
   for (const auto& c : cases) {
