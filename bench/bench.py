@@ -64,11 +64,13 @@ def hook_latency(desktop, events):
 
 
 def hook_to_pixel(desktop, events):
-    """From a prompt's hook to the first pixel of the surface that comes up, which starts fully transparent."""
+    """From a prompt's hook to the first pixel of the surface that comes up, which starts fully transparent. From rest:
+    while a surface fades away, frames of ours and of the compositor are under way."""
     prompt, end = events.file("prompt", "UserPromptSubmit", prompt="go"), events.file("end", "SessionEnd")
     times = []
     for _ in range(60):
         desktop.wait_for_notch(*HIDDEN)
+        time.sleep(0.6)
         times.append(float(measure(desktop, PROGRAMS / "pixel-time", desktop.size[0] // 2 - 60, 12, 120, 1, prompt,
                                    PROGRAM, "--hook").split()[0]))
         measure(desktop, PROGRAMS / "spawn-times", 1, end, PROGRAM, "--hook")
