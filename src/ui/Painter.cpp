@@ -85,12 +85,11 @@ void Painter::paint(Node& root, QImage& target, const Rect& area, Point origin) 
 
 void Painter::draw(Node& node, Surface& surface, double opacity) {
   if (node.bounds.isEmpty() || !node.bounds.intersects(surface.clip)) return;
-  const bool fades = node.opacity < 0.998;
-  const bool grouped = node.blurRadius > leastBlur || node.brightening != 0 || node.attributes.clip ||
-                       (fades && drawing(node) > 1);
-  if (!grouped) node.group.reset();
   opacity *= node.opacity;
   if (node.attributes.clip) return drawClipped(node, surface, opacity);
+  const bool fades = node.opacity < 0.998;
+  const bool grouped = node.blurRadius > leastBlur || node.brightening != 0 || (fades && drawing(node) > 1);
+  if (!grouped) node.group.reset();
   drawShadows(node, surface, opacity, false);
   if (grouped)
     drawGroup(node, surface, opacity);
@@ -146,18 +145,24 @@ void Painter::drawClipped(Node& node, Surface& surface, double opacity) {
     drawShadows(node, surface, opacity, false);
     return drawGroup(node, surface, opacity);
   }
-  const QRectF box = toPixels.mapRect(QRectF(0, 0, node.presentedSize.width, node.presentedSize.height));
+  drawInsideClip(node, surface);
+  drawShadows(node, surface, 1, true);
+}
+
+/// Draws the content of a clipped node and cuts off its corners, with whatever has been drawn there before.
+void Painter::drawInsideClip(Node& node, Surface& surface) {
+  const QTransform toPixels = node.transform * surface.toPixels;
+  const QRect box =
+      toPixels.mapRect(QRectF(0, 0, node.presentedSize.width, node.presentedSize.height)).toAlignedRect();
   QPainter& painter = surface.painter;
   painter.save();
   painter.resetTransform();
-  painter.setClipRect(box.toAlignedRect(), Qt::IntersectClip);
-  Surface inside{
-      surface.image, painter, surface.toPixels,
-      fromQt(surface.toPixels.inverted().mapRect(QRectF(box.toAlignedRect())) & toQt(surface.clip))};
+  painter.setClipRect(box, Qt::IntersectClip);
+  Surface inside{surface.image, painter, surface.toPixels,
+                 fromQt(surface.toPixels.inverted().mapRect(QRectF(box)) & toQt(surface.clip))};
   drawContent(node, inside, 1);
   cutCorners(node, painter, toPixels);
   painter.restore();
-  drawShadows(node, surface, 1, true);
   surface.blank = false;
 }
 
@@ -203,8 +208,7 @@ QImage Painter::render(Node& node, const Rect& rect, double scale) {
       QTransform::fromTranslate(-rect.x, -rect.y) * QTransform::fromScale(scale, scale);
   Surface surface{image, painter, node.transform.inverted() * toPixels,
                   fromQt(node.transform.mapRect(toQt(rect)))};
-  drawContent(node, surface, 1);
-  if (node.attributes.clip) cutCorners(node, painter, toPixels);
+  node.attributes.clip ? drawInsideClip(node, surface) : drawContent(node, surface, 1);
   painter.end();
   if (node.brightening != 0) brighten(image, node.brightening);
   return image;

@@ -31,6 +31,21 @@ TEST(Painting, clipsWithSmoothEdges) {
   EXPECT_GE(soft, 2);
 }
 
+TEST(Painting, whatEntersClippedAndBlurredIsClippedFirst) {
+  bool shown = false;
+  Stage stage([&] {
+    const View tall = Rectangle().fill(white()).frame({.width = 100, .height = 300});
+    const View clipped = tall.frame({.width = 100, .height = 40}).clipShape(RoundedRectangle(10));
+    return ZStack(UnitPoint::center, {shown ? clipped.transition({.insertion = {.blur = 8}}) : View()});
+  });
+  stage.change([&] { shown = true; }, linear(1));
+  stage.play(0.5);
+  const QImage image = picture(stage.scene);
+  EXPECT_GT(alphaAt(image, 200, 150), 250);
+  EXPECT_NEAR(alphaAt(image, 200, 150 + 20), 128, 12);
+  EXPECT_EQ(alphaAt(image, 200, 150 + 20 + 14), 0);
+}
+
 TEST(Painting, shadowsFallAroundTheOutline) {
   for (const bool wide : {false, true}) {
     const double width = wide ? 300 : 60;
