@@ -8,7 +8,7 @@
 #include <cstdlib>
 #include <ctime>
 
-#include "ui/Drawing.h"
+#include "ui/engine/Drawing.h"
 #include "views/NotchStage.h"
 
 using namespace tarnwick;

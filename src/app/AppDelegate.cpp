@@ -3,8 +3,8 @@
 #include <QCoreApplication>
 
 #include "platform/linux/X11NotchPanel.h"
-#include "ui/Drawing.h"
-#include "ui/SceneWidget.h"
+#include "ui/engine/Drawing.h"
+#include "ui/host/SceneWidget.h"
 #include "views/NotchRootView.h"
 
 namespace tarnwick {

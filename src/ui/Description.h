@@ -6,8 +6,8 @@
 #include <utility>
 #include <vector>
 
-#include "ui/Element.h"
 #include "ui/View.h"
+#include "ui/engine/Element.h"
 
 namespace tarnwick::ui {
 

@@ -5,7 +5,7 @@
 
 #include "ui/Description.h"
 #include "ui/Dynamic.h"
-#include "ui/MatchElement.h"
+#include "ui/elements/MatchElement.h"
 
 namespace tarnwick::ui {
 

@@ -11,7 +11,7 @@
 #include "support/VirtualScheduler.h"
 #include "ui/Button.h"
 #include "ui/Dynamic.h"
-#include "ui/SceneWidget.h"
+#include "ui/host/SceneWidget.h"
 
 namespace tarnwick::ui {
 namespace {

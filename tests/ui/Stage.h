@@ -6,8 +6,8 @@
 #include "base/Observed.h"
 #include "support/VirtualScheduler.h"
 #include "ui/Dynamic.h"
-#include "ui/Inspector.h"
-#include "ui/Scene.h"
+#include "ui/engine/Inspector.h"
+#include "ui/engine/Scene.h"
 
 namespace tarnwick::ui {
 

@@ -1,0 +1,170 @@
+#include "ui/Shape.h"
+
+#include <QPainter>
+#include <algorithm>
+#include <cmath>
+
+#include "ui/View.h"
+#include "ui/elements/ShapeElement.h"
+#include "ui/engine/Drawing.h"
+
+namespace tarnwick::ui {
+namespace {
+
+Path rectangle(Size size, const std::vector<double>&, const std::vector<double>&) {
+  Path path;
+  path.addRect({0, 0, size.width, size.height});
+  return path;
+}
+
+/// How far a corner of continuous curvature reaches along the edge, in radii.
+constexpr double continuousReach = 1.28;
+
+/// One corner of continuous curvature: the curve begins a little further out than a circular arc would and
+/// bends more gently. Where there is no room for that it becomes the arc.
+Path roundedRectangle(Size size, const std::vector<double>& animated, const std::vector<double>&) {
+  const double w = size.width, h = size.height;
+  const double r = std::clamp(animated[0], 0.0, std::min(w, h) / 2);
+  Path path;
+  if (r <= 0) {
+    path.addRect({0, 0, w, h});
+    return path;
+  }
+  // Reach of the corner along the edge, and where its control points lie, as fractions of the reach.
+  const double room = std::min(w, h) / 2 / r;
+  const double reach = r * std::min(continuousReach, room);
+  const double smooth = (reach / r - 1) / (continuousReach - 1);
+  const double c = reach * (1 - (0.5522847498 + 0.09 * smooth));
+  path.moveTo({reach, 0});
+  path.lineTo({w - reach, 0});
+  path.cubicTo({w - c, 0}, {w, c}, {w, reach});
+  path.lineTo({w, h - reach});
+  path.cubicTo({w, h - c}, {w - c, h}, {w - reach, h});
+  path.lineTo({reach, h});
+  path.cubicTo({c, h}, {0, h - c}, {0, h - reach});
+  path.lineTo({0, reach});
+  path.cubicTo({0, c}, {c, 0}, {reach, 0});
+  path.close();
+  return path;
+}
+
+Path capsule(Size size, const std::vector<double>&, const std::vector<double>&) {
+  return roundedRectangle(size, {std::min(size.width, size.height) / 2}, {});
+}
+
+Path circle(Size size, const std::vector<double>&, const std::vector<double>&) {
+  const double side = std::min(size.width, size.height);
+  Path path;
+  path.addEllipse({(size.width - side) / 2, (size.height - side) / 2, side, side});
+  return path;
+}
+
+constexpr size_t numbersPerColor = 4;
+
+void append(std::vector<double>& numbers, Color color) {
+  numbers.insert(numbers.end(), {color.red, color.green, color.blue, color.alpha});
+}
+
+Color colorAt(const std::vector<double>& numbers, size_t index) {
+  const double* n = numbers.data() + index * numbersPerColor;
+  return {n[0], n[1], n[2], n[3]};
+}
+
+QBrush brush(const Paint& paint, const std::vector<double>& values, Size size) {
+  if (paint.kind == Paint::Kind::color) return toQt(colorAt(values, 0));
+  const auto place = [&](UnitPoint p) { return QPointF(p.x * size.width, p.y * size.height); };
+  const auto finish = [&](QGradient gradient) {
+    for (size_t i = 0; i < paint.stops.size(); ++i) {
+      gradient.setColorAt(paint.stops[i].position, toQt(colorAt(values, i)));
+    }
+    return QBrush(gradient);
+  };
+  if (paint.kind == Paint::Kind::linear) return finish(QLinearGradient(place(paint.start), place(paint.end)));
+  return finish(QRadialGradient(place(paint.start), paint.radius));
+}
+
+/// The part of a path between two fractions of its length.
+QPainterPath trimmed(const QPainterPath& path, double from, double to) {
+  constexpr int steps = 96;
+  QPainterPath part;
+  const double a = std::clamp(from, 0.0, 1.0), b = std::clamp(to, 0.0, 1.0);
+  if (b <= a) return part;
+  part.moveTo(path.pointAtPercent(a));
+  for (int i = 1; i <= steps; ++i) part.lineTo(path.pointAtPercent(a + (b - a) * i / steps));
+  return part;
+}
+
+}  // namespace
+
+Shape Rectangle() {
+  return {.outline = rectangle, .extent = [](const auto&, const auto&) { return 0.0; }};
+}
+Shape RoundedRectangle(double radius) {
+  return {.outline = roundedRectangle, .animated = {radius}, .extent = [](const auto& animated, const auto&) {
+            return animated[0] * continuousReach;
+          }};
+}
+Shape Capsule() { return {.outline = capsule}; }
+Shape Circle() { return {.outline = circle}; }
+
+View Shape::fill(Paint paint) const {
+  return View(std::make_shared<ShapeElement>(*this, std::move(paint), std::nullopt));
+}
+View Shape::stroke(Paint paint, StrokeStyle style) const {
+  return View(std::make_shared<ShapeElement>(*this, std::move(paint), std::move(style)));
+}
+
+bool ShapeElement::equals(const Element& other) const {
+  const auto& same = static_cast<const ShapeElement&>(other);
+  return same.shape_ == shape_ && same.paint_ == paint_ && same.stroke_ == stroke_;
+}
+
+// Colours first, then the shape's own numbers, then those of the stroke.
+std::vector<double> ShapeElement::animatedValues(const Environment&) const {
+  std::vector<double> values;
+  for (const Paint::Stop& stop : paint_.stops) append(values, stop.color);
+  values.insert(values.end(), shape_.animated.begin(), shape_.animated.end());
+  if (stroke_) values.insert(values.end(), {stroke_->dashPhase, stroke_->trimFrom, stroke_->trimTo});
+  return values;
+}
+
+Shape ShapeElement::presented(const std::vector<double>& values) const {
+  Shape shape = shape_;
+  const auto first = values.begin() + std::ptrdiff_t(paint_.stops.size() * numbersPerColor);
+  shape.animated.assign(first, first + std::ptrdiff_t(shape_.animated.size()));
+  return shape;
+}
+
+Color ShapeElement::color(const std::vector<double>& values) { return colorAt(values, 0); }
+
+void ShapeElement::draw(DrawContext& context) const {
+  const std::vector<double>& values = context.values;
+  const Shape shape = presented(values);
+  QPainter& painter = context.painter;
+  const QBrush paint = brush(paint_, values, context.size);
+  if (!stroke_) {
+    painter.fillPath(ui::outline(shape, context.size), paint);
+    return;
+  }
+  const double width = stroke_->width;
+  const double phase = values[values.size() - 3], from = values[values.size() - 2], to = values.back();
+  painter.save();
+  Size size = context.size;
+  if (stroke_->inside) {
+    size = {std::max(0.0, size.width - width), std::max(0.0, size.height - width)};
+    painter.translate(width / 2, width / 2);
+  }
+  QPainterPath path = ui::outline(shape, size);
+  if (from > 0 || to < 1) path = trimmed(path, from, to);
+  QPen pen(paint, width, Qt::SolidLine, Qt::FlatCap);
+  if (!stroke_->dash.empty()) {
+    QList<qreal> pattern;
+    for (const double length : stroke_->dash) pattern << length / width;
+    pen.setDashPattern(pattern);
+    pen.setDashOffset(phase / width);
+  }
+  painter.strokePath(path, pen);
+  painter.restore();
+}
+
+}  // namespace tarnwick::ui

@@ -1,0 +1,78 @@
+#include "ui/engine/Node.h"
+
+#include <cmath>
+
+namespace tarnwick::ui {
+
+Node::~Node() {
+  if (cell) cell->invalidate = nullptr;
+}
+
+Measured Node::measure(Proposal proposal) {
+  for (const auto& [asked, answer] : measured) {
+    if (asked == proposal) return answer;
+  }
+  const Measured answer = element->measure(*this, proposal);
+  measured.emplace_back(proposal, answer);
+  return answer;
+}
+
+void Node::place(const Rect& rect, UnitPoint newPin) {
+  // On whole pixels: edges and text stay crisp.
+  const auto snapped = [this](double v) { return std::round(v * pixelRatio) / pixelRatio; };
+  frame = {snapped(rect.x), snapped(rect.y), rect.width, rect.height};
+  pin = newPin;
+  element->place(*this, rect.size());
+}
+
+Node* Node::child(int wanted) const {
+  for (const auto& child : children) {
+    if (child->slot == wanted) return child.get();
+  }
+  return nullptr;
+}
+
+bool Node::isMoving() const {
+  for (const AnimatedValues* motion :
+       {&frameMotion, &effects, &transition, &values, &clip, &shadows, &change, &bounce}) {
+    if (motion->isMoving()) return true;
+  }
+  return false;
+}
+
+std::vector<double> numbers(const Effects& e) {
+  return {e.opacity, e.blur, e.brightness, e.scaleX, e.scaleY, e.rotation, e.offset.x, e.offset.y};
+}
+
+std::vector<double> shadowNumbers(const std::vector<Attributes::Shadow>& shadows) {
+  std::vector<double> result;
+  for (const auto& [color, radius, offset] : shadows) {
+    result.insert(result.end(),
+                  {color.red, color.green, color.blue, color.alpha, radius, offset.x, offset.y});
+  }
+  return result;
+}
+
+std::vector<Attributes::Shadow> shadowsOf(const std::vector<double>& numbers) {
+  constexpr size_t perShadow = 7;
+  std::vector<Attributes::Shadow> shadows;
+  for (size_t i = 0; i + perShadow <= numbers.size(); i += perShadow) {
+    const double* n = numbers.data() + i;
+    shadows.push_back({{n[0], n[1], n[2], n[3]}, n[4], {n[5], n[6]}});
+  }
+  return shadows;
+}
+
+Effects effectsOf(const std::vector<double>& n, UnitPoint anchor) {
+  if (n.empty()) return {};
+  return {.opacity = n[0],
+          .blur = n[1],
+          .brightness = n[2],
+          .scaleX = n[3],
+          .scaleY = n[4],
+          .rotation = n[5],
+          .offset = {n[6], n[7]},
+          .anchor = anchor};
+}
+
+}  // namespace tarnwick::ui

@@ -1,0 +1,66 @@
+#pragma once
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "ui/engine/Node.h"
+#include "ui/engine/Scene.h"
+
+namespace tarnwick::ui {
+
+/// Brings the live nodes in line with a new description: one commit.
+class Reconciler {
+ public:
+  Reconciler(Scene& scene, std::optional<Animation> animation, bool first);
+
+  /// The node of a view that is not shown yet.
+  std::unique_ptr<Node> build(Node* parent, const View& view, const Environment& inherited);
+  /// Calls the body of a dynamic node again.
+  void renew(Node& node);
+  /// Builds what depends on the layout: rows in view, readers of their size. @return true when it built
+  /// something.
+  bool buildForLayout(Node& node);
+  /// After the layout: sends every node to its new frame.
+  void settle(Node& node);
+  /// Sends views that take over from others on their way.
+  void handOver();
+
+  bool needsLayout = false;
+
+ private:
+  struct Context {
+    Environment environment;
+    std::optional<Animation> animation;
+    bool transitions;
+  };
+  struct Handover {
+    Node* leaving;
+    /// What vanishes as a whole, with `leaving` in it; null when both are gone already.
+    Node* root;
+    Rect rect;
+    bool hasTransition;
+  };
+
+  void update(Node& node, const View& view, Context context);
+  void updateChildren(Node& node, const Views& views, const Context& context);
+  void updateContent(Node& node, const Views& described, const Context& context);
+  void updateDynamic(Node& node, const Context& context);
+  void updateRows(Node& node, const Context& context);
+  void insert(Node& node, const Context& context);
+  void remove(std::unique_ptr<Node> node, const Context& context, const Node* successor);
+  void revive(Node& node, const Context& context);
+  void takeAway(Node& root);
+  void noteMatches(Node& node, Node* root, bool hasTransition);
+  Context contextInside(const Node& node) const;
+
+  Scene& scene_;
+  std::optional<Animation> animation_;
+  bool first_;
+  double now_;
+  std::vector<std::pair<Attributes::Match, Handover>> handovers_;
+  std::vector<Node*> newMatches_;
+};
+
+}  // namespace tarnwick::ui

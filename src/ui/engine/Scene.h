@@ -1,0 +1,110 @@
+#pragma once
+#include <functional>
+#include <memory>
+#include <optional>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "base/Animation.h"
+#include "base/Scheduler.h"
+#include "ui/View.h"
+#include "ui/engine/SceneInput.h"
+#include "ui/engine/Timelines.h"
+
+class QImage;
+
+namespace tarnwick::ui {
+
+class Node;
+
+/// A tree of views on the screen. It compares each new description with what is shown, keeps what moves
+/// moving, and knows what must be painted again. It draws nothing by itself: a host asks for frames.
+class Scene : public transaction::Committer {
+ public:
+  Scene(Scheduler& scheduler, Size size, View root, double pixelRatio = 1);
+  ~Scene() override;
+
+  /// Device pixels per point.
+  void setPixelRatio(double ratio);
+  /// Seconds that a motion is ahead of its commit: as much as its first frame, which is shown at once, would
+  /// otherwise be late.
+  void setLead(double seconds) { lead_ = seconds; }
+  Size size() const { return size_; }
+  double pixelRatio() const { return pixelRatio_; }
+
+  /// Called when there is something to show: the host is to call `frame` soon.
+  std::function<void()> onNeedsFrame;
+
+  /// Takes over pending changes and moves everything to the present. @return true while anything is in
+  /// motion.
+  bool frame();
+  /// What has to be painted again since the last call, in points.
+  std::vector<Rect> takeDamage();
+  /// Paints what lies in `area` (points) into `target`, which shows the scene at `pixelRatio` with its top
+  /// left corner at `origin` (pixels).
+  void paint(QImage& target, const Rect& area, Point origin = {});
+
+  /// What the pointer does; all in points.
+  SceneInput& input() { return input_; }
+
+  /// The frame, as presented now, of the view with that explicit id, also of a transparent one; none while
+  /// there is no such view.
+  std::optional<Rect> presentedFrame(const std::string& id) const;
+  /// Whether there is a view with that explicit id, neither clipped away nor fully transparent.
+  bool isVisible(const std::string& id) const;
+  /// The shape that the view with that id is clipped to, as presented now, in its own coordinates.
+  std::optional<Shape> presentedClip(const std::string& id) const;
+
+  /// A view that tells assistive technology what it is.
+  struct Control {
+    /// Stays as long as the view does, and never means another one.
+    unsigned long id;
+    Role role;
+    std::string name;
+    /// Whether it is on, where it may be on or off.
+    std::optional<bool> checked;
+    /// As presented, in points.
+    Rect frame;
+    /// What a click does; may be empty.
+    std::function<void()> press;
+  };
+  /// Those that can be seen, in the order of drawing.
+  std::vector<Control> controls() const;
+
+  void commit(const std::optional<Animation>& animation) override;
+
+ private:
+  friend class Reconciler;
+  friend class SceneInput;
+  friend class Inspector;
+
+  void invalidate(Node& node);
+  void scrolled();
+  void layOut(class Reconciler& reconciler);
+  void finishLeaving(Node& node);
+  void updateTimelines();
+  void beat(const std::vector<Node*>& nodes);
+  void discard(std::unique_ptr<Node> node);
+  void forget(Node& node);
+  void addDamage(const Rect& rect);
+  Node* find(Node& node, const std::string& key) const;
+  static Rect presentedFrame(const Node& node);
+
+  Scheduler& scheduler_;
+  Size size_;
+  double pixelRatio_;
+  double lead_ = 0;
+  std::unique_ptr<Node> root_;
+  std::set<Node*> dirty_;
+  std::set<Node*> timelineViews_;
+  Timelines timelines_{scheduler_, [this](const auto& nodes) { beat(nodes); }};
+  std::vector<std::function<void()>> appeared_;
+  std::vector<Rect> damage_;
+  Task pendingCommit_;
+  unsigned commitNumber_ = 0;
+  bool committing_ = false;
+  SceneInput input_;
+};
+
+}  // namespace tarnwick::ui

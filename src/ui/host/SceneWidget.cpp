@@ -1,0 +1,111 @@
+#include "ui/host/SceneWidget.h"
+
+#include <QImage>
+#include <QMouseEvent>
+#include <QPaintEngine>
+#include <QPainter>
+#include <QScreen>
+#include <algorithm>
+#include <cmath>
+
+#include "ui/engine/Drawing.h"
+#include "ui/host/SceneAccessibility.h"
+
+namespace tarnwick::ui {
+namespace {
+
+Point fromQt(QPointF p) { return {p.x(), p.y()}; }
+
+/// Points that one notch of a wheel scrolls.
+constexpr double wheelStep = 48;
+
+}  // namespace
+
+SceneWidget::SceneWidget(Scheduler& scheduler, Size size, View root)
+    : scheduler_(scheduler), scene_(scheduler, size, std::move(root)) {
+  setAttribute(Qt::WA_NoSystemBackground);
+  setAttribute(Qt::WA_OpaquePaintEvent);
+  setMouseTracking(true);
+  installSceneAccessibility();
+  resize(int(size.width), int(size.height));
+  scene_.onNeedsFrame = [this] { scheduleFrame(); };
+}
+
+double SceneWidget::frameInterval() const {
+  const double rate = screen() ? screen()->refreshRate() : 60;
+  return 1 / std::clamp(rate, 30.0, 240.0);
+}
+
+/// What has just changed is shown at once, even shortly after a frame that was due. In the long run there is
+/// at most one frame a refresh: the next one is due that much later.
+void SceneWidget::scheduleFrame() { runFrameAt(nextDue_ - frameInterval()); }
+
+/// Runs a frame then, or earlier where that has been arranged.
+void SceneWidget::runFrameAt(double time) {
+  if (!isVisible() || (next_ && nextTime_ <= time)) return;
+  nextTime_ = time;
+  // Timers count milliseconds; late is worse than early.
+  const double wait = std::floor((time - scheduler_.uptime()) * 1000) / 1000;
+  next_ = scheduler_.after(std::max(0.0, wait), [this] { runFrame(); });
+}
+
+void SceneWidget::runFrame() {
+  if (!isVisible()) return;
+  next_ = {};
+  const double began = scheduler_.uptime();
+  scene_.setLead(frameInterval());
+  scene_.setPixelRatio(devicePixelRatioF());
+  const bool moving = scene_.frame();
+  tellAssistiveTechnology(*this);
+  QRegion region;
+  for (const Rect& area : scene_.takeDamage()) region += toQt(area).toAlignedRect();
+  if (onFrame) onFrame();
+  if (!region.isEmpty()) {
+    nextDue_ = std::max(nextDue_, began) + frameInterval();
+    repaint(region & rect());
+  }
+  if (onFirstFrame) std::exchange(onFirstFrame, nullptr)();
+  if (moving) runFrameAt(std::max(began + frameInterval(), nextDue_ - frameInterval()));
+}
+
+void SceneWidget::showEvent(QShowEvent*) { runFrame(); }
+
+/// Paints straight into the window's picture, which spares one of our own and the way from there.
+void SceneWidget::paintEvent(QPaintEvent* event) {
+  QPainter painter(this);
+  QPaintDevice* device = painter.paintEngine()->paintDevice();
+  const QTransform place = painter.deviceTransform();
+  painter.end();
+  if (device->devType() != QInternal::Image) return;
+  auto* window = static_cast<QImage*>(device);
+  // The same pixels as a picture without a ratio: the scene counts in pixels itself.
+  QImage pixels(window->bits(), window->width(), window->height(), window->bytesPerLine(), window->format());
+  // Where a point is no whole number of pixels, the toolkit has cleared some around.
+  const double ratio = scene_.pixelRatio(), margin = ratio == std::round(ratio) ? 0 : 1;
+  for (const QRect& area : event->region()) {
+    scene_.paint(pixels, fromQt(QRectF(area)).grownBy(margin, margin), {place.dx(), place.dy()});
+  }
+}
+
+void SceneWidget::mouseMoveEvent(QMouseEvent* event) { scene_.input().moved(fromQt(event->position())); }
+
+void SceneWidget::mousePressEvent(QMouseEvent* event) {
+  if (event->button() == Qt::LeftButton) scene_.input().pressed(fromQt(event->position()));
+}
+
+void SceneWidget::mouseReleaseEvent(QMouseEvent* event) {
+  if (event->button() == Qt::LeftButton) scene_.input().released(fromQt(event->position()));
+}
+
+void SceneWidget::enterEvent(QEnterEvent* event) { scene_.input().moved(fromQt(event->position())); }
+
+void SceneWidget::leaveEvent(QEvent*) { scene_.input().left(); }
+
+void SceneWidget::wheelEvent(QWheelEvent* event) {
+  const std::optional<double> smoothStep = smoothPointsPerClick ? smoothPointsPerClick(*event) : std::nullopt;
+  const QPointF delta =
+      QPointF(event->angleDelta()) / QWheelEvent::DefaultDeltasPerStep * smoothStep.value_or(wheelStep);
+  event->setAccepted(scene_.input().scrolled(fromQt(event->position()), {delta.x(), delta.y()}));
+}
+
+}  // namespace tarnwick::ui

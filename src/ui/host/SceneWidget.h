@@ -1,0 +1,51 @@
+#pragma once
+#include <QRegion>
+#include <QWidget>
+#include <functional>
+#include <optional>
+
+#include "ui/engine/Scene.h"
+
+namespace tarnwick::ui {
+
+/// Shows a scene in a window of the toolkit: frames at the screen's rate, only while something moves, and
+/// only what changed is painted.
+class SceneWidget : public QWidget {
+ public:
+  SceneWidget(Scheduler& scheduler, Size size, View root);
+
+  Scene& scene() { return scene_; }
+  /// Called after each frame, before it is on the screen.
+  std::function<void()> onFrame;
+  /// Called once, when the first frame has been painted.
+  std::function<void()> onFirstFrame;
+  /// Points that a smooth device, such as a touchpad, travels for what the event counts as one click of a
+  /// wheel; nothing for a wheel, whose clicks scroll farther.
+  std::function<std::optional<double>(const QWheelEvent&)> smoothPointsPerClick;
+
+ protected:
+  void paintEvent(QPaintEvent* event) override;
+  void showEvent(QShowEvent* event) override;
+  void mouseMoveEvent(QMouseEvent* event) override;
+  void mousePressEvent(QMouseEvent* event) override;
+  void mouseReleaseEvent(QMouseEvent* event) override;
+  void enterEvent(QEnterEvent* event) override;
+  void leaveEvent(QEvent* event) override;
+  void wheelEvent(QWheelEvent* event) override;
+
+ private:
+  double frameInterval() const;
+  void scheduleFrame();
+  void runFrameAt(double time);
+  void runFrame();
+  void adoptPixelRatio();
+
+  Scheduler& scheduler_;
+  Scene scene_;
+  Task next_;
+  double nextTime_ = 0;
+  /// When the frames so far would end at the screen's rate; what changed nothing to be seen does not count.
+  double nextDue_ = 0;
+};
+
+}  // namespace tarnwick::ui

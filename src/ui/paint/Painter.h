@@ -1,0 +1,43 @@
+#pragma once
+#include <QImage>
+#include <QTransform>
+
+#include "ui/engine/Node.h"
+
+class QPainter;
+
+namespace tarnwick::ui {
+
+/// Draws presented nodes into a picture.
+class Painter {
+ public:
+  explicit Painter(double pixelRatio) : ratio_(pixelRatio) {}
+  /// Clears and paints the part `area` (points) of the scene, whose corner lies at `origin` (pixels) of
+  /// `target`.
+  void paint(Node& root, QImage& target, const Rect& area, Point origin);
+
+ private:
+  /// What is drawn on: from the scene's points to its pixels.
+  struct Surface {
+    QImage& image;
+    QPainter& painter;
+    QTransform toPixels;
+    /// In scene points: nothing outside needs drawing.
+    Rect clip;
+    /// Nothing has been drawn yet.
+    bool blank = true;
+  };
+  void draw(Node& node, Surface& surface, double opacity);
+  void drawContent(Node& node, Surface& surface, double opacity);
+  void drawInside(Node& node, Surface& surface, double opacity);
+  void drawClipped(Node& node, Surface& surface, double opacity);
+  void drawGroup(Node& node, Surface& surface, double opacity);
+  void drawShadows(Node& node, Surface& surface, double opacity, bool beneath);
+  void drawInsideClip(Node& node, Surface& surface);
+  void cutCorners(const Node& node, QPainter& painter, const QTransform& toPixels);
+  QImage render(Node& node, const Rect& rect, double scale);
+
+  double ratio_;
+};
+
+}  // namespace tarnwick::ui
