@@ -11,7 +11,13 @@
 namespace tarnwick {
 namespace {
 
+constexpr mode_t privateFileMode = 0600, privateFolderMode = 0700;
+
 std::error_code lastError() { return {errno, std::generic_category()}; }
+std::error_code notAFile(const struct stat& status) {
+  return std::make_error_code(S_ISDIR(status.st_mode) ? std::errc::is_a_directory
+                                                      : std::errc::operation_not_supported);
+}
 
 class Descriptor {
  public:
@@ -27,8 +33,8 @@ class Descriptor {
   int value_;
 };
 
-/// Follows symbolic links, also a dangling one, to the place where the file is or would be; empty when they run
-/// in a circle.
+/// Follows symbolic links, also a dangling one, to the place where the file is or would be; empty when they
+/// run in a circle.
 std::string resolved(std::string path) {
   for (int depth = 0; depth < 40; ++depth) {
     char target[PATH_MAX];
@@ -58,27 +64,23 @@ void syncFolder(const std::string& path) {
   if (descriptor >= 0) ::fsync(descriptor);
 }
 
-}  // namespace
-
-std::error_code writeFileAtomically(const std::string& path, std::string_view contents, unsigned mode) {
+/// @param newMode of a file that is not there yet
+/// @param keptMode what an existing one keeps of its own
+std::error_code replaceFile(const std::string& path, std::string_view contents, mode_t newMode,
+                            mode_t keptMode) {
   const std::string target = resolved(path);
   if (target.empty()) return std::make_error_code(std::errc::too_many_symbolic_link_levels);
+  struct stat existing;
+  const bool exists = ::stat(target.c_str(), &existing) == 0;
+  if (exists && !S_ISREG(existing.st_mode)) return notAFile(existing);
   std::string temporary = target + ".XXXXXX";
   const Descriptor file(::mkostemp(temporary.data(), O_CLOEXEC));
   if (file < 0) return lastError();
 
-  struct stat existing;
-  if (::stat(target.c_str(), &existing) == 0) {
-    // The owner only matters (and can only be changed) for root; a refusal leaves a file of our own.
-    [[maybe_unused]] const int refused = ::fchown(file, existing.st_uid, existing.st_gid);
-    mode = existing.st_mode & 07777;
-  } else {
-    const mode_t mask = ::umask(0);
-    ::umask(mask);
-    mode &= ~mask;
-  }
-  if (::fchmod(file, mode) != 0 || !writeAll(file, contents) || ::fsync(file) != 0 ||
-      ::rename(temporary.c_str(), target.c_str()) != 0) {
+  // The owner only matters (and can only be changed) for root; a refusal leaves a file of our own.
+  [[maybe_unused]] const int refused = exists ? ::fchown(file, existing.st_uid, existing.st_gid) : 0;
+  if (::fchmod(file, exists ? existing.st_mode & keptMode : newMode) != 0 || !writeAll(file, contents) ||
+      ::fsync(file) != 0 || ::rename(temporary.c_str(), target.c_str()) != 0) {
     const std::error_code error = lastError();
     ::unlink(temporary.c_str());
     return error;
@@ -87,9 +89,34 @@ std::error_code writeFileAtomically(const std::string& path, std::string_view co
   return {};
 }
 
+}  // namespace
+
+std::error_code writeFileAtomically(const std::string& path, std::string_view contents, unsigned mode) {
+  const mode_t mask = ::umask(0);
+  ::umask(mask);
+  return replaceFile(path, contents, mode & ~mask, 07777);
+}
+
+void makePrivateFolder(const std::string& path) {
+  for (size_t end = path.find('/', 1); end != path.npos; end = path.find('/', end + 1)) {
+    ::mkdir(path.substr(0, end).c_str(), privateFolderMode);
+  }
+  ::mkdir(path.c_str(), privateFolderMode);
+  ::chmod(path.c_str(), privateFolderMode);
+}
+
+std::error_code writePrivateFile(const std::string& path, std::string_view contents) {
+  makePrivateFolder(path.substr(0, path.rfind('/')));
+  return replaceFile(path, contents, privateFileMode, privateFileMode);
+}
+
 std::error_code readFile(const std::string& path, std::string& contents) {
-  const Descriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
+  // Opened so, a pipe that nobody writes to does not keep us waiting.
+  const Descriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
   if (file < 0) return lastError();
+  struct stat status;
+  if (::fstat(file, &status) != 0) return lastError();
+  if (!S_ISREG(status.st_mode)) return notAFile(status);
   contents.clear();
   char buffer[65536];
   for (;;) {

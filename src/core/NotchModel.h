@@ -70,6 +70,8 @@ class NotchModel : public ObservableObject {
   void setHovering(bool hovering);
   void select(Tab selected);
   void setDraggingFiles(bool dragging);
+  /// Writes what the stores have not written yet: for the end of the process.
+  void flush() { notes.flush(); }
   /// Puts a scene on stage at once: no animation and no other effect.
   void debugSet(bool expanded, Tab selected, bool hovering);
 

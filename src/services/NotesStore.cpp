@@ -1,6 +1,7 @@
 #include "services/NotesStore.h"
 
 #include <filesystem>
+#include <mutex>
 
 #include "base/AtomicFile.h"
 #include "base/Utf8.h"
@@ -9,14 +10,6 @@ namespace tarnwick {
 namespace {
 
 constexpr double saveDelay = 0.4;
-
-/// Where the notes belong. Makes the folder, as nothing else may have yet.
-std::string notesFile(const Folders& folders) {
-  const std::string folder = folders.data() + "/Tarnwick";
-  std::error_code ignored;
-  std::filesystem::create_directories(folder, ignored);
-  return folder + "/notes.txt";
-}
 
 /// Gives the file a name of its own beside the notes: "notes.unreadable.txt", or with a number when that is
 /// taken. @return whether it is out of the way
@@ -33,45 +26,60 @@ bool setAside(const std::string& file) {
 
 }  // namespace
 
+/// Written by several threads: by whoever comes with the newest version.
+class NotesStore::File {
+ public:
+  explicit File(const Folders& folders) : folder_(folders.data() + "/Tarnwick") {}
+
+  std::string read() {
+    // Nothing else may have made it yet.
+    makePrivateFolder(folder_);
+    std::string text;
+    const std::error_code error = readFile(path_, text);
+    isForeign_ = error ? error != std::errc::no_such_file_or_directory : !isValidUtf8(text);
+    return error || isForeign_ ? "" : text;
+  }
+
+  void write(uint64_t version, const std::string& text) {
+    const std::lock_guard lock(mutex_);
+    if (version <= written_) return;
+    written_ = version;
+    if (isForeign_) {
+      // The user sees an empty pad where there was something. Only once new notes are written does the old
+      // file make room for them, and it is kept.
+      if (text.empty() || !setAside(path_)) return;
+      isForeign_ = false;
+    }
+    writePrivateFile(path_, text);
+  }
+
+ private:
+  const std::string folder_;
+  const std::string path_ = folder_ + "/notes.txt";
+  std::mutex mutex_;
+  uint64_t written_ = 0;
+  /// It holds something that is not ours to replace: it could not be read, or is no text.
+  bool isForeign_ = false;
+};
+
 NotesStore::NotesStore(Scheduler& scheduler, const Folders& folders)
-    : scheduler_(scheduler), folders_(folders) {
-  const std::error_code error = readFile(notesFile(folders_), text_);
-  foreignFile_ = error ? error != std::errc::no_such_file_or_directory : !isValidUtf8(text_);
-  if (error || foreignFile_) text_.clear();
+    : scheduler_(scheduler), file_(std::make_shared<File>(folders)) {
+  text_ = file_->read();
 }
+
+NotesStore::~NotesStore() { flush(); }
 
 void NotesStore::setText(std::string text) {
-  const bool differs = text != text_;
+  // Captured before the assignment: what an observer makes of it has a save of its own.
+  pause_ = scheduler_.after(saveDelay, [this, version = ++version_, text] {
+    (void)scheduler_.background([file = file_, version, text] { file->write(version, text); }, {});
+  });
   text_ = std::move(text);
-  if (differs) notifyObservers();
-  scheduleSave();
 }
 
-void NotesStore::scheduleSave() {
-  // Captured now: what an observer or a later assignment makes of it has a save of its own.
-  saveTask_ = scheduler_.after(saveDelay, [this, text = text_]() mutable { write(std::move(text)); });
-}
-
-void NotesStore::write(std::string text) {
-  // Background work may overtake other background work, so there is only one write at a time.
-  if (writing_) {
-    nextWrite_ = std::move(text);
-    return;
-  }
-  const std::string file = notesFile(folders_);
-  if (foreignFile_) {
-    // The user sees an empty pad where there was something. Only once new notes are written does the old file
-    // make room for them, and it is kept.
-    if (text.empty() || !setAside(file)) return;
-    foreignFile_ = false;
-  }
-  writing_ = true;
-  writeTask_ = scheduler_.background([file, text = std::move(text)] { writeFileAtomically(file, text); },
-                                     [this] {
-                                       writing_ = false;
-                                       if (auto next = std::exchange(nextWrite_, std::nullopt))
-                                         write(std::move(*next));
-                                     });
+void NotesStore::flush() {
+  pause_.cancel();
+  file_->write(version_, text_);
 }
 
 }  // namespace tarnwick

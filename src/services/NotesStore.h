@@ -1,8 +1,9 @@
 #pragma once
-#include <optional>
+#include <cstdint>
+#include <memory>
 #include <string>
 
-#include "base/ObservableObject.h"
+#include "base/Observed.h"
 #include "base/Scheduler.h"
 #include "platform/Folders.h"
 
@@ -12,27 +13,27 @@ namespace tarnwick {
 /// was typed for 0.4 seconds.
 class NotesStore : public ObservableObject {
  public:
-  /// Reads the file; without one the text is empty. Both arguments must outlive the store.
+  /// Reads the file; without one the text is empty. `scheduler` must outlive the store.
   NotesStore(Scheduler& scheduler, const Folders& folders);
+  /// Writes what is not written yet.
+  ~NotesStore();
 
   const std::string& text() const { return text_; }
   /// Observers are told when it differs; it is saved in any case. UTF-8.
   void setText(std::string text);
+  /// Writes now what would be written soon.
+  void flush();
 
  private:
-  void scheduleSave();
-  void write(std::string text);
+  class File;
 
   Scheduler& scheduler_;
-  const Folders& folders_;
-  std::string text_;
-  /// The file holds something that is not ours to replace: it could not be read, or is no text.
-  bool foreignFile_ = false;
-  Task saveTask_;
-  Task writeTask_;
-  bool writing_ = false;
-  /// What fell due while an earlier write was still under way.
-  std::optional<std::string> nextWrite_;
+  /// Shared with the work in the background.
+  std::shared_ptr<File> file_;
+  Observed<std::string> text_{*this};
+  /// How often a text was assigned.
+  uint64_t version_ = 0;
+  Task pause_;
 };
 
 }  // namespace tarnwick

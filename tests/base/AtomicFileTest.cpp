@@ -65,6 +65,11 @@ TEST(AtomicFile, TellsErrorsAndLeavesTheOldFile) {
   std::string contents;
   EXPECT_EQ(readFile(folder.path() + "/none", contents), std::errc::no_such_file_or_directory);
   EXPECT_EQ(readFile(folder.path(), contents), std::errc::is_a_directory);
+  const std::string pipe = folder.path() + "/pipe";
+  ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
+  EXPECT_EQ(readFile(pipe, contents), std::errc::operation_not_supported) << "nobody writes to it";
+  EXPECT_EQ(writeFileAtomically(pipe, "a"), std::errc::operation_not_supported);
+  EXPECT_TRUE(fs::is_fifo(pipe));
   EXPECT_EQ(writeFileAtomically(folder.path() + "/none/file", "a"), std::errc::no_such_file_or_directory);
   fs::create_directories(folder.path() + "/full/of/things");
   EXPECT_TRUE(writeFileAtomically(folder.path() + "/full", "a"));
@@ -72,7 +77,7 @@ TEST(AtomicFile, TellsErrorsAndLeavesTheOldFile) {
   fs::create_symlink("loop", folder.path() + "/loop");
   EXPECT_TRUE(writeFileAtomically(folder.path() + "/loop", "a"));
   EXPECT_TRUE(fs::is_symlink(folder.path() + "/loop"));
-  EXPECT_EQ(fileCount(folder.path()), 2u);
+  EXPECT_EQ(fileCount(folder.path()), 3u);
 }
 
 }  // namespace

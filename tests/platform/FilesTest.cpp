@@ -47,6 +47,7 @@ TEST_F(JsonUserDefaultsTest, KeepsValuesForTheNextStart) {
     defaults.set("off", false);
     defaults.set("paths", paths);
     defaults.set("none", Strings{});
+    EXPECT_EQ(std::filesystem::status(file()).permissions(), std::filesystem::perms(0600));
   }
   const JsonUserDefaults defaults(folders);
   EXPECT_EQ(defaults.boolean("on"), true);

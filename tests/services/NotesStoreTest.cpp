@@ -1,6 +1,7 @@
 #include "services/NotesStore.h"
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include <filesystem>
 
@@ -11,7 +12,6 @@ namespace {
 
 class NotesStoreTest : public testing::Test {
  protected:
-  NotesStore make() { return NotesStore(desktop.scheduler, desktop.folders); }
   std::string saved(const std::string& name = "notes.txt") const { return contentsOf(folder + "/" + name); }
   void pass(double seconds) { desktop.scheduler.advance(seconds); }
 
@@ -52,29 +52,43 @@ TEST_F(NotesStoreTest, OnlyADifferenceIsNewsButEverythingIsSaved) {
   EXPECT_EQ(saved(), "a");
 }
 
-TEST_F(NotesStoreTest, ASlowWriteIsNeverOvertaken) {
-  NotesStore notes(desktop.scheduler, desktop.folders);
-  desktop.scheduler.backgroundSeconds = 5;
-  notes.setText("first");
-  pass(0.5);
-  desktop.scheduler.backgroundSeconds = 0;
-  notes.setText("second");
-  pass(0.5);
-  notes.setText("third");
-  pass(0.5);
-  EXPECT_EQ(saved(), "(no file)") << "the first write is still under way";
-  pass(5);
-  EXPECT_EQ(saved(), "third");
-
+TEST_F(NotesStoreTest, NothingIsLostAtTheEndAndNothingOldComesBack) {
   {
-    NotesStore leaving = make();
-    EXPECT_EQ(leaving.text(), "third");
-    desktop.scheduler.backgroundSeconds = 5;
-    leaving.setText("kept");
-    pass(0.5);
+    NotesStore notes(desktop.scheduler, desktop.folders);
+    notes.setText("pending");
+    notes.flush();
+    EXPECT_EQ(saved(), "pending");
+    notes.setText("of a store that goes");
   }
-  pass(5);
-  EXPECT_EQ(saved(), "kept") << "a write under way survives its store";
+  EXPECT_EQ(saved(), "of a store that goes");
+
+  NotesStore notes(desktop.scheduler, desktop.folders);
+  EXPECT_EQ(notes.text(), "of a store that goes");
+  notes.flush();
+  EXPECT_EQ(saved(), "of a store that goes") << "nothing was typed";
+  desktop.scheduler.backgroundSeconds = 5;
+  notes.setText("slow");
+  pass(0.5);
+  notes.setText("newer");
+  notes.flush();
+  pass(9);
+  EXPECT_EQ(saved(), "newer") << "the slow write comes too late";
+}
+
+TEST_F(NotesStoreTest, NobodyElseReadsThem) {
+  namespace fs = std::filesystem;
+  fs::remove_all(desktop.folders.data());
+  for (const bool isThere : {false, true}) {
+    if (isThere) {
+      fs::permissions(folder, fs::perms(0755));
+      fs::permissions(folder + "/notes.txt", fs::perms(0644));
+    }
+    NotesStore notes(desktop.scheduler, desktop.folders);
+    EXPECT_EQ(fs::status(folder).permissions(), fs::perms(0700)) << "at once";
+    notes.setText("secret");
+    pass(1);
+    EXPECT_EQ(fs::status(folder + "/notes.txt").permissions(), fs::perms(0600));
+  }
 }
 
 TEST_F(NotesStoreTest, WhatIsNoTextIsKeptAside) {
@@ -97,13 +111,18 @@ TEST_F(NotesStoreTest, WhatIsNoTextIsKeptAside) {
         saved(number == 1 ? "notes.unreadable.txt" : "notes.unreadable-" + std::to_string(number) + ".txt"),
         contents);
   }
-  std::filesystem::remove(folder + "/notes.txt");
-  std::filesystem::create_directories(folder + "/notes.txt/inside");
-  NotesStore notes(desktop.scheduler, desktop.folders);
-  notes.setText("new");
-  pass(1);
-  EXPECT_EQ(saved(), "new");
-  EXPECT_TRUE(std::filesystem::exists(folder + "/notes.unreadable-6.txt/inside"));
+  // A folder, or a pipe that nobody writes to.
+  for (const char* aside : {"/notes.unreadable-6.txt", "/notes.unreadable-7.txt"}) {
+    std::filesystem::remove(folder + "/notes.txt");
+    number == 5 ? ::mkdir((folder + "/notes.txt").c_str(), 0700)
+                : ::mkfifo((folder + "/notes.txt").c_str(), 0600);
+    ++number;
+    NotesStore notes(desktop.scheduler, desktop.folders);
+    notes.setText("new");
+    pass(1);
+    EXPECT_EQ(saved(), "new");
+    EXPECT_TRUE(std::filesystem::exists(folder + aside));
+  }
 }
 
 TEST_F(NotesStoreTest, AFolderThatCannotBeMadeCostsOnlyTheFile) {

@@ -17,6 +17,7 @@ auto memberNamed(auto& members, const std::string& key) {
 
 JsonUserDefaults::JsonUserDefaults(const Folders& folders)
     : folder_(folders.configuration() + "/Tarnwick"), path_(folder_ + "/defaults.json") {
+  makePrivateFolder(folder_);
   load();
 }
 
@@ -76,9 +77,7 @@ void JsonUserDefaults::store(const std::string& key, const std::string& json) {
   for (const JsonMember& each : members_) {
     text += (text.size() > 1 ? ",\n  " : "\n  ") + each.key + ": " + each.value;
   }
-  std::error_code ignored;
-  std::filesystem::create_directories(folder_, ignored);
-  (void)writeFileAtomically(path_, text + "\n}\n");
+  (void)writePrivateFile(path_, text + "\n}\n");
 }
 
 void JsonUserDefaults::keepAside() const {
