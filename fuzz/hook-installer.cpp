@@ -8,11 +8,11 @@ using namespace tarnwick;
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   std::string error;
-  auto json = parseJson(std::string(reinterpret_cast<const char*>(data), size), error);
+  auto json = parseJson({reinterpret_cast<const char*>(data), size}, error);
   check(json || !error.empty(), "what cannot be read is told");
   if (!json) return 0;
   const auto text = writeJson(*json);
-  check(text && parseJson(*text, error) == json, "what was read is written whole");
+  check(parseJson(text) == json, "what was read is written whole");
   const auto* settings = json->as<JsonObject>();
   if (!settings) return 0;
 

@@ -3,6 +3,11 @@
 
 namespace tarnwick {
 
+/// U+FEFF, which some programs write at the head of a file.
+inline constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
+/// U+FFFD, in the place of what is no character.
+inline constexpr std::string_view replacementCharacter = "\xEF\xBF\xBD";
+
 bool isValidUtf8(std::string_view text);
 
 /// The bytes of the code point that `text` begins with; 0 where none does.

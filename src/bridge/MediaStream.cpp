@@ -1,7 +1,8 @@
 #include "bridge/MediaStream.h"
 
-#include <rapidjson/stringbuffer.h>
-#include <rapidjson/writer.h>
+#include <charconv>
+
+#include "json/JsonString.h"
 
 namespace tarnwick {
 namespace {
@@ -13,38 +14,27 @@ constexpr int64_t nothingDelay = 500'000;
 
 /// The members of an object that is still open.
 std::string describe(Player* player, int64_t artworkId) {
-  rapidjson::StringBuffer buffer;
-  rapidjson::Writer<rapidjson::StringBuffer> json(buffer);
-  const auto text = [&](const char* key, const std::string& value) {
-    json.Key(key);
-    json.String(value.data(), static_cast<rapidjson::SizeType>(value.size()));
+  std::string json = "{\"artworkId\":" + std::to_string(artworkId);
+  const auto member = [&](std::string_view key, std::string_view value) {
+    ((json += ",\"") += key) += "\":";
+    json += value;
   };
-  const auto seconds = [&](const char* key, int64_t microseconds) {
-    json.Key(key);
-    json.Double(static_cast<double>(microseconds) / 1e6);
+  const auto seconds = [&](std::string_view key, int64_t microseconds) {
+    char text[32];
+    const char* end = std::to_chars(text, std::end(text), static_cast<double>(microseconds) / 1e6).ptr;
+    member(key, {text, end});
   };
-  json.StartObject();
-  if (player) {
-    text("title", player->track().title);
-    text("artist", player->track().artist);
-    text("album", player->track().album);
-    seconds("duration", player->track().length);
-    seconds("elapsed", player->position());
-    seconds("timestamp", player->positionDate());
-    json.Key("playing");
-    json.Bool(player->status() == Player::Status::playing);
-    if (player->process()) {
-      json.Key("pid");
-      json.Uint(player->process());
-    }
-    if (!player->desktopEntry().empty()) text("desktopEntry", player->desktopEntry());
-  }
-  json.Key("artworkId");
-  json.Int64(artworkId);
-  json.EndObject();
-  std::string object(buffer.GetString(), buffer.GetSize());
-  object.pop_back();
-  return object;
+  if (!player) return json;
+  member("title", jsonString(player->track().title));
+  member("artist", jsonString(player->track().artist));
+  member("album", jsonString(player->track().album));
+  seconds("duration", player->track().length);
+  seconds("elapsed", player->position());
+  seconds("timestamp", player->positionDate());
+  member("playing", player->status() == Player::Status::playing ? "true" : "false");
+  if (player->process()) member("pid", std::to_string(player->process()));
+  if (!player->desktopEntry().empty()) member("desktopEntry", jsonString(player->desktopEntry()));
+  return json;
 }
 
 }  // namespace

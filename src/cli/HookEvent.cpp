@@ -1,29 +1,33 @@
 #include "cli/HookEvent.h"
 
-#include <rapidjson/reader.h>
-
 #include <algorithm>
 #include <array>
+#include <span>
 
-#include "cli/JsonFilter.h"
 #include "cli/Text.h"
+#include "json/JsonReader.h"
 
 namespace tarnwick {
 namespace {
 
-constexpr std::array<std::string_view, 7> copiedKeys{
-    "hook_event_name", "session_id", "cwd", "tool_name", "message", "notification_type", "prompt"};
+constexpr std::string_view toolInput = "tool_input";
+constexpr std::array<std::string_view, 8> eventKeys{
+    "hook_event_name", "session_id", "cwd", "tool_name", "message", "notification_type", "prompt", toolInput};
 constexpr std::array<std::string_view, 6> detailKeys{"command",     "file_path", "pattern",
                                                      "description", "url",       "query"};
 constexpr size_t textLimit = 200;
 constexpr size_t detailLimit = 120;
 // Far above what any real text of that many characters takes.
 constexpr size_t byteLimit = 16384;
+// As much as can count, and the whole of the code point that the limit may cut.
+constexpr size_t heldBytes = byteLimit + 4;
 
-/// Listens to the JSON reader and keeps what goes into the map. Of a key given twice the last value counts.
-class EventHandler : public rapidjson::BaseReaderHandler<rapidjson::UTF8<>, EventHandler> {
+/// Keeps what goes into the map. Of a key given twice the last value counts.
+class EventHandler : public JsonHandler {
  public:
-  StringMap takeMap() {
+  /// Nothing when the text was another value than an object.
+  std::optional<StringMap> takeMap() {
+    if (!isObject_) return std::nullopt;
     for (auto& detail : details_) {
       if (!detail) continue;
       map_["tool_detail"] = std::move(*detail);
@@ -32,96 +36,78 @@ class EventHandler : public rapidjson::BaseReaderHandler<rapidjson::UTF8<>, Even
     return std::move(map_);
   }
 
-  bool String(const char* data, rapidjson::SizeType length, bool) {
-    const std::string_view text(data, length);
-    if (depth_ == 0) return false;
-    forgetValue();
-    if (isCopiedKey()) map_[std::string(key_)] = firstCharacters(text, textLimit, byteLimit);
-    if (isDetailKey()) details_[detailIndex()] = firstCharacters(text, detailLimit, byteLimit);
-    return true;
+  void beginObject() override {
+    isObject_ = isObject_ || depth_ == 0;
+    beginArray();
+    isToolInput_ = isToolInput_ || (depth_ == 2 && key_ == toolInput);
   }
-
-  bool StartObject() {
-    if (depth_ > 0) forgetValue();
-    isToolInput_ = isToolInput_ || (depth_ == 1 && key_ == "tool_input");
-    ++depth_;
-    return true;
-  }
-
-  bool Key(const char* data, rapidjson::SizeType length, bool) {
-    const std::string_view text(data, length);
-    if (depth_ == 1) key_ = knownKey(text);
-    if (depth_ == 2 && isToolInput_) detailKey_ = std::ranges::find(detailKeys, text);
-    return true;
-  }
-
-  bool EndObject(rapidjson::SizeType) {
-    close();
-    return true;
-  }
-
-  bool StartArray() {
-    if (depth_ == 0) return false;
+  void beginArray() override {
     forgetValue();
     ++depth_;
-    return true;
   }
-
-  bool EndArray(rapidjson::SizeType) {
-    close();
-    return true;
-  }
-
-  /// Every other value.
-  bool Default() {
-    if (depth_ == 0) return false;
-    forgetValue();
-    return true;
-  }
-
- private:
-  static std::string_view knownKey(std::string_view text) {
-    if (text == "tool_input") return "tool_input";
-    const auto found = std::ranges::find(copiedKeys, text);
-    return found == copiedKeys.end() ? std::string_view() : *found;
-  }
-
-  bool isCopiedKey() const { return depth_ == 1 && !key_.empty() && key_ != "tool_input"; }
-  bool isDetailKey() const { return depth_ == 2 && isToolInput_ && detailKey_ != detailKeys.end(); }
-  size_t detailIndex() const { return static_cast<size_t>(detailKey_ - detailKeys.begin()); }
-
-  void forgetValue() {
-    if (isCopiedKey()) map_.erase(std::string(key_));
-    if (depth_ == 1 && key_ == "tool_input") details_ = {};
-    if (isDetailKey()) details_[detailIndex()].reset();
-  }
-
-  void close() {
+  void endContainer() override {
     --depth_;
     if (depth_ == 1) isToolInput_ = false;
+  }
+  void key(std::string_view part, bool isEnd) override {
+    collect(part);
+    if (!isEnd) return;
+    if (depth_ == 1) key_ = known(eventKeys, text_);
+    if (depth_ == 2) detailKey_ = known(detailKeys, text_);
+    text_.clear();
+  }
+  void string(std::string_view part, bool isEnd) override {
+    if (isCopied() || isDetail()) collect(part);
+    if (!isEnd) return;
+    forgetValue();
+    if (isCopied()) map_[std::string(key_)] = firstCharacters(text_, textLimit, byteLimit);
+    if (isDetail()) detail() = firstCharacters(text_, detailLimit, byteLimit);
+    text_.clear();
+  }
+  void number(std::string_view, bool) override { forgetValue(); }
+  void boolean(bool) override { forgetValue(); }
+  void null() override { forgetValue(); }
+
+ private:
+  static std::string_view known(std::span<const std::string_view> keys, std::string_view text) {
+    const auto found = std::ranges::find(keys, text);
+    return found == keys.end() ? std::string_view() : *found;
+  }
+
+  bool isCopied() const { return depth_ == 1 && !key_.empty() && key_ != toolInput; }
+  bool isDetail() const { return depth_ == 2 && isToolInput_ && !detailKey_.empty(); }
+  std::optional<std::string>& detail() {
+    return details_[static_cast<size_t>(std::ranges::find(detailKeys, detailKey_) - detailKeys.begin())];
+  }
+
+  void collect(std::string_view part) { text_ += part.substr(0, heldBytes - text_.size()); }
+
+  void forgetValue() {
+    if (isCopied()) map_.erase(std::string(key_));
+    if (depth_ == 1 && key_ == toolInput) details_ = {};
+    if (isDetail()) detail().reset();
   }
 
   StringMap map_;
   std::array<std::optional<std::string>, detailKeys.size()> details_;
   size_t depth_ = 0;
-  /// The top-level key whose value is being read, when it is one of those above.
-  std::string_view key_;
-  decltype(detailKeys)::const_iterator detailKey_ = detailKeys.end();
+  bool isObject_ = false;
   /// Whether the object at depth 2 is the tool's input.
   bool isToolInput_ = false;
+  /// The keys whose values are being read at depth 1 and 2, when they are of those above.
+  std::string_view key_, detailKey_;
+  /// What has come of the text that is being read.
+  std::string text_;
 };
 
 }  // namespace
 
-std::optional<StringMap> readHookEvent(ByteSource input) {
-  ByteStream stream(JsonFilter(std::move(input)));
+std::optional<StringMap> readHookEvent(const ByteSource& input) {
   EventHandler handler;
-  rapidjson::Reader reader;
-  constexpr unsigned flags = rapidjson::kParseIterativeFlag | rapidjson::kParseValidateEncodingFlag;
-  const bool isObject = !reader.Parse<flags>(stream, handler).IsError() && stream.isAtEnd();
-  stream.drain();
-  if (!isObject) return std::nullopt;
-  return handler.takeMap();
+  JsonReader reader(handler, JsonReader::Halves::replaced);
+  // To the end in any case, so that whoever writes it meets no closed pipe.
+  for (std::string_view bytes = input(); !bytes.empty(); bytes = input()) reader.read(bytes);
+  return reader.finish() ? handler.takeMap() : std::nullopt;
 }
 
 }  // namespace tarnwick

@@ -52,9 +52,7 @@ std::error_code backUp(const std::string& path, const std::string& contents, con
 
 bool isOurs(const JsonValue& entry) {
   const auto* object = entry.as<JsonObject>();
-  if (!object) return false;
-  const auto found = object->find("command");
-  const auto* command = found == object->end() ? nullptr : found->second.as<std::string>();
+  const auto* command = object ? memberOf<std::string>(*object, "command") : nullptr;
   return command && command->find("Tarnwick") != command->npos && command->ends_with("--hook");
 }
 
@@ -66,9 +64,7 @@ JsonArray* listOfObjects(JsonValue& value) {
 
 /// Takes our entries out of a group. @return whether nothing is left in it.
 bool emptyGroup(JsonValue& group) {
-  auto& object = *group.as<JsonObject>();
-  const auto found = object.find("hooks");
-  auto* entries = found == object.end() ? nullptr : found->second.as<JsonArray>();
+  auto* entries = memberOf<JsonArray>(*group.as<JsonObject>(), "hooks");
   if (!entries) return false;
   std::erase_if(*entries, isOurs);
   return entries->empty();
@@ -103,7 +99,7 @@ std::optional<JsonObject> HookInstaller::load() const {
     return std::nullopt;
   }
   std::string problem;
-  auto settings = parseJson(std::move(contents), problem);
+  auto settings = parseJson(contents, problem);
   if (!settings) {
     complain(readFailure, problem);
     return std::nullopt;
@@ -130,12 +126,7 @@ bool HookInstaller::save(JsonObject settings) const {
     complain(writeFailure, error.message());
     return false;
   }
-  const auto text = writeJson({std::move(settings)});
-  if (!text) {
-    complain(writeFailure, "the path of the program is not valid UTF-8");
-    return false;
-  }
-  if (const std::error_code error = writeFileAtomically(path_, *text)) {
+  if (const std::error_code error = writeFileAtomically(path_, writeJson({std::move(settings)}))) {
     complain(writeFailure, error.message());
     return false;
   }
@@ -167,6 +158,10 @@ JsonObject HookInstaller::withoutOurs(JsonObject settings) {
 }
 
 bool HookInstaller::install() const {
+  if (!isValidUtf8(executable_)) {
+    complain(writeFailure, "the path of the program is not valid UTF-8");
+    return false;
+  }
   auto settings = load();
   if (!settings || !save(withOurs(std::move(*settings)))) return false;
   print(STDOUT_FILENO, "Tarnwick hooks installed in " + path_ + "\nCommand: " + command() + "\n");

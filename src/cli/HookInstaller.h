@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-#include "cli/JsonValue.h"
+#include "json/JsonValue.h"
 
 namespace tarnwick {
 

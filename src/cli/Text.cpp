@@ -7,8 +7,6 @@
 namespace tarnwick {
 namespace {
 
-constexpr std::string_view replacementCharacter = "\xEF\xBF\xBD";
-
 struct CodePoint {
   utf8proc_int32_t value;
   size_t length;

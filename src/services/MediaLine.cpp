@@ -1,60 +1,42 @@
 #include "services/MediaLine.h"
 
-#include <rapidjson/document.h>
-
+#include "json/JsonValue.h"
 #include "services/Base64.h"
 
 namespace tarnwick {
-namespace {
 
-using Value = rapidjson::Value;
-
-const Value* find(const Value& object, const char* key) {
-  const auto member = object.FindMember(key);
-  return member == object.MemberEnd() ? nullptr : &member->value;
-}
-
-std::string text(const Value& object, const char* key) {
-  const Value* value = find(object, key);
-  return value && value->IsString() ? std::string(value->GetString(), value->GetStringLength()) : "";
-}
-
-std::optional<double> number(const Value& object, const char* key) {
-  const Value* value = find(object, key);
-  return value && value->IsNumber() ? std::optional(value->GetDouble()) : std::nullopt;
-}
-
-std::optional<int64_t> integer(const Value& object, const char* key) {
-  const Value* value = find(object, key);
-  return value && value->IsInt64() ? std::optional(value->GetInt64()) : std::nullopt;
-}
-
-}  // namespace
-
-std::optional<MediaLine> MediaLine::parse(std::string line) {
-  // In place: a cover has millions of characters. Without recursion: the depth is the bridge's choice.
-  constexpr unsigned flags =
-      rapidjson::kParseInsituFlag | rapidjson::kParseIterativeFlag | rapidjson::kParseValidateEncodingFlag;
-  rapidjson::Document object;
-  object.ParseInsitu<flags>(line.data());
-  if (object.HasParseError() || !object.IsObject()) return std::nullopt;
+std::optional<MediaLine> MediaLine::parse(std::string_view line) {
+  const auto json = parseJson(line);
+  const auto* object = json ? json->as<JsonObject>() : nullptr;
+  if (!object) return std::nullopt;
+  const auto text = [&](std::string_view key) {
+    const auto* value = memberOf<std::string>(*object, key);
+    return value ? *value : std::string();
+  };
+  const auto real = [&](std::string_view key) {
+    const auto* value = memberOf<JsonNumber>(*object, key);
+    return value ? value->real() : std::nullopt;
+  };
+  const auto integer = [&](std::string_view key) {
+    const auto* value = memberOf<JsonNumber>(*object, key);
+    return value ? value->integer().value_or(0) : 0;
+  };
 
   MediaLine parsed;
-  parsed.title = text(object, "title");
-  parsed.artist = text(object, "artist");
-  parsed.album = text(object, "album");
-  parsed.duration = number(object, "duration").value_or(0);
-  parsed.elapsed = number(object, "elapsed").value_or(0);
-  parsed.timestamp = number(object, "timestamp");
-  const Value* playing = find(object, "playing");
-  parsed.playing = playing && playing->IsBool() && playing->GetBool();
-  parsed.artworkId = integer(object, "artworkId").value_or(0);
-  if (const Value* artwork = find(object, "artwork"); artwork && artwork->IsString()) {
-    parsed.artwork = decodeBase64({artwork->GetString(), artwork->GetStringLength()});
-  }
-  const int64_t pid = integer(object, "pid").value_or(0);
+  parsed.title = text("title");
+  parsed.artist = text("artist");
+  parsed.album = text("album");
+  parsed.duration = real("duration").value_or(0);
+  parsed.elapsed = real("elapsed").value_or(0);
+  parsed.timestamp = real("timestamp");
+  const bool* playing = memberOf<bool>(*object, "playing");
+  parsed.playing = playing && *playing;
+  parsed.artworkId = integer("artworkId");
+  if (const auto* artwork = memberOf<std::string>(*object, "artwork"))
+    parsed.artwork = decodeBase64(*artwork);
+  const int64_t pid = integer("pid");
   if (pid >= 1 && pid <= INT32_MAX) parsed.pid = static_cast<int32_t>(pid);
-  parsed.desktopEntry = text(object, "desktopEntry");
+  parsed.desktopEntry = text("desktopEntry");
   return parsed;
 }
 

@@ -2,6 +2,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <string_view>
 
 namespace tarnwick {
 
@@ -24,7 +25,7 @@ struct MediaLine {
   std::string desktopEntry;
 
   /// None when the line is no JSON object.
-  static std::optional<MediaLine> parse(std::string line);
+  static std::optional<MediaLine> parse(std::string_view line);
 };
 
 }  // namespace tarnwick

@@ -9,7 +9,7 @@ namespace tarnwick {
 std::optional<MediaUpdate> MediaReader::read(std::string_view bytes) {
   std::optional<MediaLine> last;
   for (std::string& text : buffer_.append(bytes)) {
-    std::optional<MediaLine> line = MediaLine::parse(std::move(text));
+    std::optional<MediaLine> line = MediaLine::parse(text);
     if (!line) continue;
     takeArtwork(*line);
     line->artwork.reset();

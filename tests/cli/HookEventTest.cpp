@@ -108,75 +108,38 @@ TEST(HookEvent, CutsLongTexts) {
 
 TEST(HookEvent, IsNothingUnlessTheInputIsAJsonObject) {
   const std::string texts[] = {"",
-                               " ",
                                "[]",
                                R"([{"prompt":"x"}])",
                                R"("prompt")",
                                "7",
                                "null",
-                               "true",
-                               "{",
-                               "}",
-                               "{]",
-                               R"({"prompt")",
                                R"({"prompt":"x")",
-                               R"({"prompt":"x",})",
                                R"({"prompt":"x"}})",
                                R"({"prompt":"x"} {})",
-                               R"({"prompt":"x"} x)",
                                "{\"prompt\":\"x\"}\0"s,
-                               "{\"prompt\":\"x\"}\0{}"s,
-                               "{\"prompt\":\"x\0\"}"s,
                                "{\"prompt\":\"x\ny\"}",
-                               "{'prompt':'x'}",
-                               "{prompt:\"x\"}",
-                               R"({"prompt":"\x"})",
-                               R"({"prompt":"\u12g4"})",
                                R"({"prompt":"\ud83d\u12g4"})",
                                R"({"prompt":"\ud83d)",
                                R"({"prompt":01})",
-                               R"({"other":-})",
-                               R"({"other":-01})",
-                               R"({"other":1.})",
-                               R"({"other":.5})",
-                               R"({"other":+5})",
-                               R"({"other":1.2.3})",
-                               R"({"other":1e})",
-                               R"({"other":1e+})",
-                               R"({"other":1e5e5})",
-                               R"({"other":1-2})",
-                               R"({"other":1 2})",
-                               R"({"other":1x})",
-                               R"({"other":1"x"})",
-                               R"({1:2})",
-                               R"({} 1)",
-                               R"({"prompt":NaN})",
-                               R"({"prompt":"x"/*no*/})",
-                               "{\"prompt\":\"caf\xE9\"}",
-                               "{\"other\":\"\xED\xA0\x80\"}",
-                               "{\"\xC0\x80\":1}",
-                               "\xEF\xBB\xBF{}",
-                               "{\0\"\0a\0\"\0:\0\"\0b\0\"\0}\0"s,
-                               std::string(100000, '['),
-                               "{\"a\":" + std::string(100000, '['),
+                               "{\"other\":\"caf\xE9\"}",
+                               "\xEF\xBB{}",
+                               "\xEF\xBB\xBF\xEF\xBB\xBF{}",
                                repeated("{\"a\":", 100000)};
   for (const std::string& text : texts) EXPECT_EQ(read(text), std::nullopt) << text.substr(0, 60);
 }
 
-TEST(HookEvent, MayHoldNumbersOfAnySizeAnyDepthAndTextsCutInsideAnEmoji) {
+TEST(HookEvent, DoesNotDependOnHowTheInputArrives) {
   struct Case {
     const char* json;
     StringMap map;
   };
   const Case cases[] = {
-      {R"({"prompt":"a","tool_input":{"x":1e400,"command":"c"}})", {{"prompt", "a"}, {"tool_detail", "c"}}},
-      {R"({"a":[-0,0,-12.50e-999999999999,1E+400,7],"prompt":"-1e400"})", {{"prompt", "-1e400"}}},
-      {R"({"prompt":"\"1e400\\"})", {{"prompt", "\"1e400\\"}}},
-      {R"({"prompt":"abc\ud83d"})", {{"prompt", "abc\uFFFD"}}},
-      {R"({"prompt":"\ud83dabc"})", {{"prompt", "\uFFFDabc"}}},
-      {R"({"prompt":"\uDE00abc"})", {{"prompt", "\uFFFDabc"}}},
-      {R"({"prompt":"\udc00\ud800"})", {{"prompt", "\uFFFD\uFFFD"}}},
-      {R"({"prompt":"\ud83d\ud83d\ude00\ude00"})", {{"prompt", "\uFFFD😀\uFFFD"}}},
+      {"\xEF\xBB\xBF{\"prompt\":\"a\",\"tool_input\":{\"x\":1e400,\"command\":\"c\"}}",
+       {{"prompt", "a"}, {"tool_detail", "c"}}},
+      {R"({"a":[-0,0,-12.50e-99999,1E+400,7,true,null],"prompt":"-1e400","cwd":"/é/\ud83d\ude00"} )",
+       {{"prompt", "-1e400"}, {"cwd", "/é/😀"}}},
+      // Texts that were cut inside an emoji.
+      {R"({"prompt":"abc\ud83d","cwd":"\uDE00abc"})", {{"prompt", "abc\uFFFD"}, {"cwd", "\uFFFDabc"}}},
       {R"({"prompt":"\ud83d\n\u00e9\ud83d\\ude00\ud83d\""})", {{"prompt", "\uFFFD\né\uFFFD\\ude00\uFFFD\""}}},
       {R"({"\udfff":["\udfff"],"prompt":"b"})", {{"prompt", "b"}}},
   };
@@ -184,20 +147,6 @@ TEST(HookEvent, MayHoldNumbersOfAnySizeAnyDepthAndTextsCutInsideAnEmoji) {
     for (size_t size = 1; size < 20; ++size)
       EXPECT_EQ(readHookEvent(inPieces(one.json, size)), one.map) << one.json << " in pieces of " << size;
   }
-  const std::string brackets = std::string(100000, '[') + std::string(100000, ']');
-  EXPECT_EQ(read("{\"a\":" + brackets + ",\"prompt\":\"x\"}"), (StringMap{{"prompt", "x"}}));
-  const std::string digits(1 << 20, '9');
-  EXPECT_EQ(read("{\"a\":" + digits + "." + digits + ",\"prompt\":\"x\"}"), (StringMap{{"prompt", "x"}}));
-}
-
-TEST(HookEvent, DoesNotDependOnHowTheInputArrives) {
-  const std::string text =
-      R"({"cwd":"/é/\ud83d\ude00","tool_input":{"command":"npm test","url":-1.5e+3},"a":[true,null]} )";
-  const auto whole = read(text);
-  ASSERT_TRUE(whole);
-  for (size_t size = 1; size < text.size(); ++size)
-    EXPECT_EQ(readHookEvent(inPieces(text, size)), whole) << size;
-  for (size_t end = 0; end < text.size() - 1; ++end) EXPECT_FALSE(read(text.substr(0, end))) << end;
 }
 
 TEST(HookEvent, ReadsTheInputToItsEndWhateverIsInIt) {

@@ -162,9 +162,9 @@ TEST_F(HookInstallerTest, LeavesAFileThatItDoesNotUnderstandAsItIs) {
   const Case cases[] = {
       {"[]", "settings.json is not a JSON object\n"},
       {"7", "settings.json is not a JSON object\n"},
-      {"", "Could not read settings.json: The document is empty. (at byte 0)\n"},
-      {"{\"a\":1,}", "Could not read settings.json: Missing a name for object member. (at byte 7)\n"},
-      {"{\"a\":\"caf\xE9\"}", "Could not read settings.json: Invalid encoding in string. (at byte 9)\n"},
+      {"", "Could not read settings.json: incomplete JSON (at byte 0)\n"},
+      {"{\"a\":1,}", "Could not read settings.json: syntax error (at byte 7)\n"},
+      {"{\"a\":\"caf\xE9\"}", "Could not read settings.json: invalid UTF-8\n"},
   };
   for (const Case& one : cases) {
     for (const auto operation : {&HookInstaller::install, &HookInstaller::uninstall}) {

@@ -11,7 +11,7 @@
 #include "FakeBus.h"
 #include "PrivateBus.h"
 #include "base/AtomicFile.h"
-#include "cli/JsonValue.h"
+#include "json/JsonValue.h"
 
 using namespace tarnwick;
 using namespace std::chrono_literals;
@@ -243,7 +243,7 @@ class LargeSettings {
   LargeSettings() {
     JsonArray list(manySettings, JsonValue{JsonObject{{"key", {"some text of the user's"}}}});
     fs::create_directories(home.path() + "/.claude");
-    EXPECT_FALSE(writeFileAtomically(path, *writeJson({JsonObject{{"list", {std::move(list)}}}})));
+    EXPECT_FALSE(writeFileAtomically(path, writeJson({JsonObject{{"list", {std::move(list)}}}})));
     start("--install-hooks")->wait();
     installed = contentsOf(path);
     start("--uninstall-hooks")->wait();

@@ -110,10 +110,10 @@ TEST_F(MediaServiceTest, WhatIsNoObjectIsSkipped) {
   start();
   bridgeTells(R"({"title":"Song"})");
   const std::string deep = std::string(1'000'000, '[');
-  for (const std::string& line : {std::string(), std::string("x"), std::string("[]"), std::string("null"),
-                                  std::string("\"title\""), std::string(R"({"title":"x")"),
-                                  std::string(R"({"title":"x"} {})"), std::string("{\"title\":\"\xff\"}"),
-                                  std::string(R"({"duration":1e999})"), std::string(1, '\0'), deep}) {
+  for (const std::string& line :
+       {std::string(), std::string("x"), std::string("[]"), std::string("null"), std::string("\"title\""),
+        std::string(R"({"title":"x")"), std::string(R"({"title":"x"} {})"),
+        std::string("{\"title\":\"\xff\"}"), std::string("\0", 1), deep}) {
     bridgeTells(line);
     EXPECT_EQ(media.title.get(), "Song") << line.substr(0, 40);
   }
