@@ -2,7 +2,7 @@
 
 #include <QCoreApplication>
 
-#include "platform/linux/X11NotchPanel.h"
+#include "linux/x11/X11NotchPanel.h"
 #include "ui/engine/Drawing.h"
 #include "ui/host/SceneWidget.h"
 #include "views/NotchRootView.h"

@@ -2,28 +2,29 @@
 #include <memory>
 
 #include "core/NotchController.h"
-#include "platform/linux/BacklightBrightness.h"
-#include "platform/linux/BluezDevices.h"
-#include "platform/linux/CanberraSoundPlayer.h"
-#include "platform/linux/DBusNotificationCenter.h"
-#include "platform/linux/DesktopApplications.h"
-#include "platform/linux/EvolutionCalendars.h"
-#include "platform/linux/JsonUserDefaults.h"
-#include "platform/linux/MessageBus.h"
-#include "platform/linux/Module.h"
-#include "platform/linux/NoHaptics.h"
-#include "platform/linux/PulseAudioDevices.h"
-#include "platform/linux/QtChildProcesses.h"
-#include "platform/linux/QtImageDecoder.h"
-#include "platform/linux/QtScheduler.h"
-#include "platform/linux/StandardErrorLog.h"
-#include "platform/linux/UPowerSources.h"
-#include "platform/linux/X11Connection.h"
-#include "platform/linux/X11MediaKeys.h"
-#include "platform/linux/X11Pointer.h"
-#include "platform/linux/X11Screens.h"
-#include "platform/linux/X11WindowList.h"
-#include "platform/linux/XdgFolders.h"
+#include "linux/bus/BacklightBrightness.h"
+#include "linux/bus/BluezDevices.h"
+#include "linux/bus/DBusNotificationCenter.h"
+#include "linux/bus/MessageBus.h"
+#include "linux/bus/UPowerSources.h"
+#include "linux/calendar/EvolutionCalendars.h"
+#include "linux/files/DesktopApplications.h"
+#include "linux/files/JsonUserDefaults.h"
+#include "linux/files/QtImageDecoder.h"
+#include "linux/files/XdgFolders.h"
+#include "linux/process/Module.h"
+#include "linux/process/NoHaptics.h"
+#include "linux/process/QtChildProcesses.h"
+#include "linux/process/QtScheduler.h"
+#include "linux/process/StandardErrorLog.h"
+#include "linux/sound/CanberraSoundPlayer.h"
+#include "linux/sound/PulseAudioDevices.h"
+#include "linux/x11/X11Connection.h"
+#include "linux/x11/X11MediaKeys.h"
+#include "linux/x11/X11Pointer.h"
+#include "linux/x11/X11Screens.h"
+#include "linux/x11/X11WindowActivation.h"
+#include "linux/x11/X11WindowList.h"
 
 namespace tarnwick {
 
@@ -53,7 +54,8 @@ class AppDelegate {
   NoHaptics haptics_;
   QtChildProcesses processes_;
   QtImageDecoder images_;
-  DesktopApplications applications_{connection_, images_};
+  X11WindowActivation activation_{connection_};
+  DesktopApplications applications_{activation_, images_};
   StandardErrorLog log_;
   PulseAudioDevices audioDevices_{scheduler_, [] { return loadPulseModule(moduleFolder()); }};
   X11MediaKeys mediaKeys_{connection_, scheduler_};

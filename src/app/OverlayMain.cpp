@@ -15,7 +15,7 @@
 
 #include "app/AppDelegate.h"
 #include "cli/BusProbe.h"
-#include "platform/linux/BusWaiter.h"
+#include "linux/bus/BusWaiter.h"
 
 namespace {
 

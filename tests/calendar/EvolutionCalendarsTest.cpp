@@ -1,4 +1,4 @@
-#include "platform/linux/EvolutionCalendars.h"
+#include "linux/calendar/EvolutionCalendars.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -20,7 +20,7 @@
 #include <vector>
 
 #include "base/LocalTime.h"
-#include "platform/linux/QtScheduler.h"
+#include "linux/process/QtScheduler.h"
 #include "support/TemporaryFolder.h"
 
 // The calendars, with the real calendar service in a session and a home of its own.

@@ -1,4 +1,4 @@
-#include "platform/linux/BacklightBrightness.h"
+#include "linux/bus/BacklightBrightness.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-#include "platform/linux/CanberraSoundPlayer.h"
+#include "linux/sound/CanberraSoundPlayer.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-#include "platform/linux/DBusNotificationCenter.h"
+#include "linux/bus/DBusNotificationCenter.h"
 
 #include <gtest/gtest.h>
 #include <signal.h>

@@ -7,9 +7,9 @@
 #include <filesystem>
 #include <fstream>
 
-#include "platform/linux/FileList.h"
-#include "platform/linux/JsonUserDefaults.h"
-#include "platform/linux/XdgFolders.h"
+#include "linux/files/FileList.h"
+#include "linux/files/JsonUserDefaults.h"
+#include "linux/files/XdgFolders.h"
 #include "support/MemoryDesktop.h"
 
 using namespace tarnwick;

@@ -7,10 +7,11 @@
 #include <algorithm>
 #include <filesystem>
 
+#include "linux/files/DesktopApplications.h"
+#include "linux/files/QtImageDecoder.h"
+#include "linux/process/QtChildProcesses.h"
+#include "linux/x11/X11WindowActivation.h"
 #include "platform/TestDesktop.h"
-#include "platform/linux/DesktopApplications.h"
-#include "platform/linux/QtChildProcesses.h"
-#include "platform/linux/QtImageDecoder.h"
 #include "support/TemporaryFolder.h"
 
 using namespace tarnwick;
@@ -169,7 +170,8 @@ TEST(DesktopApplications, KnowsTheApplicationOfAProcess) {
   const QByteArray bytes = encoded(icon, "PNG");
   data.folder.write("system/icons/hicolor/128x128/apps/sleeper.png", bytes.toStdString());
   const QtImageDecoder images;
-  DesktopApplications applications(TestDesktop::shared().connection(), images);
+  X11WindowActivation activation(TestDesktop::shared().connection());
+  DesktopApplications applications(activation, images);
 
   auto child = std::make_unique<Child>("sleep", QStringList{"1000"});
   const auto process = static_cast<int32_t>(child->id());
@@ -200,7 +202,8 @@ TEST(DesktopApplications, BringsAnApplicationForwardOrStartsIt) {
   const std::string starts = "Exec=touch \"" + started + "\" %U\n";
   TestDesktop& desktop = TestDesktop::shared();
   const QtImageDecoder images;
-  DesktopApplications applications(desktop.connection(), images);
+  X11WindowActivation activation(desktop.connection());
+  DesktopApplications applications(activation, images);
 
   const auto window = desktop.startWindow("Player", QRect(300, 300, 200, 100));
   const xcb_window_t player = desktop.awaitWindow("Player");

@@ -1,4 +1,4 @@
-#include "platform/linux/PulseAudioDevices.h"
+#include "linux/sound/PulseAudioDevices.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

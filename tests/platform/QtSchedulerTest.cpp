@@ -1,4 +1,4 @@
-#include "platform/linux/QtScheduler.h"
+#include "linux/process/QtScheduler.h"
 
 #include <gtest/gtest.h>
 

@@ -2,9 +2,9 @@
 #include <gtest/gtest.h>
 #include <xcb/xinput.h>
 
+#include "linux/x11/ScrollDevices.h"
+#include "linux/x11/ScrollGesture.h"
 #include "platform/TestDesktop.h"
-#include "platform/linux/ScrollDevices.h"
-#include "platform/linux/ScrollGesture.h"
 #include "support/VirtualScheduler.h"
 
 using namespace tarnwick;

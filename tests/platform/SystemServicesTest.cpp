@@ -9,9 +9,9 @@
 #include <QDBusVariant>
 #include <QFile>
 
+#include "linux/bus/BluezDevices.h"
+#include "linux/bus/UPowerSources.h"
 #include "platform/TestDesktop.h"
-#include "platform/linux/BluezDevices.h"
-#include "platform/linux/UPowerSources.h"
 
 // The adapters of system services, against mocks of those services on a bus that plays the system's.
 namespace tarnwick {

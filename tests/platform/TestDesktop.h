@@ -8,10 +8,10 @@
 #include <string>
 
 #include "base/Geometry.h"
+#include "linux/process/QtScheduler.h"
+#include "linux/x11/X11Connection.h"
+#include "linux/x11/X11Screens.h"
 #include "platform/Hands.h"
-#include "platform/linux/QtScheduler.h"
-#include "platform/linux/X11Connection.h"
-#include "platform/linux/X11Screens.h"
 #include "support/TemporaryFolder.h"
 
 namespace tarnwick {

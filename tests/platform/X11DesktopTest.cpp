@@ -4,9 +4,9 @@
 
 #include <algorithm>
 
+#include "linux/x11/X11Pointer.h"
+#include "linux/x11/X11WindowList.h"
 #include "platform/TestDesktop.h"
-#include "platform/linux/X11Pointer.h"
-#include "platform/linux/X11WindowList.h"
 
 using namespace tarnwick;
 using testing::Contains;

@@ -1,4 +1,4 @@
-#include "platform/linux/X11MediaKeys.h"
+#include "linux/x11/X11MediaKeys.h"
 
 #include <X11/XF86keysym.h>
 #include <gmock/gmock.h>

@@ -1,4 +1,4 @@
-#include "platform/linux/X11NotchPanel.h"
+#include "linux/x11/X11NotchPanel.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

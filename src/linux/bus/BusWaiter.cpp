@@ -1,0 +1,48 @@
+#include "linux/bus/BusWaiter.h"
+
+namespace tarnwick {
+namespace {
+
+constexpr double retryInterval = 5;
+
+}  // namespace
+
+void BusWaiter::wait(std::function<QString()> address, std::function<void()> then) {
+  address_ = std::move(address);
+  then_ = std::move(then);
+  retry_ = scheduler_.every(retryInterval, [this] {
+    if (!probe_ || probe_->state() == BusProbe::State::absent) look();
+  });
+  look();
+}
+
+void BusWaiter::look() {
+  notifier_.reset();
+  const QString address = address_();
+  const auto addresses = parseBusAddresses(address.toStdString(), qgetenv("XDG_RUNTIME_DIR").toStdString());
+  // Over other transports the library has to find out for itself.
+  if (addresses.empty() && !address.isEmpty()) return answered();
+  probe_ = std::make_unique<BusProbe>(addresses);
+  if (probe_->state() == BusProbe::State::absent) return;
+  notifier_ = std::make_unique<QSocketNotifier>(probe_->descriptor(), QSocketNotifier::Read);
+  QObject::connect(notifier_.get(), &QSocketNotifier::activated, notifier_.get(), [this] { proceed(); });
+}
+
+void BusWaiter::proceed() {
+  probe_->proceed();
+  if (probe_->state() == BusProbe::State::silent) return;
+  notifier_->setEnabled(false);
+  if (probe_->state() == BusProbe::State::answers) answered();
+}
+
+void BusWaiter::answered() {
+  retry_.cancel();
+  answer_ = scheduler_.post([this] {
+    notifier_.reset();
+    probe_.reset();
+    const auto then = std::move(then_);
+    then();
+  });
+}
+
+}  // namespace tarnwick

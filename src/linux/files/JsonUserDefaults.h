@@ -1,0 +1,36 @@
+#pragma once
+#include <string>
+#include <vector>
+
+#include "base/UserDefaults.h"
+#include "linux/files/JsonMembers.h"
+#include "platform/Folders.h"
+
+namespace tarnwick {
+
+/// Preferences in "Tarnwick/defaults.json" of the configuration folder: one JSON object. Keys and values that
+/// are not ours stay as they were written, also those that another program has added since.
+class JsonUserDefaults : public UserDefaults {
+ public:
+  explicit JsonUserDefaults(const Folders& folders);
+
+  std::optional<bool> boolean(const std::string& key) const override;
+  std::optional<std::vector<std::string>> strings(const std::string& key) const override;
+  void set(const std::string& key, bool value) override;
+  void set(const std::string& key, const std::vector<std::string>& value) override;
+
+ private:
+  /// damaged: it is there, but cannot be read or is no JSON object.
+  enum class FileState { absent, whole, damaged };
+
+  FileState load();
+  const std::string* find(const std::string& key) const;
+  void store(const std::string& key, const std::string& json);
+  void keepAside() const;
+
+  std::string folder_;
+  std::string path_;
+  std::vector<JsonMember> members_;
+};
+
+}  // namespace tarnwick

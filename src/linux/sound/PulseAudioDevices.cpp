@@ -1,0 +1,186 @@
+#include "linux/sound/PulseAudioDevices.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "linux/process/Module.h"
+
+namespace tarnwick {
+namespace {
+
+constexpr double retryInterval = 5;
+/// Between two looks at the devices: nobody sees more than one change in a frame.
+constexpr double frame = 1.0 / 60;
+
+bool sameDevices(const PulseSnapshot& a, const PulseSnapshot& b) {
+  return a.defaultOutput == b.defaultOutput && a.defaultInput == b.defaultInput &&
+         std::equal(a.devices.begin(), a.devices.end(), b.devices.begin(), b.devices.end(),
+                    [](const PulseDevice& x, const PulseDevice& y) {
+                      return x.scope == y.scope && x.key == y.key && x.name == y.name &&
+                             x.transport == y.transport;
+                    });
+}
+
+}  // namespace
+
+PulseClientMaker loadPulseModule(const std::string& folder) {
+  auto* make =
+      reinterpret_cast<MakePulseClient*>(moduleFunction(folder + "/PulseAudio.so", makePulseClientName));
+  if (!make) return nullptr;
+  return [make] { return std::unique_ptr<PulseClient>(make()); };
+}
+
+PulseAudioDevices::PulseAudioDevices(Scheduler& scheduler, std::function<PulseClientMaker()> load)
+    : scheduler_(scheduler), load_(std::move(load)) {}
+
+void PulseAudioDevices::connect() {
+  const auto loaded = std::make_shared<PulseClientMaker>();
+  loading_ = scheduler_.background([loaded, load = load_] { *loaded = load(); },
+                                   [this, loaded] {
+                                     makeClient_ = *loaded;
+                                     if (makeClient_) openClient();
+                                   });
+}
+
+void PulseAudioDevices::openClient() {
+  retry_.cancel();
+  fetching_ = stale_ = false;
+  pendingWrites_ = 0;
+  client_ = makeClient_();
+  client_->onChange = [this] { refresh(); };
+  client_->onSnapshot = [this](const PulseSnapshot& snapshot) { received(snapshot); };
+  client_->onWritten = [this] { written(); };
+  client_->onClosed = [this] { closed(); };
+  client_->connect();
+}
+
+void PulseAudioDevices::closed() {
+  retry_ = scheduler_.every(retryInterval, [this] { openClient(); });
+  pause_.cancel();
+  adopt({});
+}
+
+void PulseAudioDevices::refresh() {
+  stale_ = true;
+  if (fetching_ || pendingWrites_ > 0 || pause_) return;
+  stale_ = false;
+  fetching_ = true;
+  answerOutdated_ = false;
+  client_->fetch();
+}
+
+void PulseAudioDevices::received(const PulseSnapshot& snapshot) {
+  fetching_ = false;
+  pause_ = scheduler_.after(frame, [this] {
+    pause_ = Task();
+    if (stale_) refresh();
+  });
+  if (answerOutdated_) {
+    stale_ = true;
+  } else {
+    adopt(snapshot);
+  }
+}
+
+void PulseAudioDevices::noteWrite() {
+  ++pendingWrites_;
+  answerOutdated_ = true;
+}
+
+void PulseAudioDevices::written() {
+  // Whether it was carried out shows in the next answer.
+  if (--pendingWrites_ == 0) refresh();
+}
+
+void PulseAudioDevices::adopt(PulseSnapshot snapshot) {
+  for (const PulseDevice& device : snapshot.devices) {
+    ids_.try_emplace({device.scope, device.key}, static_cast<uint32_t>(ids_.size() + 1));
+  }
+  const PulseSnapshot before = std::exchange(state_, std::move(snapshot));
+  std::vector<uint32_t> changedLevels;
+  for (const PulseDevice& device : state_.devices) {
+    const auto old = std::find_if(
+        before.devices.begin(), before.devices.end(),
+        [&](const PulseDevice& other) { return other.scope == device.scope && other.key == device.key; });
+    if (old == before.devices.end()) continue;
+    if (old->volume != device.volume || old->muted != device.muted) {
+      changedLevels.push_back(id({device.scope, device.key}));
+    }
+  }
+  if (!sameDevices(before, state_)) devices_.notifyObservers();
+  for (const uint32_t changed : changedLevels) levels_[changed].notifyObservers();
+}
+
+std::vector<AudioDevice> PulseAudioDevices::all() const {
+  std::vector<AudioDevice> devices;
+  for (const PulseDevice& device : state_.devices) {
+    const bool isOutput = device.scope == AudioScope::output;
+    devices.push_back({id({device.scope, device.key}), device.name, device.transport, isOutput, !isOutput});
+  }
+  return devices;
+}
+
+uint32_t PulseAudioDevices::id(const Key& key) const {
+  const auto entry = ids_.find(key);
+  return entry == ids_.end() ? 0 : entry->second;
+}
+
+const PulseDevice* PulseAudioDevices::find(uint32_t wanted, AudioScope scope) const {
+  for (const PulseDevice& device : state_.devices) {
+    if (device.scope == scope && id({device.scope, device.key}) == wanted) return &device;
+  }
+  return nullptr;
+}
+
+PulseDevice* PulseAudioDevices::find(uint32_t wanted, AudioScope scope) {
+  return const_cast<PulseDevice*>(std::as_const(*this).find(wanted, scope));
+}
+
+uint32_t PulseAudioDevices::defaultDevice(AudioScope scope) const {
+  // It may be one that is not listed: the monitor of an output.
+  const uint32_t found =
+      id({scope, scope == AudioScope::output ? state_.defaultOutput : state_.defaultInput});
+  return find(found, scope) ? found : 0;
+}
+
+void PulseAudioDevices::setDefaultDevice(AudioScope scope, uint32_t wanted) {
+  if (const PulseDevice* device = find(wanted, scope)) client_->setDefault(scope, device->key);
+}
+
+std::optional<double> PulseAudioDevices::volume(uint32_t wanted, AudioScope scope) const {
+  const PulseDevice* device = find(wanted, scope);
+  if (!device) return std::nullopt;
+  // The daemon can amplify beyond what the device plays by itself.
+  return std::min(1.0, static_cast<double>(device->volume) / PulseClient::fullVolume);
+}
+
+void PulseAudioDevices::setVolume(uint32_t wanted, AudioScope scope, double volume) {
+  PulseDevice* device = find(wanted, scope);
+  if (!device) return;
+  device->volume = static_cast<uint32_t>(std::lround(std::clamp(volume, 0.0, 1.0) * PulseClient::fullVolume));
+  noteWrite();
+  client_->setVolume(scope, device->key, device->volume);
+}
+
+std::optional<bool> PulseAudioDevices::isMuted(uint32_t wanted, AudioScope scope) const {
+  const PulseDevice* device = find(wanted, scope);
+  return device ? std::optional(device->muted) : std::nullopt;
+}
+
+void PulseAudioDevices::setMuted(uint32_t wanted, AudioScope scope, bool muted) {
+  PulseDevice* device = find(wanted, scope);
+  if (!device) return;
+  device->muted = muted;
+  noteWrite();
+  client_->setMuted(scope, device->key, muted);
+}
+
+Subscription PulseAudioDevices::observe(std::function<void()> onChange) {
+  return devices_.observe(std::move(onChange));
+}
+
+Subscription PulseAudioDevices::observeLevels(uint32_t wanted, AudioScope, std::function<void()> onChange) {
+  return levels_[wanted].observe(std::move(onChange));
+}
+
+}  // namespace tarnwick

@@ -1,0 +1,75 @@
+#pragma once
+#include <map>
+#include <memory>
+#include <string>
+#include <utility>
+
+#include "base/Scheduler.h"
+#include "linux/sound/PulseClient.h"
+
+namespace tarnwick {
+
+/// Loads the module "PulseAudio.so" of that folder; makes nothing when it is missing.
+PulseClientMaker loadPulseModule(const std::string& folder);
+
+/// The devices of PulseAudio, or of PipeWire in its place. A daemon that is not there (yet, or for a while)
+/// has no devices; it is looked for every few seconds. One device is one sink or one source.
+class PulseAudioDevices : public AudioDevices {
+ public:
+  /// @param load answers what makes the clients, or nothing when that is missing; called off the main thread
+  PulseAudioDevices(Scheduler& scheduler, std::function<PulseClientMaker()> load);
+
+  /// Begins to look for the daemon; until then there are no devices.
+  void connect();
+
+  std::vector<AudioDevice> all() const override;
+  uint32_t defaultDevice(AudioScope scope) const override;
+  void setDefaultDevice(AudioScope scope, uint32_t id) override;
+  std::optional<double> volume(uint32_t id, AudioScope scope) const override;
+  void setVolume(uint32_t id, AudioScope scope, double volume) override;
+  std::optional<bool> isMuted(uint32_t id, AudioScope scope) const override;
+  void setMuted(uint32_t id, AudioScope scope, bool muted) override;
+  Subscription observe(std::function<void()> onChange) override;
+  Subscription observeLevels(uint32_t id, AudioScope scope, std::function<void()> onChange) override;
+
+ private:
+  using Key = std::pair<AudioScope, std::string>;
+
+  void openClient();
+  void closed();
+  void refresh();
+  void received(const PulseSnapshot& snapshot);
+  void written();
+  void adopt(PulseSnapshot snapshot);
+  void noteWrite();
+
+  uint32_t id(const Key& key) const;
+  const PulseDevice* find(uint32_t id, AudioScope scope) const;
+  PulseDevice* find(uint32_t id, AudioScope scope);
+
+  Scheduler& scheduler_;
+  const std::function<PulseClientMaker()> load_;
+  PulseClientMaker makeClient_;
+  std::unique_ptr<PulseClient> client_;
+
+  PulseSnapshot state_;
+  /// Ids are for life: a device that returns, or that a new daemon finds again, is the same one.
+  std::map<Key, uint32_t> ids_;
+  ObservableObject devices_;
+  std::map<uint32_t, ObservableObject> levels_;
+
+  /// An answer is on its way.
+  bool fetching_ = false;
+  /// Something has changed since the last answer was asked for.
+  bool stale_ = false;
+  /// Writes that the daemon has not confirmed.
+  int pendingWrites_ = 0;
+  /// There was a write after the answer had been asked for: it would undo what the user just did.
+  bool answerOutdated_ = false;
+  /// Runs for a frame's time after each answer.
+  Task pause_;
+  Task loading_;
+  Task retry_;
+};
+
+}  // namespace tarnwick

@@ -1,0 +1,141 @@
+#include "linux/x11/X11Pointer.h"
+
+#include <xcb/xfixes.h>
+#include <xcb/xinput.h>
+
+#include "linux/files/FileList.h"
+
+namespace tarnwick {
+namespace {
+
+constexpr const char* dragSelection = "XdndSelection";
+constexpr uint16_t allMasterDevices = 1;
+
+void selectRawEvents(X11Connection& connection, uint32_t events) {
+  struct {
+    xcb_input_event_mask_t head;
+    uint32_t mask;
+  } selection{{allMasterDevices, 1}, events};
+  xcb_input_xi_select_events(connection, connection.root(), 1, &selection.head);
+  xcb_flush(connection);
+}
+
+}  // namespace
+
+X11Pointer::X11Pointer(X11Connection& connection, const X11Screens& screens)
+    : connection_(connection), screens_(screens), requestor_(xcb_generate_id(connection)) {
+  xcb_create_window(connection_, 0, requestor_, connection_.root(), -1, -1, 1, 1, 0,
+                    XCB_WINDOW_CLASS_INPUT_ONLY, XCB_COPY_FROM_PARENT, 0, nullptr);
+  if (connection_.xfixesEventBase()) {
+    xcb_xfixes_select_selection_input(connection_, requestor_, connection_.atom(dragSelection),
+                                      XCB_XFIXES_SELECTION_EVENT_MASK_SET_SELECTION_OWNER);
+  }
+  xcb_flush(connection_);
+  events_ = connection_.onEvent([this](const xcb_generic_event_t& event) { handle(event); });
+}
+
+X11Pointer::~X11Pointer() {
+  setWantsActivity(false);
+  xcb_destroy_window(connection_, requestor_);
+  xcb_flush(connection_);
+}
+
+const X11Pointer::Query& X11Pointer::query() const {
+  if (queryTurn_ == connection_.turn()) return query_;
+  queryTurn_ = connection_.turn();
+  const auto reply = owned(
+      xcb_query_pointer_reply(connection_, xcb_query_pointer(connection_, connection_.root()), nullptr));
+  query_ = {};
+  if (reply) {
+    query_ = {{double(reply->root_x), double(reply->root_y)},
+              (reply->mask & XCB_BUTTON_MASK_1) != 0,
+              reply->child != XCB_WINDOW_NONE};
+  }
+  return query_;
+}
+
+std::optional<Point> X11Pointer::position() const {
+  const Query& now = query();
+  if (connection_.isXWayland() && !now.overWindow) return std::nullopt;
+  return screens_.toPoints(now.pixels.x, now.pixels.y);
+}
+
+bool X11Pointer::leftButtonDown() const { return query().buttonDown; }
+
+Subscription X11Pointer::observe(std::function<void()> onActivity) {
+  return activity_.observe(std::move(onActivity));
+}
+
+void X11Pointer::setWantsActivity(bool wants) {
+  if (wants == wantsActivity_) return;
+  wantsActivity_ = wants;
+  // Who looks again now wants to see what nobody would have reported until now.
+  queryTurn_.reset();
+  // A mouse reports up to eight thousand times a second: not one of these comes while nobody waits for it.
+  if (connection_.inputOpcode()) {
+    selectRawEvents(connection_, wants ? XCB_INPUT_XI_EVENT_MASK_RAW_MOTION |
+                                             XCB_INPUT_XI_EVENT_MASK_RAW_BUTTON_PRESS |
+                                             XCB_INPUT_XI_EVENT_MASK_RAW_BUTTON_RELEASE |
+                                             XCB_INPUT_XI_EVENT_MASK_RAW_TOUCH_BEGIN |
+                                             XCB_INPUT_XI_EVENT_MASK_RAW_TOUCH_END
+                                       : 0);
+  }
+}
+
+void X11Pointer::noteActivity() {
+  if (wantsActivity_) activity_.notifyObservers();
+}
+
+void X11Pointer::handle(const xcb_generic_event_t& event) {
+  const uint8_t type = event.response_type & 0x7f;
+  if (type == XCB_GE_GENERIC) {
+    const auto& generic = reinterpret_cast<const xcb_ge_generic_event_t&>(event);
+    if (generic.extension == connection_.inputOpcode() && generic.event_type >= XCB_INPUT_RAW_KEY_PRESS) {
+      noteActivity();
+    }
+  } else if (type == XCB_SELECTION_NOTIFY) {
+    conversionArrived(reinterpret_cast<const xcb_selection_notify_event_t&>(event));
+  } else if (connection_.xfixesEventBase() &&
+             type == connection_.xfixesEventBase() + XCB_XFIXES_SELECTION_NOTIFY) {
+    const auto& change = reinterpret_cast<const xcb_xfixes_selection_notify_event_t&>(event);
+    if (change.selection == connection_.atom(dragSelection) && change.owner != XCB_WINDOW_NONE) {
+      dragStarted(change.selection_timestamp);
+    }
+  }
+}
+
+void X11Pointer::dragStarted(xcb_timestamp_t timestamp) {
+  ++dragChangeCount_;
+  dragTypes_.reset();
+  dragTimestamp_ = timestamp;
+  // Lists of types are unreliable, and some sources have none: only one that hands files out has some.
+  const xcb_atom_t type = connection_.atom(fileListType);
+  xcb_convert_selection(connection_, requestor_, connection_.atom(dragSelection), type, type, timestamp);
+  xcb_flush(connection_);
+  noteActivity();
+}
+
+void X11Pointer::conversionArrived(const xcb_selection_notify_event_t& event) {
+  if (event.requestor != requestor_ || event.time != dragTimestamp_) return;
+  dragTypes_.emplace();
+  if (event.property != XCB_ATOM_NONE && holdsFiles(event.property)) dragTypes_->push_back(fileListType);
+  noteActivity();
+}
+
+bool X11Pointer::holdsFiles(xcb_atom_t property) const {
+  constexpr uint32_t limit = 65536;  // in units of four bytes; enough to see whether there is a file
+  const auto reply = owned(xcb_get_property_reply(
+      connection_,
+      xcb_get_property(connection_, 0, requestor_, property, XCB_GET_PROPERTY_TYPE_ANY, 0, limit), nullptr));
+  if (!reply) return false;
+  // Announced as too long for one piece: no link is that long. Deleting the property would ask for the
+  // pieces.
+  if (reply->format == 32) return true;
+  xcb_delete_property(connection_, requestor_, property);
+  xcb_flush(connection_);
+  return !filesOfUriList({static_cast<const char*>(xcb_get_property_value(reply.get())),
+                          static_cast<size_t>(xcb_get_property_value_length(reply.get()))})
+              .empty();
+}
+
+}  // namespace tarnwick
