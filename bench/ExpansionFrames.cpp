@@ -8,7 +8,7 @@
 #include <cstdlib>
 #include <ctime>
 
-#include "ui/engine/Drawing.h"
+#include "ui/paint/Painter.h"
 #include "views/NotchStage.h"
 
 using namespace tarnwick;
@@ -36,7 +36,7 @@ class Frames {
       const double began = processorMilliseconds();
       stage_.scene.frame();
       const auto damage = stage_.scene.takeDamage();
-      for (const Rect& area : damage) stage_.scene.paint(image_, area);
+      for (const Rect& area : damage) paint(stage_.scene, image_, area);
       copyToWindow(damage);
       tell(processorMilliseconds() - began);
     }

@@ -7,7 +7,6 @@
 #include <vector>
 
 #include "ui/View.h"
-#include "ui/engine/Element.h"
 
 namespace tarnwick::ui {
 
@@ -54,5 +53,15 @@ struct Description {
   std::vector<View> children;
   Attributes attributes;
 };
+
+template<typename Change>
+View View::with(Change change) const {
+  if (isEmpty()) return *this;
+  auto copy = std::make_shared<Description>(*description_);
+  change(copy->attributes);
+  View view;
+  view.description_ = std::move(copy);
+  return view;
+}
 
 }  // namespace tarnwick::ui

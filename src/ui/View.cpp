@@ -5,7 +5,6 @@
 
 #include "ui/Description.h"
 #include "ui/Dynamic.h"
-#include "ui/elements/MatchElement.h"
 
 namespace tarnwick::ui {
 
@@ -19,16 +18,6 @@ View::View(std::shared_ptr<const Element> element, std::vector<View> children)
 
 ViewList::ViewList(std::initializer_list<Item> items) {
   for (const Item& item : items) views.insert(views.end(), item.views.begin(), item.views.end());
-}
-
-template<typename Change>
-View View::with(Change change) const {
-  if (isEmpty()) return *this;
-  auto copy = std::make_shared<Description>(*description_);
-  change(copy->attributes);
-  View view;
-  view.description_ = std::move(copy);
-  return view;
 }
 
 /// Two effects of one kind on the same view nest: the second one gets a group of its own. So does one behind
@@ -111,12 +100,6 @@ View View::animation(const Animation& animation, AnyValue value) const {
 }
 View View::transition(Transition transition) const {
   return with([&](Attributes& a) { a.transition = std::move(transition); });
-}
-View View::matchedGeometry(std::string id, Namespace names) const {
-  if (isEmpty()) return *this;
-  return View(std::make_shared<MatchElement>(), {*this}).with([&](Attributes& a) {
-    a.match = Attributes::Match{std::move(id), names};
-  });
 }
 View View::bounce(AnyValue value, bool onAppear) const {
   return with([&](Attributes& a) { a.bounce = Attributes::Bounce{std::move(value), onAppear}; });

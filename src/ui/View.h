@@ -61,6 +61,7 @@ class View {
 
   bool isEmpty() const { return !description_; }
   const Description& description() const { return *description_; }
+  const std::shared_ptr<const Description>& shared() const { return description_; }
 
   // Layout
   View frame(const FrameOptions& options) const;
@@ -128,6 +129,7 @@ class View {
   View accessibilityChecked(bool checked) const;
 
  private:
+  /// The same view with other attributes; defined in Description.h.
   template<typename Change>
   View with(Change change) const;
   /// Scale and rotation share their anchor, and so count as one.

@@ -8,6 +8,7 @@
 
 #include "base/L10n.h"
 #include "support/ForcedLanguage.h"
+#include "ui/paint/Painter.h"
 #include "views/NotchStage.h"
 
 using namespace tarnwick;
@@ -110,7 +111,7 @@ void hang(const std::vector<Exhibit>& exhibits, Size each, double ratio, const Q
     stage.play(0.5);
     QImage window(int(940 * ratio), int(380 * ratio), QImage::Format_ARGB32_Premultiplied);
     window.fill(Qt::transparent);
-    stage.scene.paint(window, {0, 0, 940, 380});
+    paint(stage.scene, window, {0, 0, 940, 380});
     painter.drawImage(QPoint(i % columns * (width + gap), i / columns * (height + gap)), window,
                       QRect((window.width() - width) / 2, 0, width, height));
   }

@@ -5,6 +5,7 @@
 
 #include "ui/Canvas.h"
 #include "ui/Stage.h"
+#include "ui/paint/Painter.h"
 
 namespace tarnwick::ui {
 namespace {
@@ -14,7 +15,7 @@ QImage picture(Scene& scene) {
   QImage image(int(scene.size().width * ratio), int(scene.size().height * ratio),
                QImage::Format_ARGB32_Premultiplied);
   image.fill(Qt::red);
-  scene.paint(image, {0, 0, scene.size().width, scene.size().height});
+  paint(scene, image, {0, 0, scene.size().width, scene.size().height});
   return image;
 }
 
@@ -211,7 +212,7 @@ TEST(Painting, repairsExactlyWhatChanged) {
       } else {
         stage.play(1.0 / 60);
       }
-      for (const Rect& area : stage.scene.takeDamage()) stage.scene.paint(shown, area);
+      for (const Rect& area : stage.scene.takeDamage()) paint(stage.scene, shown, area);
       const QImage whole = picture(stage.scene);
       const qsizetype bytes = whole.bytesPerLine();
       for (int y = 0; y < whole.height(); ++y) {

@@ -1,5 +1,7 @@
+#include <QPainter>
+
 #include "ui/Canvas.h"
-#include "ui/View.h"
+#include "ui/engine/Drawing.h"
 #include "ui/engine/Element.h"
 
 namespace tarnwick::ui {
@@ -27,6 +29,10 @@ class CanvasElement : public Element {
 };
 
 }  // namespace
+
+void Canvas::fill(const Rect& rect, Color color) { painter_.fillRect(toQt(rect), toQt(color)); }
+
+void Canvas::fill(const Path& path, Color color) { painter_.fillPath(toQt(path), toQt(color)); }
 
 View CanvasView(AnyValue input, std::function<void(Canvas&, Size)> draw) {
   return View(std::make_shared<CanvasElement>(std::move(input), std::move(draw)));

@@ -1,17 +1,51 @@
-#include "ui/elements/Scrolling.h"
-
 #include <algorithm>
 #include <cmath>
 
 #include "ui/engine/Node.h"
 
 namespace tarnwick::ui {
+namespace {
 
-View ScrollView(Axis axis, View content) {
-  return View(std::make_shared<ScrollElement>(axis), {std::move(content)});
+struct ScrollState : ElementState {
+  Point offset;
+};
+
+/// Shows a part of its content, which may be longer than itself along one axis.
+class ScrollElement : public Element {
+ public:
+  explicit ScrollElement(Axis axis) : axis_(axis) {}
+  static constexpr ElementKind itsKind{"ScrollView"};
+  const ElementKind& kind() const override { return itsKind; }
+  bool equals(const Element& other) const override {
+    return static_cast<const ScrollElement&>(other).axis_ == axis_;
+  }
+  std::unique_ptr<ElementState> makeState() const override { return std::make_unique<ScrollState>(); }
+  Measured measure(Node& node, Proposal proposal) const override;
+  void place(Node& node, Size size) const override;
+  bool clips() const override { return true; }
+  Point scrolled(const Node& node) const override { return node.state<ScrollState>().offset; }
+  bool canScroll(const Node& node, Point delta) const override {
+    return limited(node, scrolled(node) - delta) != scrolled(node);
+  }
+  void scroll(Node& node, Point delta) const override {
+    node.state<ScrollState>().offset = limited(node, scrolled(node) - delta);
+  }
+
+ private:
+  /// The offset next to that one which shows nothing beside the content.
+  Point limited(const Node& node, Point offset) const;
+  Axis axis_;
+};
+
+Point ScrollElement::limited(const Node& node, Point offset) const {
+  const Node* content = node.firstChild();
+  if (!content) return {};
+  const auto within = [](double value, double whole, double window) {
+    return std::clamp(value, 0.0, std::max(0.0, whole - window));
+  };
+  if (axis_ == Axis::vertical) return {0, within(offset.y, content->frame.height, node.frame.height)};
+  return {within(offset.x, content->frame.width, node.frame.width), 0};
 }
-
-View LazyVStack(LazyRows rows) { return View(std::make_shared<LazyElement>(std::move(rows))); }
 
 Measured ScrollElement::measure(Node& node, Proposal proposal) const {
   Node* content = node.firstChild();
@@ -32,19 +66,48 @@ void ScrollElement::place(Node& node, Size size) const {
   scroll(node, {});
 }
 
-bool ScrollElement::scroll(Node& node, Point delta) {
-  const Node* content = node.firstChild();
-  if (!content) return false;
-  const bool vertical = static_cast<const ScrollElement&>(*node.element).axis_ == Axis::vertical;
-  const Point before = node.scroll;
-  const auto limited = [](double value, double whole, double window) {
-    return std::clamp(value, 0.0, std::max(0.0, whole - window));
-  };
-  if (vertical)
-    node.scroll.y = limited(before.y - delta.y, content->frame.height, node.frame.height);
+/// Which rows there are as views.
+struct LazyState : ElementState {
+  bool known = false;
+  size_t first = 0, count = 0;
+};
+
+/// Rows of one height, of which those in view are built.
+class LazyElement : public Element {
+ public:
+  explicit LazyElement(LazyRows rows) : rows_(std::move(rows)) {}
+  static constexpr ElementKind itsKind{"LazyVStack"};
+  const ElementKind& kind() const override { return itsKind; }
+  bool equals(const Element&) const override { return false; }
+  std::unique_ptr<ElementState> makeState() const override { return std::make_unique<LazyState>(); }
+  void build(Node& node, const Views&, Content& content) const override {
+    if (node.state<LazyState>().known) content.show(views(node));
+  }
+  void buildForLayout(Node& node, Content& content) const override;
+  Measured measure(Node& node, Proposal proposal) const override;
+  void place(Node& node, Size size) const override;
+
+ private:
+  /// The rows that can be seen in the scroll view around `node`, and some beyond.
+  std::pair<size_t, size_t> rangeInView(const Node& node) const;
+  Views views(const Node& node) const;
+
+  LazyRows rows_;
+};
+
+void LazyElement::buildForLayout(Node& node, Content& content) const {
+  auto& state = node.state<LazyState>();
+  const auto [first, count] = rangeInView(node);
+  if (state.known && first == state.first && count == state.count) return;
+  const bool scrolledIntoView = state.known;
+  state.known = true;
+  state.first = first;
+  state.count = count;
+  // What scrolls into view is just there; only what the list really gained makes an entrance.
+  if (scrolledIntoView)
+    content.showAtOnce(views(node));
   else
-    node.scroll.x = limited(before.x - delta.x, content->frame.width, node.frame.width);
-  return node.scroll != before;
+    content.show(views(node));
 }
 
 Measured LazyElement::measure(Node&, Proposal proposal) const {
@@ -54,8 +117,9 @@ Measured LazyElement::measure(Node&, Proposal proposal) const {
 }
 
 void LazyElement::place(Node& node, Size size) const {
+  const size_t first = node.state<LazyState>().first;
   for (const auto& row : node.children) {
-    const double y = double(node.firstRow + size_t(row->slot)) * (rows_.rowHeight + rows_.spacing);
+    const double y = double(first + size_t(row->slot)) * (rows_.rowHeight + rows_.spacing);
     row->place({0, y, size.width, rows_.rowHeight});
   }
 }
@@ -68,7 +132,7 @@ std::pair<size_t, size_t> LazyElement::rangeInView(const Node& node) const {
     top -= below->frame.y;
   }
   if (!window || rows_.count == 0) return {0, 0};
-  top += window->scroll.y;
+  top += window->element->scrolled(*window).y;
   const double step = rows_.rowHeight + rows_.spacing;
   constexpr double beyond = 2;
   const double first = std::max(0.0, std::floor(top / step) - beyond);
@@ -77,12 +141,21 @@ std::pair<size_t, size_t> LazyElement::rangeInView(const Node& node) const {
   return {size_t(first), size_t(last - first)};
 }
 
-std::vector<View> LazyElement::build(size_t first, size_t count) const {
-  std::vector<View> views;
+Views LazyElement::views(const Node& node) const {
+  const auto& [known, first, count] = node.state<LazyState>();
+  Views views;
   for (size_t i = first; i < std::min(first + count, rows_.count); ++i) {
     views.push_back(rows_.row(i).id(rows_.key(i)));
   }
   return views;
 }
+
+}  // namespace
+
+View ScrollView(Axis axis, View content) {
+  return View(std::make_shared<ScrollElement>(axis), {std::move(content)});
+}
+
+View LazyVStack(LazyRows rows) { return View(std::make_shared<LazyElement>(std::move(rows))); }
 
 }  // namespace tarnwick::ui

@@ -135,7 +135,14 @@ Shape ShapeElement::presented(const std::vector<double>& values) const {
   return shape;
 }
 
-Color ShapeElement::color(const std::vector<double>& values) { return colorAt(values, 0); }
+std::optional<Shape> ShapeElement::outline(const std::vector<double>& values) const {
+  return stroke_ ? std::nullopt : std::optional(presented(values));
+}
+
+bool ShapeElement::isOpaque(const std::vector<double>& values) const {
+  return !stroke_ && paint_.kind == Paint::Kind::color && shape_.cornerExtent() == 0 &&
+         colorAt(values, 0).alpha >= 1;
+}
 
 void ShapeElement::draw(DrawContext& context) const {
   const std::vector<double>& values = context.values;

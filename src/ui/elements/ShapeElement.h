@@ -20,16 +20,14 @@ class ShapeElement : public Element {
   void draw(DrawContext& context) const override;
   bool draws() const override { return true; }
   bool affectsLayout(const Element&) const override { return false; }
-  const ShapeElement* shape() const override { return stroke_ ? nullptr : this; }
+  std::optional<Shape> outline(const std::vector<double>& values) const override;
+  bool isOpaque(const std::vector<double>& values) const override;
   double overflow() const override { return stroke_ && !stroke_->inside ? stroke_->width / 2 : 0; }
 
-  const Shape& outline() const { return shape_; }
+ private:
   /// The shape with its animated numbers as presented.
   Shape presented(const std::vector<double>& values) const;
-  /// The first colour as presented.
-  static Color color(const std::vector<double>& values);
 
- private:
   Shape shape_;
   Paint paint_;
   std::optional<StrokeStyle> stroke_;

@@ -19,7 +19,7 @@ class SymbolElement : public Element {
   void draw(DrawContext& context) const override;
   bool draws() const override { return true; }
   bool affectsLayout(const Element&) const override { return false; }
-  const std::string& name() const { return name_; }
+  std::string content() const override { return name_; }
 
  private:
   void drawGlyph(DrawContext& context, double scale, double opacity) const;

@@ -28,7 +28,7 @@ class TextElement : public Element {
   bool draws() const override { return true; }
   /// Glyphs may lean over the edges of their cells.
   double overflow() const override { return 2; }
-  const std::string& text() const { return text_; }
+  std::string content() const override { return text_; }
 
  private:
   /// The text as glyphs, cut to fit.

@@ -1,9 +1,6 @@
 #include "ui/engine/Drawing.h"
 
-#include <QPainter>
 #include <algorithm>
-
-#include "ui/Canvas.h"
 
 namespace tarnwick::ui {
 
@@ -46,9 +43,5 @@ QPainterPath toQt(const Path& path) {
 QPainterPath outline(const Shape& shape, Size size) {
   return toQt(shape.outline(size, shape.animated, shape.fixed));
 }
-
-void Canvas::fill(const Rect& rect, Color color) { painter_.fillRect(toQt(rect), toQt(color)); }
-
-void Canvas::fill(const Path& path, Color color) { painter_.fillPath(toQt(path), toQt(color)); }
 
 }  // namespace tarnwick::ui

@@ -1,19 +1,19 @@
 #pragma once
 #include <memory>
 #include <optional>
+#include <string>
 #include <string_view>
 #include <vector>
 
 #include "base/Geometry.h"
 #include "ui/Environment.h"
+#include "ui/View.h"
 
 class QPainter;
-class QPainterPath;
 
 namespace tarnwick::ui {
 
 class Node;
-class View;
 
 /// The size that a parent offers; absent: the child's own choice.
 struct Proposal {
@@ -56,14 +56,45 @@ class ElementKind {
   std::string_view name_;
 };
 
-/// One kind of view: how it measures itself, places its children and draws. Elements never change; what
-/// changes lives in the `Node` that shows them.
+/// What an element keeps at the node that shows it, from one description to the next.
+class ElementState {
+ public:
+  virtual ~ElementState() = default;
+};
+
+/// Takes the views that an element has inside of its node.
+class Content {
+ public:
+  /// Brings the node's children in line with `views`. Those that come and go do so by their transitions.
+  virtual void show(const Views& views) = 0;
+  /// The same for views that are just there: what scrolls into sight makes no entrance.
+  virtual void showAtOnce(const Views& views) = 0;
+
+ protected:
+  ~Content() = default;
+};
+
+/// One kind of view: what is inside of it, how it measures itself, places its children and draws. Elements
+/// never change; what changes lives in the `Node` that shows them. The scene knows no element but through
+/// this class.
 class Element {
  public:
   virtual ~Element() = default;
   virtual const ElementKind& kind() const = 0;
   /// Whether it draws and measures as `other`, which is of the same kind.
   virtual bool equals(const Element& other) const = 0;
+
+  // What is inside
+  /// What it keeps at a node: made with the node, kept until its end.
+  virtual std::unique_ptr<ElementState> makeState() const { return nullptr; }
+  /// Shows what is inside: the views that it was described with, unless it makes its own. Called with each
+  /// new description, and again after `Node::renew`.
+  virtual void build(Node&, const Views& described, Content& content) const { content.show(described); }
+  /// The same for what depends on sizes and places: called after each layout, which is done again when
+  /// something is shown.
+  virtual void buildForLayout(Node&, Content&) const {}
+  /// Seconds between two renewals of the node by the clock, while it can be seen; 0: none.
+  virtual double interval() const { return 0; }
 
   /// Whether it may need another size than `before`, which it takes over from.
   virtual bool affectsLayout(const Element&) const { return true; }
@@ -77,14 +108,25 @@ class Element {
   virtual void draw(DrawContext&) const {}
   /// Whether `draw` does anything.
   virtual bool draws() const { return false; }
-  /// The outline of what is drawn, for a shadow; empty: none known.
-  virtual const class ShapeElement* shape() const { return nullptr; }
-  /// Whether what lies outside of it is cut off.
+  /// The outline of what is drawn with these values, for a shadow; none: it has no simple one.
+  virtual std::optional<Shape> outline(const std::vector<double>&) const { return std::nullopt; }
+  /// Whether it covers its whole frame with these values, so that nothing behind shows through.
+  virtual bool isOpaque(const std::vector<double>&) const { return false; }
+  /// It is a window on its content: what lies outside of it is cut off.
   virtual bool clips() const { return false; }
+  /// How far its content is scrolled, in points.
+  virtual Point scrolled(const Node&) const { return {}; }
+  /// Whether its content can follow a finger by any of `delta` (points), and has it do so as far as it goes.
+  virtual bool canScroll(const Node&, Point) const { return false; }
+  virtual void scroll(Node&, Point) const {}
+  /// Whether its content is laid out for the final size and drawn scaled to the present one.
+  virtual bool scalesContent() const { return false; }
   /// Whether its children are told apart by their place in the list alone.
   virtual bool hasFixedSlots() const { return false; }
   /// How far it draws beyond its frame, in points.
   virtual double overflow() const { return 0; }
+  /// What there is to read, or which symbol it is: for tests.
+  virtual std::string content() const { return {}; }
 };
 
 /// Stands for its child, and is nothing without one.

@@ -2,9 +2,6 @@
 
 #include <cmath>
 
-#include "ui/elements/ShapeElement.h"
-#include "ui/elements/SymbolElement.h"
-#include "ui/elements/TextElement.h"
 #include "ui/engine/Drawing.h"
 #include "ui/engine/Node.h"
 
@@ -23,11 +20,7 @@ void collect(Node& node, const Inspector::Wanted& wanted, std::vector<Inspector:
 
 std::string Inspector::Found::kind() const { return std::string(node_->element->kind().name()); }
 
-std::string Inspector::Found::content() const {
-  if (const auto* text = as<TextElement>(node_->element.get())) return text->text();
-  if (const auto* symbol = as<SymbolElement>(node_->element.get())) return symbol->name();
-  return {};
-}
+std::string Inspector::Found::content() const { return node_->element->content(); }
 
 std::string Inspector::Found::id() const { return node_->attributes.key; }
 
@@ -40,7 +33,7 @@ Rect Inspector::Found::targetFrame() const {
   Point origin;
   for (const Node* n = node_; n; n = n->parent) {
     origin = origin + n->frame.origin();
-    if (n->parent) origin = origin - n->parent->scroll;
+    if (n->parent) origin = origin - n->parent->element->scrolled(*n->parent);
   }
   return {origin.x, origin.y, node_->frame.width, node_->frame.height};
 }

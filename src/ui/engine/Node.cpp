@@ -2,11 +2,19 @@
 
 #include <cmath>
 
+#include "ui/engine/Scene.h"
+
 namespace tarnwick::ui {
 
-Node::~Node() {
-  if (cell) cell->invalidate = nullptr;
-}
+Node::Node(Scene& itsScene, Node* itsParent, const View& view)
+    : scene(itsScene),
+      parent(itsParent),
+      pixelRatio(itsScene.pixelRatio()),
+      state_(view.description().element->makeState()) {}
+
+Node::~Node() { scene.forget(*this); }
+
+void Node::renew() { scene.renew(*this); }
 
 Measured Node::measure(Proposal proposal) {
   for (const auto& [asked, answer] : measured) {
@@ -36,6 +44,13 @@ bool Node::isMoving() const {
   for (const AnimatedValues* motion :
        {&frameMotion, &effects, &transition, &values, &clip, &shadows, &change, &bounce}) {
     if (motion->isMoving()) return true;
+  }
+  return false;
+}
+
+bool Node::leaves() const {
+  for (const Node* node = this; node; node = node->parent) {
+    if (node->isLeaving) return true;
   }
   return false;
 }

@@ -7,19 +7,20 @@
 #include <string>
 #include <vector>
 
-#include "base/ObservableObject.h"
-#include "base/Scheduler.h"
 #include "ui/Description.h"
-#include "ui/Dynamic.h"
 #include "ui/engine/AnimatedValues.h"
+#include "ui/engine/Element.h"
 
 namespace tarnwick::ui {
+
+class Scene;
+class WeakNode;
 
 /// A view on the screen: the live counterpart of a `Description`. It keeps what outlasts one description:
 /// local state, the place, and every number that is on its way somewhere.
 class Node {
  public:
-  explicit Node(Node* parentNode) : parent(parentNode) {}
+  Node(Scene& itsScene, Node* itsParent, const View& view);
   ~Node();
   Node(const Node&) = delete;
 
@@ -36,6 +37,15 @@ class Node {
   Node* child(int slot) const;
   Node* firstChild() const { return children.empty() ? nullptr : children.front().get(); }
 
+  /// What the element keeps here: of the class that its `makeState` makes.
+  template<typename State>
+  State& state() const {
+    return static_cast<State&>(*state_);
+  }
+  /// Has the element build its content again with the next commit. May be called at any time.
+  void renew();
+
+  Scene& scene;
   Node* parent;
   std::vector<std::unique_ptr<Node>> children;
   /// Children that vanished from the description and are shown until their transition is over, behind the
@@ -43,6 +53,8 @@ class Node {
   std::vector<std::unique_ptr<Node>> leaving;
 
   // What is described
+  std::shared_ptr<const Description> description;
+  /// The one described, or an earlier one that is equal: it may know how it is drawn already.
   std::shared_ptr<const Element> element;
   Attributes attributes;
   Environment environment;
@@ -54,7 +66,7 @@ class Node {
   UnitPoint pin = UnitPoint::topLeading;
   /// Its own size in the layout before, to tell its leaving children how far it grew.
   Size oldSize;
-  double pixelRatio = 1;
+  double pixelRatio;
   std::vector<std::pair<Proposal, Measured>> measured;
 
   // What is on its way
@@ -71,18 +83,6 @@ class Node {
   unsigned commitNumber = 0;
   bool isNew = true;
   bool isLeaving = false;
-
-  // Renewed on its own
-  std::shared_ptr<StateCell> cell;
-  std::vector<const ObservableObject*> observed;
-  std::vector<Subscription> subscriptions;
-
-  // Scrolled
-  Point scroll;
-  size_t firstRow = 0, rowCount = 0;
-  bool rowsKnown = false;
-  /// The size that its content was built for, where that depends on it.
-  std::optional<Size> builtFor;
 
   // As presented: relative to the parent's content, to the scene, and of the content inside
   QTransform local, transform, contentTransform;
@@ -111,9 +111,39 @@ class Node {
     return f.empty() ? frame : Rect{f[0], f[1], f[2], f[3]};
   }
   bool isMoving() const;
+  /// It, or a view around it, is on its way out.
+  bool leaves() const;
 
  private:
+  friend class WeakNode;
   static inline unsigned long lastSerial = 0;
+  const std::unique_ptr<ElementState> state_;
+  /// Points at the node itself; made when somebody wants to remember it.
+  std::shared_ptr<Node*> self_;
+};
+
+/// Remembers a node that may go at any time: for everything that outlasts a look at the tree.
+class WeakNode {
+ public:
+  WeakNode() = default;
+  WeakNode(std::nullptr_t) {}
+  WeakNode(Node& node) {
+    if (!node.self_) node.self_ = std::make_shared<Node*>(&node);
+    self_ = node.self_;
+  }
+  WeakNode(Node* node) {
+    if (node) *this = *node;
+  }
+  /// The node, or null once it is gone.
+  Node* get() const {
+    const auto self = self_.lock();
+    return self ? *self : nullptr;
+  }
+  operator Node*() const { return get(); }
+  Node* operator->() const { return get(); }
+
+ private:
+  std::weak_ptr<Node*> self_;
 };
 
 std::vector<double> numbers(const Effects& effects);

@@ -3,8 +3,6 @@
 #include <cmath>
 #include <numbers>
 
-#include "ui/elements/MatchElement.h"
-#include "ui/elements/ShapeElement.h"
 #include "ui/engine/Drawing.h"
 
 namespace tarnwick::ui {
@@ -83,10 +81,11 @@ void Presenter::placeInScene(Node& node, const Outer& outer) {
   node.transform = local * outer.transform;
   node.contentTransform = node.transform;
   node.presentedSize = size;
-  if (node.element->kind() == MatchElement::itsKind && node.frame.width > 0 && node.frame.height > 0) {
+  if (node.element->scalesContent() && node.frame.width > 0 && node.frame.height > 0) {
     node.contentTransform.scale(size.width / node.frame.width, size.height / node.frame.height);
   }
-  node.contentTransform.translate(-node.scroll.x, -node.scroll.y);
+  const Point scrolled = node.element->scrolled(node);
+  node.contentTransform.translate(-scrolled.x, -scrolled.y);
   node.opacity = std::clamp(own.opacity, 0.0, 1.0) * std::clamp(passing.opacity, 0.0, 1.0);
   node.blurRadius = std::max(0.0, own.blur) + std::max(0.0, passing.blur);
   node.brightening = own.brightness + passing.brightness;

@@ -3,10 +3,6 @@
 #include <algorithm>
 #include <set>
 
-#include "ui/elements/DynamicElement.h"
-#include "ui/elements/GeometryReader.h"
-#include "ui/elements/Scrolling.h"
-
 namespace tarnwick::ui {
 namespace {
 
@@ -34,9 +30,8 @@ Environment inherit(Environment environment, const Attributes& attributes) {
 /// The transition of a view: its own, or that of the one view that it only wraps.
 const Transition* transitionOf(const Node& node) {
   if (node.attributes.transition) return &*node.attributes.transition;
-  if (node.children.size() == 1 && node.element->kind() != ScrollElement::itsKind) {
-    return transitionOf(*node.children.front());
-  }
+  // What is behind a window does not stand for it.
+  if (node.children.size() == 1 && !node.element->clips()) return transitionOf(*node.children.front());
   return nullptr;
 }
 
@@ -56,7 +51,7 @@ Point targetOrigin(const Node& node) {
   Point origin;
   for (const Node* n = &node; n; n = n->parent) {
     origin = origin + n->frame.origin();
-    if (n->parent) origin = origin - n->parent->scroll;
+    if (n->parent) origin = origin - n->parent->element->scrolled(*n->parent);
   }
   return origin;
 }
@@ -66,21 +61,45 @@ Point presentedOrigin(const Node& node) {
   Point origin;
   for (const Node* n = &node; n; n = n->parent) {
     origin = origin + n->presentedFrame().origin();
-    if (n->parent) origin = origin - n->parent->scroll;
+    if (n->parent) origin = origin - n->parent->element->scrolled(*n->parent);
   }
   return origin;
 }
 
 }  // namespace
 
+/// Puts what an element shows into its node.
+class Reconciler::NodeContent : public Content {
+ public:
+  NodeContent(Reconciler& reconciler, Node& node, const Context& context)
+      : reconciler_(reconciler), node_(node), context_(context) {}
+
+  void show(const Views& views) override {
+    reconciler_.updateChildren(node_, views, context_);
+    shown = true;
+  }
+  void showAtOnce(const Views& views) override {
+    Context context = context_;
+    context.transitions = false;
+    reconciler_.updateChildren(node_, views, context);
+    shown = true;
+  }
+
+  bool shown = false;
+
+ private:
+  Reconciler& reconciler_;
+  Node& node_;
+  const Context& context_;
+};
+
 Reconciler::Reconciler(Scene& scene, std::optional<Animation> animation, bool first)
     : scene_(scene), animation_(std::move(animation)), first_(first), now_(scene.scheduler_.uptime()) {}
 
-std::unique_ptr<Node> Reconciler::build(Node* parent, const View& view, const Environment& inherited) {
-  auto node = std::make_unique<Node>(parent);
-  node->pixelRatio = scene_.pixelRatio_;
-  update(*node, view, {inherited, animation_, !first_});
-  return node;
+std::unique_ptr<Node> Reconciler::build(const View& view) {
+  auto root = std::make_unique<Node>(scene_, nullptr, view);
+  update(*root, view, {{}, animation_, !first_});
+  return root;
 }
 
 Reconciler::Context Reconciler::contextInside(const Node& node) const {
@@ -140,54 +159,28 @@ void Reconciler::update(Node& node, const View& view, Context context) {
     }
   }
   const bool appears = node.isNew && attributes.onAppear;
+  node.description = view.shared();
   node.attributes = attributes;
   if (appears) scene_.appeared_.push_back(attributes.onAppear);
-  if (node.isNew && attributes.match) newMatches_.push_back(&node);
+  if (node.isNew && attributes.match) newMatches_.push_back(node);
 
-  updateContent(node, description.children, context);
+  updateContent(node, context);
 }
 
-void Reconciler::updateContent(Node& node, const Views& described, const Context& context) {
-  const Element* element = node.element.get();
-  if (const auto* geometry = as<GeometryElement>(element)) {
-    if (node.builtFor) updateChildren(node, {geometry->build(*node.builtFor)}, context);
-  } else if (as<LazyElement>(element)) {
-    if (node.rowsKnown) updateRows(node, context);
-  } else if (as<DynamicElement>(element)) {
-    updateDynamic(node, context);
-  } else {
-    updateChildren(node, described, context);
-  }
-}
-
-void Reconciler::updateDynamic(Node& node, const Context& context) {
-  const DynamicBody& body = static_cast<const DynamicElement&>(*node.element).body();
-  if (body.makeState && !node.cell) node.cell = body.makeState();
-  if (node.cell) node.cell->invalidate = [this_ = &scene_, &node] { this_->invalidate(node); };
-  if (node.observed != body.observed) {
-    node.observed = body.observed;
-    node.subscriptions.clear();
-    for (const ObservableObject* object : body.observed) {
-      node.subscriptions.push_back(object->observe([this_ = &scene_, &node] { this_->invalidate(node); }));
-    }
-  }
-  if (body.interval > 0)
+void Reconciler::updateContent(Node& node, const Context& context) {
+  if (node.element->interval() > 0)
     scene_.timelineViews_.insert(&node);
   else if (scene_.timelineViews_.erase(&node))
     scene_.timelines_.stop(node);
   scene_.dirty_.erase(&node);
-  updateChildren(node, {body.body(node.cell, scene_.scheduler_.now())}, context);
+  NodeContent content(*this, node, context);
+  node.element->build(node, node.description->children, content);
 }
 
 void Reconciler::renew(Node& node) {
   node.commitAnimation = node.frameAnimation = animation_;
   node.commitNumber = scene_.commitNumber_;
-  updateDynamic(node, {node.environment, animation_, true});
-}
-
-void Reconciler::updateRows(Node& node, const Context& context) {
-  const auto& lazy = static_cast<const LazyElement&>(*node.element);
-  updateChildren(node, lazy.build(node.firstRow, node.rowCount), context);
+  updateContent(node, {node.environment, animation_, true});
 }
 
 void Reconciler::updateChildren(Node& node, const Views& views, const Context& context) {
@@ -225,8 +218,7 @@ void Reconciler::updateChildren(Node& node, const Views& views, const Context& c
         revive(*child, context);
         update(*child, view, context);
       } else {
-        child = std::make_unique<Node>(&node);
-        child->pixelRatio = scene_.pixelRatio_;
+        child = std::make_unique<Node>(scene_, &node, view);
         child->identity = identity;
         child->slot = place;
         update(*child, view, context);
@@ -287,7 +279,7 @@ void Reconciler::remove(std::unique_ptr<Node> node, const Context& context, cons
   const Transition& leaving = transition ? *transition : fade;
   const auto& animation = leaving.removalAnimation ? leaving.removalAnimation : context.animation;
   const bool goesAtOnce = !animation || !context.transitions || node->bounds.isEmpty();
-  noteMatches(*node, goesAtOnce ? nullptr : node.get(), transition != nullptr);
+  noteMatches(*node, *node, transition != nullptr);
   if (goesAtOnce) {
     scene_.discard(std::move(node));
     return;
@@ -302,13 +294,13 @@ void Reconciler::remove(std::unique_ptr<Node> node, const Context& context, cons
   parent.leaving.push_back(std::move(node));
 }
 
-void Reconciler::noteMatches(Node& node, Node* root, bool hasTransition) {
+void Reconciler::noteMatches(Node& node, Node& root, bool hasTransition) {
   if (node.attributes.match && !node.isNew) {
     const Size size = node.presentedFrame().size();
     const QRectF rect = node.transform.mapRect(QRectF(0, 0, size.width, size.height));
     handovers_.emplace_back(
         *node.attributes.match,
-        Handover{&node, root, {rect.x(), rect.y(), rect.width(), rect.height()}, hasTransition});
+        Handover{node, root, {rect.x(), rect.y(), rect.width(), rect.height()}, hasTransition});
   }
   for (const auto& child : node.children) noteMatches(*child, root, hasTransition);
 }
@@ -319,9 +311,6 @@ void Reconciler::takeAway(Node& root) {
   const auto gone =
       std::find_if(siblings.begin(), siblings.end(), [&](const auto& s) { return s.get() == &root; });
   if (gone == siblings.end()) return;
-  for (auto& [match, handover] : handovers_) {
-    if (handover.root == &root) handover.root = nullptr;
-  }
   std::unique_ptr<Node> old = std::move(*gone);
   siblings.erase(gone);
   scene_.discard(std::move(old));
@@ -329,6 +318,7 @@ void Reconciler::takeAway(Node& root) {
 
 void Reconciler::handOver() {
   for (Node* node : newMatches_) {
+    if (!node) continue;
     const auto found = std::find_if(handovers_.begin(), handovers_.end(), [&](const auto& entry) {
       return entry.first == *node->attributes.match;
     });
@@ -361,26 +351,10 @@ void Reconciler::handOver() {
 }
 
 bool Reconciler::buildForLayout(Node& node) {
-  bool built = false;
-  if (const auto* geometry = as<GeometryElement>(node.element.get())) {
-    if (node.builtFor != node.frame.size()) {
-      node.builtFor = node.frame.size();
-      updateChildren(node, {geometry->build(*node.builtFor)}, contextInside(node));
-      built = true;
-    }
-  } else if (const auto* lazy = as<LazyElement>(node.element.get())) {
-    const auto [first, count] = lazy->rangeInView(node);
-    if (!node.rowsKnown || first != node.firstRow || count != node.rowCount) {
-      Context context = contextInside(node);
-      // Rows that scroll into view are just there; only what the list really gained makes an entrance.
-      context.transitions = !first_ && !node.rowsKnown;
-      node.firstRow = first;
-      node.rowCount = count;
-      node.rowsKnown = true;
-      updateRows(node, context);
-      built = true;
-    }
-  }
+  const Context context = contextInside(node);
+  NodeContent content(*this, node, context);
+  node.element->buildForLayout(node, content);
+  bool built = content.shown;
   for (const auto& child : node.children) built |= buildForLayout(*child);
   return built;
 }

@@ -15,12 +15,11 @@ class Reconciler {
  public:
   Reconciler(Scene& scene, std::optional<Animation> animation, bool first);
 
-  /// The node of a view that is not shown yet.
-  std::unique_ptr<Node> build(Node* parent, const View& view, const Environment& inherited);
-  /// Calls the body of a dynamic node again.
+  /// The root of the tree.
+  std::unique_ptr<Node> build(const View& view);
+  /// Has the node's element build its content again.
   void renew(Node& node);
-  /// Builds what depends on the layout: rows in view, readers of their size. @return true when it built
-  /// something.
+  /// Builds what depends on the layout. @return true when there was something to build.
   bool buildForLayout(Node& node);
   /// After the layout: sends every node to its new frame.
   void settle(Node& node);
@@ -36,23 +35,23 @@ class Reconciler {
     bool transitions;
   };
   struct Handover {
-    Node* leaving;
-    /// What vanishes as a whole, with `leaving` in it; null when both are gone already.
-    Node* root;
+    WeakNode leaving;
+    /// What vanishes as a whole, with `leaving` in it; both may be gone already.
+    WeakNode root;
     Rect rect;
     bool hasTransition;
   };
 
+  class NodeContent;
+
   void update(Node& node, const View& view, Context context);
   void updateChildren(Node& node, const Views& views, const Context& context);
-  void updateContent(Node& node, const Views& described, const Context& context);
-  void updateDynamic(Node& node, const Context& context);
-  void updateRows(Node& node, const Context& context);
+  void updateContent(Node& node, const Context& context);
   void insert(Node& node, const Context& context);
   void remove(std::unique_ptr<Node> node, const Context& context, const Node* successor);
   void revive(Node& node, const Context& context);
   void takeAway(Node& root);
-  void noteMatches(Node& node, Node* root, bool hasTransition);
+  void noteMatches(Node& node, Node& root, bool hasTransition);
   Context contextInside(const Node& node) const;
 
   Scene& scene_;
@@ -60,7 +59,7 @@ class Reconciler {
   bool first_;
   double now_;
   std::vector<std::pair<Attributes::Match, Handover>> handovers_;
-  std::vector<Node*> newMatches_;
+  std::vector<WeakNode> newMatches_;
 };
 
 }  // namespace tarnwick::ui

@@ -2,12 +2,10 @@
 
 #include <algorithm>
 
-#include "ui/elements/DynamicElement.h"
 #include "ui/engine/Node.h"
 #include "ui/engine/Presenter.h"
 #include "ui/engine/Reconciler.h"
 #include "ui/engine/Tooltip.h"
-#include "ui/paint/Painter.h"
 
 namespace tarnwick::ui {
 namespace {
@@ -19,13 +17,6 @@ int depth(const Node* node) {
   int depth = 0;
   for (; node->parent; node = node->parent) ++depth;
   return depth;
-}
-
-bool leaves(const Node* node) {
-  for (; node; node = node->parent) {
-    if (node->isLeaving) return true;
-  }
-  return false;
 }
 
 void clearMeasures(Node& node) {
@@ -46,15 +37,12 @@ Scene::Scene(Scheduler& scheduler, Size size, View root, double pixelRatio)
   ++commitNumber_;
   Reconciler reconciler(*this, std::nullopt, true);
   const View centred = root.frame({.maxWidth = infinity, .maxHeight = infinity});
-  root_ = reconciler.build(nullptr, ZStack(UnitPoint::topLeading, {centred, tooltipView(input_)}), {});
+  root_ = reconciler.build(ZStack(UnitPoint::topLeading, {centred, tooltipView(input_)}));
   layOut(reconciler);
   committing_ = false;
 }
 
-Scene::~Scene() {
-  input_.forgetAll();
-  root_.reset();
-}
+Scene::~Scene() { root_.reset(); }
 
 void Scene::setPixelRatio(double ratio) {
   if (ratio == pixelRatio_) return;
@@ -73,8 +61,8 @@ void Scene::setPixelRatio(double ratio) {
   if (onNeedsFrame) onNeedsFrame();
 }
 
-void Scene::invalidate(Node& node) {
-  if (leaves(&node)) return;
+void Scene::renew(Node& node) {
+  if (node.leaves()) return;
   if (dirty_.empty() && !pendingCommit_) {
     // Outside `withAnimation` nobody tells the end of the change: the turn of the loop does.
     pendingCommit_ = scheduler_.post([this] {
@@ -159,7 +147,7 @@ void Scene::finishLeaving(Node& node) {
 void Scene::updateTimelines() {
   for (Node* node : timelineViews_) {
     if (node->visible || node->isNew)
-      timelines_.run(*node, static_cast<const DynamicElement&>(*node->element).body().interval);
+      timelines_.run(*node, node->element->interval());
     else
       timelines_.stop(*node);
   }
@@ -167,22 +155,17 @@ void Scene::updateTimelines() {
 
 void Scene::beat(const std::vector<Node*>& nodes) {
   for (Node* node : nodes) {
-    if (!leaves(node)) dirty_.insert(node);
+    if (!node->leaves()) dirty_.insert(node);
   }
   commit(std::nullopt);
 }
 
-void Scene::discard(std::unique_ptr<Node> node) {
-  forget(*node);
-  addDamage(node->bounds);
-}
+void Scene::discard(std::unique_ptr<Node> node) { addDamage(node->bounds); }
 
+/// A node ends.
 void Scene::forget(Node& node) {
   dirty_.erase(&node);
   if (timelineViews_.erase(&node)) timelines_.stop(node);
-  input_.forget(node);
-  for (const auto& child : node.children) forget(*child);
-  for (const auto& child : node.leaving) forget(*child);
 }
 
 void Scene::addDamage(const Rect& rect) {
@@ -207,10 +190,6 @@ void Scene::addDamage(const Rect& rect) {
 }
 
 std::vector<Rect> Scene::takeDamage() { return std::exchange(damage_, {}); }
-
-void Scene::paint(QImage& target, const Rect& area, Point origin) {
-  Painter(pixelRatio_).paint(*root_, target, area, origin);
-}
 
 Node* Scene::find(Node& node, const std::string& key) const {
   if (node.attributes.key == key) return &node;

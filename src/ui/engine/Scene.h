@@ -12,8 +12,6 @@
 #include "ui/engine/SceneInput.h"
 #include "ui/engine/Timelines.h"
 
-class QImage;
-
 namespace tarnwick::ui {
 
 class Node;
@@ -41,9 +39,13 @@ class Scene : public transaction::Committer {
   bool frame();
   /// What has to be painted again since the last call, in points.
   std::vector<Rect> takeDamage();
-  /// Paints what lies in `area` (points) into `target`, which shows the scene at `pixelRatio` with its top
-  /// left corner at `origin` (pixels).
-  void paint(QImage& target, const Rect& area, Point origin = {});
+  /// What is shown, as presented by the last frame.
+  Node& root() { return *root_; }
+
+  // For elements and nodes
+  Date now() const { return scheduler_.now(); }
+  /// Has the node's element build its content again with the next commit.
+  void renew(Node& node);
 
   /// What the pointer does; all in points.
   SceneInput& input() { return input_; }
@@ -79,7 +81,8 @@ class Scene : public transaction::Committer {
   friend class SceneInput;
   friend class Inspector;
 
-  void invalidate(Node& node);
+  friend class Node;
+
   void scrolled();
   void layOut(class Reconciler& reconciler);
   void finishLeaving(Node& node);

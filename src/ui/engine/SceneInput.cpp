@@ -4,7 +4,6 @@
 #include <cmath>
 #include <vector>
 
-#include "ui/elements/Scrolling.h"
 #include "ui/engine/Drawing.h"
 #include "ui/engine/Node.h"
 #include "ui/engine/Scene.h"
@@ -94,7 +93,7 @@ void SceneInput::pressed(Point point) {
   pressedAt_ = point;
   dragging_ = false;
   if (!pressed_) return;
-  // A copy: the handlers may make the view anew.
+  // A copy: the handlers may make the view anew, or end it.
   const auto interaction = pressed_->attributes.interaction;
   if (interaction->onPress) {
     pressShown_ = true;
@@ -109,13 +108,14 @@ void SceneInput::pressed(Point point) {
 
 void SceneInput::released(Point point) {
   pointer_ = point;
+  if (!pressed_ || !pressed_->attributes.interaction) {
+    pressed_ = nullptr;
+    return;
+  }
+  const bool over = hit(*scene_.root_, point, takesPress) == pressed_;
   Node* const node = std::exchange(pressed_, nullptr);
-  if (!node) return;
+  const unsigned long serial = node->serial;
   const auto interaction = node->attributes.interaction;
-  if (!interaction) return;
-  pressed_ = node;
-  const bool over = hit(*scene_.root_, point, takesPress) == node;
-  pressed_ = nullptr;
   const bool dragged = std::exchange(dragging_, false);
   const DragValue drag{inNode(*node, pressedAt_), inNode(*node, point), node->presentedSize};
   if (interaction->onPress && std::exchange(pressShown_, false)) interaction->onPress(false);
@@ -123,29 +123,28 @@ void SceneInput::released(Point point) {
   if (!over || dragged) return;
 
   const double now = scene_.scheduler_.uptime();
-  if (interaction->onDoubleTap && lastTapped_ == node && now - lastTapTime_ < doubleTapTime) {
-    lastTapped_ = nullptr;
+  if (interaction->onDoubleTap && lastTapped_ == serial && now - lastTapTime_ < doubleTapTime) {
+    lastTapped_ = 0;
     interaction->onDoubleTap();
     return;
   }
-  lastTapped_ = node;
+  lastTapped_ = serial;
   lastTapTime_ = now;
   if (interaction->onTap) interaction->onTap();
 }
 
 bool SceneInput::scrolled(Point point, Point delta) {
-  const auto scrolls = [&](const Node& node) {
-    const auto* view = as<ScrollElement>(node.element.get());
-    return view && (view->axis() == Axis::vertical ? delta.y : delta.x) != 0;
-  };
-  Node* node = hit(*scene_.root_, point, scrolls);
-  if (!node || !ScrollElement::scroll(*node, delta)) return false;
+  Node* node = hit(*scene_.root_, point,
+                   [&](const Node& candidate) { return candidate.element->canScroll(candidate, delta); });
+  if (!node) return false;
+  node->element->scroll(*node, delta);
   scene_.scrolled();
   return true;
 }
 
 /// The content may have moved under a resting pointer.
 void SceneInput::sceneMoved() {
+  if (tooltip_ && !tooltipNode_) setTooltip(std::nullopt);
   if (pointer_) updateHover();
 }
 
@@ -158,19 +157,17 @@ void SceneInput::updateHover() {
       if (node->attributes.interaction) inside.push_back(node);
     }
   }
-  std::vector<Node*> gone;
-  for (Node* node : hovered_) {
-    if (std::find(inside.begin(), inside.end(), node) == inside.end()) gone.push_back(node);
-  }
   std::vector<std::pair<std::shared_ptr<const Interaction>, bool>> calls;
-  for (Node* node : gone) {
-    hovered_.erase(node);
-    calls.emplace_back(node->attributes.interaction, false);
+  const std::vector<WeakNode> before = std::exchange(hovered_, {inside.begin(), inside.end()});
+  for (Node* node : before) {
+    if (node && std::ranges::find(inside, node) == inside.end())
+      calls.emplace_back(node->attributes.interaction, false);
   }
   Node* withTooltip = nullptr;
   for (Node* node : inside) {
     if (!withTooltip && !node->attributes.interaction->tooltip.empty()) withTooltip = node;
-    if (hovered_.insert(node).second) calls.emplace_back(node->attributes.interaction, true);
+    if (std::ranges::find(before, node, &WeakNode::get) == before.end())
+      calls.emplace_back(node->attributes.interaction, true);
   }
   if (withTooltip != tooltipNode_) {
     tooltipNode_ = withTooltip;
@@ -207,23 +204,6 @@ void SceneInput::setTooltip(std::optional<Tooltip> tooltip) {
   if (tooltip.has_value() == tooltip_.has_value()) return;
   tooltip_ = std::move(tooltip);
   withAnimation(easeOut(0.15), [this] { tooltipChanges_.notifyObservers(); });
-}
-
-void SceneInput::forget(Node& node) {
-  hovered_.erase(&node);
-  if (pressed_ == &node) pressed_ = nullptr;
-  if (lastTapped_ == &node) lastTapped_ = nullptr;
-  if (tooltipNode_ == &node) {
-    tooltipNode_ = nullptr;
-    tooltipTimer_ = {};
-    setTooltip(std::nullopt);
-  }
-}
-
-void SceneInput::forgetAll() {
-  hovered_.clear();
-  pressed_ = lastTapped_ = tooltipNode_ = nullptr;
-  tooltipTimer_ = {};
 }
 
 }  // namespace tarnwick::ui

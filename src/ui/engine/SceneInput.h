@@ -1,16 +1,16 @@
 #pragma once
 #include <functional>
 #include <optional>
-#include <set>
 #include <string>
+#include <vector>
 
 #include "base/Geometry.h"
 #include "base/ObservableObject.h"
 #include "base/Scheduler.h"
+#include "ui/engine/Node.h"
 
 namespace tarnwick::ui {
 
-class Node;
 class Scene;
 
 /// Brings the pointer to the views of a scene.
@@ -38,8 +38,6 @@ class SceneInput {
  private:
   friend class Scene;
   void sceneMoved();
-  void forget(Node& node);
-  void forgetAll();
   void updateHover();
   void awaitTooltip();
   void setTooltip(std::optional<Tooltip> tooltip);
@@ -50,14 +48,15 @@ class SceneInput {
 
   Scene& scene_;
   std::optional<Point> pointer_;
-  std::set<Node*> hovered_;
-  Node* pressed_ = nullptr;
+  std::vector<WeakNode> hovered_;
+  WeakNode pressed_;
   Point pressedAt_;
   bool dragging_ = false;
   bool pressShown_ = false;
-  Node* lastTapped_ = nullptr;
+  /// The view's serial number.
+  unsigned long lastTapped_ = 0;
   double lastTapTime_ = 0;
-  Node* tooltipNode_ = nullptr;
+  WeakNode tooltipNode_;
   std::optional<Tooltip> tooltip_;
   Task tooltipTimer_;
   ObservableObject tooltipChanges_;

@@ -10,6 +10,7 @@
 
 #include "ui/engine/Drawing.h"
 #include "ui/host/SceneAccessibility.h"
+#include "ui/paint/Painter.h"
 
 namespace tarnwick::ui {
 namespace {
@@ -83,7 +84,7 @@ void SceneWidget::paintEvent(QPaintEvent* event) {
   // Where a point is no whole number of pixels, the toolkit has cleared some around.
   const double ratio = scene_.pixelRatio(), margin = ratio == std::round(ratio) ? 0 : 1;
   for (const QRect& area : event->region()) {
-    scene_.paint(pixels, fromQt(QRectF(area)).grownBy(margin, margin), {place.dx(), place.dy()});
+    paint(scene_, pixels, fromQt(QRectF(area)).grownBy(margin, margin), {place.dx(), place.dy()});
   }
 }
 

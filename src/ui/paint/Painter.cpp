@@ -4,7 +4,6 @@
 #include <algorithm>
 #include <cmath>
 
-#include "ui/elements/ShapeElement.h"
 #include "ui/engine/Drawing.h"
 #include "ui/paint/Blur.h"
 #include "ui/paint/ShadowPatch.h"
@@ -47,13 +46,12 @@ void brighten(QImage& image, double amount) {
 /// Whether everything that a clipped node covers is hidden behind an opaque area at its very back.
 bool hasOpaqueBack(const Node& node, const Node& clipped) {
   if (node.opacity < 1 || node.blurRadius > 0) return false;
-  if (const ShapeElement* shape = node.element->shape()) {
+  if (node.element->isOpaque(node.values.presented())) {
     const Rect& back = node.ownBounds;
     const Rect& front = clipped.contentBounds;
     constexpr double slack = 0.01;
-    return shape->outline().cornerExtent() == 0 && ShapeElement::color(node.values.presented()).alpha >= 1 &&
-           node.values.presented().size() == 4 && back.x <= front.x + slack && back.y <= front.y + slack &&
-           back.right() >= front.right() - slack && back.bottom() >= front.bottom() - slack;
+    return back.x <= front.x + slack && back.y <= front.y + slack && back.right() >= front.right() - slack &&
+           back.bottom() >= front.bottom() - slack;
   }
   const Node* back = node.leaving.empty() ? node.firstChild() : nullptr;
   return !node.element->draws() && back && hasOpaqueBack(*back, clipped);
@@ -66,6 +64,10 @@ Shape presentedClip(const Node& node) {
 }
 
 }  // namespace
+
+void paint(Scene& scene, QImage& target, const Rect& area, Point origin) {
+  Painter(scene.pixelRatio()).paint(scene.root(), target, area, origin);
+}
 
 void Painter::paint(Node& root, QImage& target, const Rect& area, Point origin) {
   const QTransform toPixels =
@@ -275,9 +277,11 @@ void Painter::drawShadows(Node& node, Surface& surface, double opacity, bool ben
   if (node.attributes.clip) {
     shape = presentedClip(node);
   } else {
-    while (!shaped->element->shape() && shaped->children.size() == 1) shaped = shaped->firstChild();
-    if (const ShapeElement* element = shaped->element->shape())
-      shape = element->presented(shaped->values.presented());
+    shape = shaped->element->outline(shaped->values.presented());
+    while (!shape && shaped->children.size() == 1) {
+      shaped = shaped->firstChild();
+      shape = shaped->element->outline(shaped->values.presented());
+    }
   }
   const QTransform toPixels = shaped->transform * surface.toPixels;
   const double scale = std::sqrt(std::abs(toPixels.determinant()));

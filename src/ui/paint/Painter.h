@@ -3,10 +3,15 @@
 #include <QTransform>
 
 #include "ui/engine/Node.h"
+#include "ui/engine/Scene.h"
 
 class QPainter;
 
 namespace tarnwick::ui {
+
+/// Paints what lies in `area` (points) of the scene into `target`, which shows it at the scene's pixel ratio
+/// with its top left corner at `origin` (pixels).
+void paint(Scene& scene, QImage& target, const Rect& area, Point origin = {});
 
 /// Draws presented nodes into a picture.
 class Painter {

@@ -1,7 +1,8 @@
-#pragma once
+#include "ui/Description.h"
 #include "ui/engine/Element.h"
 
 namespace tarnwick::ui {
+namespace {
 
 /// Keeps the frame that another view handed over: its content is laid out at the final size and drawn scaled
 /// to the present one.
@@ -10,6 +11,16 @@ class MatchElement : public Element {
   static constexpr ElementKind itsKind{"Match"};
   const ElementKind& kind() const override { return itsKind; }
   bool equals(const Element&) const override { return true; }
+  bool scalesContent() const override { return true; }
 };
+
+}  // namespace
+
+View View::matchedGeometry(std::string id, Namespace names) const {
+  if (isEmpty()) return *this;
+  return View(std::make_shared<MatchElement>(), {*this}).with([&](Attributes& a) {
+    a.match = Attributes::Match{std::move(id), names};
+  });
+}
 
 }  // namespace tarnwick::ui
