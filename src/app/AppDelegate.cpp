@@ -28,10 +28,25 @@ AppDelegate::AppDelegate(X11Connection& connection) : connection_(connection) {}
 
 void AppDelegate::applicationDidFinishLaunching() {
   notifications_.onAnotherOverlay = [] { QCoreApplication::quit(); };
-  const Desktop desktop{scheduler_,    notifications_, defaults_,  folders_,      screens_,
-                        pointer_,      windows_,       sounds_,    haptics_,      processes_,
-                        applications_, images_,        log_,       audioDevices_, mediaKeys_,
-                        brightness_,   powerSources_,  bluetooth_, calendars_};
+  const Desktop desktop{.scheduler = scheduler_,
+                        .notifications = notifications_,
+                        .defaults = defaults_,
+                        .folders = folders_,
+                        .screens = screens_,
+                        .pointer = pointer_,
+                        .windows = windows_,
+                        .sounds = sounds_,
+                        .haptics = haptics_,
+                        .processes = processes_,
+                        .applications = applications_,
+                        .images = images_,
+                        .log = log_,
+                        .audioDevices = audioDevices_,
+                        .mediaKeys = mediaKeys_,
+                        .brightness = brightness_,
+                        .powerSources = powerSources_,
+                        .bluetooth = bluetooth_,
+                        .calendars = calendars_};
   controller_ =
       std::make_unique<NotchController>(desktop, [this](NotchModel& model) { return makePanel(model); });
 }

@@ -7,8 +7,9 @@
 #include <vector>
 
 #include "base/AppSettings.h"
+#include "base/Banner.h"
+#include "base/CrabMood.h"
 #include "base/Observed.h"
-#include "base/Records.h"
 #include "base/Scheduler.h"
 #include "claude/Session.h"
 #include "platform/NotificationCenter.h"

@@ -4,6 +4,7 @@
 #include <climits>
 
 #include "base/L10n.h"
+#include "platform/Desktop.h"
 
 namespace tarnwick {
 namespace {

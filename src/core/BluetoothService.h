@@ -1,8 +1,10 @@
 #pragma once
 #include "core/NotchModel.h"
-#include "platform/Desktop.h"
+#include "platform/BluetoothDevices.h"
 
 namespace tarnwick {
+
+struct Desktop;
 
 /// Shows an indicator when a Bluetooth device comes or goes.
 class BluetoothService {

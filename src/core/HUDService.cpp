@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "platform/Desktop.h"
+
 namespace tarnwick {
 namespace {
 

@@ -2,9 +2,12 @@
 #include <optional>
 
 #include "core/NotchModel.h"
-#include "platform/Desktop.h"
+#include "platform/DisplayBrightness.h"
+#include "platform/MediaKeys.h"
 
 namespace tarnwick {
+
+struct Desktop;
 
 /// Takes the volume, mute and brightness keys over while the user wants the notch to show those levels: it
 /// makes the change itself and shows the indicator in place of the desktop's own.

@@ -3,6 +3,10 @@
 #include <algorithm>
 #include <cmath>
 
+#include "platform/HapticPerformer.h"
+#include "platform/NotificationCenter.h"
+#include "platform/Pointer.h"
+
 namespace tarnwick {
 namespace {
 

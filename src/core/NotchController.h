@@ -12,6 +12,8 @@
 #include "core/NotchPanel.h"
 #include "core/PointerTracker.h"
 #include "platform/Desktop.h"
+#include "platform/Screens.h"
+#include "platform/WindowList.h"
 
 namespace tarnwick {
 

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "platform/Desktop.h"
+
 namespace tarnwick {
 namespace {
 
@@ -62,6 +64,7 @@ Size NotchModel::size() const {
   Size size{width, height};
   switch (presentation()) {
     case Presentation::expanded:
+      // The pages' width. The tab bar does not make it wider: it has the room beside the camera.
       return {std::max(width + 340, 560.0), height + 138};
     case Presentation::banner:
       size = {std::max(width + 180, 400.0), height + 60};

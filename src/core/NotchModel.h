@@ -3,12 +3,14 @@
 
 #include "base/Animation.h"
 #include "base/AppSettings.h"
+#include "base/Banner.h"
 #include "base/Geometry.h"
 #include "base/Observed.h"
-#include "base/Records.h"
+#include "base/Presentation.h"
 #include "base/Scheduler.h"
+#include "base/Tab.h"
+#include "base/Transient.h"
 #include "claude/ClaudeService.h"
-#include "platform/Desktop.h"
 #include "services/AudioService.h"
 #include "services/CalendarService.h"
 #include "services/MediaService.h"
@@ -17,6 +19,8 @@
 #include "services/TrayStore.h"
 
 namespace tarnwick {
+
+struct Desktop;
 
 /// The state of the notch: what it shows, how large its surface is, and the services that it shows. The
 /// controller writes what the pointer does, the services report into it, the views draw it.

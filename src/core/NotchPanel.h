@@ -3,8 +3,8 @@
 #include <optional>
 #include <vector>
 
+#include "base/FilePath.h"
 #include "base/Geometry.h"
-#include "base/Records.h"
 
 namespace tarnwick {
 

@@ -3,8 +3,8 @@
 #include <optional>
 #include <string>
 
+#include "base/FilePath.h"
 #include "base/Image.h"
-#include "base/Records.h"
 
 namespace tarnwick {
 

@@ -1,25 +1,26 @@
 #pragma once
-#include "base/Scheduler.h"
-#include "base/UserDefaults.h"
-#include "platform/Applications.h"
-#include "platform/AudioDevices.h"
-#include "platform/BluetoothDevices.h"
-#include "platform/Calendars.h"
-#include "platform/ChildProcesses.h"
-#include "platform/DisplayBrightness.h"
-#include "platform/Folders.h"
-#include "platform/HapticPerformer.h"
-#include "platform/ImageDecoder.h"
-#include "platform/MediaKeys.h"
-#include "platform/NotificationCenter.h"
-#include "platform/Pointer.h"
-#include "platform/PowerSources.h"
-#include "platform/Screens.h"
-#include "platform/SoundPlayer.h"
-#include "platform/SystemLog.h"
-#include "platform/WindowList.h"
 
 namespace tarnwick {
+
+class Applications;
+class AudioDevices;
+class BluetoothDevices;
+class Calendars;
+class ChildProcesses;
+class DisplayBrightness;
+class Folders;
+class HapticPerformer;
+class ImageDecoder;
+class MediaKeys;
+class NotificationCenter;
+class Pointer;
+class PowerSources;
+class Scheduler;
+class Screens;
+class SoundPlayer;
+class SystemLog;
+class UserDefaults;
+class WindowList;
 
 /// The desktop that the program runs on: one implementation of each port. All of them outlive whatever uses
 /// them.

@@ -4,8 +4,8 @@
 #include <string>
 #include <vector>
 
+#include "base/Banner.h"
 #include "base/Observed.h"
-#include "base/Records.h"
 #include "base/Scheduler.h"
 #include "platform/Calendars.h"
 

@@ -3,8 +3,9 @@
 #include <set>
 
 #include "base/AppSettings.h"
+#include "base/Banner.h"
 #include "base/Observed.h"
-#include "base/Records.h"
+#include "base/Transient.h"
 #include "platform/PowerSources.h"
 #include "platform/SoundPlayer.h"
 

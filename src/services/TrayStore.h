@@ -1,8 +1,8 @@
 #pragma once
 #include <vector>
 
+#include "base/FilePath.h"
 #include "base/Observed.h"
-#include "base/Records.h"
 #include "base/UserDefaults.h"
 
 namespace tarnwick {

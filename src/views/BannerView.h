@@ -1,5 +1,5 @@
 #pragma once
-#include "base/Records.h"
+#include "base/Banner.h"
 #include "ui/View.h"
 
 namespace tarnwick {

@@ -2,8 +2,8 @@
 #include <vector>
 
 #include "base/Color.h"
+#include "base/CrabMood.h"
 #include "base/Geometry.h"
-#include "base/Records.h"
 #include "ui/View.h"
 
 namespace tarnwick {

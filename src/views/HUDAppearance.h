@@ -2,7 +2,7 @@
 #include <string>
 
 #include "base/Color.h"
-#include "base/Records.h"
+#include "base/Transient.h"
 
 namespace tarnwick {
 

@@ -1,5 +1,5 @@
 #pragma once
-#include "base/Records.h"
+#include "base/Presentation.h"
 #include "ui/Shape.h"
 
 namespace tarnwick {

@@ -4,7 +4,24 @@
 #include <variant>
 #include <vector>
 
+#include "base/UserDefaults.h"
+#include "platform/Applications.h"
+#include "platform/AudioDevices.h"
+#include "platform/BluetoothDevices.h"
+#include "platform/Calendars.h"
 #include "platform/Desktop.h"
+#include "platform/DisplayBrightness.h"
+#include "platform/Folders.h"
+#include "platform/HapticPerformer.h"
+#include "platform/ImageDecoder.h"
+#include "platform/MediaKeys.h"
+#include "platform/NotificationCenter.h"
+#include "platform/Pointer.h"
+#include "platform/PowerSources.h"
+#include "platform/Screens.h"
+#include "platform/SoundPlayer.h"
+#include "platform/SystemLog.h"
+#include "platform/WindowList.h"
 #include "support/MemoryProcesses.h"
 #include "support/TemporaryFolder.h"
 #include "support/VirtualScheduler.h"
@@ -252,9 +269,25 @@ struct MemoryDesktop {
   MemoryBluetoothDevices bluetooth;
   MemoryCalendars calendars;
 
-  Desktop ports{scheduler, notifications, defaults,     folders,      screens,  pointer, windows,
-                sounds,    haptics,       processes,    applications, images,   log,     audioDevices,
-                mediaKeys, brightness,    powerSources, bluetooth,    calendars};
+  Desktop ports{.scheduler = scheduler,
+                .notifications = notifications,
+                .defaults = defaults,
+                .folders = folders,
+                .screens = screens,
+                .pointer = pointer,
+                .windows = windows,
+                .sounds = sounds,
+                .haptics = haptics,
+                .processes = processes,
+                .applications = applications,
+                .images = images,
+                .log = log,
+                .audioDevices = audioDevices,
+                .mediaKeys = mediaKeys,
+                .brightness = brightness,
+                .powerSources = powerSources,
+                .bluetooth = bluetooth,
+                .calendars = calendars};
 };
 
 }  // namespace tarnwick

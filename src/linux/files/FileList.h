@@ -2,7 +2,7 @@
 #include <string_view>
 #include <vector>
 
-#include "base/Records.h"
+#include "base/FilePath.h"
 
 namespace tarnwick {
 

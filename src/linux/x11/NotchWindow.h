@@ -3,7 +3,7 @@
 #include <functional>
 #include <vector>
 
-#include "base/Records.h"
+#include "base/FilePath.h"
 
 namespace tarnwick {
 

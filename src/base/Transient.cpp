@@ -1,9 +1,7 @@
-#include "base/Records.h"
+#include "base/Transient.h"
 
 namespace tarnwick {
 namespace {
-
-constexpr std::array<std::string_view, 5> tabNames{"home", "audio", "claude", "tray", "notes"};
 
 template<typename... Cases>
 struct Overloaded : Cases... {
@@ -13,15 +11,6 @@ template<class... Cases>
 Overloaded(Cases...) -> Overloaded<Cases...>;
 
 }  // namespace
-
-std::string_view rawValue(Tab tab) { return tabNames[static_cast<size_t>(tab)]; }
-
-std::optional<Tab> tabNamed(std::string_view rawValue) {
-  for (const Tab tab : allTabs) {
-    if (tarnwick::rawValue(tab) == rawValue) return tab;
-  }
-  return std::nullopt;
-}
 
 std::string Transient::key() const {
   return std::visit(

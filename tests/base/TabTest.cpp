@@ -1,4 +1,4 @@
-#include "base/Records.h"
+#include "base/Tab.h"
 
 #include <gtest/gtest.h>
 
@@ -7,7 +7,7 @@
 namespace tarnwick {
 namespace {
 
-TEST(Records, TabsByName) {
+TEST(Tab, ByName) {
   for (const Tab tab : allTabs) EXPECT_EQ(tabNamed(rawValue(tab)), tab);
   EXPECT_EQ(rawValue(Tab::claude), "claude");
   for (const char* name : {"", "Home", "home ", "settings"}) EXPECT_EQ(tabNamed(name), std::nullopt) << name;

@@ -1,36 +1,13 @@
 #pragma once
-#include <array>
-#include <cstdint>
 #include <optional>
 #include <string>
-#include <string_view>
+#include <utility>
 #include <variant>
 
-#include "base/Color.h"
-#include "base/Uuid.h"
-
-/// The small values that services, model and views pass around.
 namespace tarnwick {
-
-/// A file on this machine: its absolute path.
-using FilePath = std::string;
-
-/// The mascot's moods.
-enum class CrabMood { idle, working, waiting, happy };
 
 /// The hardware indicators.
 enum class HUDKind { volume, mute, brightness };
-
-/// The expanded body's tabs, in the order of the tab bar.
-enum class Tab { home, audio, claude, tray, notes };
-inline constexpr std::array allTabs{Tab::home, Tab::audio, Tab::claude, Tab::tray, Tab::notes};
-/// "home", "audio", "claude", "tray" or "notes".
-std::string_view rawValue(Tab tab);
-/// The tab with exactly that raw value.
-std::optional<Tab> tabNamed(std::string_view rawValue);
-
-/// What the notch shows.
-enum class Presentation { transient, claude, nowPlaying, idle, banner, expanded };
 
 /// A short-lived indicator in the wings.
 struct Transient {
@@ -71,20 +48,6 @@ struct Transient {
   /// Tells one indicator from the next: an indicator with the same key is updated in place.
   std::string key() const;
   friend bool operator==(const Transient&, const Transient&) = default;
-};
-
-/// A card that drops out of the notch. Two banners with the same texts are still different ones.
-struct Banner {
-  Uuid id = Uuid::random();
-  /// Symbol name.
-  std::string icon;
-  Color tint;
-  std::string title;
-  std::string subtitle;
-  /// When present, the mascot is drawn in this mood instead of the icon.
-  std::optional<CrabMood> crab;
-
-  friend bool operator==(const Banner&, const Banner&) = default;
 };
 
 }  // namespace tarnwick

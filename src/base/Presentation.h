@@ -1,0 +1,8 @@
+#pragma once
+
+namespace tarnwick {
+
+/// What the notch shows.
+enum class Presentation { transient, claude, nowPlaying, idle, banner, expanded };
+
+}  // namespace tarnwick
