@@ -1,7 +1,7 @@
 #include <cstdint>
 
 #include "Check.h"
-#include "cli/BusReplies.h"
+#include "dbus/BusReplies.h"
 
 using namespace tarnwick;
 

@@ -2,9 +2,9 @@
 
 #include "Check.h"
 #include "base/Utf8.h"
-#include "cli/BusMessage.h"
 #include "cli/HookEvent.h"
 #include "cli/Text.h"
+#include "dbus/BusMessage.h"
 #include "json/JsonValue.h"
 
 using namespace tarnwick;

@@ -14,7 +14,9 @@
 #include <string_view>
 
 #include "app/AppDelegate.h"
-#include "cli/BusProbe.h"
+#include "base/StandardDescriptors.h"
+#include "dbus/BusConnection.h"
+#include "dbus/SessionBusAddress.h"
 #include "linux/bus/BusWaiter.h"
 
 namespace {
@@ -71,12 +73,11 @@ class StartupVariable {
 /// as there is a window, which then does not show before the bus has answered.
 class HiddenBus {
  public:
-  HiddenBus()
-      : address_(tarnwick::sessionBusAddress()), variable_(sessionBusVariable, "unix:path=/dev/null/") {}
-  const QString& address() const { return address_; }
+  HiddenBus() : address_(tarnwick::sessionBusAddress()), variable_(sessionBusVariable, "disabled:") {}
+  const std::string& address() const { return address_; }
 
  private:
-  const QString address_;
+  const std::string address_;
   const StartupVariable variable_;
 };
 
@@ -97,6 +98,7 @@ std::unique_ptr<QApplication> makeApplication(int& count, char** arguments) {
 }  // namespace
 
 int main(int argc, char** argv) {
+  tarnwick::openStandardDescriptors();
   // The last argument would be a switch without its folder, which means the overlay.
   if (std::find(argv, argv + argc - 1, std::string_view("--snapshot")) != argv + argc - 1) {
     std::fputs("Tarnwick: --snapshot cannot render pictures yet.\n", stderr);
@@ -105,8 +107,8 @@ int main(int argc, char** argv) {
   const bool startedAnew = ::getenv(startedAnewVariable) != nullptr;
   ::unsetenv(startedAnewVariable);
   // Its answer comes while the display is being opened.
-  const auto addresses = tarnwick::sessionBusAddresses();
-  tarnwick::BusProbe bus(addresses);
+  const auto addresses = tarnwick::parseBusAddresses(tarnwick::sessionBusAddress());
+  tarnwick::BusConnection bus(addresses, tarnwick::BusConnection::Peer::anybody);
   const auto connection = tarnwick::X11Connection::open();
   if (!connection) {
     std::fputs(
@@ -119,7 +121,7 @@ int main(int argc, char** argv) {
   std::optional<HiddenBus> hiddenBus;
   // Nothing is known about buses of other kinds. One that has answered before is only slow.
   if (!addresses.empty() && !startedAnew &&
-      bus.wait(longestWaitForBus) != tarnwick::BusProbe::State::answers) {
+      bus.wait(longestWaitForBus) != tarnwick::BusConnection::State::answers) {
     hiddenBus.emplace();
   }
 

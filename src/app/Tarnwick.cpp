@@ -8,11 +8,13 @@
 
 #include <string>
 
+#include "base/StandardDescriptors.h"
 #include "cli/CommandLine.h"
 #include "cli/HomeFolder.h"
 #include "cli/HookCLI.h"
 #include "cli/HookInstaller.h"
 #include "cli/SessionBus.h"
+#include "dbus/SessionBusAddress.h"
 
 using namespace tarnwick;
 
@@ -45,10 +47,11 @@ HookInstaller installer(const char* argument0) {
 }  // namespace
 
 int main(int count, char** arguments) {
+  openStandardDescriptors();
   const auto commandLine = CommandLine::parse({arguments, static_cast<size_t>(count)});
   switch (commandLine.role) {
     case Role::hook: {
-      SessionBus bus(sessionBusAddresses());
+      SessionBus bus(sessionBusAddress());
       bus.greet();
       HookCLI::run(bus);
       return EXIT_SUCCESS;
@@ -58,13 +61,13 @@ int main(int count, char** arguments) {
     case Role::uninstallHooks:
       return installer(arguments[0]).uninstall() ? EXIT_SUCCESS : EXIT_FAILURE;
     case Role::showcase: {
-      SessionBus bus(sessionBusAddresses());
+      SessionBus bus(sessionBusAddress());
       bus.post(showcaseNotification,
                {{"cmd", std::string(commandLine.value)}, {"arg", std::string(commandLine.argument)}});
       return EXIT_SUCCESS;
     }
     case Role::demo: {
-      SessionBus bus(sessionBusAddresses());
+      SessionBus bus(sessionBusAddress());
       HookCLI::demo(bus, [](unsigned seconds) { ::sleep(seconds); });
       return EXIT_SUCCESS;
     }

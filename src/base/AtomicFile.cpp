@@ -8,6 +8,8 @@
 #include <cerrno>
 #include <cstdlib>
 
+#include "base/Descriptor.h"
+
 namespace tarnwick {
 namespace {
 
@@ -18,20 +20,6 @@ std::error_code notAFile(const struct stat& status) {
   return std::make_error_code(S_ISDIR(status.st_mode) ? std::errc::is_a_directory
                                                       : std::errc::operation_not_supported);
 }
-
-class Descriptor {
- public:
-  explicit Descriptor(int value) : value_(value) {}
-  ~Descriptor() {
-    if (value_ >= 0) ::close(value_);
-  }
-  Descriptor(const Descriptor&) = delete;
-  Descriptor& operator=(const Descriptor&) = delete;
-  operator int() const { return value_; }
-
- private:
-  int value_;
-};
 
 /// Follows symbolic links, also a dangling one, to the place where the file is or would be; empty when they
 /// run in a circle.

@@ -16,6 +16,20 @@ bool isValidUtf8(std::string_view text) {
   }
 }
 
+std::string withoutInvalidUtf8(std::string_view text) {
+  std::string clean;
+  clean.reserve(text.size());
+  for (;;) {
+    const size_t plain = lengthOfPlainAscii(text);
+    clean += text.substr(0, plain);
+    text.remove_prefix(plain);
+    if (text.empty()) return clean;
+    const size_t length = text[0] == '\0' ? 0 : lengthOfCodePoint(text);
+    clean += length > 0 ? text.substr(0, length) : replacementCharacter;
+    text.remove_prefix(std::max<size_t>(length, 1));
+  }
+}
+
 size_t lengthOfCodePoint(std::string_view text) {
   utf8proc_int32_t codePoint;
   const auto bytes = reinterpret_cast<const utf8proc_uint8_t*>(text.data());

@@ -1,4 +1,5 @@
 #pragma once
+#include <string>
 #include <string_view>
 
 namespace tarnwick {
@@ -9,6 +10,9 @@ inline constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
 inline constexpr std::string_view replacementCharacter = "\xEF\xBF\xBD";
 
 bool isValidUtf8(std::string_view text);
+
+/// `text` with every byte that is not part of valid UTF-8, and every U+0000, replaced by U+FFFD.
+std::string withoutInvalidUtf8(std::string_view text);
 
 /// The bytes of the code point that `text` begins with; 0 where none does.
 size_t lengthOfCodePoint(std::string_view text);

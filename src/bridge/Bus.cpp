@@ -24,10 +24,4 @@ void callAsync(GDBusConnection* bus, GCancellable* cancellable, const BusMethod&
                          cancellable, finish, new BusReply(std::move(reply)));
 }
 
-std::string sessionBusAddress() {
-  if (const char* address = g_getenv("DBUS_SESSION_BUS_ADDRESS"); address && *address) return address;
-  const char* runtime = g_getenv("XDG_RUNTIME_DIR");
-  return runtime && *runtime ? "unix:path=" + std::string(runtime) + "/bus" : "";
-}
-
 }  // namespace tarnwick

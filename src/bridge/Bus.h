@@ -22,7 +22,4 @@ using BusReply = std::function<void(GVariant* arguments)>;
 void callAsync(GDBusConnection* bus, GCancellable* cancellable, const BusMethod& method, GVariant* arguments,
                BusReply reply);
 
-/// The session bus's address; empty without one. Never has a bus launched.
-std::string sessionBusAddress();
-
 }  // namespace tarnwick

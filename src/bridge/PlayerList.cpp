@@ -2,6 +2,8 @@
 
 #include <tuple>
 
+#include "dbus/SessionBusAddress.h"
+
 namespace tarnwick {
 namespace {
 

@@ -1,34 +1,32 @@
 #pragma once
 #include <chrono>
-#include <memory>
+#include <optional>
 #include <string>
-#include <vector>
 
-#include "cli/BusAddress.h"
-#include "cli/BusSocket.h"
+#include "cli/Courier.h"
 #include "cli/NotificationPoster.h"
+#include "dbus/BusConnection.h"
 
 namespace tarnwick {
 
-/// Posts notifications as signals on the session's message bus. Written here, and not left to a library,
-/// because a hook waits for it: one connection, two writes, one answer.
+/// Posts notifications as signals on the session's message bus, and leaves to a courier what it does not take
+/// in time.
 class SessionBus : public NotificationPoster {
  public:
-  /// @param addresses the first that can be connected to is used.
-  /// @param patience how long a post may take when the bus does not answer.
-  explicit SessionBus(std::vector<BusAddress> addresses,
-                      std::chrono::milliseconds patience = std::chrono::milliseconds(350))
-      : addresses_(std::move(addresses)), patience_(patience) {}
+  /// @param address a list as of `sessionBusAddress`.
+  explicit SessionBus(std::string address) : address_(std::move(address)), courier_(address_) {}
 
   /// Connects ahead of the first post: the bus lets the program in while that still reads what to post.
   void greet();
   void post(std::string_view name, const StringMap& userInfo) override;
 
  private:
-  std::vector<BusAddress> addresses_;
-  std::chrono::milliseconds patience_;
-  /// Connected, and not used yet.
-  std::unique_ptr<BusSocket> socket_;
+  void connect();
+
+  std::string address_;
+  Courier courier_;
+  /// Not used yet.
+  std::optional<BusConnection> connection_;
 };
 
 }  // namespace tarnwick

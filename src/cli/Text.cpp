@@ -2,23 +2,20 @@
 
 #include <utf8proc.h>
 
-#include "base/Utf8.h"
-
 namespace tarnwick {
 namespace {
 
 struct CodePoint {
   utf8proc_int32_t value;
   size_t length;
-  bool isValid;
 };
 
 CodePoint firstCodePoint(std::string_view text) {
   utf8proc_int32_t value;
   const auto bytes = reinterpret_cast<const utf8proc_uint8_t*>(text.data());
   const utf8proc_ssize_t length = utf8proc_iterate(bytes, static_cast<utf8proc_ssize_t>(text.size()), &value);
-  if (length <= 0) return {0xFFFD, 1, false};
-  return {value, static_cast<size_t>(length), true};
+  if (length <= 0) return {0xFFFD, 1};
+  return {value, static_cast<size_t>(length)};
 }
 
 }  // namespace
@@ -39,20 +36,6 @@ std::string_view firstCharacters(std::string_view text, size_t count, size_t max
     previous = next.value;
   }
   return text.substr(0, position);
-}
-
-std::string withoutInvalidUtf8(std::string_view text) {
-  std::string clean;
-  clean.reserve(text.size());
-  for (;;) {
-    const size_t plain = lengthOfPlainAscii(text);
-    clean += text.substr(0, plain);
-    text.remove_prefix(plain);
-    if (text.empty()) return clean;
-    const CodePoint next = firstCodePoint(text);
-    clean += next.isValid && next.value != 0 ? text.substr(0, next.length) : replacementCharacter;
-    text.remove_prefix(next.length);
-  }
 }
 
 }  // namespace tarnwick

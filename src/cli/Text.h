@@ -9,7 +9,4 @@ namespace tarnwick {
 /// inside a code point.
 std::string_view firstCharacters(std::string_view text, size_t count, size_t maximumBytes);
 
-/// `text` with every byte that is not part of valid UTF-8, and every U+0000, replaced by U+FFFD.
-std::string withoutInvalidUtf8(std::string_view text);
-
 }  // namespace tarnwick

@@ -1,6 +1,8 @@
-#include "cli/BusAddress.h"
+#include "dbus/BusAddress.h"
 
 #include <gmock/gmock.h>
+
+#include "dbus/SessionBusAddress.h"
 
 using namespace tarnwick;
 
@@ -24,6 +26,21 @@ TEST(BusAddress, ParsesListsOfAddresses) {
        {{"/c"}}},
       {"unix:runtime=no", {}},
   };
-  for (const Case& one : cases) EXPECT_EQ(parseBusAddresses(one.list, "/run/me"), one.addresses) << one.list;
-  EXPECT_TRUE(parseBusAddresses("unix:runtime=yes", "").empty());
+  ::setenv("XDG_RUNTIME_DIR", "/run/me", 1);
+  for (const Case& one : cases) EXPECT_EQ(parseBusAddresses(one.list), one.addresses) << one.list;
+}
+
+TEST(BusAddress, OfTheSessionIsInTheEnvironmentAndThenInTheRuntimeFolder) {
+  const auto addresses = [](const char* list, const char* runtime) {
+    ::setenv("DBUS_SESSION_BUS_ADDRESS", list, 1);
+    ::setenv("XDG_RUNTIME_DIR", runtime, 1);
+    return parseBusAddresses(sessionBusAddress());
+  };
+  using testing::ElementsAre, testing::IsEmpty;
+  EXPECT_THAT(addresses("unix:abstract=a;unix:path=/c", "/run/user/1"),
+              ElementsAre(BusAddress{"a", true}, BusAddress{"/c"}, BusAddress{"/run/user/1/bus"}));
+  EXPECT_THAT(addresses("", "/it's ;,%"), ElementsAre(BusAddress{"/it's ;,%/bus"}));
+  EXPECT_THAT(addresses("unix:path=/c", ""), ElementsAre(BusAddress{"/c"}));
+  EXPECT_THAT(addresses("", ""), IsEmpty());
+  EXPECT_THAT(addresses("disabled:", "/run/user/1"), IsEmpty());
 }

@@ -1,10 +1,8 @@
-#include "cli/BusReplies.h"
+#include "dbus/BusReplies.h"
 
 #include <gtest/gtest.h>
 
 #include <bit>
-
-#include "cli/BusMessage.h"
 
 using namespace tarnwick;
 using namespace std::string_literals;

@@ -4,7 +4,6 @@
 #include <gtest/gtest.h>
 #include <signal.h>
 #include <spawn.h>
-#include <sys/resource.h>
 #include <sys/wait.h>
 
 namespace tarnwick {
@@ -36,21 +35,20 @@ ChildProcess::ChildProcess(const std::vector<std::string>& arguments,
 
 ChildProcess::~ChildProcess() {
   if (process_ < 0) return;
-  kill();
+  signal(SIGKILL);
   wait();
 }
 
-void ChildProcess::kill() { ::kill(process_, SIGKILL); }
+void ChildProcess::signal(int number) { ::kill(process_, number); }
 
 ChildProcess::Result ChildProcess::wait() {
   int status = 0;
-  rusage usage{};
-  EXPECT_EQ(::wait4(process_, &status, 0, &usage), process_);
+  EXPECT_EQ(::waitpid(process_, &status, 0), process_);
   process_ = -1;
   const auto duration =
       std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now() - start_);
   return {WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status), contentsOf(outputPath_),
-          contentsOf(errorPath_), duration, usage.ru_maxrss};
+          contentsOf(errorPath_), duration};
 }
 
 }  // namespace tarnwick

@@ -16,8 +16,6 @@ class ChildProcess {
     int status;
     std::string output, error;
     std::chrono::milliseconds duration;
-    /// Peak resident memory in KiB.
-    long memory;
   };
 
   /// @param arguments the program's path first; it is looked up in the search path.
@@ -29,7 +27,7 @@ class ChildProcess {
   ChildProcess(const ChildProcess&) = delete;
   ChildProcess& operator=(const ChildProcess&) = delete;
 
-  void kill();
+  void signal(int number);
   Result wait();
   const std::string& outputPath() const { return outputPath_; }
 

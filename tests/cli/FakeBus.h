@@ -3,6 +3,7 @@
 #include <sys/un.h>
 #include <unistd.h>
 
+#include <atomic>
 #include <cstring>
 #include <functional>
 #include <thread>
@@ -14,25 +15,31 @@ namespace tarnwick {
 /// A socket where a message bus should be: it takes one caller in and treats it as it likes.
 class FakeBus {
  public:
-  /// @param treat is given the connection, on a thread of its own; it must return when the caller hangs up.
+  /// @param treat is given the connection, on a thread of its own; it must return when the connection ends.
   /// None: callers are never taken in.
-  explicit FakeBus(std::function<void(int connection)> treat, int backlog = 8)
+  /// @param user of that number listens.
+  explicit FakeBus(std::function<void(int connection)> treat, int backlog = 8, uid_t user = ::geteuid())
       : listener_(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
     sockaddr_un name{};
     name.sun_family = AF_UNIX;
     std::strcpy(name.sun_path, path_.c_str());
     ::bind(listener_, reinterpret_cast<sockaddr*>(&name), sizeof name);
+    const uid_t us = ::geteuid();
+    (void)!::seteuid(user);
     ::listen(listener_, backlog);
+    (void)!::seteuid(us);
     if (!treat) return;
     thread_ = std::thread([this, treat = std::move(treat)] {
-      const int connection = ::accept(listener_, nullptr, nullptr);
-      if (connection >= 0) treat(connection);
-      ::close(connection);
+      connection_ = ::accept(listener_, nullptr, nullptr);
+      if (connection_ >= 0) treat(connection_);
+      ::shutdown(connection_, SHUT_RDWR);
     });
   }
   ~FakeBus() {
     ::shutdown(listener_, SHUT_RDWR);
+    ::shutdown(connection_, SHUT_RDWR);
     if (thread_.joinable()) thread_.join();
+    ::close(connection_);
     ::close(listener_);
   }
 
@@ -52,6 +59,7 @@ class FakeBus {
   TemporaryFolder folder_;
   std::string path_ = folder_.path() + "/bus";
   int listener_;
+  std::atomic<int> connection_ = -1;
   std::thread thread_;
 };
 

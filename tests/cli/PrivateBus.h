@@ -15,6 +15,7 @@ class PrivateBus {
   PrivateBus();
   const std::string& folder() const { return folder_.path(); }
   std::string address() const { return "unix:path=" + folder() + "/bus"; }
+  void signal(int number) { daemon_.signal(number); }
 
  private:
   TemporaryFolder folder_;

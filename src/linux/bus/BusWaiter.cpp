@@ -7,32 +7,32 @@ constexpr double retryInterval = 5;
 
 }  // namespace
 
-void BusWaiter::wait(std::function<QString()> address, std::function<void()> then) {
+void BusWaiter::wait(std::function<std::string()> address, std::function<void()> then) {
   address_ = std::move(address);
   then_ = std::move(then);
   retry_ = scheduler_.every(retryInterval, [this] {
-    if (!probe_ || probe_->state() == BusProbe::State::absent) look();
+    if (!probe_ || probe_->descriptor() < 0) look();
   });
   look();
 }
 
 void BusWaiter::look() {
   notifier_.reset();
-  const QString address = address_();
-  const auto addresses = parseBusAddresses(address.toStdString(), qgetenv("XDG_RUNTIME_DIR").toStdString());
+  const std::string address = address_();
+  const auto addresses = parseBusAddresses(address);
   // Over other transports the library has to find out for itself.
-  if (addresses.empty() && !address.isEmpty()) return answered();
-  probe_ = std::make_unique<BusProbe>(addresses);
-  if (probe_->state() == BusProbe::State::absent) return;
+  if (addresses.empty() && !address.empty()) return answered();
+  probe_ = std::make_unique<BusConnection>(addresses, BusConnection::Peer::anybody);
+  if (probe_->descriptor() < 0) return;
   notifier_ = std::make_unique<QSocketNotifier>(probe_->descriptor(), QSocketNotifier::Read);
   QObject::connect(notifier_.get(), &QSocketNotifier::activated, notifier_.get(), [this] { proceed(); });
 }
 
 void BusWaiter::proceed() {
   probe_->proceed();
-  if (probe_->state() == BusProbe::State::silent) return;
+  if (probe_->state() == BusConnection::State::silent) return;
   notifier_->setEnabled(false);
-  if (probe_->state() == BusProbe::State::answers) answered();
+  if (probe_->state() == BusConnection::State::answers) answered();
 }
 
 void BusWaiter::answered() {

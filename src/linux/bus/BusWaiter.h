@@ -1,11 +1,11 @@
 #pragma once
 #include <QSocketNotifier>
-#include <QString>
 #include <functional>
 #include <memory>
+#include <string>
 
 #include "base/Scheduler.h"
-#include "cli/BusProbe.h"
+#include "dbus/BusConnection.h"
 
 namespace tarnwick {
 
@@ -17,7 +17,7 @@ class BusWaiter {
 
   /// Calls `then` once, in a later turn of the loop, when the bus at that address answers. One that is not
   /// there is looked for every few seconds. Replaces an earlier wait.
-  void wait(std::function<QString()> address, std::function<void()> then);
+  void wait(std::function<std::string()> address, std::function<void()> then);
 
  private:
   void look();
@@ -25,9 +25,9 @@ class BusWaiter {
   void answered();
 
   Scheduler& scheduler_;
-  std::function<QString()> address_;
+  std::function<std::string()> address_;
   std::function<void()> then_;
-  std::unique_ptr<BusProbe> probe_;
+  std::unique_ptr<BusConnection> probe_;
   std::unique_ptr<QSocketNotifier> notifier_;
   Task retry_, answer_;
 };

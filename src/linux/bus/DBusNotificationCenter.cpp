@@ -65,8 +65,8 @@ struct DBusNotificationCenter::Attempt {
 
 DBusNotificationCenter::DBusNotificationCenter(Scheduler& scheduler) : scheduler_(scheduler) {
   // A second overlay must not even show itself; but a bus that hangs must not keep the first one from it.
-  BusProbe probe(sessionBusAddresses());
-  if (probe.wait(longestWait) != BusProbe::State::answers) {
+  BusConnection probe(parseBusAddresses(sessionBusAddress()), BusConnection::Peer::anybody);
+  if (probe.wait(longestWait) != BusConnection::State::answers) {
     awaitBus();
     return;
   }
@@ -83,7 +83,7 @@ std::shared_ptr<DBusNotificationCenter::Attempt> DBusNotificationCenter::nextAtt
   // A connection's name cannot be used again while the dead one is being taken apart.
   static int number = 0;
   const auto attempt = std::make_shared<Attempt>();
-  attempt->address = sessionBusAddress();
+  attempt->address = QString::fromStdString(sessionBusAddress());
   attempt->name = QString("tarnwick-%1").arg(++number);
   return attempt;
 }

@@ -10,17 +10,9 @@ constexpr double retryInterval = 5;
 
 }  // namespace
 
-QString sessionBusAddress() {
-  if (const QByteArray address = qgetenv("DBUS_SESSION_BUS_ADDRESS"); !address.isEmpty()) {
-    return QString::fromLocal8Bit(address);
-  }
-  const QByteArray runtime = qgetenv("XDG_RUNTIME_DIR");
-  return runtime.isEmpty() ? QString() : "unix:path=" + QString::fromLocal8Bit(runtime) + "/bus";
-}
-
-QString systemBusAddress() {
-  const QByteArray address = qgetenv("DBUS_SYSTEM_BUS_ADDRESS");
-  return address.isEmpty() ? "unix:path=/var/run/dbus/system_bus_socket" : QString::fromLocal8Bit(address);
+std::string systemBusAddress() {
+  const std::string_view address = environment("DBUS_SYSTEM_BUS_ADDRESS");
+  return std::string(address.empty() ? "unix:path=/var/run/dbus/system_bus_socket" : address);
 }
 
 MessageBus::~MessageBus() { close(); }
@@ -43,15 +35,16 @@ void MessageBus::connect() {
         if (*connection) QDBusConnection::disconnectFromBus(name);
         delete connection;
       });
-  connecting_ = scheduler_.background(
-      [name, address = address_(), made] { *made = QDBusConnection::connectToBus(address, name); },
-      [this, made] {
-        if (!*made || !(*made)->isConnected()) return openLater();
-        connection_ = std::exchange(*made, std::nullopt);
-        connection_->connect(QString(), "/org/freedesktop/DBus/Local", "org.freedesktop.DBus.Local",
-                             "Disconnected", this, SLOT(disconnected()));
-        Q_EMIT opened();
-      });
+  connecting_ = scheduler_.background([name, address = QString::fromStdString(address_()),
+                                       made] { *made = QDBusConnection::connectToBus(address, name); },
+                                      [this, made] {
+                                        if (!*made || !(*made)->isConnected()) return openLater();
+                                        connection_ = std::exchange(*made, std::nullopt);
+                                        connection_->connect(QString(), "/org/freedesktop/DBus/Local",
+                                                             "org.freedesktop.DBus.Local", "Disconnected",
+                                                             this, SLOT(disconnected()));
+                                        Q_EMIT opened();
+                                      });
 }
 
 void MessageBus::disconnected() {

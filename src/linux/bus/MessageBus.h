@@ -5,16 +5,16 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <string>
 
 #include "base/Scheduler.h"
+#include "dbus/SessionBusAddress.h"
 #include "linux/bus/BusWaiter.h"
 
 namespace tarnwick {
 
-/// Where the buses of this session and of the system listen. The library is never left to look for itself: it
-/// would ask for a bus to be launched.
-QString sessionBusAddress();
-QString systemBusAddress();
+/// Where the system's bus listens.
+std::string systemBusAddress();
 
 /// A connection to a bus, which the adapters of services there share. A bus that is not there is looked for
 /// every few seconds.
@@ -24,8 +24,9 @@ class MessageBus : public QObject {
  public:
   using Reply = std::function<void(const QDBusMessage&)>;
 
-  /// @param address asked for whenever it is connected to
-  MessageBus(Scheduler& scheduler, QString (*address)()) : scheduler_(scheduler), address_(address) {}
+  /// @param address asked for whenever it is connected to: the library is never left to look for itself, as
+  /// it would ask for a bus to be launched
+  MessageBus(Scheduler& scheduler, std::string (*address)()) : scheduler_(scheduler), address_(address) {}
   ~MessageBus() override;
 
   /// Begins to connect; nothing waits for that.
@@ -49,7 +50,7 @@ class MessageBus : public QObject {
   void close();
 
   Scheduler& scheduler_;
-  QString (*const address_)();
+  std::string (*const address_)();
   std::optional<QDBusConnection> connection_;
   BusWaiter waiter_{scheduler_};
   Task connecting_, retry_;

@@ -1,4 +1,4 @@
-#include "cli/BusReplies.h"
+#include "dbus/BusReplies.h"
 
 #include <algorithm>
 

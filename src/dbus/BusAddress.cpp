@@ -1,4 +1,4 @@
-#include "cli/BusAddress.h"
+#include "dbus/BusAddress.h"
 
 #include <optional>
 
@@ -38,7 +38,7 @@ std::optional<std::string> unescaped(std::string_view text) {
   return result;
 }
 
-std::optional<BusAddress> parseAddress(std::string_view text, std::string_view runtimeFolder) {
+std::optional<BusAddress> parseAddress(std::string_view text) {
   if (takeField(text, ':') != "unix") return std::nullopt;
   while (!text.empty()) {
     std::string_view value = takeField(text, ',');
@@ -47,27 +47,21 @@ std::optional<BusAddress> parseAddress(std::string_view text, std::string_view r
     if (!name || name->empty()) continue;
     if (key == "path") return BusAddress{std::move(*name)};
     if (key == "abstract") return BusAddress{std::move(*name), true};
-    if (key == "runtime" && *name == "yes" && !runtimeFolder.empty()) {
-      return BusAddress{std::string(runtimeFolder) + "/bus"};
-    }
+    const std::string_view runtime = environment("XDG_RUNTIME_DIR");
+    if (key == "runtime" && *name == "yes" && !runtime.empty())
+      return BusAddress{std::string(runtime) + "/bus"};
   }
   return std::nullopt;
 }
 
 }  // namespace
 
-std::vector<BusAddress> parseBusAddresses(std::string_view list, std::string_view runtimeFolder) {
+std::vector<BusAddress> parseBusAddresses(std::string_view list) {
   std::vector<BusAddress> addresses;
   while (!list.empty()) {
-    if (auto address = parseAddress(takeField(list, ';'), runtimeFolder))
-      addresses.push_back(std::move(*address));
+    if (auto address = parseAddress(takeField(list, ';'))) addresses.push_back(std::move(*address));
   }
   return addresses;
-}
-
-std::vector<BusAddress> sessionBusAddresses() {
-  const std::string_view list = environment("DBUS_SESSION_BUS_ADDRESS");
-  return parseBusAddresses(list.empty() ? "unix:runtime=yes" : list, environment("XDG_RUNTIME_DIR"));
 }
 
 }  // namespace tarnwick

@@ -15,11 +15,7 @@ struct BusAddress {
 };
 
 /// The addresses of a list as in DBUS_SESSION_BUS_ADDRESS, in its order; those that are malformed or of a
-/// transport other than a local socket are left out.
-/// @param runtimeFolder the XDG runtime folder, which an address may refer to; may be empty.
-std::vector<BusAddress> parseBusAddresses(std::string_view list, std::string_view runtimeFolder);
-
-/// The addresses of the session's bus: those in the environment, else `bus` in the runtime folder.
-std::vector<BusAddress> sessionBusAddresses();
+/// transport other than a local socket are left out. One may refer to XDG_RUNTIME_DIR.
+std::vector<BusAddress> parseBusAddresses(std::string_view list);
 
 }  // namespace tarnwick

@@ -1,12 +1,15 @@
 #pragma once
 #include <cstdint>
+#include <map>
 #include <string>
 #include <string_view>
 
-#include "platform/NotificationCenter.h"
-
-/// The bytes of the few messages that the relay sends over D-Bus.
+/// The bytes of the few messages that we send over D-Bus ourselves.
 namespace tarnwick::BusMessage {
+
+/// Of the bus itself, and of the methods that it has.
+inline constexpr std::string_view busName = "org.freedesktop.DBus",
+                                  peerInterface = "org.freedesktop.DBus.Peer";
 
 /// What opens a connection: the bus takes the user from the socket's credentials.
 inline constexpr std::string_view authentication{"\0AUTH EXTERNAL\r\nDATA\r\nBEGIN\r\n", 29};
@@ -17,6 +20,6 @@ std::string busCall(uint32_t serial, std::string_view interface, std::string_vie
 /// A broadcast signal whose one argument is a map from string to string. What the bus would refuse in a
 /// string (invalid UTF-8, U+0000) is replaced by U+FFFD.
 std::string signal(uint32_t serial, std::string_view path, std::string_view interface,
-                   std::string_view member, const StringMap& argument);
+                   std::string_view member, const std::map<std::string, std::string>& argument);
 
 }  // namespace tarnwick::BusMessage

@@ -1,9 +1,9 @@
-#include "cli/BusMessage.h"
+#include "dbus/BusMessage.h"
 
 #include <bit>
 #include <cstring>
 
-#include "cli/Text.h"
+#include "base/Utf8.h"
 
 namespace tarnwick::BusMessage {
 namespace {
@@ -12,7 +12,6 @@ enum class Type : char { methodCall = 1, signal = 4 };
 enum class Field : char { path = 1, interface = 2, member = 3, destination = 6, signature = 8 };
 
 constexpr char noReplyExpected = 1;
-constexpr std::string_view busName = "org.freedesktop.DBus";
 constexpr std::string_view busPath = "/org/freedesktop/DBus";
 
 /// Marshals values; alignment counts from the message's first byte.
@@ -85,7 +84,7 @@ std::string busCall(uint32_t serial, std::string_view interface, std::string_vie
 }
 
 std::string signal(uint32_t serial, std::string_view path, std::string_view interface,
-                   std::string_view member, const StringMap& argument) {
+                   std::string_view member, const std::map<std::string, std::string>& argument) {
   Writer writer;
   const size_t fields = begin(writer, Type::signal, noReplyExpected, serial);
   writer.field(Field::path, 'o', path);
