@@ -14,7 +14,8 @@ struct AlphaMap {
 /// Gaussian blur with standard deviation `sigma` in pixels, as three box blurs. What lies outside is
 /// transparent.
 void blur(AlphaMap& map, double sigma);
-/// The same for a picture in premultiplied ARGB.
-void blur(QImage& image, double sigma);
+/// The same for a picture in premultiplied ARGB, by at most one pixel: whatever is to be blurred farther is
+/// drawn smaller.
+void blurSlightly(QImage& image, double sigma);
 
 }  // namespace tarnwick::ui

@@ -12,8 +12,22 @@ namespace tarnwick::ui {
 namespace {
 
 /// Blurs run at a scale halved until their standard deviation is at most this many pixels.
-constexpr double reducedSigma = 1.3;
-constexpr double leastBlur = 0.1;
+constexpr double reducedSigma = 0.95;
+/// What enlarging a reduced picture blurs by itself, as a variance in reduced pixels.
+constexpr double enlargingVariance = 0.11;
+/// In pixels: less cannot be seen.
+constexpr double leastBlur = 0.3;
+
+/// The scale at which something is drawn that will be blurred by `radius` points, and by how many of its
+/// pixels that then has to be done.
+struct Reduction {
+  double scale, sigma;
+  Reduction(double fullScale, double radius) : scale(fullScale) {
+    while (radius * scale > reducedSigma) scale /= 2;
+    const double own = scale < fullScale ? enlargingVariance : 0;
+    sigma = std::sqrt(std::max(0.0, radius * radius * scale * scale - own));
+  }
+};
 
 /// How many nodes below draw something; counting ends at two.
 int drawing(const Node& node) {
@@ -90,7 +104,7 @@ void Painter::draw(Node& node, Surface& surface, double opacity) {
   opacity *= node.opacity;
   if (node.attributes.clip) return drawClipped(node, surface, opacity);
   const bool fades = node.opacity < 0.998;
-  const bool grouped = node.blurRadius > leastBlur || node.brightening != 0 || (fades && drawing(node) > 1);
+  const bool grouped = isBlurred(node) || node.brightening != 0 || (fades && drawing(node) > 1);
   if (!grouped) node.group.reset();
   drawShadows(node, surface, opacity, false);
   if (grouped)
@@ -98,6 +112,8 @@ void Painter::draw(Node& node, Surface& surface, double opacity) {
   else
     drawContent(node, surface, opacity);
 }
+
+bool Painter::isBlurred(const Node& node) const { return node.blurRadius * ratio_ > leastBlur; }
 
 void Painter::drawContent(Node& node, Surface& surface, double opacity) {
   QPainter& painter = surface.painter;
@@ -141,8 +157,8 @@ void Painter::drawInside(Node& node, Surface& surface, double opacity) {
 /// corners are cut off, and the shadows are put underneath.
 void Painter::drawClipped(Node& node, Surface& surface, double opacity) {
   const QTransform toPixels = node.transform * surface.toPixels;
-  const bool direct = surface.blank && opacity >= 0.998 && node.blurRadius <= leastBlur &&
-                      node.brightening == 0 && toPixels.type() <= QTransform::TxScale;
+  const bool direct = surface.blank && opacity >= 0.998 && !isBlurred(node) && node.brightening == 0 &&
+                      toPixels.type() <= QTransform::TxScale;
   if (!direct) {
     drawShadows(node, surface, opacity, false);
     return drawGroup(node, surface, opacity);
@@ -218,10 +234,10 @@ QImage Painter::render(Node& node, const Rect& rect, double scale) {
 
 void Painter::drawGroup(Node& node, Surface& surface, double opacity) {
   const QTransform& toScene = node.transform;
-  const bool blurs = node.blurRadius > leastBlur;
+  const bool blurs = isBlurred(node);
   // What will be blurred need not be drawn sharp first.
-  double scale = std::sqrt(std::abs(surface.toPixels.determinant()));
-  while (blurs && node.blurRadius * scale > reducedSigma) scale /= 2;
+  const double fullScale = std::sqrt(std::abs(surface.toPixels.determinant()));
+  const auto [scale, sigma] = Reduction(fullScale, blurs ? node.blurRadius : 0);
   // Room for any blur at this scale to spread, so that the picture can be used again while the blur goes.
   const double room = blurs ? std::ceil(3 * reducedSigma) / scale : 0;
 
@@ -251,7 +267,7 @@ void Painter::drawGroup(Node& node, Surface& surface, double opacity) {
     }
     picture = node.group->image;
   }
-  if (blurs) blur(picture, node.blurRadius * scale);
+  if (sigma > 0) blurSlightly(picture, sigma);
 
   surface.blank = false;
   QPainter& painter = surface.painter;
@@ -309,13 +325,12 @@ void Painter::drawShadows(Node& node, Surface& surface, double opacity, bool ben
       continue;
     }
     // Anything else casts the shadow of its own picture.
-    double reduced = scale;
-    while (shadow.radius * reduced > reducedSigma) reduced /= 2;
+    const auto [reduced, sigma] = Reduction(scale, shadow.radius);
     const double reach = 3 * shadow.radius;
     const Rect rect =
         fromQt(node.transform.inverted().mapRect(toQt(node.contentBounds))).grownBy(reach, reach);
     QImage picture = render(node, rect, reduced);
-    blur(picture, shadow.radius * reduced);
+    blurSlightly(picture, sigma);
     QPainter tint(&picture);
     tint.setCompositionMode(QPainter::CompositionMode_SourceIn);
     tint.fillRect(picture.rect(), toQt(shadow.color));

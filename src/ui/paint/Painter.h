@@ -32,6 +32,7 @@ class Painter {
     /// Nothing has been drawn yet.
     bool blank = true;
   };
+  bool isBlurred(const Node& node) const;
   void draw(Node& node, Surface& surface, double opacity);
   void drawContent(Node& node, Surface& surface, double opacity);
   void drawInside(Node& node, Surface& surface, double opacity);
