@@ -105,8 +105,8 @@ View View::bounce(AnyValue value, bool onAppear) const {
   return with([&](Attributes& a) { a.bounce = Attributes::Bounce{std::move(value), onAppear}; });
 }
 View View::pulse() const {
-  // Slow enough that a few steps a second look smooth.
-  constexpr double interval = 1.0 / 15, period = 1.5, least = 0.4;
+  // Slow enough that ten steps a second look smooth, which most of what moves by itself shares.
+  constexpr double interval = 0.1, period = 1.5, least = 0.4;
   return timeline(interval, false, [view = *this](Date now) {
     const double phase = std::fmod(now.secondsSince1970, period) / period;
     return view.opacity(least + (1 - least) * (0.5 + 0.5 * std::cos(2 * std::numbers::pi * phase)));

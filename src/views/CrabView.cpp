@@ -11,7 +11,8 @@ namespace tarnwick {
 namespace {
 
 constexpr double gridWidth = 16, gridHeight = 10;
-constexpr double redrawInterval = 1.0 / 12;
+/// The sparkle's as well: the two are often on the screen together, and then share each frame.
+constexpr double redrawInterval = 0.1;
 /// A moment at which the eyes are open: the idle mascot is a still picture.
 constexpr double stillMoment = 1;
 

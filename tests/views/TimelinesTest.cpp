@@ -2,6 +2,7 @@
 
 #include "ui/Stage.h"
 #include "views/BatteryRing.h"
+#include "views/ClaudeStatusGlyph.h"
 #include "views/CrabView.h"
 #include "views/EqualizerBars.h"
 #include "views/SparkleSpinner.h"
@@ -16,12 +17,11 @@ TEST(Timelines, WakeAsSeldomAsTheirPicturesChange) {
     int mostPerSecond, leastPerSecond;
   } const cases[] = {
       {"idle crab", crabView(CrabMood::idle), 0, 0},
-      {"working crab", crabView(CrabMood::working), 12, 11},
+      {"working crab", crabView(CrabMood::working), 10, 9},
       {"sparkle", sparkleSpinner(crabOrange), 10, 9},
       {"paused bars", equalizerBars(white(), false, 4), 0, 0},
-      {"crab and sparkles, together where they can",
-       ui::HStack({}, {crabView(CrabMood::working), sparkleSpinner(crabOrange), sparkleSpinner(crabOrange)}),
-       16, 15},
+      {"crab, sparkle and hand, together",
+       ui::HStack({}, {crabView(CrabMood::working), sparkleSpinner(crabOrange), raisedHand()}), 10, 9},
       {"playing bars", equalizerBars(white(), true, 4), 24, 23},
   };
   for (const auto& c : cases) {
