@@ -1,16 +1,42 @@
 #include "linux/files/JsonUserDefaults.h"
 
-#include <algorithm>
 #include <filesystem>
 
 #include "base/AtomicFile.h"
+#include "base/Utf8.h"
 
 namespace tarnwick {
 namespace {
 
-auto memberNamed(auto& members, const std::string& key) {
-  return std::find_if(members.begin(), members.end(),
-                      [written = jsonString(key)](const JsonMember& each) { return each.key == written; });
+// JSON is UTF-8, but file names need not be. A byte of them that is none stands as the half U+DC00 and its
+// value of a surrogate pair.
+constexpr size_t halfLength = 3;
+
+std::string withHalves(std::string_view text) {
+  std::string json;
+  while (!text.empty()) {
+    const size_t length = lengthOfCodePoint(text);
+    const auto byte = static_cast<unsigned char>(text[0]);
+    if (length > 0) {
+      json += text.substr(0, length);
+    } else {
+      json += {'\xED', static_cast<char>(0xB0 | byte >> 6), static_cast<char>(0x80 | (byte & 0x3F))};
+    }
+    text.remove_prefix(std::max<size_t>(length, 1));
+  }
+  return json;
+}
+
+std::string withPlainBytes(std::string_view json) {
+  std::string text;
+  for (size_t at = 0; at < json.size();) {
+    const auto byte = [&](size_t offset) { return static_cast<unsigned char>(json[at + offset]); };
+    const bool stands =
+        at + halfLength <= json.size() && byte(0) == 0xED && (byte(1) == 0xB2 || byte(1) == 0xB3);
+    text += stands ? static_cast<char>((byte(1) & 0x03) << 6 | (byte(2) & 0x3F)) : json[at];
+    at += stands ? halfLength : 1;
+  }
+  return text;
 }
 
 }  // namespace
@@ -26,58 +52,45 @@ JsonUserDefaults::FileState JsonUserDefaults::load() {
   if (const std::error_code error = readFile(path_, text)) {
     return error == std::errc::no_such_file_or_directory ? FileState::absent : FileState::damaged;
   }
-  auto members = membersOfObject(text);
+  auto json = parseJson(text);
+  auto* members = json ? json->as<JsonObject>() : nullptr;
   if (!members) return FileState::damaged;
   members_ = std::move(*members);
   return FileState::whole;
 }
 
-const std::string* JsonUserDefaults::find(const std::string& key) const {
-  const auto member = memberNamed(members_, key);
-  return member == members_.end() ? nullptr : &member->value;
-}
-
 std::optional<bool> JsonUserDefaults::boolean(const std::string& key) const {
-  const std::string* json = find(key);
-  if (json && *json == "true") return true;
-  if (json && *json == "false") return false;
-  return std::nullopt;
+  const bool* value = memberOf<bool>(members_, key);
+  return value ? std::optional(*value) : std::nullopt;
 }
 
 std::optional<std::vector<std::string>> JsonUserDefaults::strings(const std::string& key) const {
-  const std::string* json = find(key);
-  return json ? stringsOfArray(*json) : std::nullopt;
+  const auto* array = memberOf<JsonArray>(members_, key);
+  if (!array) return std::nullopt;
+  std::vector<std::string> strings;
+  for (const JsonValue& element : *array) {
+    const auto* text = element.as<std::string>();
+    if (!text) return std::nullopt;
+    strings.push_back(withPlainBytes(*text));
+  }
+  return strings;
 }
 
-void JsonUserDefaults::set(const std::string& key, bool value) { store(key, value ? "true" : "false"); }
+void JsonUserDefaults::set(const std::string& key, bool value) { store(key, {value}); }
 
 void JsonUserDefaults::set(const std::string& key, const std::vector<std::string>& value) {
-  std::string json = "[";
-  for (const std::string& text : value) {
-    if (json.size() > 1) json += ",";
-    json += jsonString(text);
-  }
-  store(key, json + "]");
+  JsonArray array;
+  for (const std::string& text : value) array.push_back({withHalves(text)});
+  store(key, {std::move(array)});
 }
 
-void JsonUserDefaults::store(const std::string& key, const std::string& json) {
+void JsonUserDefaults::store(const std::string& key, JsonValue value) {
   const FileState state = load();
   if (state == FileState::damaged) keepAside();
-
-  const auto member = memberNamed(members_, key);
-  if (member == members_.end()) {
-    members_.push_back({jsonString(key), json});
-  } else if (state == FileState::whole && member->value == json) {
-    return;
-  } else {
-    member->value = json;
-  }
-
-  std::string text = "{";
-  for (const JsonMember& each : members_) {
-    text += (text.size() > 1 ? ",\n  " : "\n  ") + each.key + ": " + each.value;
-  }
-  (void)writePrivateFile(path_, text + "\n}\n");
+  JsonValue& stored = members_[key];
+  if (state == FileState::whole && stored == value) return;
+  stored = std::move(value);
+  (void)writePrivateFile(path_, writeJson({members_}));
 }
 
 void JsonUserDefaults::keepAside() const {

@@ -3,13 +3,13 @@
 #include <vector>
 
 #include "base/UserDefaults.h"
-#include "linux/files/JsonMembers.h"
+#include "json/JsonValue.h"
 #include "platform/Folders.h"
 
 namespace tarnwick {
 
-/// Preferences in "Tarnwick/defaults.json" of the configuration folder: one JSON object. Keys and values that
-/// are not ours stay as they were written, also those that another program has added since.
+/// Preferences in "Tarnwick/defaults.json" of the configuration folder: one JSON object, whose keys are
+/// sorted. What is not ours in it stays, also what another program has added since.
 class JsonUserDefaults : public UserDefaults {
  public:
   explicit JsonUserDefaults(const Folders& folders);
@@ -24,13 +24,12 @@ class JsonUserDefaults : public UserDefaults {
   enum class FileState { absent, whole, damaged };
 
   FileState load();
-  const std::string* find(const std::string& key) const;
-  void store(const std::string& key, const std::string& json);
+  void store(const std::string& key, JsonValue value);
   void keepAside() const;
 
   std::string folder_;
   std::string path_;
-  std::vector<JsonMember> members_;
+  JsonObject members_;
 };
 
 }  // namespace tarnwick
