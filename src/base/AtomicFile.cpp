@@ -2,6 +2,8 @@
 
 #include <fcntl.h>
 #include <limits.h>
+#include <poll.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -14,6 +16,12 @@ namespace tarnwick {
 namespace {
 
 constexpr mode_t privateFileMode = 0600, privateFolderMode = 0700;
+
+struct Attributes {
+  mode_t mode;
+  uid_t owner = static_cast<uid_t>(-1);
+  gid_t group = static_cast<gid_t>(-1);
+};
 
 std::error_code lastError() { return {errno, std::generic_category()}; }
 std::error_code notAFile(const struct stat& status) {
@@ -52,29 +60,53 @@ void syncFolder(const std::string& path) {
   if (descriptor >= 0) ::fsync(descriptor);
 }
 
-/// @param newMode of a file that is not there yet
-/// @param keptMode what an existing one keeps of its own
-std::error_code replaceFile(const std::string& path, std::string_view contents, mode_t newMode,
-                            mode_t keptMode) {
-  const std::string target = resolved(path);
-  if (target.empty()) return std::make_error_code(std::errc::too_many_symbolic_link_levels);
-  struct stat existing;
-  const bool exists = ::stat(target.c_str(), &existing) == 0;
-  if (exists && !S_ISREG(existing.st_mode)) return notAFile(existing);
-  std::string temporary = target + ".XXXXXX";
-  const Descriptor file(::mkostemp(temporary.data(), O_CLOEXEC));
-  if (file < 0) return lastError();
+/// Opens the file that shall take the place of `target`. It has one name, so that what a killed writer has
+/// left is used by the next one; a lock keeps two apart.
+Descriptor openDraft(const std::string& path) {
+  for (int tries = 0; tries < 1000; ++tries) {
+    Descriptor draft(
+        ::open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK, privateFileMode));
+    if (draft < 0) return draft;
+    const bool isLocked = ::flock(draft, LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK;
+    struct stat opened, named;
+    const bool isThere = ::fstat(draft, &opened) == 0 && ::lstat(path.c_str(), &named) == 0 &&
+                         opened.st_dev == named.st_dev && opened.st_ino == named.st_ino;
+    if (isLocked && isThere) return draft;
+    // It is being written, or was renamed meanwhile.
+    ::poll(nullptr, 0, isLocked ? 0 : 1);
+  }
+  errno = EWOULDBLOCK;
+  return Descriptor();
+}
 
+/// @param target where no link leads elsewhere
+std::error_code replace(const std::string& target, std::string_view contents, Attributes attributes) {
+  const std::string path = target + ".new-tarnwick";
+  const Descriptor draft = openDraft(path);
+  if (draft < 0) return lastError();
   // The owner only matters (and can only be changed) for root; a refusal leaves a file of our own.
-  [[maybe_unused]] const int refused = exists ? ::fchown(file, existing.st_uid, existing.st_gid) : 0;
-  if (::fchmod(file, exists ? existing.st_mode & keptMode : newMode) != 0 || !writeAll(file, contents) ||
-      ::fsync(file) != 0 || ::rename(temporary.c_str(), target.c_str()) != 0) {
+  [[maybe_unused]] const int refused = ::fchown(draft, attributes.owner, attributes.group);
+  if (::ftruncate(draft, 0) != 0 || ::fchmod(draft, attributes.mode) != 0 || !writeAll(draft, contents) ||
+      ::fsync(draft) != 0 || ::rename(path.c_str(), target.c_str()) != 0) {
     const std::error_code error = lastError();
-    ::unlink(temporary.c_str());
+    ::unlink(path.c_str());
     return error;
   }
   syncFolder(target);
   return {};
+}
+
+/// Where `path` leads to.
+/// @param newMode of a file that is not there yet
+/// @param keptMode what an existing one keeps of its own
+std::error_code replaceThroughLinks(const std::string& path, std::string_view contents, mode_t newMode,
+                                    mode_t keptMode) {
+  const std::string target = resolved(path);
+  if (target.empty()) return std::make_error_code(std::errc::too_many_symbolic_link_levels);
+  struct stat existing;
+  if (::stat(target.c_str(), &existing) != 0) return replace(target, contents, {newMode});
+  if (!S_ISREG(existing.st_mode)) return notAFile(existing);
+  return replace(target, contents, {existing.st_mode & keptMode, existing.st_uid, existing.st_gid});
 }
 
 }  // namespace
@@ -82,7 +114,7 @@ std::error_code replaceFile(const std::string& path, std::string_view contents, 
 std::error_code writeFileAtomically(const std::string& path, std::string_view contents, unsigned mode) {
   const mode_t mask = ::umask(0);
   ::umask(mask);
-  return replaceFile(path, contents, mode & ~mask, 07777);
+  return replaceThroughLinks(path, contents, mode & ~mask, 07777);
 }
 
 void makePrivateFolder(const std::string& path) {
@@ -95,7 +127,13 @@ void makePrivateFolder(const std::string& path) {
 
 std::error_code writePrivateFile(const std::string& path, std::string_view contents) {
   makePrivateFolder(path.substr(0, path.rfind('/')));
-  return replaceFile(path, contents, privateFileMode, privateFileMode);
+  return replaceThroughLinks(path, contents, privateFileMode, privateFileMode);
+}
+
+std::error_code writeBackup(const std::string& path, std::string_view contents, const std::string& original) {
+  struct stat status;
+  if (::stat(original.c_str(), &status) != 0) return lastError();
+  return replace(path, contents, {status.st_mode & 0777, status.st_uid, status.st_gid});
 }
 
 std::error_code readFile(const std::string& path, std::string& contents) {

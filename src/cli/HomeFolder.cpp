@@ -11,7 +11,7 @@ namespace tarnwick {
 
 std::string homeFolder() {
   std::string folder;
-  if (const char* home = std::getenv("HOME")) folder = home;
+  if (const char* home = std::getenv("HOME"); home && *home == '/') folder = home;
   if (folder.empty()) {
     // Not through the C library's user database: its modules cannot be loaded into a static program.
     std::string passwd;

@@ -42,14 +42,6 @@ std::error_code createFolder(const std::string& path) {
   return {errno, std::generic_category()};
 }
 
-/// Copies the settings to `path`, readable by nobody who cannot read the settings themselves.
-std::error_code backUp(const std::string& path, const std::string& contents, const std::string& original) {
-  struct stat status;
-  if (::stat(original.c_str(), &status) != 0) return {errno, std::generic_category()};
-  ::unlink(path.c_str());
-  return writeFileAtomically(path, contents, status.st_mode & 0777);
-}
-
 bool isOurs(const JsonValue& entry) {
   const auto* object = entry.as<JsonObject>();
   const auto* command = object ? memberOf<std::string>(*object, "command") : nullptr;
@@ -88,28 +80,32 @@ std::string HookInstaller::command() const {
   return "'" + quoted + "' --hook";
 }
 
-std::optional<JsonObject> HookInstaller::load() const {
+std::error_code HookInstaller::backUp(std::string_view contents) const {
+  const std::string last = path_ + ".bak-tarnwick", first = last + "-first";
+  struct stat status;
+  if (::lstat(first.c_str(), &status) != 0) {
+    if (const std::error_code error = writeBackup(first, contents, path_)) return error;
+  }
+  return writeBackup(last, contents, path_);
+}
+
+std::optional<HookInstaller::Settings> HookInstaller::load() const {
   std::string contents;
   std::error_code error = readFile(path_, contents);
-  if (error == std::errc::no_such_file_or_directory || error == std::errc::not_a_directory)
-    return JsonObject();
-  if (!error) error = backUp(path_ + ".bak-tarnwick", contents, path_);
-  if (error) {
-    complain(readFailure, error.message());
-    return std::nullopt;
-  }
-  std::string problem;
-  auto settings = parseJson(contents, problem);
-  if (!settings) {
+  if (error == std::errc::no_such_file_or_directory || error == std::errc::not_a_directory) return Settings();
+  if (!error) error = backUp(contents);
+  std::string problem = error.message();
+  auto json = error ? std::nullopt : parseJson(contents, problem);
+  if (!json) {
     complain(readFailure, problem);
     return std::nullopt;
   }
-  auto* object = settings->as<JsonObject>();
+  auto* object = json->as<JsonObject>();
   if (!object) {
     complain("settings.json is not a JSON object", "");
     return std::nullopt;
   }
-  return std::move(*object);
+  return Settings{std::move(*object), contents.starts_with(byteOrderMark)};
 }
 
 JsonObject HookInstaller::removingOurs(JsonObject hooks) {
@@ -121,12 +117,14 @@ JsonObject HookInstaller::removingOurs(JsonObject hooks) {
   return hooks;
 }
 
-bool HookInstaller::save(JsonObject settings) const {
+bool HookInstaller::save(Settings settings) const {
   if (const std::error_code error = createFolder(folder_)) {
     complain(writeFailure, error.message());
     return false;
   }
-  if (const std::error_code error = writeFileAtomically(path_, writeJson({std::move(settings)}))) {
+  std::string text(settings.hasByteOrderMark ? byteOrderMark : "");
+  text += writeJson({std::move(settings.values)});
+  if (const std::error_code error = writeFileAtomically(path_, text)) {
     complain(writeFailure, error.message());
     return false;
   }
@@ -158,19 +156,25 @@ JsonObject HookInstaller::withoutOurs(JsonObject settings) {
 }
 
 bool HookInstaller::install() const {
-  if (!isValidUtf8(executable_)) {
-    complain(writeFailure, "the path of the program is not valid UTF-8");
+  const bool isAbsolute = executable_.starts_with('/');
+  if (!isAbsolute || !isValidUtf8(executable_)) {
+    complain(writeFailure, isAbsolute ? "the path of the program is not valid UTF-8"
+                                      : "the path of the program is not known");
     return false;
   }
   auto settings = load();
-  if (!settings || !save(withOurs(std::move(*settings)))) return false;
+  if (!settings) return false;
+  settings->values = withOurs(std::move(settings->values));
+  if (!save(std::move(*settings))) return false;
   print(STDOUT_FILENO, "Tarnwick hooks installed in " + path_ + "\nCommand: " + command() + "\n");
   return true;
 }
 
 bool HookInstaller::uninstall() const {
   auto settings = load();
-  if (!settings || !save(withoutOurs(std::move(*settings)))) return false;
+  if (!settings) return false;
+  settings->values = withoutOurs(std::move(settings->values));
+  if (!save(std::move(*settings))) return false;
   print(STDOUT_FILENO, "Tarnwick hooks removed from " + path_ + "\n");
   return true;
 }

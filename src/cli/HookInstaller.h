@@ -3,15 +3,24 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <system_error>
 
 #include "json/JsonValue.h"
 
 namespace tarnwick {
 
 /// Adds the program's hook command to Claude Code's settings file and removes it again; all else in the file
-/// is kept. Errors go to standard error, results to standard output.
+/// is kept. Errors go to standard error, results to standard output. Beside the file lie two copies of it: as
+/// it was before the last change, and as it was before the first.
 class HookInstaller {
  public:
+  /// What the file holds.
+  struct Settings {
+    JsonObject values;
+    /// Whether U+FEFF stands at its head.
+    bool hasByteOrderMark = false;
+  };
+
   /// The hook events that the program wants to hear of.
   static constexpr std::array<std::string_view, 7> events{
       "SessionStart", "UserPromptSubmit", "PreToolUse", "PostToolUse", "Notification", "Stop", "SessionEnd"};
@@ -31,11 +40,11 @@ class HookInstaller {
   /// Whether the settings file mentions the hook command.
   bool isInstalled() const;
 
-  /// Reads the settings file, after copying it to its backup. An absent file is an empty object; nothing is
-  /// returned, after a message, when the file cannot be read, copied or understood.
-  std::optional<JsonObject> load() const;
+  /// Reads the settings file, after copying it. An absent file is an empty object; nothing is returned, after
+  /// a message, when the file cannot be read, copied or understood.
+  std::optional<Settings> load() const;
   /// Replaces the settings file. @return false, after a message, when it cannot be written.
-  bool save(JsonObject settings) const;
+  bool save(Settings settings) const;
   /// The settings with one group of ours at the end of every event; a `hooks` or an event of another shape
   /// than Claude Code's is replaced.
   JsonObject withOurs(JsonObject settings) const;
@@ -46,6 +55,7 @@ class HookInstaller {
   static JsonObject removingOurs(JsonObject hooks);
 
  private:
+  std::error_code backUp(std::string_view contents) const;
   JsonObject ourGroup(std::string_view event) const;
 
   std::string folder_;

@@ -22,6 +22,9 @@ TEST(AtomicFile, ReplacesAFileAndLeavesNothingElse) {
   const std::string path = folder.path() + "/file";
   const std::string big(1 << 20, 'x');
   for (const std::string& contents : {std::string("a\0b", 3), big, std::string()}) {
+    // A writer that was killed has left this behind.
+    ASSERT_FALSE(writeFileAtomically(path + ".new", std::string(100, 'y')));
+    fs::rename(path + ".new", path + ".new-tarnwick");
     ASSERT_FALSE(writeFileAtomically(path, contents));
     std::string read = "before";
     ASSERT_FALSE(readFile(path, read));
@@ -58,6 +61,19 @@ TEST(AtomicFile, WritesThroughLinks) {
     EXPECT_TRUE(fs::is_symlink(root + "/real/first"));
     EXPECT_TRUE(fs::is_symlink(root + "/second"));
   }
+}
+
+TEST(AtomicFile, MakesABackupOfItsOwn) {
+  const TemporaryFolder folder;
+  const std::string path = folder.path() + "/file", backup = folder.path() + "/backup";
+  folder.write("file", "a");
+  fs::permissions(path, fs::perms(0604));
+  fs::create_symlink("elsewhere", backup);
+  ASSERT_FALSE(writeBackup(backup, "b", path));
+  EXPECT_TRUE(fs::is_regular_file(fs::symlink_status(backup)));
+  EXPECT_EQ(fs::status(backup).permissions(), fs::perms(0604));
+  EXPECT_EQ(contentsOf(backup), "b");
+  EXPECT_EQ(fileCount(folder.path()), 2u);
 }
 
 TEST(AtomicFile, TellsErrorsAndLeavesTheOldFile) {

@@ -1,6 +1,8 @@
 #include <gmock/gmock.h>
 #include <sys/stat.h>
 
+#include <algorithm>
+#include <array>
 #include <atomic>
 #include <filesystem>
 #include <memory>
@@ -302,26 +304,30 @@ class LargeSettings {
   LargeSettings() {
     JsonArray list(manySettings, JsonValue{JsonObject{{"key", {"some text of the user's"}}}});
     fs::create_directories(home.path() + "/.claude");
-    EXPECT_FALSE(writeFileAtomically(path, writeJson({JsonObject{{"list", {std::move(list)}}}})));
+    uninstalled = writeJson({JsonObject{{"list", {std::move(list)}}}});
+    EXPECT_FALSE(writeFileAtomically(path, uninstalled));
     start("--install-hooks")->wait();
     installed = contentsOf(path);
     start("--uninstall-hooks")->wait();
-    uninstalled = contentsOf(path);
+    EXPECT_EQ(contentsOf(path), uninstalled);
     EXPECT_NE(installed, uninstalled);
   }
   std::unique_ptr<ChildProcess> start(const std::string& role) const {
     return std::make_unique<ChildProcess>(std::vector{program, role}, std::vector{"HOME=" + home.path()});
   }
-  bool isWhole() const {
-    const std::string contents = contentsOf(path);
-    return contents == installed || contents == uninstalled;
+  bool areWhole() const {
+    return std::ranges::all_of(std::array{path, path + ".bak-tarnwick", path + ".bak-tarnwick-first"},
+                               [&](auto& file) {
+                                 const std::string contents = contentsOf(file);
+                                 return contents == installed || contents == uninstalled;
+                               });
   }
   const TemporaryFolder home;
   const std::string path = home.path() + "/.claude/settings.json";
   std::string installed, uninstalled;
 };
 
-TEST(Program, KilledAtAnyInstantLeavesAWholeFile) {
+TEST(Program, KilledAtAnyInstantLeavesWholeFiles) {
   const LargeSettings settings;
   const auto usual = settings.start("--install-hooks")->wait().duration;
   std::mt19937 random(1);
@@ -332,11 +338,14 @@ TEST(Program, KilledAtAnyInstantLeavesAWholeFile) {
     std::this_thread::sleep_for(std::chrono::microseconds(instant(random)));
     process->signal(SIGKILL);
     process->wait();
-    ASSERT_TRUE(settings.isWhole());
+    ASSERT_TRUE(settings.areWhole());
   }
+  settings.start("--install-hooks")->wait();
+  const fs::directory_iterator files(fs::path(settings.path).parent_path());
+  EXPECT_EQ(std::distance(begin(files), end(files)), 3) << "the next run clears what a killed one leaves";
 }
 
-TEST(Program, RunSeveralTimesAtOnceLeavesAWholeFile) {
+TEST(Program, RunSeveralTimesAtOnceLeavesWholeFiles) {
   const LargeSettings settings;
   for (int round = 0; round < 10; ++round) {
     std::vector<std::unique_ptr<ChildProcess>> processes;
@@ -345,7 +354,7 @@ TEST(Program, RunSeveralTimesAtOnceLeavesAWholeFile) {
       processes.push_back(settings.start(role));
     }
     for (const auto& process : processes) EXPECT_EQ(process->wait().status, 0);
-    ASSERT_TRUE(settings.isWhole());
+    ASSERT_TRUE(settings.areWhole());
   }
 }
 
