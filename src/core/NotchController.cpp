@@ -73,7 +73,7 @@ void NotchController::layout() {
 }
 
 void NotchController::startServices() {
-  model_.media.start();
+  model_.media.start(model_.settings);
   model_.power.start(model_.settings);
   if (model_.settings.calendarEnabled) {
     // Not now: it may have to ask the user for permission.

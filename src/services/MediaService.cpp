@@ -50,12 +50,32 @@ std::string decimal(double value) {
 MediaService::MediaService(const Ports& ports) : timestamp{*this, ports.scheduler.now()}, ports_(ports) {}
 
 double MediaService::currentElapsed(Date at) const {
-  double position = playing ? elapsed + (at - timestamp) : elapsed;
-  position = std::max(position, 0.0);
+  const double played = (at - timestamp) - (clockLead() - leadAtTimestamp_);
+  const double position = std::max(playing ? elapsed + played * rate : elapsed.get(), 0.0);
   return duration > 0 ? std::min(position, duration.get()) : position;
 }
 
-void MediaService::start() {
+void MediaService::setPosition(double seconds, Date at) {
+  elapsed = seconds;
+  timestamp = at;
+  leadAtTimestamp_ = clockLead();
+}
+
+void MediaService::start(const AppSettings& settings) {
+  settings_ = &settings;
+  settingsSubscription_ = settings.observe([this] {
+    if (networkAllowed_ != settings_->showNowPlaying) allowNetwork();
+  });
+  startBridge();
+}
+
+/// Nobody else is to learn what plays when it is not shown.
+void MediaService::allowNetwork() {
+  networkAllowed_ = settings_->showNowPlaying;
+  send(networkAllowed_ ? "network on" : "network off");
+}
+
+void MediaService::startBridge() {
   if (process_) return;
   const std::string library = ports_.folders.modules() + "/MediaBridge.so";
   std::error_code error;
@@ -70,6 +90,7 @@ void MediaService::start() {
   };
   process_ = ports_.processes.launch(interpreter, {"-e", script, library}, std::move(events));
   process_->awaitOutput();
+  allowNetwork();
 }
 
 void MediaService::readOutput() {
@@ -90,7 +111,7 @@ void MediaService::bridgeEnded() {
     reading_.cancel();
     pace_.cancel();
     process_.reset();
-    start();
+    startBridge();
   });
 }
 
@@ -100,9 +121,10 @@ void MediaService::apply(const MediaUpdate& update) {
   artist = line.artist;
   album = line.album;
   duration = line.duration;
-  elapsed = line.elapsed;
-  timestamp = line.timestamp ? Date{*line.timestamp} : ports_.scheduler.now();
+  setPosition(line.elapsed, line.timestamp ? Date{*line.timestamp} : ports_.scheduler.now());
+  rate = line.rate;
   playing = line.playing;
+  canRaise_ = line.canRaise;
   if (update.artwork) {
     artwork = update.artwork->image;
     accent = update.artwork->accent;
@@ -119,8 +141,7 @@ void MediaService::send(const std::string& command) {
 
 void MediaService::seek(double seconds) {
   if (!std::isfinite(seconds)) return;
-  elapsed = seconds;
-  timestamp = ports_.scheduler.now();
+  setPosition(seconds, ports_.scheduler.now());
   send("seek " + decimal(seconds));
 }
 
@@ -130,7 +151,13 @@ void MediaService::togglePlayPause() {
 }
 
 void MediaService::openSourceApp() {
-  if (*appBundleURL) ports_.applications.open(**appBundleURL);
+  const std::optional<FilePath>& bundle = *appBundleURL;
+  if (bundle && ports_.applications.bringForward(*bundle)) return;
+  if (canRaise_) {
+    send("raise");
+  } else if (bundle) {
+    ports_.applications.start(*bundle);
+  }
 }
 
 void MediaService::showcaseTrack(int index) {
@@ -140,9 +167,10 @@ void MediaService::showcaseTrack(int index) {
     artist = track.artist;
     album = std::string();
     duration = 203;
-    elapsed = index == 0 ? 71 : 4;
-    timestamp = ports_.scheduler.now();
+    setPosition(index == 0 ? 71 : 4, ports_.scheduler.now());
+    rate = 1;
     playing = true;
+    canRaise_ = false;
     const Image cover = sampleArtwork(300, track.colors, true);
     artwork = cover;
     accent = accentOf(cover);
@@ -153,8 +181,7 @@ void MediaService::showcaseTrack(int index) {
 
 void MediaService::showcasePlaying(bool plays) {
   const Date now = ports_.scheduler.now();
-  elapsed = currentElapsed(now);
-  timestamp = now;
+  setPosition(currentElapsed(now), now);
   withAnimation(notchOpen, [&] { playing = plays; });
 }
 
@@ -162,8 +189,7 @@ void MediaService::debugFill() {
   title = "Paper Lanterns";
   artist = "The Evening Trams";
   duration = 190;
-  elapsed = 72;
-  timestamp = ports_.scheduler.now();
+  setPosition(72, ports_.scheduler.now());
   playing = true;
   const Image cover = sampleArtwork(200, sampleTracks[0].colors, false);
   artwork = cover;

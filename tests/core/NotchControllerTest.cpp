@@ -248,8 +248,8 @@ TEST_F(NotchControllerTest, SwipesOpenCloseAndSkip) {
   for (const bool playing : {true, false}) {
     for (const auto& c : cases) {
       desktop.haptics.taps = 0;
-      desktop.processes.input.clear();
       start();
+      desktop.processes.input.clear();
       model().media.title = playing ? "Song" : "";
       if (c.before != compact) model().expand(c.before == home ? Tab::home : Tab::notes);
       panel->key = true;

@@ -12,7 +12,7 @@ namespace tarnwick {
 /// its time; what is due at the same instant runs in the order in which it was asked for.
 class VirtualScheduler : public Scheduler {
  public:
-  Date now() const override { return Date{1'700'000'000} + uptime_; }
+  Date now() const override { return Date{1'700'000'000} + uptime_ + clockSetBy; }
   double uptime() const override { return uptime_; }
   Task after(double seconds, Work work) override;
   Task every(double seconds, Work work) override;
@@ -29,6 +29,8 @@ class VirtualScheduler : public Scheduler {
   /// How many instants there were so far at which something ran.
   int wakeUps() const { return wakeUps_; }
 
+  /// By how many seconds somebody has set the wall clock, or the machine has slept.
+  double clockSetBy = 0;
   /// How long work off the main thread takes from now on.
   double backgroundSeconds = 0;
 

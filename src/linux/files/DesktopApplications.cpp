@@ -88,9 +88,14 @@ std::optional<Application> DesktopApplications::runningApplication(int32_t proce
   return Application{entry->path, images_.decodeFile(iconFile(entry->icon))};
 }
 
-void DesktopApplications::open(const FilePath& bundle) {
+bool DesktopApplications::bringForward(const FilePath& bundle) {
   const auto entry = DesktopEntry::read(bundle);
-  if (!entry || activation_.bringForward({entry->windowClass, entry->id})) return;
+  return entry && activation_.bringForward({entry->windowClass, entry->id});
+}
+
+void DesktopApplications::start(const FilePath& bundle) {
+  const auto entry = DesktopEntry::read(bundle);
+  if (!entry) return;
   QStringList words;
   for (const std::string& word : entry->command()) words << QString::fromStdString(word);
   if (words.isEmpty()) return;
