@@ -180,7 +180,10 @@ TEST(Painting, repairsExactlyWhatChanged) {
         View view =
             RoundedRectangle(6).fill(hsb(double(i) / 5, 0.8, 0.9)).frame({.width = item.width, .height = 24});
         if (item.shadow) view = view.shadow({0.4, 0.7, 1, 0.9}, 5, {0, 3});
-        views.push_back(HStack({.spacing = 3}, {view, Text("item " + std::to_string(item.number))})
+        const View label = Text("item " + std::to_string(item.number))
+                               .font({i % 2 ? 34.0 : 13.0})
+                               .contentTransition(ContentTransition::numericText);
+        views.push_back(HStack({.spacing = 3}, {view, label})
                             .blur(item.blurred ? 4 : 0)
                             .opacity(item.faint ? 0.4 : 1)
                             .id(std::to_string(i))

@@ -26,8 +26,7 @@ class TextElement : public Element {
   Measured measure(Node& node, Proposal proposal) const override;
   void draw(DrawContext& context) const override;
   bool draws() const override { return true; }
-  /// Glyphs may lean over the edges of their cells.
-  double overflow() const override { return 2; }
+  double overflow(const Environment& environment) const override;
   std::string content() const override { return text_; }
 
  private:

@@ -124,7 +124,7 @@ class Element {
   /// Whether its children are told apart by their place in the list alone.
   virtual bool hasFixedSlots() const { return false; }
   /// How far it draws beyond its frame, in points.
-  virtual double overflow() const { return 0; }
+  virtual double overflow(const Environment&) const { return 0; }
   /// What there is to read, or which symbol it is: for tests.
   virtual std::string content() const { return {}; }
 };

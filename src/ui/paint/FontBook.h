@@ -13,7 +13,7 @@ namespace fontBook {
 struct Face {
   QFont font;
   QFontMetricsF metrics;
-  /// Width of the widest digit.
+  /// Of the cells of digits that are to be equally wide.
   double digitWidth;
 };
 const Face& face(const Font& font);
