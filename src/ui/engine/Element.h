@@ -108,6 +108,8 @@ class Element {
   virtual void draw(DrawContext&) const {}
   /// Whether `draw` does anything.
   virtual bool draws() const { return false; }
+  /// Whether it may draw one thing over another, so that it has to be faded as one picture.
+  virtual bool drawsOverItself() const { return false; }
   /// The outline of what is drawn with these values, for a shadow; none: it has no simple one.
   virtual std::optional<Shape> outline(const std::vector<double>&) const { return std::nullopt; }
   /// Whether it covers its whole frame with these values, so that nothing behind shows through.
