@@ -91,7 +91,6 @@ void NotchController::listen() {
   subscriptions_.push_back(desktop_.notifications.observe(
       showcaseNotification, [this](const StringMap& payload) { handleShowcase(payload); }));
   tasks_.push_back(desktop_.scheduler.every(1, [this] { checkFullscreen(); }));
-  tasks_.push_back(desktop_.scheduler.every(30, [this] { model_.claude.prune(); }));
 }
 
 void NotchController::checkFullscreen() {

@@ -1,8 +1,10 @@
 #include "support/VirtualScheduler.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
+#include <utility>
 
 namespace tarnwick {
 namespace {
@@ -12,20 +14,30 @@ double instant(double seconds) { return std::round(seconds * 1e9) / 1e9; }
 
 }  // namespace
 
-Task VirtualScheduler::schedule(double seconds, double period, Work work) {
-  auto job = std::make_shared<Job>(Job{std::move(work), uptime_, period});
-  queue_[{instant(uptime_ + seconds), sequence_++}] = job;
+Task VirtualScheduler::schedule(double seconds, Job given) {
+  auto job = std::make_shared<Job>(std::move(given));
+  queue_[{instant(uptime_ + std::max(seconds, 0.0)), sequence_++}] = job;
   return Task([weak = std::weak_ptr<Job>(job)] {
     if (auto cancelled = weak.lock()) cancelled->cancelled = true;
   });
 }
 
-Task VirtualScheduler::after(double seconds, Work work) {
-  return schedule(seconds < 0 ? 0 : seconds, 0, std::move(work));
+Task VirtualScheduler::after(double seconds, Work work) { return schedule(seconds, {std::move(work)}); }
+
+Task VirtualScheduler::at(Date date, Work work) {
+  return schedule(date - now(), {.work = std::move(work), .date = date});
+}
+
+void VirtualScheduler::sleep(double seconds) {
+  asleep_ += seconds;
+  for (auto& [key, job] : std::exchange(queue_, {})) {
+    const double due = job->date ? std::max(uptime_, instant(uptime_ + (*job->date - now()))) : key.first;
+    queue_[{due, key.second}] = job;
+  }
 }
 
 Task VirtualScheduler::every(double seconds, Work work) {
-  return schedule(seconds, seconds, std::move(work));
+  return schedule(seconds, {std::move(work), uptime_, seconds});
 }
 
 Task VirtualScheduler::background(Work work, Work thenOnMain) {

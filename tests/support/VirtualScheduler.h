@@ -12,9 +12,10 @@ namespace tarnwick {
 /// its time; what is due at the same instant runs in the order in which it was asked for.
 class VirtualScheduler : public Scheduler {
  public:
-  Date now() const override { return Date{1'700'000'000} + uptime_ + clockSetBy; }
+  Date now() const override { return Date{1'700'000'000} + uptime_ + asleep_; }
   double uptime() const override { return uptime_; }
   Task after(double seconds, Work work) override;
+  Task at(Date date, Work work) override;
   Task every(double seconds, Work work) override;
   Task post(Work work) override { return after(0, std::move(work)); }
   Task background(Work work, Work thenOnMain) override;
@@ -24,13 +25,14 @@ class VirtualScheduler : public Scheduler {
   /// Runs what is due now.
   void settle() { advance(0); }
 
+  /// The machine sleeps that long: only the wall clock goes on.
+  void sleep(double seconds);
+
   /// When the next work is due, in uptime; none when nothing is waiting.
   std::optional<double> nextDue();
   /// How many instants there were so far at which something ran.
   int wakeUps() const { return wakeUps_; }
 
-  /// By how many seconds somebody has set the wall clock, or the machine has slept.
-  double clockSetBy = 0;
   /// How long work off the main thread takes from now on.
   double backgroundSeconds = 0;
 
@@ -42,13 +44,16 @@ class VirtualScheduler : public Scheduler {
     double period = 0;
     uint64_t runs = 0;
     bool cancelled = false;
+    /// Of work that waits for the wall clock.
+    std::optional<Date> date;
   };
   using Key = std::pair<double, uint64_t>;
 
-  Task schedule(double seconds, double period, Work work);
+  Task schedule(double seconds, Job job);
   void dropCancelled();
 
   double uptime_ = 0;
+  double asleep_ = 0;
   uint64_t sequence_ = 0;
   int wakeUps_ = 0;
   std::optional<double> lastWakeUp_;

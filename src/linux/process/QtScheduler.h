@@ -7,6 +7,7 @@
 #include <memory>
 
 #include "base/Scheduler.h"
+#include "linux/process/AlarmClock.h"
 
 namespace tarnwick {
 
@@ -20,6 +21,7 @@ class QtScheduler : public Scheduler {
   Date now() const override { return Date::systemNow(); }
   double uptime() const override;
   Task after(double seconds, Work work) override;
+  Task at(Date date, Work work) override { return alarms_.at(date, std::move(work)); }
   Task every(double seconds, Work work) override;
   Task post(Work work) override;
   Task background(Work work, Work thenOnMain) override;
@@ -42,6 +44,7 @@ class QtScheduler : public Scheduler {
   QTimer beat_;
   bool beating_ = false;
   std::list<std::shared_ptr<Repeating>> repeating_;
+  AlarmClock alarms_;
   QThreadPool pool_;
 };
 
