@@ -25,24 +25,22 @@ std::string AudioDevice::symbol() const {
     if (lowerName.find(part) != std::string::npos) return familySymbol;
   }
   switch (transport) {
-    case transport::hdmi:
-    case transport::displayPort:
+    case AudioTransport::display:
       return "tv";
-    case transport::usb:
+    case AudioTransport::usb:
       return hasOutput ? "hifispeaker.fill" : "mic.fill";
-    case transport::virtualDevice:
-    case transport::aggregate:
+    case AudioTransport::software:
       return "waveform";
-    case transport::network:
+    case AudioTransport::network:
       return "airplayaudio";
-    case transport::builtIn:
+    case AudioTransport::builtIn:
       return hasOutput ? "laptopcomputer" : "mic.fill";
-    case transport::bluetooth:
-    case transport::bluetoothLowEnergy:
+    case AudioTransport::bluetooth:
       return "headphones";
-    default:
-      return hasOutput ? "speaker.wave.2.fill" : "mic.fill";
+    case AudioTransport::unknown:
+      break;
   }
+  return hasOutput ? "speaker.wave.2.fill" : "mic.fill";
 }
 
 }  // namespace tarnwick

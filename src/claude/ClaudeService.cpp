@@ -101,7 +101,7 @@ const ClaudeService::Tally& ClaudeService::tally() const {
 }
 
 void ClaudeService::announce(const char* icon, Color tint, const Session& session, CrabMood crab,
-                             double seconds, const char* sound) const {
+                             double seconds, Sound sound) const {
   if (onBanner) {
     onBanner(
         {.icon = icon, .tint = tint, .title = session.project, .subtitle = session.activity, .crab = crab},
@@ -146,12 +146,12 @@ void ClaudeService::handle(const StringMap& event) {
     if (isIdleReminder(event, message)) return;
     session.phase = Phase::waiting;
     session.activity = translate(displayText(message));
-    announce("hand.raised.fill", colors::yellow, session, CrabMood::waiting, 8, "Funk");
+    announce("hand.raised.fill", colors::yellow, session, CrabMood::waiting, 8, Sound::message);
   } else if (name == "Stop") {
     session.phase = Phase::done;
     session.finishedAt = now;
     session.activity = tr("Done in ", "Terminé en ") + format(now - session.startedAt);
-    announce("checkmark.circle.fill", colors::green, session, CrabMood::happy, 5, "Glass");
+    announce("checkmark.circle.fill", colors::green, session, CrabMood::happy, 5, Sound::complete);
   } else {
     return;
   }

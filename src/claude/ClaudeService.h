@@ -62,7 +62,7 @@ class ClaudeService : public ObservableObject {
   void prune();
   void awaitNextAge();
   void announce(const char* icon, Color tint, const Session& session, CrabMood crab, double seconds,
-                const char* sound) const;
+                Sound sound) const;
 
   Scheduler& scheduler_;
   SoundPlayer& sounds_;

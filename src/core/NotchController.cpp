@@ -75,13 +75,13 @@ void NotchController::layout() {
 void NotchController::startServices() {
   model_.media.start(model_.settings);
   model_.power.start(model_.settings);
+  model_.bluetooth.start(model_.settings);
   if (model_.settings.calendarEnabled) {
     // Not now: it may have to ask the user for permission.
     tasks_.push_back(desktop_.scheduler.post([this] { model_.calendar.start(); }));
   }
   model_.audio.start();
   hud_.emplace(model_, desktop_);
-  bluetooth_.emplace(model_, desktop_);
 }
 
 void NotchController::listen() {

@@ -6,7 +6,6 @@
 #include <vector>
 
 #include "core/HUDService.h"
-#include "core/BluetoothService.h"
 #include "core/HapticFeedback.h"
 #include "core/NotchModel.h"
 #include "core/NotchPanel.h"
@@ -55,7 +54,6 @@ class NotchController {
   HapticFeedback haptics_;
   PointerTracker tracker_;
   std::optional<HUDService> hud_;
-  std::optional<BluetoothService> bluetooth_;
 
   /// How far the fingers of the current trackpad gesture have moved, in points.
   Point swipe_;

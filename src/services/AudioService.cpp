@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "base/DisplayText.h"
+
 namespace tarnwick {
 namespace {
 
@@ -18,8 +20,9 @@ void AudioService::start() {
 void AudioService::reload() {
   if (frozen) return;
   std::vector<AudioDevice> playing, recording;
-  for (const AudioDevice& device : devices_.all()) {
+  for (AudioDevice& device : devices_.all()) {
     if (device.name.starts_with(systemDevicePrefix)) continue;
+    device.name = displayText(device.name);
     if (device.hasOutput) playing.push_back(device);
     if (device.hasInput) recording.push_back(device);
   }

@@ -1,6 +1,6 @@
 #pragma once
 #include <functional>
-#include <set>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -24,14 +24,15 @@ struct CalendarItem {
   friend bool operator==(const CalendarItem&, const CalendarItem&) = default;
 };
 
-/// The user's events of today and tomorrow, and the banner that tells of the next one.
+/// The user's events of today and tomorrow, and the banner that tells of the next one five minutes ahead.
 class CalendarService : public ObservableObject {
  public:
   /// The ports must outlive the service.
   CalendarService(Calendars& calendars, Scheduler& scheduler)
       : calendars_(calendars), scheduler_(scheduler) {}
 
-  /// The first of them, by start.
+  /// By start, twelve at most. Of a repeating event that would take all places there are as many as the
+  /// others leave.
   Observed<std::vector<CalendarItem>> events{*this};
   /// The user lets the program see the events.
   Observed<bool> authorized{*this};
@@ -52,14 +53,15 @@ class CalendarService : public ObservableObject {
  private:
   void accessChanged(bool granted);
   void tick();
+  void awaitNextTick();
   void announce(const CalendarItem& item, double secondsUntilStart) const;
 
   Calendars& calendars_;
   Scheduler& scheduler_;
-  /// The ids of the events that were announced.
-  std::set<std::string> alerted_;
+  /// The ids of the events that were announced, and when they start.
+  std::map<std::string, Date> alerted_;
   Subscription changes_;
-  Task timer_;
+  Task next_, midnight_;
 };
 
 }  // namespace tarnwick

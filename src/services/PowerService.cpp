@@ -1,6 +1,9 @@
 #include "services/PowerService.h"
 
+#include <algorithm>
 #include <array>
+#include <cmath>
+#include <optional>
 
 #include "base/L10n.h"
 
@@ -11,9 +14,12 @@ namespace {
 constexpr std::array lowLevels{20, 10};
 constexpr double bannerSeconds = 5;
 
-int percentage(const PowerSource& battery) {
+/// None where the battery does not know.
+std::optional<int> percentage(const PowerSource& battery) {
   const double maximum = battery.maxCapacity > 0 ? battery.maxCapacity : 100;
-  return static_cast<int>(battery.currentCapacity / maximum * 100);
+  const double percent = battery.currentCapacity / maximum * 100;
+  if (std::isnan(percent)) return std::nullopt;
+  return static_cast<int>(std::clamp(percent, 0.0, 100.0));
 }
 
 Banner lowBatteryBanner(int level) {
@@ -44,16 +50,18 @@ void PowerService::read() {
 }
 
 void PowerService::readBattery(const PowerSource& battery) {
+  const std::optional<int> told = percentage(battery);
+  if (!told) return;
+  const int newLevel = *told;
   // The daemon that knows the battery may answer at any time after the start: what it tells first is the
   // state at the start.
   const bool announce = hasBattery && alertsAllowed();
-  const int newLevel = percentage(battery);
   const bool plugged = battery.onACPower;
   hasBattery = true;
   charging = battery.isCharging;
   if (announce && plugged != pluggedIn) {
     if (onTransient) onTransient(Transient::power(plugged, newLevel));
-    if (plugged) sounds_.play("Pop");
+    if (plugged) sounds_.play(Sound::powerPlug);
   }
   if (plugged) {
     warnedAt_.clear();
@@ -69,7 +77,7 @@ void PowerService::warnIfLow(int newLevel, bool announce) {
     const bool fellThrough = level > threshold && newLevel <= threshold;
     if (!fellThrough || !warnedAt_.insert(threshold).second || !announce) continue;
     if (onBanner) onBanner(lowBatteryBanner(newLevel), bannerSeconds);
-    sounds_.play("Basso");
+    sounds_.play(Sound::batteryLow);
   }
 }
 

@@ -70,7 +70,7 @@ TEST_F(ClaudeServiceTest, AWholePieceOfWork) {
                           CrabMood::happy}));
   EXPECT_EQ(banners[1].second, 5);
   EXPECT_NE(done.id, wait.id);
-  EXPECT_THAT(desktop.sounds.played, ElementsAre("Funk", "Glass"));
+  EXPECT_THAT(desktop.sounds.played, ElementsAre(Sound::message, Sound::complete));
 }
 
 TEST_F(ClaudeServiceTest, ToolsRestartTheClockOnlyOfSessionsAtRest) {
@@ -160,7 +160,7 @@ TEST_F(ClaudeServiceTest, SoundsFollowTheSetting) {
   EXPECT_TRUE(desktop.sounds.played.empty());
   settings.claudeSounds = true;
   send("Stop");
-  EXPECT_THAT(desktop.sounds.played, ElementsAre("Glass"));
+  EXPECT_THAT(desktop.sounds.played, ElementsAre(Sound::complete));
 }
 
 TEST_F(ClaudeServiceTest, SessionsThatWantTheUserComeFirst) {

@@ -118,8 +118,8 @@ class MemoryWindowList : public WindowList {
 
 class MemorySoundPlayer : public SoundPlayer {
  public:
-  void play(const std::string& name) override { played.push_back(name); }
-  std::vector<std::string> played;
+  void play(Sound sound) override { played.push_back(sound); }
+  std::vector<Sound> played;
 };
 
 class MemoryHapticPerformer : public HapticPerformer {

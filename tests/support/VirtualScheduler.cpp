@@ -25,13 +25,19 @@ Task VirtualScheduler::schedule(double seconds, Job given) {
 Task VirtualScheduler::after(double seconds, Work work) { return schedule(seconds, {std::move(work)}); }
 
 Task VirtualScheduler::at(Date date, Work work) {
-  return schedule(date - now(), {.work = std::move(work), .date = date});
+  return schedule(secondsUntil(date), {.work = std::move(work), .date = date});
+}
+
+double VirtualScheduler::secondsUntil(Date date) const {
+  const double seconds = std::max(date - now(), 0.0);
+  // Rounded, it might come out a moment too early.
+  return now() + instant(seconds) < date ? seconds + 1e-6 : seconds;
 }
 
 void VirtualScheduler::sleep(double seconds) {
   asleep_ += seconds;
   for (auto& [key, job] : std::exchange(queue_, {})) {
-    const double due = job->date ? std::max(uptime_, instant(uptime_ + (*job->date - now()))) : key.first;
+    const double due = job->date ? instant(uptime_ + secondsUntil(*job->date)) : key.first;
     queue_[{due, key.second}] = job;
   }
 }

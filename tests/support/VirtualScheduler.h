@@ -50,6 +50,7 @@ class VirtualScheduler : public Scheduler {
   using Key = std::pair<double, uint64_t>;
 
   Task schedule(double seconds, Job job);
+  double secondsUntil(Date date) const;
   void dropCancelled();
 
   double uptime_ = 0;

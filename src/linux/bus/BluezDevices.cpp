@@ -23,13 +23,15 @@ std::string nameOf(const QVariantMap& device) {
   return (alias.isEmpty() || aliasIsAddress ? name : alias).toStdString();
 }
 
-/// Low-energy devices have no class, but they tell otherwise whether they play sound.
-int majorClassOf(const QVariantMap& device) {
-  const unsigned deviceClass = device["Class"].toUInt();
-  if (const int major = (deviceClass >> 8) & 0x1f; major != 0) return major;
+/// By the numbers that the Bluetooth standard assigns. Low-energy devices have no class, but they tell
+/// otherwise whether they play sound.
+bool isAudio(const QVariantMap& device) {
+  constexpr unsigned audioClass = 4;
+  const unsigned majorClass = (device["Class"].toUInt() >> 8) & 0x1f;
+  if (majorClass != 0) return majorClass == audioClass;
   const unsigned category = device["Appearance"].toUInt() >> 6;
-  const bool isAudio = category == 0x21 || category == 0x22 || category == 0x25 || category == 0x29;
-  return isAudio || device["Icon"].toString().startsWith("audio-") ? audioDeviceClass : 0;
+  return category == 0x21 || category == 0x22 || category == 0x25 || category == 0x29 ||
+         device["Icon"].toString().startsWith("audio-");
 }
 
 bool isConnected(const QVariantMap& device) { return device["Connected"].toBool(); }
@@ -118,7 +120,7 @@ void BluezDevices::remove(const QString& path, const QStringList& interfaces) {
 
 BluetoothDevice BluezDevices::describe(const QString& path) const {
   const QVariantMap& properties = devices_.at(path);
-  BluetoothDevice device{path.toStdString(), nameOf(properties), majorClassOf(properties), {}};
+  BluetoothDevice device{path.toStdString(), nameOf(properties), isAudio(properties), {}};
   for (const auto& [batteryPath, level] : batteries_) {
     if (belongsTo(batteryPath, path)) device.batteryLevels.push_back(level);
   }

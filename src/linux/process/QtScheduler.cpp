@@ -16,8 +16,9 @@ std::chrono::milliseconds milliseconds(double seconds) {
 
 QtScheduler::QtScheduler() {
   clock_.start();
-  // Two, so that one slow piece of work does not hold up the others.
-  pool_.setMaxThreadCount(2);
+  // Enough that work which hangs (a sound, a folder of the network) does not hold up the rest. Each is there only while
+  // it is needed.
+  pool_.setMaxThreadCount(8);
   beat_.setTimerType(Qt::PreciseTimer);
   beat_.setInterval(milliseconds(beatInterval));
   QObject::connect(&beat_, &QTimer::timeout, &context_, [this] { beat(); });

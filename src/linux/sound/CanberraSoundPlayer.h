@@ -1,4 +1,5 @@
 #pragma once
+#include <map>
 #include <memory>
 
 #include "base/Scheduler.h"
@@ -12,17 +13,22 @@ namespace tarnwick {
 /// thread: reaching the audio daemon may take long. Without a daemon there is silence.
 class CanberraSoundPlayer : public SoundPlayer {
  public:
-  explicit CanberraSoundPlayer(Scheduler& scheduler);
+  /// @param patience so many seconds are sounds left out because the daemon has not taken the one before
+  explicit CanberraSoundPlayer(Scheduler& scheduler, double patience = 10);
   ~CanberraSoundPlayer() override;
-  void play(const std::string& name) override;
+  void play(Sound sound) override;
 
  private:
-  struct Player;
+  class Player;
 
   Scheduler& scheduler_;
+  const double patience_;
   /// Shared with the work in the background.
   std::shared_ptr<Player> player_;
-  Task playing_;
+  int number_ = 0;
+  double startedAt_ = 0;
+  /// The players, by their number, that the daemon keeps waiting.
+  std::map<int, Task> waiting_;
 };
 
 }  // namespace tarnwick

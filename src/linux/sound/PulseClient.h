@@ -16,7 +16,7 @@ struct PulseDevice {
   std::string key;
   /// For the user.
   std::string name;
-  AudioTransport transport = transport::unknown;
+  AudioTransport transport = AudioTransport::unknown;
   /// See `PulseClient::fullVolume`.
   uint32_t volume = 0;
   bool muted = false;
