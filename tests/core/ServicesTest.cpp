@@ -11,6 +11,7 @@ namespace {
 TEST(Services, AreAllStarted) {
   for (const bool calendarEnabled : {true, false}) {
     MemoryDesktop desktop;
+    desktop.folders.root.write("modules/MediaBridge.so", "");
     desktop.defaults.set("calendarEnabled", calendarEnabled);
     NotchController controller(desktop.ports, [](NotchModel&) { return std::make_unique<MemoryPanel>(); });
     NotchModel& model = controller.model();
