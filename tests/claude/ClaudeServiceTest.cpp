@@ -215,7 +215,7 @@ TEST_F(ClaudeServiceTest, SessionsComeToRestAndAreForgotten) {
   send("PreToolUse");
   const Date last = desktop.scheduler.now();
   const ForcedLanguage french("fr");
-  desktop.scheduler.sleep(5000);
+  desktop.scheduler.setClock(5000);
   pass(0);
   EXPECT_EQ(phase(), Phase::idle) << "the machine has slept";
   EXPECT_EQ(session().activity, "Inactif") << "in the language of the moment";

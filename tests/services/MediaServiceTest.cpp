@@ -270,7 +270,7 @@ TEST_F(MediaServiceTest, ThePositionRunsWithinTheTrack) {
   EXPECT_DOUBLE_EQ(position(), 40) << "without a timestamp it is from now on";
   EXPECT_DOUBLE_EQ(position(2), 42);
   for (const double clockSetBy : {3600.0, -7200.0}) {
-    desktop.scheduler.clockSetBy = clockSetBy;
+    desktop.scheduler.setClock(clockSetBy);
     EXPECT_DOUBLE_EQ(position(), 40) << "a clock that is set plays nothing";
   }
   desktop.scheduler.advance(3);

@@ -34,8 +34,8 @@ double VirtualScheduler::secondsUntil(Date date) const {
   return now() + instant(seconds) < date ? seconds + 1e-6 : seconds;
 }
 
-void VirtualScheduler::sleep(double seconds) {
-  asleep_ += seconds;
+void VirtualScheduler::setClock(double seconds) {
+  clockSetBy_ = seconds;
   for (auto& [key, job] : std::exchange(queue_, {})) {
     const double due = job->date ? instant(uptime_ + secondsUntil(*job->date)) : key.first;
     queue_[{due, key.second}] = job;

@@ -12,7 +12,7 @@ namespace tarnwick {
 /// its time; what is due at the same instant runs in the order in which it was asked for.
 class VirtualScheduler : public Scheduler {
  public:
-  Date now() const override { return Date{1'700'000'000} + uptime_ + asleep_; }
+  Date now() const override { return Date{1'700'000'000} + uptime_ + clockSetBy_; }
   double uptime() const override { return uptime_; }
   Task after(double seconds, Work work) override;
   Task at(Date date, Work work) override;
@@ -25,8 +25,9 @@ class VirtualScheduler : public Scheduler {
   /// Runs what is due now.
   void settle() { advance(0); }
 
-  /// The machine sleeps that long: only the wall clock goes on.
-  void sleep(double seconds);
+  /// From now on the wall clock is that far ahead of the other one: somebody has set it, or the machine has
+  /// slept.
+  void setClock(double seconds);
 
   /// When the next work is due, in uptime; none when nothing is waiting.
   std::optional<double> nextDue();
@@ -54,7 +55,7 @@ class VirtualScheduler : public Scheduler {
   void dropCancelled();
 
   double uptime_ = 0;
-  double asleep_ = 0;
+  double clockSetBy_ = 0;
   uint64_t sequence_ = 0;
   int wakeUps_ = 0;
   std::optional<double> lastWakeUp_;
