@@ -36,7 +36,7 @@ class QtScheduler : public Scheduler {
 
   Task ownTimer(double seconds, bool once, Work work);
   void beat();
-  void stopIdleBeat();
+  void awaitNextBeat();
 
   QElapsedTimer clock_;
   /// Receiver of everything that is posted: when it dies, what is still on its way is dropped.
