@@ -59,6 +59,8 @@ void AudioService::readLevels() {
 void AudioService::setVolume(double value) {
   const double clamped = std::clamp(value, 0.0, 1.0);
   if (muted && clamped > 0) setMuted(false);
+  // What is amplified beyond 1 shows as 1, and does not become quieter by being turned up.
+  if (clamped == volume) return;
   devices_.setVolume(outputID, AudioScope::output, clamped);
   volume = clamped;
 }
