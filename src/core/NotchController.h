@@ -35,8 +35,8 @@ class NotchController {
  private:
   std::optional<Screen> targetScreen() const;
   void layout();
-  void startServices();
   void listen();
+  void startServices();
   void checkFullscreen();
 
   void handleEvent(const StringMap& event);
@@ -60,7 +60,7 @@ class NotchController {
   /// The current gesture has done its one action.
   bool swipeHandled_ = false;
 
-  std::vector<Task> tasks_;
+  Task calendarStart_, fullscreenCheck_;
   std::vector<Subscription> subscriptions_;
 };
 
