@@ -11,20 +11,12 @@ using namespace tarnwick;
 TEST(QtScheduler, RunsInTheOrderOfTime) {
   QtScheduler scheduler;
   std::string order;
-  const Task later = scheduler.after(0.06, [&] { order += 'd'; });
-  Task never;
-  const Task alarm = scheduler.at(scheduler.now() + 0.04, [&] {
-    order += 'c';
-    never.cancel();
-  });
-  never = scheduler.at(scheduler.now() + 0.0401, [&] { order += 'x'; });
+  const Task later = scheduler.after(0.06, [&] { order += 'c'; });
   const Task sooner = scheduler.after(0.02, [&] { order += 'b'; });
   const Task next = scheduler.post([&] { order += 'a'; });
   EXPECT_EQ(order, "");
-  EXPECT_TRUE(waitUntil([&] { return order.size() == 4; }));
-  EXPECT_EQ(order, "abcd");
-  const Task past = scheduler.at(Date::distantPast(), [&] { order += 'e'; });
-  EXPECT_TRUE(waitUntil([&] { return order.size() == 5; }));
+  EXPECT_TRUE(waitUntil([&] { return order.size() == 3; }));
+  EXPECT_EQ(order, "abc");
 }
 
 TEST(QtScheduler, CancelledWorkDoesNotRunAndTimersOfASecondShareOneBeat) {
@@ -32,7 +24,6 @@ TEST(QtScheduler, CancelledWorkDoesNotRunAndTimersOfASecondShareOneBeat) {
   int dropped = 0, fastRuns = 0, slowRuns = 0;
   {
     const Task tasks[] = {scheduler.after(0, [&] { ++dropped; }), scheduler.post([&] { ++dropped; }),
-                          scheduler.at(scheduler.now(), [&] { ++dropped; }),
                           scheduler.every(0.01, [&] { ++dropped; }),
                           scheduler.background([] {}, [&] { ++dropped; })};
   }

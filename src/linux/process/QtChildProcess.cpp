@@ -8,22 +8,13 @@
 #include <cerrno>
 #include <climits>
 #include <cstdlib>
+#include <cstring>
 #include <utility>
 
 namespace tarnwick {
 namespace {
 
 constexpr size_t readAtOnce = 64 << 10;
-
-/// What names the user's session, and no more: interpreters take code from their environments.
-QProcessEnvironment childEnvironment() {
-  const QProcessEnvironment own = QProcessEnvironment::systemEnvironment();
-  QProcessEnvironment environment;
-  for (const char* name : {"HOME", "XDG_RUNTIME_DIR", "DBUS_SESSION_BUS_ADDRESS"}) {
-    if (own.contains(name)) environment.insert(name, own.value(name));
-  }
-  return environment;
-}
 
 void closeFile(int& file) {
   if (file >= 0) ::close(file);
@@ -39,7 +30,6 @@ QtChildProcess::QtChildProcess(const std::string& executable, const std::vector<
   for (const std::string& argument : arguments) list << QString::fromStdString(argument);
   process_.setProgram(QString::fromStdString(executable));
   process_.setArguments(list);
-  process_.setProcessEnvironment(childEnvironment());
   process_.setInputChannelMode(QProcess::ForwardedInputChannel);
   process_.setProcessChannelMode(QProcess::ForwardedOutputChannel);
   process_.setStandardErrorFile(QProcess::nullDevice());
@@ -52,7 +42,6 @@ QtChildProcess::QtChildProcess(const std::string& executable, const std::vector<
         if (error == QProcess::FailedToStart) events_.onFailure(process_.errorString().toStdString());
       },
       later);
-  openPipes();
 }
 
 QtChildProcess::~QtChildProcess() {
@@ -63,23 +52,20 @@ QtChildProcess::~QtChildProcess() {
   for (int* file : {&output_, &input_, &childOutput_, &childInput_}) closeFile(*file);
 }
 
-void QtChildProcess::openPipes() {
+bool QtChildProcess::openPipes() {
   int out[2], in[2];
-  if (::pipe2(out, O_CLOEXEC) == 0) {
-    output_ = out[0];
-    childOutput_ = out[1];
-    ::fcntl(output_, F_SETFL, O_NONBLOCK);
-  }
-  if (::pipe2(in, O_CLOEXEC) == 0) {
-    childInput_ = in[0];
-    input_ = in[1];
-    ::fcntl(input_, F_SETFL, O_NONBLOCK);
-  }
+  if (::pipe2(out, O_CLOEXEC) != 0) return false;
+  output_ = out[0];
+  childOutput_ = out[1];
+  if (::pipe2(in, O_CLOEXEC) != 0) return false;
+  childInput_ = in[0];
+  input_ = in[1];
+  return ::fcntl(output_, F_SETFL, O_NONBLOCK) == 0 && ::fcntl(input_, F_SETFL, O_NONBLOCK) == 0;
 }
 
 void QtChildProcess::start() {
-  if (output_ < 0 || input_ < 0) {
-    const std::string reason = "no pipes are to be had";
+  if (!openPipes()) {
+    const std::string reason = std::strerror(errno);
     QMetaObject::invokeMethod(
         &process_, [this, reason] { events_.onFailure(reason); }, Qt::QueuedConnection);
     return;

@@ -23,7 +23,7 @@ class QtChildProcess {
   void write(const std::string& bytes);
 
  private:
-  void openPipes();
+  bool openPipes();
 
   const ChildProcesses::Events events_;
   QProcess process_;

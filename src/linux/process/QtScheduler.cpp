@@ -1,5 +1,6 @@
 #include "linux/process/QtScheduler.h"
 
+#include <algorithm>
 #include <chrono>
 #include <cmath>
 
@@ -7,6 +8,8 @@ namespace tarnwick {
 namespace {
 
 constexpr double beatInterval = 1;
+
+double nearestBeat(double time) { return std::round(time / beatInterval) * beatInterval; }
 
 std::chrono::milliseconds milliseconds(double seconds) {
   return std::chrono::milliseconds(std::llround(std::max(0.0, seconds) * 1000));
@@ -16,11 +19,10 @@ std::chrono::milliseconds milliseconds(double seconds) {
 
 QtScheduler::QtScheduler() {
   clock_.start();
-  // Enough that work which hangs (a sound, a folder of the network) does not hold up the rest. Each is there only while
-  // it is needed.
-  pool_.setMaxThreadCount(8);
+  // Two, so that one slow piece of work does not hold up the others.
+  pool_.setMaxThreadCount(2);
   beat_.setTimerType(Qt::PreciseTimer);
-  beat_.setInterval(milliseconds(beatInterval));
+  beat_.setSingleShot(true);
   QObject::connect(&beat_, &QTimer::timeout, &context_, [this] { beat(); });
 }
 
@@ -46,31 +48,35 @@ Task QtScheduler::every(double seconds, Work work) {
   if (seconds < beatInterval) return ownTimer(seconds, false, std::move(work));
   auto entry = std::make_shared<Repeating>(Repeating{std::move(work), seconds, uptime() + seconds});
   repeating_.push_back(entry);
-  if (!beat_.isActive()) beat_.start();
+  if (!beating_) awaitNextBeat();
   return Task([this, entry] {
     entry->cancelled = true;
-    if (!beating_) stopIdleBeat();
+    if (!beating_) awaitNextBeat();
   });
 }
 
 void QtScheduler::beat() {
-  const double time = uptime();
+  // The nearest beat is the right one.
+  const double end = nearestBeat(uptime()) + beatInterval / 2;
   beating_ = true;
   // What the work adds lands at the end and is not due yet.
   for (const auto& entry : repeating_) {
-    // The nearest beat is the right one.
-    if (entry->cancelled || entry->due > time + beatInterval / 2) continue;
+    if (entry->cancelled || entry->due > end) continue;
     // Beats that a suspended machine has missed are not made up for.
-    while (entry->due <= time + beatInterval / 2) entry->due += entry->interval;
+    while (entry->due <= end) entry->due += entry->interval;
     entry->work();
   }
   beating_ = false;
-  stopIdleBeat();
+  awaitNextBeat();
 }
 
-void QtScheduler::stopIdleBeat() {
+/// Sleeps through the beats at which nothing is due.
+void QtScheduler::awaitNextBeat() {
   repeating_.remove_if([](const auto& entry) { return entry->cancelled; });
-  if (repeating_.empty()) beat_.stop();
+  if (repeating_.empty()) return beat_.stop();
+  const auto sooner = [](const auto& a, const auto& b) { return a->due < b->due; };
+  const double due = (*std::min_element(repeating_.begin(), repeating_.end(), sooner))->due;
+  beat_.start(milliseconds(nearestBeat(due) - uptime()));
 }
 
 Task QtScheduler::post(Work work) {

@@ -7,7 +7,6 @@
 #include <memory>
 
 #include "base/Scheduler.h"
-#include "linux/process/AlarmClock.h"
 
 namespace tarnwick {
 
@@ -21,7 +20,6 @@ class QtScheduler : public Scheduler {
   Date now() const override { return Date::systemNow(); }
   double uptime() const override;
   Task after(double seconds, Work work) override;
-  Task at(Date date, Work work) override { return alarms_.at(date, std::move(work)); }
   Task every(double seconds, Work work) override;
   Task post(Work work) override;
   Task background(Work work, Work thenOnMain) override;
@@ -36,7 +34,7 @@ class QtScheduler : public Scheduler {
 
   Task ownTimer(double seconds, bool once, Work work);
   void beat();
-  void stopIdleBeat();
+  void awaitNextBeat();
 
   QElapsedTimer clock_;
   /// Receiver of everything that is posted: when it dies, what is still on its way is dropped.
@@ -44,7 +42,6 @@ class QtScheduler : public Scheduler {
   QTimer beat_;
   bool beating_ = false;
   std::list<std::shared_ptr<Repeating>> repeating_;
-  AlarmClock alarms_;
   QThreadPool pool_;
 };
 
