@@ -3,16 +3,17 @@
 #include <algorithm>
 
 #include "platform/Desktop.h"
+#include "platform/Screens.h"
 
 namespace tarnwick {
 namespace {
 
 constexpr double step = 1.0 / 16;
 constexpr double fineStep = 1.0 / 64;
-constexpr unsigned fineFlags = modifierflag::option | modifierflag::shift;
-
 constexpr double indicatorSeconds = 1.8;
-constexpr double trustInterval = 2;
+
+const std::vector volumeKeys{MediaKey::soundUp, MediaKey::soundDown, MediaKey::mute};
+const std::vector brightnessKeys{MediaKey::brightnessUp, MediaKey::brightnessDown};
 
 constexpr const char* askedKey = "askedAccessibility";
 
@@ -24,22 +25,19 @@ HUDService::HUDService(NotchModel& model, const Desktop& desktop)
   model_.audio.onVolumeChange = [this] {
     if (tap_) showVolume();
   };
-  if (model_.settings.replaceHUD) {
-    if (!keys_.isTrusted() && !desktop.defaults.boolean(askedKey).value_or(false)) {
-      desktop.defaults.set(askedKey, true);
-      keys_.requestTrust();
-    }
-    startTap(false);
-  }
-  trustTimer_ = desktop.scheduler.every(trustInterval, [this] {
-    if (model_.settings.replaceHUD) startTap(false);
-  });
-  settingListener_ = model_.settings.observe([this] { followSetting(); });
-  moveListener_ = keys_.observe([this] {
-    tap_.reset();
-    brightnessTap_.reset();
+  const auto follow = [this] { followSetting(); };
+  listeners_ = {model_.settings.observe(follow), brightness_.observe(follow),
+                // With a screen a brightness may come.
+                desktop.screens.observe(follow), keys_.observe([this] {
+                  releaseKeys();
+                  followSetting();
+                })};
+  followSetting();
+  if (model_.settings.replaceHUD && !isTrusted() && !desktop.defaults.boolean(askedKey).value_or(false)) {
+    desktop.defaults.set(askedKey, true);
+    keys_.requestTrust();
     followSetting();
-  });
+  }
 }
 
 HUDService::~HUDService() { model_.audio.onVolumeChange = nullptr; }
@@ -48,20 +46,26 @@ void HUDService::followSetting() {
   if (model_.settings.replaceHUD) {
     startTap(false);
   } else {
-    tap_.reset();
-    brightnessTap_.reset();
+    releaseKeys();
   }
 }
 
+void HUDService::releaseKeys() {
+  tap_.reset();
+  brightnessTap_.reset();
+}
+
+bool HUDService::isTrusted() const { return tap_ || keys_.isTrusted(volumeKeys); }
+
 void HUDService::startTap(bool prompt) {
-  if (prompt && !tap_ && !keys_.isTrusted()) keys_.requestTrust();
-  const auto handler = [this](int code, bool down, unsigned flags) {
-    return handleMediaKey(code, down, flags);
-  };
-  if (!brightnessTap_ && brightness_.current()) {
-    brightnessTap_ = keys_.tap({mediakey::brightnessUp, mediakey::brightnessDown}, handler);
+  if (prompt && !isTrusted()) keys_.requestTrust();
+  const auto handler = [this](const MediaKeyEvent& event) { return handleMediaKey(event); };
+  if (!brightness_.current()) {
+    brightnessTap_.reset();
+  } else if (!brightnessTap_) {
+    brightnessTap_ = keys_.tap(brightnessKeys, handler);
   }
-  if (!tap_) tap_ = keys_.tap({mediakey::soundUp, mediakey::soundDown, mediakey::mute}, handler);
+  if (!tap_) tap_ = keys_.tap(volumeKeys, handler);
 }
 
 void HUDService::showVolume() {
@@ -70,31 +74,30 @@ void HUDService::showVolume() {
               indicatorSeconds);
 }
 
-bool HUDService::handleMediaKey(int code, bool down, unsigned flags) {
+bool HUDService::handleMediaKey(const MediaKeyEvent& event) {
   if (!model_.settings.replaceHUD) return false;
-  const double size = (flags & fineFlags) == fineFlags ? fineStep : step;
+  const double size = event.shift && event.alt ? fineStep : step;
   AudioService& audio = model_.audio;
-  switch (code) {
-    case mediakey::soundUp:
-    case mediakey::soundDown:
-      if (down) {
-        audio.setVolume(audio.volume + (code == mediakey::soundUp ? size : -size));
+  switch (event.key) {
+    case MediaKey::soundUp:
+    case MediaKey::soundDown:
+      if (event.down) {
+        audio.setVolume(audio.volume + (event.key == MediaKey::soundUp ? size : -size));
         showVolume();
       }
       return true;
-    case mediakey::mute:
-      if (down) {
+    case MediaKey::mute:
+      if (event.down) {
         audio.setMuted(!audio.muted);
         showVolume();
       }
       return true;
-    case mediakey::brightnessUp:
-      return changeBrightness(size, down);
-    case mediakey::brightnessDown:
-      return changeBrightness(-size, down);
-    default:
-      return false;
+    case MediaKey::brightnessUp:
+      return changeBrightness(size, event.down);
+    case MediaKey::brightnessDown:
+      return changeBrightness(-size, event.down);
   }
+  return false;
 }
 
 bool HUDService::changeBrightness(double change, bool down) {

@@ -1,4 +1,5 @@
 #pragma once
+#include <array>
 #include <optional>
 
 #include "core/NotchModel.h"
@@ -23,14 +24,16 @@ class HUDService {
   void startTap(bool prompt);
   /// The volume keys are caught.
   bool hasTap() const { return tap_.has_value(); }
+  /// The session lets the volume keys be caught, whether or not they are.
+  bool isTrusted() const;
   /// Shows the output's volume, or that it is muted.
   void showVolume();
-  /// Does what a key stands for; see `MediaKeys::Handler` for the arguments. @return false: the key is for
-  /// the desktop
-  bool handleMediaKey(int code, bool down, unsigned flags);
+  /// Does what a key stands for. @return false: the key is for the desktop
+  bool handleMediaKey(const MediaKeyEvent& event);
 
  private:
   void followSetting();
+  void releaseKeys();
   bool changeBrightness(double step, bool down);
 
   NotchModel& model_;
@@ -40,9 +43,7 @@ class HUDService {
   /// brightness to change.
   std::optional<Subscription> brightnessTap_;
   std::optional<Subscription> tap_;
-  Subscription settingListener_;
-  Subscription moveListener_;
-  Task trustTimer_;
+  std::array<Subscription, 4> listeners_;
 };
 
 }  // namespace tarnwick

@@ -7,39 +7,36 @@
 
 namespace tarnwick {
 
-/// Codes of the special keys.
-namespace mediakey {
-inline constexpr int soundUp = 0;
-inline constexpr int soundDown = 1;
-inline constexpr int brightnessUp = 2;
-inline constexpr int brightnessDown = 3;
-inline constexpr int mute = 7;
-}  // namespace mediakey
+/// The keyboard's special keys that change a level.
+enum class MediaKey { soundUp, soundDown, mute, brightnessUp, brightnessDown };
 
-/// Bits of the modifier keys that are held with a special key.
-namespace modifierflag {
-inline constexpr unsigned shift = 0x20000;
-inline constexpr unsigned option = 0x80000;  ///< Alt
-}  // namespace modifierflag
+/// A special key goes down (again, while it is held) or up.
+struct MediaKeyEvent {
+  MediaKey key;
+  bool down = true;
+  /// Modifiers that are held with it.
+  bool shift = false, alt = false;
+
+  friend bool operator==(const MediaKeyEvent&, const MediaKeyEvent&) = default;
+};
 
 /// The keyboard's special keys, caught before the desktop's own handler sees them.
 class MediaKeys {
  public:
-  /// Takes a key going down (again, while it is held) or up. @return whether the key has done its work; where
-  /// the session can pass it on, it is passed on otherwise
-  using Handler = std::function<bool(int code, bool down, unsigned flags)>;
+  /// @return whether the key has done its work; where the session can pass it on, it is passed on otherwise
+  using Handler = std::function<bool(const MediaKeyEvent&)>;
 
   virtual ~MediaKeys() = default;
 
-  /// The session lets this program catch keys.
-  virtual bool isTrusted() const = 0;
+  /// The session lets this program catch all of these keys: it has them, or could have them now.
+  virtual bool isTrusted(const std::vector<MediaKey>& keys) = 0;
   /// Asks the user for the permission, where there is somebody to ask.
   virtual void requestTrust() = 0;
-  /// Catches the keys with these codes, all of them, until the tap ends. None when that is not possible now.
-  virtual std::optional<Subscription> tap(const std::vector<int>& codes, Handler handler) = 0;
-  /// Calls `onMove` on the main thread when the keys have moved on the keyboard: taps from before may miss
-  /// some.
-  virtual Subscription observe(std::function<void()> onMove) = 0;
+  /// Catches these keys, all of them, until the tap ends. None when that is not possible now.
+  virtual std::optional<Subscription> tap(const std::vector<MediaKey>& keys, Handler handler) = 0;
+  /// Calls `onChange` on the main thread when keys that could not be caught may have come free, and when the
+  /// keys have moved on the keyboard: taps from before may miss some.
+  virtual Subscription observe(std::function<void()> onChange) = 0;
 };
 
 }  // namespace tarnwick

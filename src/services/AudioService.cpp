@@ -2,8 +2,6 @@
 
 #include <algorithm>
 
-#include "base/DisplayText.h"
-
 namespace tarnwick {
 namespace {
 
@@ -20,9 +18,8 @@ void AudioService::start() {
 void AudioService::reload() {
   if (frozen) return;
   std::vector<AudioDevice> playing, recording;
-  for (AudioDevice& device : devices_.all()) {
+  for (const AudioDevice& device : devices_.all()) {
     if (device.name.starts_with(systemDevicePrefix)) continue;
-    device.name = displayText(device.name);
     if (device.hasOutput) playing.push_back(device);
     if (device.hasInput) recording.push_back(device);
   }
@@ -59,6 +56,8 @@ void AudioService::readLevels() {
 void AudioService::setVolume(double value) {
   const double clamped = std::clamp(value, 0.0, 1.0);
   if (muted && clamped > 0) setMuted(false);
+  // What is amplified beyond 1 shows as 1, and does not become quieter by being turned up.
+  if (clamped == volume) return;
   devices_.setVolume(outputID, AudioScope::output, clamped);
   volume = clamped;
 }

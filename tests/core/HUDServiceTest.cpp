@@ -7,14 +7,7 @@
 namespace tarnwick {
 namespace {
 
-using mediakey::brightnessDown;
-using mediakey::brightnessUp;
-using mediakey::mute;
-using mediakey::soundDown;
-using mediakey::soundUp;
-
-constexpr unsigned fine = modifierflag::option | modifierflag::shift;
-constexpr int playPause = 16;
+using enum MediaKey;
 
 class HUDServiceTest : public testing::Test {
  protected:
@@ -24,6 +17,7 @@ class HUDServiceTest : public testing::Test {
     model.audio.start();
   }
   void start() { hud.emplace(model, desktop.ports); }
+  bool press(MediaKey key) { return keys.send({.key = key}); }
   /// What the notch shows.
   std::optional<Transient> shown() { return model.transient; }
   static std::optional<Transient> indicator(HUDKind kind, double value) {
@@ -38,76 +32,68 @@ class HUDServiceTest : public testing::Test {
 };
 
 TEST_F(HUDServiceTest, ChangesTheVolumeByKeys) {
+  constexpr bool off = false, on = true;
   const struct {
     const char* what;
     double before;
     bool mutedBefore;
-    int key;
-    unsigned flags;
+    MediaKeyEvent press;
     double after;
     bool mutedAfter;
   } cases[] = {
-      {"up", 0.5, false, soundUp, 0, 0.5625, false},
-      {"down", 0.5, false, soundDown, 0, 0.4375, false},
-      {"finely", 0.5, false, soundDown, fine, 0.484375, false},
-      {"Alt alone is no fine step", 0.5, false, soundUp, modifierflag::option, 0.5625, false},
-      {"nor is Shift", 0.5, false, soundUp, modifierflag::shift, 0.5625, false},
-      {"at the top", 0.97, false, soundUp, 0, 1, false},
-      {"at the bottom", 0.03, false, soundDown, 0, 0, false},
-      {"up unmutes", 0.5, true, soundUp, 0, 0.5625, false},
-      {"down to silence stays muted", 0.05, true, soundDown, 0, 0, true},
-      {"mute", 0.5, false, mute, 0, 0.5, true},
-      {"unmute", 0.5, true, mute, 0, 0.5, false},
+      {"up", 0.5, off, {.key = soundUp}, 0.5625, off},
+      {"down", 0.5, off, {.key = soundDown}, 0.4375, off},
+      {"finely", 0.5, off, {.key = soundDown, .shift = true, .alt = true}, 0.484375, off},
+      {"Alt alone is no fine step", 0.5, off, {.key = soundUp, .alt = true}, 0.5625, off},
+      {"nor is Shift", 0.5, off, {.key = soundUp, .shift = true}, 0.5625, off},
+      {"at the top", 0.97, off, {.key = soundUp}, 1, off},
+      {"amplified beyond the top", 1.5, off, {.key = soundUp}, 1.5, off},
+      {"at the bottom", 0.03, off, {.key = soundDown}, 0, off},
+      {"up unmutes", 0.5, on, {.key = soundUp}, 0.5625, off},
+      {"down to silence stays muted", 0.05, on, {.key = soundDown}, 0, on},
+      {"mute", 0.5, off, {.key = mute}, 0.5, on},
+      {"unmute", 0.5, on, {.key = mute}, 0.5, off},
   };
   start();
-  for (const auto& c : cases) {
+  for (auto c : cases) {
     desktop.audioDevices.turn(1, AudioScope::output, {c.before, c.mutedBefore});
-    EXPECT_TRUE(keys.press(c.key, c.flags)) << c.what;
-    EXPECT_EQ(levels().volume, c.after) << c.what;
-    EXPECT_EQ(levels().muted, c.mutedAfter) << c.what;
-    EXPECT_EQ(shown(), c.mutedAfter ? indicator(HUDKind::mute, 0) : indicator(HUDKind::volume, c.after))
+    for (const bool down : {true, false}) {
+      c.press.down = down;
+      EXPECT_TRUE(keys.send(c.press)) << c.what;
+      EXPECT_EQ(levels().volume, c.after) << c.what << (down ? "" : ": released");
+      EXPECT_EQ(levels().muted, c.mutedAfter) << c.what;
+    }
+    EXPECT_EQ(shown(),
+              c.mutedAfter ? indicator(HUDKind::mute, 0) : indicator(HUDKind::volume, std::min(c.after, 1.0)))
         << c.what;
-    EXPECT_TRUE(keys.send(c.key, false, c.flags)) << c.what << ": released";
-    EXPECT_EQ(levels().volume, c.after) << c.what << ": released";
   }
 }
 
 TEST_F(HUDServiceTest, ChangesTheBrightnessByKeys) {
   const struct {
     double before;
-    int key;
-    unsigned flags;
+    MediaKeyEvent press;
     double after;
-  } cases[] = {{0.5, brightnessUp, 0, 0.5625},
-               {0.5, brightnessDown, fine, 0.484375},
-               {0.03, brightnessDown, 0, 0},
-               {0.99, brightnessUp, 0, 1}};
+  } cases[] = {{0.5, {.key = brightnessUp}, 0.5625},
+               {0.5, {.key = brightnessDown, .shift = true, .alt = true}, 0.484375},
+               {0.03, {.key = brightnessDown}, 0},
+               {0.99, {.key = brightnessUp}, 1}};
   start();
-  for (const auto& c : cases) {
+  for (auto c : cases) {
     desktop.brightness.value = c.before;
-    EXPECT_TRUE(keys.press(c.key, c.flags));
-    EXPECT_EQ(desktop.brightness.value, c.after);
+    for (const bool down : {true, false}) {
+      c.press.down = down;
+      EXPECT_TRUE(keys.send(c.press));
+      EXPECT_EQ(desktop.brightness.value, c.after) << "a release does nothing";
+    }
     EXPECT_EQ(shown(), indicator(HUDKind::brightness, c.after));
-    EXPECT_TRUE(keys.send(c.key, false, c.flags));
-    EXPECT_EQ(desktop.brightness.value, c.after) << "a release does nothing";
   }
   desktop.scheduler.advance(1.75);
   EXPECT_NE(shown(), std::nullopt);
   desktop.scheduler.advance(0.1);
   EXPECT_EQ(shown(), std::nullopt);
   desktop.brightness.value = std::nullopt;
-  EXPECT_FALSE(keys.press(brightnessUp)) << "a display that has gone";
-}
-
-TEST_F(HUDServiceTest, LeavesBrightnessKeysToTheDesktopUntilThereIsABrightness) {
-  desktop.brightness.value = std::nullopt;
-  start();
-  EXPECT_FALSE(keys.press(brightnessUp));
-  EXPECT_TRUE(keys.press(soundUp));
-  desktop.brightness.value = 0.5;
-  desktop.scheduler.advance(2);
-  EXPECT_TRUE(keys.press(brightnessUp));
-  EXPECT_FALSE(hud->handleMediaKey(playPause, true, 0));
+  EXPECT_FALSE(press(brightnessUp)) << "a display that has just gone";
 }
 
 TEST_F(HUDServiceTest, ShowsVolumesThatOthersChangeWhileItHasTheKeys) {
@@ -116,7 +102,7 @@ TEST_F(HUDServiceTest, ShowsVolumesThatOthersChangeWhileItHasTheKeys) {
   desktop.audioDevices.turn(1, AudioScope::output, {0.7, false});
   EXPECT_EQ(shown(), std::nullopt) << "the desktop shows its own";
   keys.trusted = true;
-  desktop.scheduler.advance(2);
+  keys.tellChange();
   EXPECT_TRUE(hud->hasTap());
   desktop.audioDevices.turn(1, AudioScope::output, {0.8, false});
   EXPECT_EQ(shown(), indicator(HUDKind::volume, 0.8));
@@ -124,32 +110,34 @@ TEST_F(HUDServiceTest, ShowsVolumesThatOthersChangeWhileItHasTheKeys) {
   EXPECT_EQ(shown(), indicator(HUDKind::mute, 0));
 }
 
-TEST_F(HUDServiceTest, HoldsTheKeysExactlyWhileTheyAreToBeReplaced) {
-  model.settings.replaceHUD = false;
-  start();
-  EXPECT_FALSE(hud->hasTap());
-  desktop.scheduler.advance(10);
-  EXPECT_FALSE(keys.press(soundUp));
-  model.settings.replaceHUD = true;
-  EXPECT_TRUE(keys.press(soundUp));
-  EXPECT_TRUE(keys.press(brightnessUp));
-  model.settings.replaceHUD = false;
-  EXPECT_FALSE(keys.press(soundUp));
-  EXPECT_FALSE(keys.press(brightnessUp));
-  EXPECT_FALSE(hud->handleMediaKey(soundUp, true, 0)) << "one that was on its way";
-  desktop.scheduler.advance(10);
-  EXPECT_FALSE(hud->hasTap());
-}
-
-TEST_F(HUDServiceTest, CatchesKeysThatHaveMoved) {
-  start();
-  keys.trusted = false;
-  keys.move();
-  EXPECT_FALSE(hud->hasTap()) << "another program was quicker";
-  keys.trusted = true;
+TEST_F(HUDServiceTest, HoldsTheKeysExactlyWhileTheyAreToBeReplacedAndCanBe) {
+  const struct {
+    const char* what;
+    std::function<void()> change;
+    bool sound, brightness;
+  } steps[] = {
+      {"not wanted from the start", [&] { model.settings.replaceHUD = false, start(); }, false, false},
+      {"keys came free", [&] { keys.tellChange(); }, false, false},
+      {"wanted", [&] { model.settings.replaceHUD = true; }, true, true},
+      {"the panel cannot be changed", [&] { desktop.brightness.plug(std::nullopt); }, true, false},
+      {"moved, and another program was quicker", [&] { keys.trusted = false, keys.tellChange(); }, false,
+       false},
+      {"came free", [&] { keys.trusted = true, keys.tellChange(); }, true, false},
+      {"the panel can be changed", [&] { desktop.brightness.plug(0.5); }, true, true},
+      {"not wanted", [&] { model.settings.replaceHUD = false; }, false, false},
+  };
+  for (const auto& step : steps) {
+    step.change();
+    EXPECT_EQ(hud->hasTap(), step.sound) << step.what;
+    levels().volume = 0.5;
+    model.audio.reload();
+    EXPECT_EQ(press(soundUp), step.sound) << step.what;
+    EXPECT_EQ(levels().volume, step.sound ? 0.5625 : 0.5) << step.what << ": caught once";
+    EXPECT_EQ(press(brightnessUp), step.brightness) << step.what;
+  }
+  EXPECT_FALSE(hud->handleMediaKey({.key = soundUp})) << "one that was on its way";
   desktop.scheduler.advance(2);
-  EXPECT_TRUE(keys.press(soundUp));
-  EXPECT_EQ(levels().volume, 0.5625) << "caught once";
+  EXPECT_EQ(desktop.scheduler.nextDue(), std::nullopt) << "it waits for events only";
 }
 
 TEST_F(HUDServiceTest, AsksForPermissionOnceByItself) {
@@ -159,15 +147,16 @@ TEST_F(HUDServiceTest, AsksForPermissionOnceByItself) {
   EXPECT_EQ(keys.requests, 0);
 
   keys.trusted = false;
+  EXPECT_TRUE(hud->isTrusted()) << "what it holds it may";
   model.settings.replaceHUD = false;
   start();
+  EXPECT_FALSE(hud->isTrusted());
   EXPECT_EQ(keys.requests, 0) << "it needs none";
   model.settings.replaceHUD = true;
   start();
   EXPECT_EQ(keys.requests, 1);
   EXPECT_EQ(asked(), true);
   start();
-  desktop.scheduler.advance(10);
   EXPECT_EQ(keys.requests, 1);
   hud->startTap(true);
   EXPECT_EQ(keys.requests, 2);

@@ -14,37 +14,33 @@ namespace {
 
 TestDesktop& desktop() { return TestDesktop::shared(); }
 
+using enum MediaKey;
+
 // Keys that the server's layout leaves empty or that nobody misses.
-constexpr unsigned upKey = 200, downKey = 201, muteKey = 202, otherKey = 203;
+constexpr unsigned upKey = 200, downKey = 201, muteKey = 202, brighterKey = 210, darkerKey = 211,
+                   otherKey = 203;
 constexpr unsigned shiftKey = 50, altKey = 64, capsLockKey = 66, numLockKey = 77;
 
-struct Press {
-  int code;
-  bool down;
-  unsigned flags;
-  friend bool operator==(const Press&, const Press&) = default;
-};
+const std::vector volumeKeys{soundUp, soundDown, mute};
 
 class X11MediaKeysTest : public testing::Test {
  protected:
   X11MediaKeysTest() {
     // The layout has keys of its own for these.
-    const xcb_setup_t* setup = xcb_get_setup(desktop().connection());
-    for (unsigned key = setup->min_keycode; key < upKey; ++key) {
-      if (key == 121 || key == 122 || key == 123) desktop().hands.mapKey(key, XCB_NO_SYMBOL);
-    }
+    for (const unsigned key : {121, 122, 123, 232, 233}) desktop().hands.mapKey(key, XCB_NO_SYMBOL);
     desktop().hands.mapKey(upKey, XF86XK_AudioRaiseVolume);
     desktop().hands.mapKey(downKey, XF86XK_AudioLowerVolume);
     desktop().hands.mapKey(muteKey, XF86XK_AudioMute);
+    desktop().hands.mapKey(brighterKey, XF86XK_MonBrightnessUp);
+    desktop().hands.mapKey(darkerKey, XF86XK_MonBrightnessDown);
     desktop().hands.mapKey(otherKey, XCB_NO_SYMBOL);
   }
 
-  std::optional<Subscription> tap() {
-    return keys.tap({mediakey::soundUp, mediakey::soundDown, mediakey::mute},
-                    [this](int code, bool down, unsigned flags) {
-                      presses.push_back({code, down, flags});
-                      return true;
-                    });
+  std::optional<Subscription> tap(const std::vector<MediaKey>& which = volumeKeys) {
+    return keys.tap(which, [this](const MediaKeyEvent& event) {
+      presses.push_back(event);
+      return true;
+    });
   }
   bool hasPresses(size_t count) {
     return waitUntil([&] { return presses.size() >= count; });
@@ -59,24 +55,29 @@ class X11MediaKeysTest : public testing::Test {
   }
 
   X11MediaKeys keys{desktop().connection(), desktop().scheduler};
-  std::vector<Press> presses;
+  std::vector<MediaKeyEvent> presses;
 };
 
 /// Another program that has grabbed a key.
 class Rival {
  public:
-  explicit Rival(unsigned keycode) : connection_(X11Connection::open()) {
+  explicit Rival(unsigned keycode)
+      : connection_(X11Connection::open()), keycode_(static_cast<xcb_keycode_t>(keycode)) {
     X11Connection& c = *connection_;
-    const auto cookie =
-        xcb_grab_key_checked(c, 0, c.root(), XCB_MOD_MASK_ANY, static_cast<xcb_keycode_t>(keycode),
-                             XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC);
+    const auto cookie = xcb_grab_key_checked(c, 0, c.root(), XCB_MOD_MASK_ANY, keycode_, XCB_GRAB_MODE_ASYNC,
+                                             XCB_GRAB_MODE_ASYNC);
     hasKey = owned(xcb_request_check(c, cookie)) == nullptr;
+  }
+  void letGo() {
+    xcb_ungrab_key(*connection_, keycode_, connection_->root(), XCB_MOD_MASK_ANY);
+    xcb_flush(*connection_);
   }
 
   bool hasKey;
 
  private:
   std::unique_ptr<X11Connection> connection_;
+  const xcb_keycode_t keycode_;
 };
 
 }  // namespace
@@ -84,23 +85,29 @@ class Rival {
 TEST_F(X11MediaKeysTest, CatchesKeysWhateverElseIsOn) {
   const auto held = tap();
   ASSERT_TRUE(held);
-  EXPECT_TRUE(keys.isTrusted());
-  constexpr unsigned shift = modifierflag::shift, option = modifierflag::option;
+  const auto brightness = tap({brightnessUp, brightnessDown});
+  ASSERT_TRUE(brightness);
   const struct {
     std::vector<unsigned> with;
-    unsigned flags;
-  } cases[] = {{{}, 0}, {{shiftKey}, shift}, {{altKey}, option}, {{shiftKey, altKey}, shift | option}};
+    unsigned key;
+    MediaKeyEvent press;
+  } cases[] = {{{}, upKey, {.key = soundUp}},
+               {{}, brighterKey, {.key = brightnessUp}},
+               {{}, darkerKey, {.key = brightnessDown}},
+               {{shiftKey}, downKey, {.key = soundDown, .shift = true}},
+               {{altKey}, downKey, {.key = soundDown, .alt = true}},
+               {{shiftKey, altKey}, downKey, {.key = soundDown, .shift = true, .alt = true}}};
   for (const unsigned lock : {0u, capsLockKey, numLockKey}) {
     if (lock) desktop().hands.typeKey(lock);
     for (const auto& c : cases) {
       presses.clear();
       for (const unsigned key : c.with) desktop().hands.pressKey(key);
-      desktop().hands.typeKey(downKey);
+      desktop().hands.typeKey(c.key);
       for (const unsigned key : c.with) desktop().hands.releaseKey(key);
       ASSERT_TRUE(hasPresses(2));
-      EXPECT_THAT(presses, ElementsAre(Press{mediakey::soundDown, true, c.flags},
-                                       Press{mediakey::soundDown, false, c.flags}))
-          << lock;
+      MediaKeyEvent release = c.press;
+      release.down = false;
+      EXPECT_THAT(presses, ElementsAre(c.press, release)) << c.key << " with lock " << lock;
     }
     if (lock) desktop().hands.typeKey(lock);
   }
@@ -110,9 +117,8 @@ TEST_F(X11MediaKeysTest, AHeldKeyRepeatsButMuteDoesNot) {
   const auto held = tap();
   ASSERT_TRUE(held);
   desktop().hands.pressKey(upKey);
-  EXPECT_TRUE(waitUntil([this] {
-    return std::count(presses.begin(), presses.end(), Press{0, true, 0}) >= 3;
-  }));
+  EXPECT_TRUE(
+      waitUntil([this] { return std::count(presses.begin(), presses.end(), MediaKeyEvent{soundUp}) >= 3; }));
   desktop().hands.releaseKey(upKey);
   settle();
   presses.clear();
@@ -121,26 +127,42 @@ TEST_F(X11MediaKeysTest, AHeldKeyRepeatsButMuteDoesNot) {
   EXPECT_TRUE(waitUntil([this] { return presses.size() >= 4; }));
   desktop().hands.releaseKey(muteKey);
   settle();
-  EXPECT_EQ(std::count(presses.begin(), presses.end(), Press{mediakey::mute, true, 0}), 1);
+  EXPECT_EQ(std::count(presses.begin(), presses.end(), MediaKeyEvent{mute}), 1);
   presses.clear();
   desktop().hands.typeKey(muteKey);
   EXPECT_TRUE(hasPresses(2));
-  EXPECT_EQ(presses.front(), (Press{mediakey::mute, true, 0})) << "pressed anew";
+  EXPECT_EQ(presses.front(), MediaKeyEvent{mute}) << "pressed anew";
 }
 
 TEST_F(X11MediaKeysTest, HasAllKeysOrNone) {
+  EXPECT_TRUE(keys.isTrusted(volumeKeys)) << "nobody has them";
+  EXPECT_TRUE(Rival(upKey).hasKey) << "nor has this program, only for having looked";
   auto rival = std::make_unique<Rival>(muteKey);
+  ASSERT_TRUE(rival->hasKey);
+  EXPECT_FALSE(keys.isTrusted(volumeKeys));
   EXPECT_FALSE(tap());
-  EXPECT_FALSE(keys.isTrusted());
   EXPECT_TRUE(waitUntil([] { return Rival(upKey).hasKey; })) << "what it did get is free again";
-  rival.reset();
+  const auto brightness = tap({brightnessUp, brightnessDown});
+  EXPECT_TRUE(brightness);
+  EXPECT_FALSE(keys.isTrusted(volumeKeys)) << "other keys say nothing about these";
+  EXPECT_TRUE(keys.isTrusted({brightnessUp}));
+  desktop().hands.typeKey(brighterKey);
+  EXPECT_TRUE(hasPresses(2)) << "caught still";
+}
+
+TEST_F(X11MediaKeysTest, TellsWhenKeysComeFree) {
   std::optional<Subscription> held;
-  EXPECT_TRUE(waitUntil([&] { return (held = tap()).has_value(); }))
-      << "the server notices the end a little later";
-  EXPECT_TRUE(keys.isTrusted());
-  EXPECT_FALSE(Rival(upKey).hasKey);
-  held.reset();
-  EXPECT_TRUE(waitUntil([] { return Rival(upKey).hasKey; })) << "let go of";
+  const auto observer = keys.observe([&] { held = tap(); });
+  for (const bool ends : {true, false}) {
+    auto rival = std::make_unique<Rival>(muteKey);
+    ASSERT_TRUE(rival->hasKey);
+    ASSERT_FALSE(tap());
+    ends ? rival.reset() : rival->letGo();
+    EXPECT_TRUE(waitUntil([&] { return held.has_value(); })) << ends;
+    EXPECT_FALSE(Rival(upKey).hasKey);
+    held.reset();
+    EXPECT_TRUE(waitUntil([] { return Rival(upKey).hasKey; })) << "let go of";
+  }
 }
 
 TEST_F(X11MediaKeysTest, TellsWhenKeysHaveMoved) {
@@ -156,5 +178,5 @@ TEST_F(X11MediaKeysTest, TellsWhenKeysHaveMoved) {
   ASSERT_TRUE(waitUntil([&] { return moves > 0; }));
   desktop().hands.typeKey(otherKey);
   ASSERT_TRUE(hasPresses(2));
-  EXPECT_THAT(presses, ElementsAre(Press{mediakey::soundUp, true, 0}, Press{mediakey::soundUp, false, 0}));
+  EXPECT_THAT(presses, ElementsAre(MediaKeyEvent{soundUp}, MediaKeyEvent{.key = soundUp, .down = false}));
 }

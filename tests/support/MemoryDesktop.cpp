@@ -62,12 +62,12 @@ void MemoryPointer::move(std::optional<Point> position) {
 }
 
 void MemoryPointer::press() {
-  leftButtonDown_ = true;
+  buttonDown_ = true;
   report();
 }
 
 void MemoryPointer::release() {
-  leftButtonDown_ = false;
+  buttonDown_ = false;
   report();
 }
 
@@ -84,7 +84,7 @@ void MemoryPointer::tellDragTypes(std::vector<std::string> types) {
 
 std::optional<double> MemoryAudioDevices::volume(uint32_t id, AudioScope scope) const {
   const auto found = levels.find({id, scope});
-  return found == levels.end() ? std::nullopt : std::optional(found->second.volume);
+  return found == levels.end() ? std::nullopt : std::optional(std::min(found->second.volume, 1.0));
 }
 
 std::optional<bool> MemoryAudioDevices::isMuted(uint32_t id, AudioScope scope) const {
@@ -109,19 +109,19 @@ void MemoryAudioDevices::turn(uint32_t id, AudioScope scope, Levels to) {
   levelChanges_[{id, scope}].notifyObservers();
 }
 
-std::optional<Subscription> MemoryMediaKeys::tap(const std::vector<int>& codes, Handler handler) {
+std::optional<Subscription> MemoryMediaKeys::tap(const std::vector<MediaKey>& keys, Handler handler) {
   if (!trusted) return std::nullopt;
-  const auto tap = std::make_shared<Tap>(Tap{codes, std::move(handler)});
+  const auto tap = std::make_shared<Tap>(Tap{keys, std::move(handler)});
   taps_.push_back(tap);
   return Subscription(tap);
 }
 
-bool MemoryMediaKeys::send(int code, bool down, unsigned flags) {
+bool MemoryMediaKeys::send(const MediaKeyEvent& event) {
   const auto taps = taps_;
   for (const auto& weak : taps) {
     const auto tap = weak.lock();
-    if (!tap || std::find(tap->codes.begin(), tap->codes.end(), code) == tap->codes.end()) continue;
-    return tap->handler(code, down, flags);
+    if (!tap || std::find(tap->keys.begin(), tap->keys.end(), event.key) == tap->keys.end()) continue;
+    return tap->handler(event);
   }
   return false;
 }

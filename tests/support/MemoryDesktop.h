@@ -81,7 +81,7 @@ class MemoryScreens : public Screens {
 class MemoryPointer : public Pointer {
  public:
   std::optional<Point> position() const override { return position_; }
-  bool leftButtonDown() const override { return leftButtonDown_; }
+  bool buttonDown() const override { return buttonDown_; }
   int dragChangeCount() const override { return dragChangeCount_; }
   std::optional<std::vector<std::string>> dragTypes() const override { return dragTypes_; }
   Subscription observe(std::function<void()> onActivity) override {
@@ -101,7 +101,7 @@ class MemoryPointer : public Pointer {
 
  private:
   std::optional<Point> position_ = Point{-10'000, -10'000};
-  bool leftButtonDown_ = false;
+  bool buttonDown_ = false;
   int dragChangeCount_ = 0;
   std::optional<std::vector<std::string>> dragTypes_;
   bool wantsActivity_ = false;
@@ -110,16 +110,27 @@ class MemoryPointer : public Pointer {
 
 class MemoryWindowList : public WindowList {
  public:
-  std::optional<std::vector<WindowInfo>> onScreen() const override { return windows; }
+  std::optional<std::vector<WindowInfo>> onScreen() override { return windows; }
   int64_t ownProcess() const override { return 4242; }
+  Subscription observe(std::function<void()> onChange) override {
+    return changes_.observe(std::move(onChange));
+  }
+
+  void set(std::optional<std::vector<WindowInfo>> changed) {
+    windows = std::move(changed);
+    changes_.notifyObservers();
+  }
 
   std::optional<std::vector<WindowInfo>> windows = std::vector<WindowInfo>{};
+
+ private:
+  ObservableObject changes_;
 };
 
 class MemorySoundPlayer : public SoundPlayer {
  public:
-  void play(Sound sound) override { played.push_back(sound); }
-  std::vector<Sound> played;
+  void play(const std::string& name) override { played.push_back(name); }
+  std::vector<std::string> played;
 };
 
 class MemoryHapticPerformer : public HapticPerformer {
@@ -166,33 +177,47 @@ class MemoryAudioDevices : public AudioDevices {
 /// Keys that a test presses, and that another program may hold.
 class MemoryMediaKeys : public MediaKeys {
  public:
-  bool isTrusted() const override { return trusted; }
+  bool isTrusted(const std::vector<MediaKey>&) override { return trusted; }
   void requestTrust() override { ++requests; }
-  std::optional<Subscription> tap(const std::vector<int>& codes, Handler handler) override;
-  Subscription observe(std::function<void()> onMove) override { return moves_.observe(std::move(onMove)); }
+  std::optional<Subscription> tap(const std::vector<MediaKey>& keys, Handler handler) override;
+  Subscription observe(std::function<void()> onChange) override {
+    return changes_.observe(std::move(onChange));
+  }
 
   /// @return whether the key was caught and swallowed
-  bool send(int code, bool down, unsigned flags = 0);
-  bool press(int code, unsigned flags = 0) { return send(code, true, flags); }
-  void move() { moves_.notifyObservers(); }
+  bool send(const MediaKeyEvent& event);
+  /// Says that keys have moved or may have come free.
+  void tellChange() { changes_.notifyObservers(); }
 
   bool trusted = true;
   int requests = 0;
 
  private:
   struct Tap {
-    std::vector<int> codes;
+    std::vector<MediaKey> keys;
     Handler handler;
   };
   std::vector<std::weak_ptr<Tap>> taps_;
-  ObservableObject moves_;
+  ObservableObject changes_;
 };
 
 class MemoryDisplayBrightness : public DisplayBrightness {
  public:
-  std::optional<double> current() const override { return value; }
+  std::optional<double> current() override { return value; }
   void set(double brightness) override { value = brightness; }
+  Subscription observe(std::function<void()> onChange) override {
+    return changes_.observe(std::move(onChange));
+  }
+
+  void plug(std::optional<double> brightness) {
+    value = brightness;
+    changes_.notifyObservers();
+  }
+
   std::optional<double> value = 0.5;
+
+ private:
+  ObservableObject changes_;
 };
 
 /// A battery and a charger that a test sets.
@@ -274,7 +299,6 @@ struct MemoryDesktop {
                 .defaults = defaults,
                 .folders = folders,
                 .screens = screens,
-                .pointer = pointer,
                 .windows = windows,
                 .sounds = sounds,
                 .haptics = haptics,

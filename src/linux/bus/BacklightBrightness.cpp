@@ -1,7 +1,5 @@
 #include "linux/bus/BacklightBrightness.h"
 
-#include <QDBusMessage>
-#include <QDBusPendingCallWatcher>
 #include <algorithm>
 #include <cmath>
 #include <filesystem>
@@ -10,7 +8,7 @@
 namespace tarnwick {
 namespace {
 
-constexpr int replyTimeout = 5'000;  // milliseconds
+constexpr auto session = "org.freedesktop.login1.Session";
 
 template<typename T>
 std::optional<T> read(const std::filesystem::path& file) {
@@ -52,7 +50,19 @@ std::optional<BacklightBrightness::Panel> BacklightBrightness::findPanel() const
   return best ? std::optional(found) : std::nullopt;
 }
 
-std::optional<long> BacklightBrightness::present() const {
+BacklightBrightness::BacklightBrightness(MessageBus& bus, std::string folder)
+    : bus_(bus), loginDaemon_(bus, "org.freedesktop.login1"), folder_(std::move(folder)) {
+  loginDaemon_.onAppear = [this] { tryWriting(); };
+  loginDaemon_.onVanish = [this] {
+    writing_ = false;
+    setWritable(false);
+  };
+  // The session may have come to the foreground.
+  loginDaemon_.onSignal = [this](const QDBusMessage&) { tryWriting(); };
+  loginDaemon_.listen({}, "org.freedesktop.DBus.Properties", "PropertiesChanged", session);
+}
+
+std::optional<long> BacklightBrightness::present() {
   if (wanted_ && panel_) return wanted_;
   for (const bool searched : {false, true}) {
     if (searched) panel_ = findPanel();
@@ -62,15 +72,19 @@ std::optional<long> BacklightBrightness::present() const {
   return std::nullopt;
 }
 
-std::optional<double> BacklightBrightness::current() const {
+std::optional<double> BacklightBrightness::current() {
   const auto raw = present();
   if (!raw) return std::nullopt;
+  if (!writable_) {
+    tryWriting();
+    return std::nullopt;
+  }
   return std::clamp(static_cast<double>(*raw) / static_cast<double>(panel_->maximum), 0.0, 1.0);
 }
 
 void BacklightBrightness::set(double brightness) {
   const auto now = present();
-  if (!now) return;
+  if (!now || !writable_) return;
   const double next = std::clamp(brightness, 0.0, 1.0);
   const auto maximum = static_cast<double>(panel_->maximum);
   long raw = std::lround(next * maximum);
@@ -80,29 +94,35 @@ void BacklightBrightness::set(double brightness) {
   if (raw == *now && next < before) --raw;
   if (raw == *now) return;
   wanted_ = raw;
-  if (!writing_) write();
+  if (!writing_) write(raw);
 }
 
-void BacklightBrightness::write() {
-  const auto& connection = bus_.connection();
-  if (!connection) return wanted_.reset();
+void BacklightBrightness::tryWriting() {
+  if (writable_ || writing_ || !bus_.connection()) return;
+  if (const auto raw = present()) write(*raw);
+}
+
+void BacklightBrightness::write(long raw) {
   writing_ = true;
-  auto call = QDBusMessage::createMethodCall("org.freedesktop.login1", "/org/freedesktop/login1/session/auto",
-                                             "org.freedesktop.login1.Session", "SetBrightness");
-  const long raw = *wanted_;
-  call << "backlight" << QString::fromStdString(panel_->name) << static_cast<uint>(raw);
-  auto* reply = new QDBusPendingCallWatcher(connection->asyncCall(call, replyTimeout), &context_);
-  QObject::connect(reply, &QDBusPendingCallWatcher::finished, &context_, [this, reply, raw] {
-    reply->deleteLater();
-    written(raw);
-  });
+  loginDaemon_.call(
+      "/org/freedesktop/login1/session/auto", session, "SetBrightness",
+      {"backlight", QString::fromStdString(panel_->name), static_cast<uint>(raw)},
+      [this, raw](const QDBusMessage&) {
+        writing_ = false;
+        setWritable(true);
+        // What was wanted meanwhile goes out in one.
+        if (wanted_ && *wanted_ != raw) return write(*wanted_);
+        wanted_.reset();
+      },
+      [this] {
+        writing_ = false;
+        setWritable(false);
+      });
 }
 
-void BacklightBrightness::written(long raw) {
-  writing_ = false;
-  // What was wanted meanwhile goes out in one.
-  if (wanted_ != raw) return write();
-  wanted_.reset();
+void BacklightBrightness::setWritable(bool writable) {
+  if (!writable) wanted_.reset();
+  if (std::exchange(writable_, writable) != writable) changes_.notifyObservers();
 }
 
 }  // namespace tarnwick

@@ -1,5 +1,4 @@
 #pragma once
-#include <QObject>
 #include <optional>
 #include <string>
 
@@ -9,15 +8,18 @@
 namespace tarnwick {
 
 /// The brightness of the built-in panel: read from the kernel's backlight class, written by the login daemon,
-/// which lets the user of the session do so.
+/// which lets the user of the session in the foreground do so. Nobody tells whether it would but by doing it:
+/// the panel is given the brightness that it has.
 class BacklightBrightness : public DisplayBrightness {
  public:
   /// @param folder of the backlight class
-  explicit BacklightBrightness(MessageBus& bus, std::string folder = "/sys/class/backlight")
-      : bus_(bus), folder_(std::move(folder)) {}
+  explicit BacklightBrightness(MessageBus& bus, std::string folder = "/sys/class/backlight");
 
-  std::optional<double> current() const override;
+  std::optional<double> current() override;
   void set(double brightness) override;
+  Subscription observe(std::function<void()> onChange) override {
+    return changes_.observe(std::move(onChange));
+  }
 
  private:
   struct Panel {
@@ -28,18 +30,20 @@ class BacklightBrightness : public DisplayBrightness {
 
   std::optional<Panel> findPanel() const;
   /// Raw units.
-  std::optional<long> present() const;
-  void write();
-  void written(long raw);
+  std::optional<long> present();
+  void tryWriting();
+  void write(long raw);
+  void setWritable(bool writable);
 
   MessageBus& bus_;
+  BusService loginDaemon_;
   const std::string folder_;
-  /// Receiver of the replies.
-  QObject context_;
-  mutable std::optional<Panel> panel_;
+  std::optional<Panel> panel_;
+  bool writable_ = false;
   /// What is wanted, until the kernel has it. Raw units.
   std::optional<long> wanted_;
   bool writing_ = false;
+  ObservableObject changes_;
 };
 
 }  // namespace tarnwick

@@ -9,17 +9,17 @@ namespace {
 
 constexpr struct {
   xcb_keysym_t keysym;
-  int code;
-} specialKeys[] = {{XF86XK_AudioRaiseVolume, mediakey::soundUp},
-                   {XF86XK_AudioLowerVolume, mediakey::soundDown},
-                   {XF86XK_AudioMute, mediakey::mute},
-                   {XF86XK_MonBrightnessUp, mediakey::brightnessUp},
-                   {XF86XK_MonBrightnessDown, mediakey::brightnessDown}};
+  MediaKey meaning;
+} specialKeys[] = {{XF86XK_AudioRaiseVolume, MediaKey::soundUp},
+                   {XF86XK_AudioLowerVolume, MediaKey::soundDown},
+                   {XF86XK_AudioMute, MediaKey::mute},
+                   {XF86XK_MonBrightnessUp, MediaKey::brightnessUp},
+                   {XF86XK_MonBrightnessDown, MediaKey::brightnessDown}};
 
-unsigned modifierFlags(uint16_t state) {
-  return (state & XCB_MOD_MASK_SHIFT ? modifierflag::shift : 0) |
-         (state & XCB_MOD_MASK_1 ? modifierflag::option : 0);
-}
+/// Programs that start and end by the second must not keep this one busy.
+constexpr double releaseDelay = 0.5;
+/// Where the server does not tell of releases.
+constexpr double retryInterval = 60;
 
 }  // namespace
 
@@ -57,8 +57,15 @@ class X11MediaKeys::Tap {
     const bool repeats = down && lastRelease_ == now;
     if (!down) lastRelease_ = now;
     // Holding the mute key must not toggle for ever.
-    if (repeats && key->code == mediakey::mute) return;
-    handler_(key->code, down, modifierFlags(event.state));
+    if (repeats && key->meaning == MediaKey::mute) return;
+    handler_({.key = key->meaning,
+              .down = down,
+              .shift = (event.state & XCB_MOD_MASK_SHIFT) != 0,
+              .alt = (event.state & XCB_MOD_MASK_1) != 0});
+  }
+
+  bool holds(xcb_keycode_t keycode) const {
+    return std::any_of(keys_.begin(), keys_.end(), [&](const Key& key) { return key.keycode == keycode; });
   }
 
  private:
@@ -74,38 +81,59 @@ X11MediaKeys::X11MediaKeys(X11Connection& connection, Scheduler& scheduler)
 }
 
 /// Where the keys are on the keyboard; a key may be there several times, or not at all.
-std::vector<X11MediaKeys::Key> X11MediaKeys::keys(const std::vector<int>& codes) const {
+std::vector<X11MediaKeys::Key> X11MediaKeys::locate(const std::vector<MediaKey>& keys) const {
   const xcb_setup_t* setup = xcb_get_setup(connection_);
   const auto count = static_cast<uint8_t>(setup->max_keycode - setup->min_keycode + 1);
   const auto mapping = owned(xcb_get_keyboard_mapping_reply(
       connection_, xcb_get_keyboard_mapping(connection_, setup->min_keycode, count), nullptr));
-  std::vector<Key> keys;
-  if (!mapping) return keys;
+  std::vector<Key> found;
+  if (!mapping) return found;
   const xcb_keysym_t* keysyms = xcb_get_keyboard_mapping_keysyms(mapping.get());
   for (int i = 0; i < count; ++i) {
     // What the key means by itself: grabbed, it is caught with all modifiers.
     const xcb_keysym_t keysym = keysyms[i * mapping->keysyms_per_keycode];
     for (const auto& special : specialKeys) {
-      if (special.keysym != keysym || std::find(codes.begin(), codes.end(), special.code) == codes.end()) {
+      if (special.keysym != keysym || std::find(keys.begin(), keys.end(), special.meaning) == keys.end()) {
         continue;
       }
-      keys.push_back({static_cast<xcb_keycode_t>(setup->min_keycode + i), special.code});
+      found.push_back({static_cast<xcb_keycode_t>(setup->min_keycode + i), special.meaning});
     }
   }
-  return keys;
+  return found;
 }
 
-std::optional<Subscription> X11MediaKeys::tap(const std::vector<int>& codes, Handler handler) {
-  std::shared_ptr<Tap> tap;
-  if (!connection_.isXWayland()) {
-    tap = std::make_shared<Tap>(connection_, keys(codes), std::move(handler));
-    if (!tap->grab()) tap = nullptr;
+std::optional<Subscription> X11MediaKeys::tap(const std::vector<MediaKey>& keys, Handler handler) {
+  if (connection_.isXWayland()) return std::nullopt;
+  const auto tap = std::make_shared<Tap>(connection_, locate(keys), std::move(handler));
+  if (!tap->grab()) {
+    watchForRelease();
+    // They may have come free before somebody watched.
+    if (!tap->grab()) return std::nullopt;
   }
-  // As long as some keys are held the session does let them be caught.
-  trusted_ = tap || !liveTaps().empty();
-  if (!tap) return std::nullopt;
   taps_.push_back(tap);
   return Subscription(tap);
+}
+
+bool X11MediaKeys::isTrusted(const std::vector<MediaKey>& keys) {
+  if (connection_.isXWayland()) return false;
+  std::vector<Key> others = locate(keys);
+  for (const auto& tap : liveTaps()) {
+    std::erase_if(others, [&](const Key& key) { return tap->holds(key.keycode); });
+  }
+  return Tap(connection_, std::move(others), nullptr).grab();
+}
+
+void X11MediaKeys::watchForRelease() {
+  if (releaseWatch_) return;
+  releaseWatch_ = std::make_unique<X11ReleaseWatch>(connection_, [this] { tellChangeIn(releaseDelay); });
+  if (!releaseWatch_->isActive()) tellChangeIn(retryInterval);
+}
+
+void X11MediaKeys::tellChangeIn(double seconds) {
+  telling_ = scheduler_.after(seconds, [this] {
+    releaseWatch_.reset();
+    changes_.notifyObservers();
+  });
 }
 
 std::vector<std::shared_ptr<X11MediaKeys::Tap>> X11MediaKeys::liveTaps() {
@@ -124,7 +152,7 @@ void X11MediaKeys::handle(const xcb_generic_event_t& event) {
     const auto& mapping = reinterpret_cast<const xcb_mapping_notify_event_t&>(event);
     // Changing a layout brings many of these.
     if (mapping.request == XCB_MAPPING_KEYBOARD) {
-      moved_ = scheduler_.post([this] { moves_.notifyObservers(); });
+      tellChangeIn(0);
     }
   }
 }
