@@ -76,10 +76,12 @@ class Desktop:
         width, height = self.size
         number = self._start_telling("-displayfd", ["Xvfb", "-screen", "0", f"{width}x{height}x24", "-nolisten",
                                                     "tcp", "-noreset", "+extension", "Composite"])
+        self.display_server = self.processes[-1]
         self.environment["DISPLAY"] = f":{number}"
         self.x = Display(f":{number}")
         self.root = self.x.screen().root
         self.bus_address = self._start_telling("--print-address", ["dbus-daemon", "--session", "--nofork"])
+        self.bus_daemon = self.processes[-1]
         self.environment["DBUS_SESSION_BUS_ADDRESS"] = self.bus_address
         self.bus = dbus.bus.BusConnection(self.bus_address)
         self.paint_wallpaper(lambda _: WALLPAPER)
@@ -112,6 +114,10 @@ class Desktop:
         self.processes.append(process)
         return process
 
+    def kill_display(self):
+        del self.x
+        self.display_server.kill()
+
     def close(self):
         if hasattr(self, "x"):
             self.x.close()
@@ -127,15 +133,14 @@ class Desktop:
 
     # The overlay
 
-    def start_overlay(self, defaults=None):
+    def start_overlay(self, defaults=None, arguments=()):
         """Starts the overlay and returns when it hears notifications and follows the pointer."""
         if defaults is not None:
             self.defaults_file.parent.mkdir(parents=True, exist_ok=True)
             self.defaults_file.write_text(json.dumps(defaults))
-        self.overlay = self.start([PROGRAM])
+        self.overlay = self.start([PROGRAM, *arguments])
         wait_until(lambda: self.overlay_runs() and self.bus.name_has_owner(BUS_NAME), "the overlay's bus name")
-        # The first tick of its pointer tracker, the last thing of its start, leaves the window open to the pointer
-        # at the top only.
+        # It hears and follows before its window shows, which is open to the pointer at the top only.
         wait_until(lambda: self.overlay_runs() and 0 < self._height_open_to_pointer() < 100, "the overlay's window")
         return self.overlay
 

@@ -7,8 +7,7 @@ import subprocess
 import sys
 import threading
 
-ROOT = "org.mpris.MediaPlayer2"
-PLAYER = ROOT + ".Player"
+PLAYER = "org.mpris.MediaPlayer2.Player"
 PATIENCE = 30
 
 
@@ -52,15 +51,13 @@ class MediaPlayer:
 
 
 def properties_from(wanted):
-    """The protocol's properties from short names: status, position, rate, metadata (its keys without prefix)."""
+    """The protocol's properties from short names: status, position, metadata (its keys without prefix)."""
     import dbus
     found = {}
     if "status" in wanted:
         found["PlaybackStatus"] = wanted["status"]
     if "position" in wanted:
         found["Position"] = dbus.Int64(wanted["position"] * 1_000_000)
-    if "rate" in wanted:
-        found["Rate"] = dbus.Double(wanted["rate"])
     if "metadata" in wanted:
         kinds = {"trackid": ("mpris:trackid", dbus.ObjectPath), "title": ("xesam:title", str),
                  "artist": ("xesam:artist", lambda names: dbus.Array(names, signature="s")),
@@ -85,18 +82,16 @@ def play_role(name, initial):
         print(json.dumps(words), flush=True)
 
     class Player(dbus.service.Object):
-        deaf = False
         state = {"PlaybackStatus": "Stopped", "Position": dbus.Int64(0),
                  "Metadata": dbus.Dictionary({}, signature="sv"), **properties_from(initial)}
 
         @dbus.service.method("org.freedesktop.DBus.Properties", in_signature="s", out_signature="a{sv}")
         def GetAll(self, interface):
-            root = {"DesktopEntry": "test-player", "CanRaise": True}
-            return dbus.Dictionary(self.state if interface == PLAYER else root, signature="sv")
+            return dbus.Dictionary(self.state if interface == PLAYER else {}, signature="sv")
 
         @dbus.service.method("org.freedesktop.DBus.Properties", in_signature="ss", out_signature="v")
         def Get(self, interface, key):
-            return self.state[key]
+            return "test-player" if key == "DesktopEntry" else self.state[key]
 
         @dbus.service.signal("org.freedesktop.DBus.Properties", signature="sa{sv}as")
         def PropertiesChanged(self, interface, changed, invalidated):
@@ -114,8 +109,7 @@ def play_role(name, initial):
         @dbus.service.method(PLAYER)
         def PlayPause(self):
             say("PlayPause")
-            if not self.deaf:
-                self.set({"PlaybackStatus": "Paused" if self.state["PlaybackStatus"] == "Playing" else "Playing"})
+            self.set({"PlaybackStatus": "Paused" if self.state["PlaybackStatus"] == "Playing" else "Playing"})
 
         @dbus.service.method(PLAYER)
         def Next(self):
@@ -128,12 +122,8 @@ def play_role(name, initial):
         @dbus.service.method(PLAYER, in_signature="ox")
         def SetPosition(self, track, position):
             say("SetPosition", track, position)
-            if not self.deaf:
-                self.state["Position"] = dbus.Int64(position)
-
-        @dbus.service.method(ROOT)
-        def Raise(self):
-            say("Raise")
+            self.state["Position"] = dbus.Int64(position)
+            self.Seeked(position)
 
         @dbus.service.method(PLAYER, in_signature="x")
         def Seek(self, offset):
@@ -142,7 +132,7 @@ def play_role(name, initial):
     dbus.mainloop.glib.DBusGMainLoop(set_as_default=True)
     bus = dbus.bus.BusConnection(os.environ["DBUS_SESSION_BUS_ADDRESS"])
     player = Player(bus, "/org/mpris/MediaPlayer2")
-    names = [dbus.service.BusName(f"{ROOT}.{name}", bus)]
+    claim = dbus.service.BusName("org.mpris.MediaPlayer2." + name, bus)
     loop = GLib.MainLoop()
 
     def obey(line):
@@ -150,13 +140,10 @@ def play_role(name, initial):
         if "set" in order:
             player.set(properties_from(order["set"]))
         if "seeked" in order:
-            player.Seeked(order["seeked"])
+            player.state["Position"] = dbus.Int64(order["seeked"] * 1_000_000)
+            player.Seeked(player.state["Position"])
         for number in range(order.get("flood", 0)):
-            track = {"title": f"Flood {number}", "trackid": "/" + "x" * order.get("size", 1)}
-            player.set(properties_from({"metadata": track, "status": "Playing"}))
-        for number in range(order.get("names", 0)):
-            names.append(dbus.service.BusName(f"{ROOT}.{name}{number}", bus))
-        player.deaf = order.get("deaf", player.deaf)
+            player.set(properties_from({"metadata": {"title": f"Flood {number}"}, "status": "Playing"}))
         if "invalidate" in order:
             player.state.update(properties_from(order["invalidate"]))
             player.PropertiesChanged(PLAYER, dbus.Dictionary({}, signature="sv"), ["Metadata"])
@@ -169,6 +156,7 @@ def play_role(name, initial):
     threading.Thread(target=listen, daemon=True).start()
     say("ready")
     loop.run()
+    del claim
 
 
 if __name__ == "__main__":

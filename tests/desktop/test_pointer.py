@@ -72,38 +72,24 @@ class Pointer(DesktopTest):
                          [(self.middle, 100)])
         self.assertEqual(self.desktop.x.get_input_focus().focus, focus, "the overlay took the focus")
 
-    def pull_file_to_notch(self, source):
-        """Whether the drop area has opened for it. A button that is held before the overlay has looked does not count,
-        and on a slow machine a pull may be that fast."""
-        pulls = source.log.read_text().split().count("dragging")
-        self.desktop.move_pointer(150, 550)
-        self.desktop.press()
-        steps = itertools.count(1)
-        # Programs take a pull for a drag only after some way.
-        wait_until(lambda: self.desktop.move_pointer(150 + 2 * next(steps), 550)
-                   or source.log.read_text().split().count("dragging") > pulls, "the drag to start")
-        # Near the notch, but not on it.
-        self.desktop.move_pointer(self.middle, 110)
-        try:
-            return self.desktop.wait_for(lambda picture: picture.notch()[1] > 100, "the drop area", patience=3)
-        except AssertionError:
-            self.desktop.release()
-            return False
-
     def test_a_dropped_file_is_kept(self):
         file = self.desktop.home / "plan für morgen.txt"
         file.write_text("x")
         self.desktop.start_overlay()
         source = self.desktop.start([BUILD / "tests/test-platform", "--drag", "text/uri-list", file.as_uri(), 100, 500])
 
-        def wait_for_source(word):
-            wait_until(lambda: word in source.log.read_text().split(), f"the program to drag from to be {word}")
-        wait_for_source("ready")
-        wait_until(lambda: self.pull_file_to_notch(source), "a file near the notch to open it")
-        self.desktop.wait_for_notch(*EXPANDED)
-        self.desktop.move_pointer(self.middle, 90)
-        self.desktop.move_pointer(self.middle, 80)
-        wait_for_source("accepted")
+        def said(word):
+            return word in source.log.read_text().split()
+        wait_until(lambda: said("ready"), "the program to drag from")
+        self.desktop.move_pointer(150, 550)
+        self.desktop.press()
+        steps = itertools.count(1)
+        # Programs take a pull for a drag only after some way.
+        wait_until(lambda: self.desktop.move_pointer(150 + 2 * next(steps), 550) or said("dragging"), "a drag")
+        # Near the notch, but not on it. The source follows the pointer only once its drag is on: it must keep moving.
+        wait_until(lambda: self.desktop.move_pointer(self.middle + next(steps) % 9, 110)
+                   or self.desktop.top().notch()[:2] == (EXPANDED[0] - 12, EXPANDED[1]), "the drop area")
+        wait_until(lambda: self.desktop.move_pointer(self.middle, 80 + next(steps) % 9) or said("accepted"), "a target")
         self.desktop.release()
         wait_until(lambda: self.desktop.defaults().get("trayItems") == [str(file)], "the file in the tray")
         self.desktop.wait_for_notch(*EXPANDED)

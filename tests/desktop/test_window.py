@@ -1,11 +1,12 @@
 """The overlay's window among others."""
 
+import signal
 import unittest
 
 from Xlib import X
 
-from desktop import wait_until
-from desktop_test import BANNER, CLAUDE, HIDDEN, DesktopTest
+from desktop import BUS_NAME, PROGRAM, wait_until
+from desktop_test import BANNER, CLAUDE, HIDDEN, HOVERED, DesktopTest
 
 
 class Window(DesktopTest):
@@ -13,6 +14,35 @@ class Window(DesktopTest):
         result = self.desktop.run("--snapshot", "pictures")
         self.assertEqual(result.returncode, 1)
         self.assertIn(b"--snapshot", result.stderr)
+
+    def test_there_is_one_overlay_and_a_signal_ends_it(self):
+        overlay = self.desktop.start_overlay(arguments=["--unknown", "-platform", "offscreen"])
+        self.hover_notch()
+        self.desktop.wait_for_notch(*HOVERED)
+        second = self.desktop.run()
+        self.assertEqual((second.returncode, second.stderr), (0, b"Tarnwick is running already.\n"))
+        overlay.terminate()
+        self.assertEqual(overlay.wait(30), 0)
+
+    def test_it_ends_with_the_display_and_does_not_start_without_one(self):
+        overlay = self.desktop.start_overlay()
+        self.desktop.kill_display()
+        self.assertEqual(overlay.wait(30), 1)
+        result = self.desktop.run()
+        self.assertEqual(result.returncode, 1)
+        self.assertIn(b"no X display", result.stderr)
+
+    def test_a_silent_bus_does_not_hold_it_up(self):
+        self.desktop.bus_daemon.send_signal(signal.SIGSTOP)
+        overlay = self.desktop.start([PROGRAM])
+        self.hover_notch()
+        self.desktop.wait_for_notch(*HOVERED)
+        self.desktop.bus_daemon.send_signal(signal.SIGCONT)
+        wait_until(lambda: self.desktop.bus.name_has_owner(BUS_NAME), "it to come to the bus")
+        owner = self.desktop.bus.call_blocking("org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus",
+                                               "GetConnectionUnixProcessID", "s", [BUS_NAME])
+        self.assertEqual(owner, overlay.pid)
+        self.desktop.wait_for_notch(*HOVERED)
 
     def test_a_window_that_fills_the_screen_hides_the_wings_but_not_a_banner(self):
         self.desktop.start_overlay()
