@@ -2,7 +2,6 @@
 
 #include <QCoreApplication>
 
-#include "linux/x11/X11NotchPanel.h"
 #include "ui/engine/Drawing.h"
 #include "ui/host/SceneWidget.h"
 #include "views/NotchRootView.h"
@@ -10,9 +9,12 @@
 namespace tarnwick {
 namespace {
 
+/// Room for the largest surface with its shadow, in points.
+constexpr Size panelSize{940, 380};
+
 /// The black surface as it is now.
-X11NotchPanel::Surface presentedSurface(const ui::Scene& scene) {
-  X11NotchPanel::Surface surface;
+PanelContent::Surface presentedSurface(const ui::Scene& scene) {
+  PanelContent::Surface surface;
   const auto frame = scene.presentedFrame(surfaceId);
   const auto shape = scene.presentedClip(surfaceId);
   if (frame) surface.frame = *frame;
@@ -24,7 +26,7 @@ X11NotchPanel::Surface presentedSurface(const ui::Scene& scene) {
 
 }  // namespace
 
-AppDelegate::AppDelegate(X11Connection& connection) : connection_(connection) {}
+AppDelegate::AppDelegate(DisplayConnection& connection) : display_(connection.start(scheduler_)) {}
 
 void AppDelegate::applicationDidFinishLaunching() {
   notifications_.onAnotherOverlay = [] { QCoreApplication::quit(); };
@@ -32,9 +34,8 @@ void AppDelegate::applicationDidFinishLaunching() {
                         .notifications = notifications_,
                         .defaults = defaults_,
                         .folders = folders_,
-                        .screens = screens_,
-                        .pointer = pointer_,
-                        .windows = windows_,
+                        .screens = display_->screens(),
+                        .windows = display_->windows(),
                         .sounds = sounds_,
                         .haptics = haptics_,
                         .processes = processes_,
@@ -42,7 +43,7 @@ void AppDelegate::applicationDidFinishLaunching() {
                         .images = images_,
                         .log = log_,
                         .audioDevices = audioDevices_,
-                        .mediaKeys = mediaKeys_,
+                        .mediaKeys = display_->mediaKeys(),
                         .brightness = brightness_,
                         .powerSources = powerSources_,
                         .bluetooth = bluetooth_,
@@ -51,13 +52,16 @@ void AppDelegate::applicationDidFinishLaunching() {
       std::make_unique<NotchController>(desktop, [this](NotchModel& model) { return makePanel(model); });
 }
 
+void AppDelegate::applicationWillTerminate() {
+  if (controller_) controller_->model().notes.flush();
+}
+
 std::unique_ptr<NotchPanel> AppDelegate::makePanel(NotchModel& model) {
   // The settings window does not exist yet.
   auto* content = new ui::SceneWidget(scheduler_, panelSize,
                                       notchRootView(
-                                          model, [] {}, !connection_.isXWayland()));
-  auto panel = std::make_unique<X11NotchPanel>(connection_, screens_, scheduler_, *content,
-                                               [content] { return presentedSurface(content->scene()); });
+                                          model, [] {}, display_->hasRoomForShadow()));
+  auto panel = display_->makePanel({*content, [content] { return presentedSurface(content->scene()); }});
   content->onFrame = [panel = panel.get()] { panel->surfaceChanged(); };
   content->smoothPointsPerClick = [panel = panel.get()](const QWheelEvent& event) {
     return panel->smoothPointsPerClick(event);
@@ -69,7 +73,6 @@ std::unique_ptr<NotchPanel> AppDelegate::makePanel(NotchModel& model) {
     systemBus_.open();
     sessionBus_.open();
   };
-  panel->onPointerCrossing = [this] { pointer_.noteActivity(); };
   return panel;
 }
 

@@ -8,6 +8,7 @@
 #include "linux/bus/MessageBus.h"
 #include "linux/bus/UPowerSources.h"
 #include "linux/calendar/EvolutionCalendars.h"
+#include "linux/display/DisplayServer.h"
 #include "linux/files/DesktopApplications.h"
 #include "linux/files/JsonUserDefaults.h"
 #include "linux/files/QtImageDecoder.h"
@@ -19,12 +20,6 @@
 #include "linux/process/StandardErrorLog.h"
 #include "linux/sound/CanberraSoundPlayer.h"
 #include "linux/sound/PulseAudioDevices.h"
-#include "linux/x11/X11Connection.h"
-#include "linux/x11/X11MediaKeys.h"
-#include "linux/x11/X11Pointer.h"
-#include "linux/x11/X11Screens.h"
-#include "linux/x11/X11WindowActivation.h"
-#include "linux/x11/X11WindowList.h"
 
 namespace tarnwick {
 
@@ -32,33 +27,30 @@ namespace tarnwick {
 /// application object does.
 class AppDelegate {
  public:
-  explicit AppDelegate(X11Connection& connection);
+  explicit AppDelegate(DisplayConnection& connection);
 
   /// True when this session has an overlay already; then there must not be a second one.
   bool anotherOverlayRuns() const { return notifications_.anotherOverlayRuns(); }
   /// Shows the notch and starts everything behind it.
   void applicationDidFinishLaunching();
+  /// Writes what is not written yet. The process may end at once then, whatever still runs.
+  void applicationWillTerminate();
 
  private:
   std::unique_ptr<NotchPanel> makePanel(NotchModel& model);
 
-  X11Connection& connection_;
   QtScheduler scheduler_;
+  const std::unique_ptr<DisplayServer> display_;
   DBusNotificationCenter notifications_{scheduler_};
   XdgFolders folders_;
   JsonUserDefaults defaults_{folders_};
-  X11Screens screens_{connection_, scheduler_};
-  X11Pointer pointer_{connection_, screens_};
-  X11WindowList windows_{connection_, screens_};
   CanberraSoundPlayer sounds_{scheduler_};
   NoHaptics haptics_;
   QtChildProcesses processes_;
   QtImageDecoder images_;
-  X11WindowActivation activation_{connection_};
-  DesktopApplications applications_{activation_, images_};
+  DesktopApplications applications_{display_->activation(), images_};
   StandardErrorLog log_;
   PulseAudioDevices audioDevices_{scheduler_, [] { return loadPulseModule(moduleFolder()); }};
-  X11MediaKeys mediaKeys_{connection_, scheduler_};
   MessageBus systemBus_{scheduler_, systemBusAddress};
   BacklightBrightness brightness_{systemBus_};
   UPowerSources powerSources_{systemBus_};

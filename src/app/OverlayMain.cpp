@@ -14,6 +14,7 @@
 #include <string_view>
 
 #include "app/AppDelegate.h"
+#include "app/OpenDisplay.h"
 #include "base/StandardDescriptors.h"
 #include "dbus/BusConnection.h"
 #include "dbus/SessionBusAddress.h"
@@ -81,9 +82,8 @@ class HiddenBus {
   const StartupVariable variable_;
 };
 
-std::unique_ptr<QApplication> makeApplication(int& count, char** arguments) {
-  // Everything about the window is X11; a Wayland session offers it through XWayland.
-  const StartupVariable platform("QT_QPA_PLATFORM", "xcb");
+std::unique_ptr<QApplication> makeApplication(const char* plugin, int& count, char** arguments) {
+  const StartupVariable platform("QT_QPA_PLATFORM", plugin);
   // Desktop themes load a second toolkit, for looks that none of our windows show.
   const StartupVariable theme("QT_QPA_PLATFORMTHEME", "generic");
   QCoreApplication::setAttribute(Qt::AA_DisableSessionManager);
@@ -93,6 +93,14 @@ std::unique_ptr<QApplication> makeApplication(int& count, char** arguments) {
   QGuiApplication::setDesktopFileName("dev.tarnwick.Tarnwick");
   QApplication::setQuitOnLastWindowClosed(false);
   return application;
+}
+
+std::unique_ptr<tarnwick::AppDelegate> delegate;
+
+/// When the display server goes, as it does at the end of many sessions, the toolkit ends the process.
+void endByToolkit() {
+  if (delegate) delegate->applicationWillTerminate();
+  std::_Exit(EXIT_FAILURE);
 }
 
 }  // namespace
@@ -109,14 +117,8 @@ int main(int argc, char** argv) {
   // Its answer comes while the display is being opened.
   const auto addresses = tarnwick::parseBusAddresses(tarnwick::sessionBusAddress());
   tarnwick::BusConnection bus(addresses, tarnwick::BusConnection::Peer::anybody);
-  const auto connection = tarnwick::X11Connection::open();
-  if (!connection) {
-    std::fputs(
-        "Tarnwick: no X display can be opened. Start it inside a graphical session, or set DISPLAY.\n"
-        "In a Wayland session, XWayland must be running.\n",
-        stderr);
-    return EXIT_FAILURE;
-  }
+  const auto display = tarnwick::openDisplay();
+  if (!display) return EXIT_FAILURE;
 
   std::optional<HiddenBus> hiddenBus;
   // Nothing is known about buses of other kinds. One that has answered before is only slow.
@@ -129,16 +131,16 @@ int main(int argc, char** argv) {
   std::string command = commandPath(argv[0]);
   char* arguments[] = {command.data(), nullptr};
   int count = 1;
-  const auto application = makeApplication(count, arguments);
+  const auto application = makeApplication(display->toolkitPlugin(), count, arguments);
   quitOnSignals(*application);
 
-  auto delegate = std::make_unique<tarnwick::AppDelegate>(*connection);
+  delegate = std::make_unique<tarnwick::AppDelegate>(*display);
   if (delegate->anotherOverlayRuns()) {
     std::fputs("Tarnwick is running already.\n", stderr);
     return EXIT_SUCCESS;
   }
-  connection->start();
   delegate->applicationDidFinishLaunching();
+  std::atexit(endByToolkit);
   tarnwick::QtScheduler scheduler;
   tarnwick::BusWaiter busWaiter(scheduler);
   bool startAnew = false;
@@ -150,6 +152,7 @@ int main(int argc, char** argv) {
                    });
   }
   QApplication::exec();
+  delegate->applicationWillTerminate();
   if (startAnew) {
     // Not everything that wants the bus can be told that it is there now.
     delegate.reset();
@@ -157,6 +160,6 @@ int main(int argc, char** argv) {
     ::setenv(startedAnewVariable, "1", 1);
     ::execv("/proc/self/exe", argv);
   }
-  // The stores have written what changed. Taking everything apart would only wait for services that may hang.
+  // Taking everything apart would only wait for services that may hang.
   std::_Exit(EXIT_SUCCESS);
 }

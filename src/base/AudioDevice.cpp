@@ -25,22 +25,24 @@ std::string AudioDevice::symbol() const {
     if (lowerName.find(part) != std::string::npos) return familySymbol;
   }
   switch (transport) {
-    case AudioTransport::display:
+    case transport::hdmi:
+    case transport::displayPort:
       return "tv";
-    case AudioTransport::usb:
+    case transport::usb:
       return hasOutput ? "hifispeaker.fill" : "mic.fill";
-    case AudioTransport::software:
+    case transport::virtualDevice:
+    case transport::aggregate:
       return "waveform";
-    case AudioTransport::network:
+    case transport::network:
       return "airplayaudio";
-    case AudioTransport::builtIn:
+    case transport::builtIn:
       return hasOutput ? "laptopcomputer" : "mic.fill";
-    case AudioTransport::bluetooth:
+    case transport::bluetooth:
+    case transport::bluetoothLowEnergy:
       return "headphones";
-    case AudioTransport::unknown:
-      break;
+    default:
+      return hasOutput ? "speaker.wave.2.fill" : "mic.fill";
   }
-  return hasOutput ? "speaker.wave.2.fill" : "mic.fill";
 }
 
 }  // namespace tarnwick

@@ -44,11 +44,8 @@ class Scheduler {
   virtual double uptime() const = 0;
   /// Runs `work` once, `seconds` from now.
   virtual Task after(double seconds, Work work) = 0;
-  /// Runs `work` once, when the wall clock shows `date` or more: also when the machine has slept or the clock
-  /// was set meanwhile, and then at once.
-  virtual Task at(Date date, Work work) = 0;
-  /// Runs `work` every `seconds`, first after one interval. Timers of a second or more share one beat, so
-  /// they may run up to half a second early or late.
+  /// Runs `work` every `seconds`, first after one interval. Timers of a second or more share one beat, so they
+  /// may run up to half a second early or late.
   virtual Task every(double seconds, Work work) = 0;
   /// Runs `work` in the next turn of the loop.
   virtual Task post(Work work) = 0;

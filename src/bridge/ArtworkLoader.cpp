@@ -1,75 +1,68 @@
 #include "bridge/ArtworkLoader.h"
 
-#include <sys/resource.h>
+#include "bridge/Picture.h"
 
 namespace tarnwick {
-namespace {
 
-/// After each load nothing is loaded for so many times as long as its process has worked: a player that
-/// changes covers without end cannot have more than a fifth of a core.
-constexpr int64_t restAfterWork = 4;
+struct ArtworkLoader::Load {
+  ArtworkLoader* loader;
+  std::string url;
+  std::shared_ptr<std::atomic<bool>> cancelled;
+  std::string checksum;
+  std::string base64;
 
-/// Processor time of all children that have ended, in microseconds.
-int64_t childTime() {
-  struct rusage usage = {};
-  ::getrusage(RUSAGE_CHILDREN, &usage);
-  return (usage.ru_utime.tv_sec + usage.ru_stime.tv_sec) * G_USEC_PER_SEC + usage.ru_utime.tv_usec +
-         usage.ru_stime.tv_usec;
-}
+  void run() {
+    const std::string bytes = pictureAt(url, *cancelled);
+    if (bytes.empty()) return;
+    const auto* data = reinterpret_cast<const guchar*>(bytes.data());
+    checksum = Owned<char>(g_compute_checksum_for_data(G_CHECKSUM_SHA1, data, bytes.size())).get();
+    base64 = Owned<char>(g_base64_encode(data, bytes.size())).get();
+  }
+};
 
-}  // namespace
-
-void ArtworkLoader::want(const std::string& address, const std::string& track) {
-  if (address == address_ && track == track_) return;
-  address_ = address;
+void ArtworkLoader::want(const std::string& url, const std::string& track) {
+  if (url == url_ && track == track_) return;
+  url_ = url;
   track_ = track;
-  load();
-}
-
-void ArtworkLoader::allowNetwork(bool allowed) {
-  if (allowed == mayUseNetwork_) return;
-  mayUseNetwork_ = allowed;
-  load();
-}
-
-void ArtworkLoader::load() {
-  isDue_ = true;
-  if (address_.empty()) {
+  if (cancelled_) *cancelled_ = true;
+  wantsAnother_ = !url_.empty();
+  if (url_.empty()) {
     id_ = 0;
     release();
-  }
-  if (process_) {
-    process_->end();
-  } else if (!address_.empty() && !rest_.isRunning()) {
+  } else if (!cancelled_) {
     startLoading();
   }
 }
 
 void ArtworkLoader::startLoading() {
-  isDue_ = false;
-  timeBefore_ = childTime();
-  process_ = std::make_unique<CoverProcess>(address_, mayUseNetwork_,
-                                            [this](const std::string& picture) { finished(picture); });
+  wantsAnother_ = false;
+  cancelled_ = std::make_shared<std::atomic<bool>>(false);
+  const auto finish = [](GObject*, GAsyncResult* result, gpointer) {
+    const auto* load = static_cast<Load*>(g_task_get_task_data(G_TASK(result)));
+    load->loader->finished(*load);
+  };
+  GTask* task = g_task_new(nullptr, nullptr, finish, nullptr);
+  g_task_set_task_data(task, new Load{this, url_, cancelled_, {}, {}},
+                       [](gpointer load) { delete static_cast<Load*>(load); });
+  g_task_run_in_thread(task, [](GTask* running, gpointer, gpointer load, GCancellable*) {
+    static_cast<Load*>(load)->run();
+    g_task_return_boolean(running, true);
+  });
+  g_object_unref(task);
 }
 
-void ArtworkLoader::finished(const std::string& picture) {
-  process_.reset();
-  rest_.start((childTime() - timeBefore_) * restAfterWork, [this] {
-    if (isDue_ && !address_.empty()) startLoading();
-  });
-  if (isDue_) return;
-  if (picture.empty()) {
+void ArtworkLoader::finished(const Load& load) {
+  const bool outdated = *load.cancelled;
+  cancelled_.reset();
+  if (wantsAnother_) startLoading();
+  if (outdated) return;
+  if (load.base64.empty()) {
     id_ = 0;
     release();
-  } else {
-    const auto* data = reinterpret_cast<const guchar*>(picture.data());
-    const std::string checksum(
-        Owned<char>(g_compute_checksum_for_data(G_CHECKSUM_SHA1, data, picture.size())).get());
-    if (id_ == 0 || checksum != checksum_) {
-      id_ = ++lastId_;
-      checksum_ = checksum;
-      base64_ = Owned<char>(g_base64_encode(data, picture.size())).get();
-    }
+  } else if (id_ == 0 || load.checksum != checksum_) {
+    id_ = ++lastId_;
+    checksum_ = load.checksum;
+    base64_ = load.base64;
   }
   onLoaded_();
 }

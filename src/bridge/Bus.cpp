@@ -24,22 +24,4 @@ void callAsync(GDBusConnection* bus, GCancellable* cancellable, const BusMethod&
                          cancellable, finish, new BusReply(std::move(reply)));
 }
 
-BusListener::BusListener(GDBusConnection* bus, const BusSignal& signal,
-                         std::function<void(GVariant* arguments)> hear)
-    : bus_(bus) {
-  struct Closure {
-    const char* type;
-    std::function<void(GVariant*)> hear;
-  };
-  const auto deliver = [](GDBusConnection*, const gchar*, const gchar*, const gchar*, const gchar*,
-                          GVariant* arguments, gpointer data) {
-    const auto* closure = static_cast<Closure*>(data);
-    if (g_variant_is_of_type(arguments, G_VARIANT_TYPE(closure->type))) closure->hear(arguments);
-  };
-  id_ = g_dbus_connection_signal_subscribe(bus, signal.sender, signal.interface, signal.name, signal.path,
-                                           signal.firstArgument, signal.match, deliver,
-                                           new Closure{signal.type, std::move(hear)},
-                                           [](gpointer data) { delete static_cast<Closure*>(data); });
-}
-
 }  // namespace tarnwick

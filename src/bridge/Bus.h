@@ -22,30 +22,4 @@ using BusReply = std::function<void(GVariant* arguments)>;
 void callAsync(GDBusConnection* bus, GCancellable* cancellable, const BusMethod& method, GVariant* arguments,
                BusReply reply);
 
-/// A signal of other programs on the bus.
-struct BusSignal {
-  const char* path;
-  const char* interface;
-  const char* name;
-  /// Those with other arguments are not heard.
-  const char* type;
-  /// Bus name.
-  const char* sender;
-  /// What the first argument must be; null: anything.
-  const char* firstArgument = nullptr;
-  GDBusSignalFlags match = G_DBUS_SIGNAL_FLAGS_NONE;
-};
-
-/// Hears a signal for as long as it lives; `hear` is called from the main loop.
-class BusListener {
- public:
-  BusListener(GDBusConnection* bus, const BusSignal& signal, std::function<void(GVariant* arguments)> hear);
-  BusListener(const BusListener&) = delete;
-  ~BusListener() { g_dbus_connection_signal_unsubscribe(bus_, id_); }
-
- private:
-  GDBusConnection* bus_;
-  guint id_;
-};
-
 }  // namespace tarnwick

@@ -11,8 +11,6 @@ namespace {
 constexpr int64_t lineInterval = 50'000;
 /// That nothing plays is told after this time: many players stop for a moment between two tracks.
 constexpr int64_t nothingDelay = 500'000;
-/// Whoever has sent a command expects that it is obeyed. What has become of it is told after this time.
-constexpr int64_t obedienceDelay = 1'000'000;
 
 /// The members of an object that is still open.
 std::string describe(Player* player, int64_t artworkId) {
@@ -21,12 +19,10 @@ std::string describe(Player* player, int64_t artworkId) {
     ((json += ",\"") += key) += "\":";
     json += value;
   };
-  const auto number = [&](std::string_view key, double value) {
-    char text[32];
-    member(key, {text, std::to_chars(text, std::end(text), value).ptr});
-  };
   const auto seconds = [&](std::string_view key, int64_t microseconds) {
-    number(key, static_cast<double>(microseconds) / 1e6);
+    char text[32];
+    const char* end = std::to_chars(text, std::end(text), static_cast<double>(microseconds) / 1e6).ptr;
+    member(key, {text, end});
   };
   if (!player) return json;
   member("title", jsonString(player->track().title));
@@ -35,11 +31,9 @@ std::string describe(Player* player, int64_t artworkId) {
   seconds("duration", player->track().length);
   seconds("elapsed", player->position());
   seconds("timestamp", player->positionDate());
-  number("rate", player->rate());
   member("playing", player->status() == Player::Status::playing ? "true" : "false");
   if (player->process()) member("pid", std::to_string(player->process()));
   if (!player->desktopEntry().empty()) member("desktopEntry", jsonString(player->desktopEntry()));
-  if (player->canRaise()) member("canRaise", "true");
   return json;
 }
 
@@ -88,36 +82,23 @@ void MediaStream::writeLine(Player* player) {
   writer_.write(std::move(line += "}\n"));
 }
 
+void MediaStream::repeat() {
+  lastState_.clear();
+  update();
+}
+
 void MediaStream::perform(const std::string& command) {
-  if (command.starts_with("network ")) return artwork_.allowNetwork(command == "network on");
   Player* player = players_.current();
   if (!player) return;
-  if (command == "cmd 2") {
-    player->togglePlayPause();
-    tellWhetherObeyed();
-  }
+  if (command == "cmd 2") player->togglePlayPause([this] { repeat(); });
   if (command == "cmd 4") player->next();
   if (command == "cmd 5") player->previous();
-  if (command == "raise") player->raise();
   if (command.starts_with("seek ")) {
     const char* number = command.c_str() + 5;
     char* end = nullptr;
     const double seconds = g_ascii_strtod(number, &end);
-    if (end == number || *end) return;
-    player->seek(seconds);
-    tellWhetherObeyed();
+    if (end != number && !*end) player->seek(seconds);
   }
-}
-
-void MediaStream::tellWhetherObeyed() {
-  const auto repeat = [this] {
-    lastState_.clear();
-    update();
-  };
-  obedience_.start(obedienceDelay, [this, repeat] {
-    Player* player = players_.current();
-    player ? player->ask(repeat) : repeat();
-  });
 }
 
 }  // namespace tarnwick

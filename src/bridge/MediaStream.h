@@ -21,14 +21,14 @@ class MediaStream {
   void writeWhenDue();
   int64_t nextLineDue(bool playerIsThere);
   void writeLine(Player* player);
+  /// Writes the state once more, for a reader that has expected another.
+  void repeat();
   void perform(const std::string& command);
-  /// Soon writes the state once more, for a reader that may expect another.
-  void tellWhetherObeyed();
 
   LineWriter writer_{[this] { update(); }};
   CommandReader reader_{[this](const std::string& command) { perform(command); }};
   ArtworkLoader artwork_{[this] { update(); }};
-  Timer pause_, obedience_;
+  Timer pause_;
   int64_t pauseEnd_ = 0;
   int64_t lastLineTime_ = 0;
   int64_t nothingSince_ = 0;

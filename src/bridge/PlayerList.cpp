@@ -1,7 +1,5 @@
 #include "bridge/PlayerList.h"
 
-#include <algorithm>
-#include <set>
 #include <tuple>
 
 #include "dbus/SessionBusAddress.h"
@@ -10,12 +8,28 @@ namespace tarnwick {
 namespace {
 
 constexpr const char* busName = "org.freedesktop.DBus";
-constexpr const char* busPath = "/org/freedesktop/DBus";
 constexpr const char* namePrefix = "org.mpris.MediaPlayer2";
-constexpr size_t mostNames = 32;
-constexpr int64_t retryInterval = 1'000'000;
-/// For so long nothing is heard of players when they come and go without end.
-constexpr int64_t silenceInterval = 2'000'000;
+constexpr int64_t retryInterval = 5'000'000;
+
+using Handler = std::function<void(const char* sender, GVariant* arguments)>;
+
+/// Calls `handler` for the signals whose arguments are of that type, as long as the connection lives.
+void listen(GDBusConnection* bus, const char* sender, const char* interface, const char* member,
+            const char* path, const char* firstArgument, GDBusSignalFlags flags, const char* type,
+            Handler handler) {
+  struct Closure {
+    const char* type;
+    Handler handler;
+  };
+  const auto deliver = [](GDBusConnection*, const gchar* from, const gchar*, const gchar*, const gchar*,
+                          GVariant* arguments, gpointer data) {
+    const auto* closure = static_cast<Closure*>(data);
+    if (g_variant_is_of_type(arguments, G_VARIANT_TYPE(closure->type))) closure->handler(from, arguments);
+  };
+  g_dbus_connection_signal_subscribe(bus, sender, interface, member, path, firstArgument, flags, deliver,
+                                     new Closure{type, std::move(handler)},
+                                     [](gpointer data) { delete static_cast<Closure*>(data); });
+}
 
 }  // namespace
 
@@ -47,8 +61,6 @@ void PlayerList::connect() {
 
 void PlayerList::disconnected() {
   players_.clear();
-  names_.reset();
-  silence_.stop();
   bus_.reset();
   onChange_();
   retry_.start(retryInterval, [this] { connect(); });
@@ -61,90 +73,60 @@ void PlayerList::connected(GDBusConnection* bus) {
     static_cast<PlayerList*>(self)->disconnected();
   };
   g_signal_connect(bus, "closed", G_CALLBACK(closed), this);
-  listen();
-}
-
-void PlayerList::listen() {
-  const BusSignal signal{.path = busPath,
-                         .interface = busName,
-                         .name = "NameOwnerChanged",
-                         .type = "(sss)",
-                         .sender = busName,
-                         .firstArgument = namePrefix,
-                         .match = G_DBUS_SIGNAL_FLAGS_MATCH_ARG0_NAMESPACE};
-  names_.emplace(bus_.get(), signal, [this](GVariant* arguments) {
-    if (isTooMuch(arguments)) return;
-    const char *name = nullptr, *owner = nullptr;
-    g_variant_get(arguments, "(&s&s&s)", &name, nullptr, &owner);
-    ownerChanged(name, owner);
-  });
-  list();
-}
-
-/// Where too much is said about who comes and goes, nothing is heard of it for a while.
-bool PlayerList::isTooMuch(GVariant* message) {
-  if (quota_.take(g_variant_get_size(message))) return false;
-  names_.reset();
-  silence_.start(silenceInterval, [this] { listen(); });
-  return true;
-}
-
-/// Finds out who is there.
-void PlayerList::list() {
-  isCrowded_ = false;
-  callAsync(bus_.get(), nullptr, {busName, busPath, busName, "ListNames"}, nullptr,
-            [this, bus = bus_.get()](GVariant* reply) {
-              if (reply && bus == bus_.get() && !isTooMuch(reply)) listed(reply);
+  subscribe();
+  callAsync(bus, nullptr, {busName, "/org/freedesktop/DBus", busName, "ListNames"}, nullptr,
+            [this, bus](GVariant* reply) {
+              if (!reply || bus != bus_.get()) return;
+              GVariantIter* names = nullptr;
+              g_variant_get(reply, "(as)", &names);
+              const char* name = nullptr;
+              while (g_variant_iter_loop(names, "&s", &name)) {
+                if (!g_str_has_prefix(name, namePrefix)) continue;
+                callAsync(bus, nullptr, {busName, "/org/freedesktop/DBus", busName, "GetNameOwner"},
+                          g_variant_new("(s)", name),
+                          [this, bus, player = std::string(name)](GVariant* answer) {
+                            if (!answer || bus != bus_.get()) return;
+                            const char* owner = nullptr;
+                            g_variant_get(answer, "(&s)", &owner);
+                            ownerChanged(player, owner);
+                          });
+              }
+              g_variant_iter_free(names);
             });
 }
 
-void PlayerList::listed(GVariant* reply) {
-  std::set<std::string> names;
-  GVariantIter* each = nullptr;
-  g_variant_get(reply, "(as)", &each);
-  const char* text = nullptr;
-  while (g_variant_iter_loop(each, "&s", &text)) {
-    if (!g_str_has_prefix(text, namePrefix)) continue;
-    if (names.size() < mostNames || players_.contains(text)) {
-      names.insert(text);
-    } else {
-      isCrowded_ = true;
-    }
-  }
-  g_variant_iter_free(each);
-  std::erase_if(players_, [&](const auto& player) { return !names.contains(player.first); });
-  for (const std::string& name : names) {
-    callAsync(bus_.get(), nullptr, {busName, busPath, busName, "GetNameOwner"},
-              g_variant_new("(s)", name.c_str()), [this, bus = bus_.get(), name](GVariant* answer) {
-                if (!answer || bus != bus_.get()) return;
-                const char* owner = nullptr;
-                g_variant_get(answer, "(&s)", &owner);
-                ownerChanged(name, owner);
-              });
-  }
-  onChange_();
+void PlayerList::subscribe() {
+  listen(bus_.get(), busName, busName, "NameOwnerChanged", "/org/freedesktop/DBus", namePrefix,
+         G_DBUS_SIGNAL_FLAGS_MATCH_ARG0_NAMESPACE, "(sss)", [this](const char*, GVariant* arguments) {
+           const char *name = nullptr, *owner = nullptr;
+           g_variant_get(arguments, "(&s&s&s)", &name, nullptr, &owner);
+           ownerChanged(name, owner);
+         });
+  listen(bus_.get(), nullptr, "org.freedesktop.DBus.Properties", "PropertiesChanged", playerPath,
+         playerInterface, G_DBUS_SIGNAL_FLAGS_NONE, "(sa{sv}as)",
+         [this](const char* sender, GVariant* arguments) {
+           const Owned<GVariant> changed(g_variant_get_child_value(arguments, 1));
+           const Owned<GVariant> invalidated(g_variant_get_child_value(arguments, 2));
+           for (const auto& [name, player] : players_) {
+             if (player->owner() == sender) player->propertiesChanged(changed.get(), invalidated.get());
+           }
+         });
+  listen(bus_.get(), nullptr, playerInterface, "Seeked", playerPath, nullptr, G_DBUS_SIGNAL_FLAGS_NONE, "(x)",
+         [this](const char* sender, GVariant* arguments) {
+           gint64 position = 0;
+           g_variant_get(arguments, "(x)", &position);
+           for (const auto& [name, player] : players_) {
+             if (player->owner() == sender) player->seeked(position);
+           }
+         });
 }
 
 void PlayerList::ownerChanged(const std::string& name, const std::string& owner) {
-  if (const auto known = players_.find(name); known != players_.end()) {
-    if (known->second->owner() == owner) return;
-    players_.erase(known);
-    // There is room for one that had to be left out.
-    if (isCrowded_) list();
-  }
-  if (!owner.empty()) follow(name, owner);
+  const auto known = players_.find(name);
+  if (known != players_.end() && known->second->owner() == owner) return;
+  players_.erase(name);
+  if (!owner.empty()) players_[name] = std::make_unique<Player>(bus_.get(), owner, onChange_);
   onChange_();
-}
-
-void PlayerList::follow(const std::string& name, const std::string& owner) {
-  if (players_.size() >= mostNames) {
-    isCrowded_ = true;
-    return;
-  }
-  const auto same = std::find_if(players_.begin(), players_.end(),
-                                 [&](const auto& player) { return player.second->owner() == owner; });
-  players_[name] =
-      same == players_.end() ? std::make_shared<Player>(bus_.get(), owner, onChange_) : same->second;
 }
 
 }  // namespace tarnwick

@@ -8,48 +8,33 @@
 namespace tarnwick {
 namespace {
 
-constexpr size_t longestText = 500;
-constexpr size_t longestAddress = 4000;
-/// A picture may stand in its address.
-constexpr size_t longestPictureAddress = size_t{2} << 20;
+constexpr size_t longestText = 2000;
 
-std::string bounded(std::string_view text) {
-  size_t end = std::min(text.size(), longestText);
-  while (end > 0 && end < text.size() && (text[end] & 0xc0) == 0x80) --end;
-  return std::string(text.substr(0, end));
+std::string bounded(std::string text) {
+  if (text.size() <= longestText) return text;
+  size_t end = longestText;
+  while (end > 0 && (text[end] & 0xc0) == 0x80) --end;
+  text.resize(end);
+  return text;
 }
 
-/// A string or an object path that is not longer than that.
-std::string string(GVariant* value, size_t longest) {
-  if (!g_variant_is_of_type(value, G_VARIANT_TYPE_STRING) &&
-      !g_variant_is_of_type(value, G_VARIANT_TYPE_OBJECT_PATH)) {
-    return "";
-  }
-  gsize size = 0;
-  const char* text = g_variant_get_string(value, &size);
-  return size <= longest ? std::string(text, size) : "";
-}
-
-/// The beginning of a string, or of a list of strings joined by commas.
+/// A string or an object path; a list of strings joined by commas.
 std::string text(GVariant* value) {
-  if (g_variant_is_of_type(value, G_VARIANT_TYPE_STRING))
-    return bounded(g_variant_get_string(value, nullptr));
+  if (!value) return "";
+  if (g_variant_is_of_type(value, G_VARIANT_TYPE_STRING) ||
+      g_variant_is_of_type(value, G_VARIANT_TYPE_OBJECT_PATH)) {
+    return g_variant_get_string(value, nullptr);
+  }
   std::string joined;
   if (g_variant_is_of_type(value, G_VARIANT_TYPE_STRING_ARRAY)) {
-    const gsize count = std::min<gsize>(g_variant_n_children(value), longestText);
+    const gsize count = g_variant_n_children(value);
     for (gsize i = 0; i < count && joined.size() <= longestText; ++i) {
       const Owned<GVariant> each(g_variant_get_child_value(value, i));
-      const std::string part = bounded(g_variant_get_string(each.get(), nullptr));
-      if (!part.empty()) joined += (joined.empty() ? "" : ", ") + part;
+      const char* part = g_variant_get_string(each.get(), nullptr);
+      if (*part) joined += (joined.empty() ? "" : ", ") + std::string(part);
     }
   }
-  return bounded(joined);
-}
-
-/// Microseconds; 0 when it is no length that a track could have.
-int64_t lengthOf(GVariant* value) {
-  const int64_t microseconds = integer(value);
-  return microseconds > 0 && microseconds <= longestTrack ? microseconds : 0;
+  return joined;
 }
 
 /// The last part of the address of what plays, for files without a title.
@@ -96,13 +81,13 @@ Track Track::from(GVariant* metadata) {
   GVariant* value = nullptr;
   while (g_variant_iter_loop(&entries, "{&sv}", &name, &value)) {
     const std::string_view key = name;
-    if (key == "mpris:trackid") track.id = string(value, longestAddress);
-    if (key == "xesam:title") track.title = text(value);
-    if (key == "xesam:artist") track.artist = text(value);
-    if (key == "xesam:album") track.album = text(value);
-    if (key == "mpris:length") track.length = lengthOf(value);
-    if (key == "mpris:artUrl") track.artUrl = string(value, longestPictureAddress);
-    if (key == "xesam:url") url = string(value, longestAddress);
+    if (key == "mpris:trackid") track.id = text(value);
+    if (key == "xesam:title") track.title = bounded(text(value));
+    if (key == "xesam:artist") track.artist = bounded(text(value));
+    if (key == "xesam:album") track.album = bounded(text(value));
+    if (key == "mpris:length") track.length = std::max<int64_t>(integer(value), 0);
+    if (key == "mpris:artUrl") track.artUrl = text(value);
+    if (key == "xesam:url") url = text(value);
   }
   if (!g_variant_is_object_path(track.id.c_str()) || track.id.ends_with("/NoTrack")) track.id.clear();
   if (track.title.empty()) track.title = bounded(nameFromUrl(url));

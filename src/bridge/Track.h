@@ -6,10 +6,7 @@
 
 namespace tarnwick {
 
-/// More than any track lasts, in microseconds: what is said to be longer, or to be farther on, means nothing.
-inline constexpr int64_t longestTrack = int64_t{1000} * 3600 * 1'000'000;
-
-/// What a player says about the track that it has loaded. All texts are of a bounded length.
+/// What a player says about the track that it has loaded. Texts are of a bounded length.
 struct Track {
   /// Object path; empty when the player has none to give.
   std::string id;

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 
-#include "base/DisplayText.h"
 #include "base/L10n.h"
 #include "base/LastPathComponent.h"
 
@@ -11,9 +10,6 @@ namespace {
 
 constexpr double idleAfter = 900;
 constexpr double forgottenAfter = 1200;
-/// A session is seen at rest before it goes.
-constexpr double shortestRest = forgottenAfter - idleAfter;
-constexpr size_t mostSessions = 100;
 
 int rank(Phase phase) {
   switch (phase) {
@@ -41,39 +37,14 @@ bool isIdleReminder(const StringMap& event, const std::string& message) {
                      [](char a, char b) { return lowercase(a) == b; }) != message.end();
 }
 
-bool isAtRest(const Session& session) { return session.phase == Phase::idle || session.phase == Phase::done; }
-
-/// When it comes to rest or is forgotten, unless something is heard of it; none: it stays.
-std::optional<Date> nextAge(const Session& session) {
-  if (session.phase == Phase::working) return session.updatedAt + idleAfter;
-  if (!isAtRest(session)) return std::nullopt;
-  const Date forgotten = session.updatedAt + forgottenAfter;
-  return session.restingSince ? std::max(forgotten, *session.restingSince + shortestRest) : forgotten;
-}
-
-/// Makes room for the latest: the oldest ones at rest go first.
-void forgetTheOldest(std::map<std::string, Session>& sessions) {
-  while (sessions.size() > mostSessions) {
-    sessions.erase(std::ranges::min_element(sessions, {}, [](const auto& entry) {
-      return std::pair(!isAtRest(entry.second), entry.second.updatedAt);
-    }));
-  }
-}
-
-std::optional<std::string> textOf(const StringMap& event, const char* key) {
-  const auto value = valueOf(event, key);
-  return value ? std::optional(displayText(*value)) : std::nullopt;
-}
-
 std::string thinking() { return tr("Thinking…", "Réfléchit…"); }
 
 }  // namespace
 
 ClaudeService::ClaudeService(Scheduler& scheduler, SoundPlayer& sounds)
-    : scheduler_(scheduler), sounds_(sounds), changes_(observe([this] {
+    : scheduler_(scheduler), sounds_(sounds), forgetDerived_(observe([this] {
         ordered_.reset();
         tally_.reset();
-        awaitNextAge();
       })) {}
 
 const std::vector<Session>& ClaudeService::ordered() const {
@@ -101,7 +72,7 @@ const ClaudeService::Tally& ClaudeService::tally() const {
 }
 
 void ClaudeService::announce(const char* icon, Color tint, const Session& session, CrabMood crab,
-                             double seconds, Sound sound) const {
+                             double seconds, const char* sound) const {
   if (onBanner) {
     onBanner(
         {.icon = icon, .tint = tint, .title = session.project, .subtitle = session.activity, .crab = crab},
@@ -123,9 +94,8 @@ void ClaudeService::handle(const StringMap& event) {
 
   const auto known = sessions->find(id);
   Session session = known != sessions->end() ? known->second : Session{.id = id, .startedAt = now};
-  session.project = folder.empty() ? "Claude Code" : displayText(lastPathComponent(folder));
+  session.project = folder.empty() ? "Claude Code" : lastPathComponent(folder);
   session.updatedAt = now;
-  session.restingSince.reset();
 
   if (name == "SessionStart") {
     // Only its being there is news.
@@ -135,9 +105,9 @@ void ClaudeService::handle(const StringMap& event) {
     session.finishedAt.reset();
     session.activity = thinking();
   } else if (name == "PreToolUse") {
-    if (isAtRest(session)) session.startedAt = now;
+    if (session.phase == Phase::done || session.phase == Phase::idle) session.startedAt = now;
     session.phase = Phase::working;
-    session.activity = describe(textOf(event, "tool_name"), textOf(event, "tool_detail"));
+    session.activity = describe(valueOf(event, "tool_name"), valueOf(event, "tool_detail"));
   } else if (name == "PostToolUse") {
     session.phase = Phase::working;
     session.activity = thinking();
@@ -145,19 +115,18 @@ void ClaudeService::handle(const StringMap& event) {
     const std::string message = valueOf(event, "message").value_or("");
     if (isIdleReminder(event, message)) return;
     session.phase = Phase::waiting;
-    session.activity = translate(displayText(message));
-    announce("hand.raised.fill", colors::yellow, session, CrabMood::waiting, 8, Sound::message);
+    session.activity = translate(message);
+    announce("hand.raised.fill", colors::yellow, session, CrabMood::waiting, 8, "Funk");
   } else if (name == "Stop") {
     session.phase = Phase::done;
     session.finishedAt = now;
     session.activity = tr("Done in ", "Terminé en ") + format(now - session.startedAt);
-    announce("checkmark.circle.fill", colors::green, session, CrabMood::happy, 5, Sound::complete);
+    announce("checkmark.circle.fill", colors::green, session, CrabMood::happy, 5, "Glass");
   } else {
     return;
   }
   sessions.mutate([&](auto& all) {
     all[id] = std::move(session);
-    forgetTheOldest(all);
     return true;
   });
 }
@@ -168,46 +137,28 @@ void ClaudeService::prune() {
     bool changed = false;
     for (auto it = all.begin(); it != all.end();) {
       Session& session = it->second;
-      const auto age = nextAge(session);
-      const bool isDue = age && *age < now;
-      changed = changed || isDue;
-      if (isDue && session.phase != Phase::working) {
-        it = all.erase(it);
-        continue;
-      }
-      if (isDue) {
+      const double age = now - session.updatedAt;
+      if (session.phase == Phase::working && age > idleAfter) {
         session.phase = Phase::idle;
         session.activity = tr("Idle", "Inactif");
-        session.restingSince = now;
+        changed = true;
       }
-      ++it;
+      if ((session.phase == Phase::idle || session.phase == Phase::done) && age > forgottenAfter) {
+        it = all.erase(it);
+        changed = true;
+      } else {
+        ++it;
+      }
     }
     return changed;
   });
 }
 
-void ClaudeService::awaitNextAge() {
-  std::optional<Date> first;
-  for (const auto& [id, session] : *sessions) {
-    const auto age = nextAge(session);
-    if (age && (!first || *age < *first)) first = age;
-  }
-  if (nextAge_ == first) return;
-  nextAge_ = first;
-  aging_ = {};
-  // A second later that age is over.
-  if (first) {
-    aging_ = scheduler_.at(*first + 1, [this] {
-      nextAge_.reset();
-      prune();
-      awaitNextAge();
-    });
-  }
-}
-
 void ClaudeService::clearFinished() {
   sessions.mutate([](auto& all) {
-    return std::erase_if(all, [](const auto& entry) { return isAtRest(entry.second); }) > 0;
+    return std::erase_if(all, [](const auto& entry) {
+             return entry.second.phase == Phase::done || entry.second.phase == Phase::idle;
+           }) > 0;
   });
 }
 

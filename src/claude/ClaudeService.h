@@ -18,9 +18,7 @@
 namespace tarnwick {
 
 /// Follows the Claude Code sessions by their hook events: a phase and a line of text for each, a banner and a
-/// sound when one waits for the user or has finished. A working session of which nothing is heard for a
-/// quarter of an hour comes to rest; idle and done ones are forgotten after twenty minutes, and waiting ones
-/// never. Sessions live in memory only, the most recent hundred of them.
+/// sound when one waits for the user or has finished. Sessions live in memory only.
 class ClaudeService : public ObservableObject {
  public:
   ClaudeService(Scheduler& scheduler, SoundPlayer& sounds);
@@ -41,6 +39,9 @@ class ClaudeService : public ObservableObject {
   /// Applies one hook event. Without a session identifier it is filed under "default"; an event of an unknown
   /// name is ignored.
   void handle(const StringMap& event);
+  /// Turns working sessions idle after a quarter of an hour without events and forgets idle and done ones
+  /// after twenty minutes. Waiting ones stay.
+  void prune();
   /// Forgets all sessions that neither work nor wait.
   void clearFinished();
 
@@ -59,10 +60,8 @@ class ClaudeService : public ObservableObject {
   };
 
   const Tally& tally() const;
-  void prune();
-  void awaitNextAge();
   void announce(const char* icon, Color tint, const Session& session, CrabMood crab, double seconds,
-                Sound sound) const;
+                const char* sound) const;
 
   Scheduler& scheduler_;
   SoundPlayer& sounds_;
@@ -70,9 +69,7 @@ class ClaudeService : public ObservableObject {
   mutable std::optional<std::vector<Session>> ordered_;
   mutable std::optional<Tally> tally_;
   // Made in the constructor, so that it is told of a change before anybody who might read a derived value.
-  Subscription changes_;
-  std::optional<Date> nextAge_;
-  Task aging_;
+  Subscription forgetDerived_;
 };
 
 }  // namespace tarnwick

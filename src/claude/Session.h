@@ -24,8 +24,6 @@ struct Session {
   std::optional<Date> finishedAt;
   /// When its last event was handled.
   Date updatedAt;
-  /// Since when it rests because nothing was heard of it.
-  std::optional<Date> restingSince;
 
   friend bool operator==(const Session&, const Session&) = default;
 };

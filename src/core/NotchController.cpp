@@ -12,6 +12,10 @@ namespace {
 
 /// What is taken for a notch on a screen without one; at least as high as this, else as the menu bar.
 constexpr Size pretendedNotch{190, 24};
+/// What is kept free at the top and is higher than this is no bar.
+constexpr double highestMenuBar = 100;
+
+constexpr double pruneInterval = 30;
 
 constexpr double verticalSwipe = 14;
 constexpr double horizontalSwipe = 36;
@@ -25,9 +29,8 @@ bool isSame(double a, double b) { return std::abs(a - b) < 0.5; }
 
 /// The horizontal position does not count.
 bool covers(const WindowInfo& window, const Rect& screen, int64_t ownProcess) {
-  return window.layer == 0 && window.owner != ownProcess && window.bounds &&
-         isSame(window.bounds->width, screen.width) && isSame(window.bounds->height, screen.height) &&
-         isSame(window.bounds->y, screen.y);
+  return !window.maximized && window.owner != ownProcess && isSame(window.bounds.width, screen.width) &&
+         isSame(window.bounds.height, screen.height) && isSame(window.bounds.y, screen.y);
 }
 
 }  // namespace
@@ -37,15 +40,17 @@ NotchController::NotchController(const Desktop& desktop, const PanelFactory& mak
       model_(desktop_),
       panel_(makePanel(model_)),
       haptics_(model_.settings, desktop_.haptics),
-      tracker_(desktop_.scheduler, desktop_.pointer, model_, *panel_, haptics_) {
+      tracker_(desktop_.scheduler, model_, *panel_, haptics_) {
   panel_->onScroll = [this](const ScrollEvent& event) { return handleScroll(event); };
   panel_->onDragEnter = [this] { dragEntered(); };
   panel_->onDragExit = [this] { dragExited(); };
   panel_->onDropFiles = [this](const std::vector<FilePath>& files) { filesDropped(files); };
   layout();
+  listen();
+  // Before the window shows, so that its first frame is that of a notch under the pointer, where it is there.
+  tracker_.start();
   panel_->orderFrontRegardless();
   startServices();
-  listen();
 }
 
 std::optional<Screen> NotchController::targetScreen() const {
@@ -65,32 +70,46 @@ void NotchController::layout() {
     model_.notchSize = {frame.width - *screen->auxiliaryTopLeftWidth - *screen->auxiliaryTopRightWidth,
                         screen->topSafeAreaInset};
   } else {
-    const double menuBar = screen->visibleFrame.y - frame.y;
+    const double reserved = screen->visibleFrame.y - frame.y;
+    const double menuBar = reserved > highestMenuBar ? 0 : reserved;
     model_.notchSize = {pretendedNotch.width, std::max(menuBar, pretendedNotch.height)};
   }
-  panel_->setFrame({frame.midX() - panelSize.width / 2, frame.y, panelSize.width, panelSize.height});
-  tracker_.reconsider();
+  panel_->moveTo(*screen);
+  tracker_.wake();
 }
 
 void NotchController::startServices() {
-  model_.media.start(model_.settings);
+  model_.media.start();
   model_.power.start(model_.settings);
-  model_.bluetooth.start(model_.settings);
   if (model_.settings.calendarEnabled) {
     // Not now: it may have to ask the user for permission.
-    tasks_.push_back(desktop_.scheduler.post([this] { model_.calendar.start(); }));
+    calendarStart_ = desktop_.scheduler.post([this] { model_.calendar.start(); });
   }
   model_.audio.start();
   hud_.emplace(model_, desktop_);
+  bluetooth_.emplace(model_, desktop_);
 }
 
 void NotchController::listen() {
-  subscriptions_.push_back(desktop_.screens.observe([this] { layout(); }));
+  subscriptions_.push_back(desktop_.screens.observe([this] {
+    layout();
+    checkFullscreen();
+  }));
+  subscriptions_.push_back(desktop_.windows.observe([this] { checkFullscreen(); }));
+  fullscreenCheck_ = desktop_.scheduler.post([this] { checkFullscreen(); });
   subscriptions_.push_back(desktop_.notifications.observe(
       eventNotification, [this](const StringMap& event) { handleEvent(event); }));
   subscriptions_.push_back(desktop_.notifications.observe(
       showcaseNotification, [this](const StringMap& payload) { handleShowcase(payload); }));
-  tasks_.push_back(desktop_.scheduler.every(1, [this] { checkFullscreen(); }));
+  subscriptions_.push_back(model_.claude.observe([this] { pruneWhileThereAreSessions(); }));
+}
+
+void NotchController::pruneWhileThereAreSessions() {
+  if (model_.claude.sessions->empty()) {
+    pruning_ = Task();
+  } else if (!pruning_) {
+    pruning_ = desktop_.scheduler.every(pruneInterval, [this] { model_.claude.prune(); });
+  }
 }
 
 void NotchController::checkFullscreen() {
@@ -116,7 +135,7 @@ void NotchController::handleEvent(const StringMap& event) {
 void NotchController::handleShowcase(const StringMap& payload) {
   if (!onShowcaseCommand) return;
   onShowcaseCommand(valueOf(payload, "cmd").value_or(""), valueOf(payload, "arg").value_or(""));
-  tracker_.reconsider();
+  tracker_.wake();
 }
 
 bool NotchController::handleScroll(const ScrollEvent& event) {
@@ -150,7 +169,7 @@ bool NotchController::actOnSwipe() {
     if (swipe_.y < -verticalSwipe) {
       if (model_.isExpanded) {
         model_.collapse();
-        if (panel_->isKey()) panel_->resignKey();
+        panel_->resignKey();
         haptics_.tap();
       }
       return true;

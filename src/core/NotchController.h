@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "core/BluetoothService.h"
 #include "core/HUDService.h"
 #include "core/HapticFeedback.h"
 #include "core/NotchModel.h"
@@ -35,9 +36,10 @@ class NotchController {
  private:
   std::optional<Screen> targetScreen() const;
   void layout();
-  void startServices();
   void listen();
+  void startServices();
   void checkFullscreen();
+  void pruneWhileThereAreSessions();
 
   void handleEvent(const StringMap& event);
   void handleShowcase(const StringMap& payload);
@@ -54,13 +56,14 @@ class NotchController {
   HapticFeedback haptics_;
   PointerTracker tracker_;
   std::optional<HUDService> hud_;
+  std::optional<BluetoothService> bluetooth_;
 
   /// How far the fingers of the current trackpad gesture have moved, in points.
   Point swipe_;
   /// The current gesture has done its one action.
   bool swipeHandled_ = false;
 
-  std::vector<Task> tasks_;
+  Task calendarStart_, fullscreenCheck_, pruning_;
   std::vector<Subscription> subscriptions_;
 };
 

@@ -37,17 +37,14 @@ NotchModel::NotchModel(const Desktop& desktop)
              desktop.log}),
       audio(desktop.audioDevices),
       power(desktop.powerSources, desktop.sounds),
-      bluetooth(desktop.bluetooth, desktop.scheduler),
       calendar(desktop.calendars, desktop.scheduler),
-      tray(desktop.scheduler, desktop.defaults),
+      tray(desktop.defaults),
       notes(desktop.scheduler, desktop.folders),
       scheduler_(desktop.scheduler) {
   claude.settings = &settings;
   claude.onBanner = [this](const Banner& value, double seconds) { present(value, seconds); };
   power.onTransient = [this](const Transient& value) { show(value, powerTransientSeconds); };
   power.onBanner = [this](const Banner& value, double seconds) { present(value, seconds); };
-  bluetooth.onTransient = [this](const Transient& value, double seconds) { return show(value, seconds); };
-  bluetooth.onUpdate = [this](const Transient& value, double seconds) { return update(value, seconds); };
   calendar.onBanner = [this](const Banner& value, double seconds) { present(value, seconds); };
 }
 
@@ -86,18 +83,11 @@ Size NotchModel::size() const {
   return size;
 }
 
-bool NotchModel::show(const Transient& value, double seconds) {
-  if (isExpanded) return false;
+void NotchModel::show(const Transient& value, double seconds) {
+  if (isExpanded) return;
   withAnimation(updatesInPlace(transient, value) ? updateInPlace : notchOpen, [&] { transient = value; });
   transientTask_ =
       scheduler_.after(seconds, [this] { withAnimation(notchClose, [this] { transient = std::nullopt; }); });
-  return true;
-}
-
-bool NotchModel::update(const Transient& value, double seconds) {
-  const std::optional<Transient>& shown = transient;
-  const bool isNews = !shown || (*shown != value && shown->key() == value.key());
-  return isNews && show(value, seconds);
 }
 
 void NotchModel::present(const Banner& value, double seconds) {

@@ -12,7 +12,6 @@
 #include "base/Transient.h"
 #include "claude/ClaudeService.h"
 #include "services/AudioService.h"
-#include "services/BluetoothService.h"
 #include "services/CalendarService.h"
 #include "services/MediaService.h"
 #include "services/NotesStore.h"
@@ -54,7 +53,6 @@ class NotchModel : public ObservableObject {
   MediaService media;
   AudioService audio;
   PowerService power;
-  BluetoothService bluetooth;
   CalendarService calendar;
   TrayStore tray;
   NotesStore notes;
@@ -63,11 +61,8 @@ class NotchModel : public ObservableObject {
   /// The size of the black surface, in points.
   Size size() const;
 
-  /// Shows an indicator for that many seconds, in place of the one on show. Nothing while expanded. @return
-  /// whether it is shown
-  bool show(const Transient& value, double seconds);
-  /// The same with what is known more of the indicator on show, or where there is none.
-  bool update(const Transient& value, double seconds);
+  /// Shows an indicator for that many seconds, in place of the one on show. Nothing while expanded.
+  void show(const Transient& value, double seconds);
   /// Shows a banner for that many seconds, in place of the one on show. While expanded it waits behind the
   /// body.
   void present(const Banner& value, double seconds);

@@ -5,11 +5,10 @@
 
 #include "base/FilePath.h"
 #include "base/Geometry.h"
+#include "platform/Pointer.h"
+#include "platform/Screens.h"
 
 namespace tarnwick {
-
-/// The panel's size in points: room for the largest surface with its shadow.
-inline constexpr Size panelSize{940, 380};
 
 /// One step of a scroll gesture.
 struct ScrollEvent {
@@ -27,24 +26,27 @@ struct ScrollEvent {
 
 /// The notch's window: undecorated, transparent, above everything, on every workspace, never activated by a
 /// click. It draws the root view and is otherwise a dumb surface that the controller drives.
+///
+/// Its coordinates are those of the root view: points from its top left corner, y downwards. The window
+/// itself may be smaller where the desktop needs it so, but never shows less than the surface.
 class NotchPanel {
  public:
   virtual ~NotchPanel() = default;
 
-  /// The area that the root view is laid out in, in global points. The window itself may be smaller where the
-  /// desktop needs it so, but never shows less than the surface.
-  virtual void setFrame(const Rect& frame) = 0;
-  virtual Rect frame() const = 0;
+  /// Puts it in the middle of that screen's top edge.
+  virtual void moveTo(const Screen& screen) = 0;
+  /// Of the area that the root view is laid out in, in points. The surface is in the middle of its top edge.
+  virtual Size size() const = 0;
   /// Shows it above everything without activating it.
   virtual void orderFrontRegardless() = 0;
 
-  /// The part (in global points) in which the window takes the pointer and drops; clicks elsewhere reach what
-  /// lies below. Nothing: it ignores the pointer altogether.
+  /// The pointer, in the panel's coordinates.
+  virtual Pointer& pointer() = 0;
+  /// The part in which the window takes the pointer and drops; clicks elsewhere reach what lies below.
+  /// Nothing: it ignores the pointer altogether.
   virtual void setPointerArea(const std::optional<Rect>& area) = 0;
 
-  /// True while the window has the keyboard focus.
-  virtual bool isKey() const = 0;
-  /// Gives the focus back to the window that had it before.
+  /// Gives the keyboard back to the window that had it before, if the panel has it or has asked for it.
   virtual void resignKey() = 0;
 
   /// Answers true when it consumed the event; otherwise the content below the pointer scrolls.

@@ -16,12 +16,12 @@ constexpr double bodyLinger = 0.12;
 /// Eighteen ticks, whatever rounding says.
 constexpr double dwell = 0.3 - rounding;
 /// A drop still arrives after the button's release; only then is a drag over that ended elsewhere.
-constexpr double dropGrace = 0.4;
+constexpr double dropGrace = 0.4 - rounding;
 
-/// The current surface in global points. It reaches above the edge of the screen, where a pointer that is
-/// pushed against the edge ends up.
-Rect surfaceRect(const Rect& frame, Size size) {
-  return {frame.midX() - size.width / 2, frame.y - 2, size.width, size.height + 2};
+/// The current surface. It reaches above the edge of the screen, where a pointer that is pushed against the
+/// edge ends up.
+Rect surfaceRect(Size panel, Size surface) {
+  return {(panel.width - surface.width) / 2, -2, surface.width, surface.height + 2};
 }
 Rect hoverArea(const Rect& surface) { return surface.grownBy(3, 3); }
 Rect dragCatchArea(const Rect& surface) { return surface.grownBy(140, 110); }
@@ -33,22 +33,27 @@ bool contains(const Rect& area, const std::optional<Point>& position) {
 
 }  // namespace
 
-PointerTracker::PointerTracker(Scheduler& scheduler, Pointer& pointer, NotchModel& model, NotchPanel& panel,
+PointerTracker::PointerTracker(Scheduler& scheduler, NotchModel& model, NotchPanel& panel,
                                const HapticFeedback& haptics)
-    : scheduler_(scheduler), pointer_(pointer), model_(model), panel_(panel), haptics_(haptics) {
+    : scheduler_(scheduler), model_(model), panel_(panel), pointer_(panel.pointer()), haptics_(haptics) {
   const auto notice = [this] { reconsider(); };
   // The surface's size follows from all of these.
   subscriptions_ = {model_.observe(notice), model_.settings.observe(notice), model_.claude.observe(notice),
                     model_.media.observe(notice), pointer_.observe([this] { wake(); })};
   panel_.setPointerArea(area_);
   pointer_.setWantsActivity(false);
-  tickAt(std::floor(scheduler_.uptime() * ticksPerSecond) + 1);
+}
+
+void PointerTracker::start() {
+  dragChangeCount_ = pointer_.dragChangeCount();
+  trackMouse();
 }
 
 PointerTracker::PointerState PointerTracker::pointerState() const {
-  PointerState state{.position = pointer_.position(), .buttonDown = pointer_.leftButtonDown()};
+  PointerState state{.position = pointer_.position(),
+                     .buttonDown = pointer_.buttonDown(),
+                     .dragChangeCount = pointer_.dragChangeCount()};
   if (state.buttonDown) {
-    state.dragChangeCount = pointer_.dragChangeCount();
     // A drag whose types are not known yet may be one of text, for which the notch must never open.
     const auto types = pointer_.dragTypes();
     state.offersFiles = types && std::find(types->begin(), types->end(), fileListType) != types->end();
@@ -57,11 +62,11 @@ PointerTracker::PointerState PointerTracker::pointerState() const {
 }
 
 PointerTracker::NotchState PointerTracker::notchState() const {
-  return {panel_.frame(),
-          model_.size(),
+  return {model_.size(),
           model_.isExpanded,
           model_.isHovering,
           model_.isDraggingFiles,
+          model_.isDropTargeted,
           model_.showcase,
           model_.settings.expandOnHover};
 }
@@ -79,17 +84,16 @@ void PointerTracker::trackMouse() {
   pointerSeen_ = pointer;
 
   const double now = scheduler_.uptime();
-  const Rect surface = surfaceRect(notch.frame, notch.size);
+  const Rect surface = surfaceRect(panel_.size(), notch.size);
   inside_ = contains(hoverArea(surface), pointer.position);
-  const bool draggingFiles = followFileDrag(pointer, surface);
-  wasMouseDown_ = pointer.buttonDown;
+  const bool draggingFiles = followFileDrag(pointer, surface, now);
   if (inside_) {
     pointerIsInside(pointer, now);
   } else {
     pointerIsOutside(now);
   }
 
-  const Rect shown = surfaceRect(panel_.frame(), model_.size());
+  const Rect shown = surfaceRect(panel_.size(), model_.size());
   setPointerArea(model_.isDraggingFiles ? dragKeepArea(shown)
                  : draggingFiles        ? dragCatchArea(shown)
                                         : hoverArea(shown));
@@ -103,29 +107,34 @@ void PointerTracker::trackMouse() {
 }
 
 /// @return whether a drag of files is in progress, wherever it is
-bool PointerTracker::followFileDrag(const PointerState& pointer, const Rect& surface) {
-  if (!pointer.buttonDown) {
-    if (wasMouseDown_ && model_.isDraggingFiles) {
-      dropCleanUp_ = scheduler_.after(dropGrace, [this] {
-        model_.isDropTargeted = false;
-        model_.setDraggingFiles(false);
-      });
-    }
-    return false;
-  }
-  if (!wasMouseDown_) dragChangeCount_ = pointer.dragChangeCount;
-  if (pointer.dragChangeCount == dragChangeCount_ || !pointer.offersFiles) return false;
-
-  // The end of the drag before must not end this one.
-  dropCleanUp_.cancel();
-  if (!model_.isDraggingFiles && contains(dragCatchArea(surface), pointer.position)) {
+bool PointerTracker::followFileDrag(const PointerState& pointer, const Rect& surface, double now) {
+  // As of the last look before the button went down: a quick hand starts a drag within the same tick.
+  if (!pointer.buttonDown) dragChangeCount_ = pointer.dragChangeCount;
+  const bool inProgress =
+      pointer.buttonDown && pointer.dragChangeCount != dragChangeCount_ && pointer.offersFiles;
+  if (inProgress && !model_.isDraggingFiles && contains(dragCatchArea(surface), pointer.position)) {
     model_.setDraggingFiles(true);
     haptics_.tap();
   }
-  if (model_.isDraggingFiles && !contains(dragKeepArea(surface), pointer.position)) {
+  if (inProgress && model_.isDraggingFiles && !contains(dragKeepArea(surface), pointer.position)) {
     model_.setDraggingFiles(false);
   }
-  return true;
+
+  // The window also tells of drags whose button nobody sees, such as another window system's. Those are held
+  // as long as they are over it.
+  dragHasButton_ = model_.isDraggingFiles && (dragHasButton_ || pointer.buttonDown);
+  const bool held = !model_.isDraggingFiles || inProgress ||
+                    (model_.isDropTargeted && pointer.buttonDown == dragHasButton_);
+  if (held) {
+    letGoAt_.reset();
+  } else if (!letGoAt_) {
+    letGoAt_ = now;
+  } else if (now - *letGoAt_ > dropGrace) {
+    model_.isDropTargeted = false;
+    model_.setDraggingFiles(false);
+    letGoAt_.reset();
+  }
+  return inProgress;
 }
 
 void PointerTracker::pointerIsOutside(double now) {
@@ -133,7 +142,7 @@ void PointerTracker::pointerIsOutside(double now) {
   if (now - lastInside_ > hoverLinger) model_.setHovering(false);
   if (model_.isExpanded && now - lastInside_ > bodyLinger && !model_.isDraggingFiles) {
     model_.collapse();
-    if (panel_.isKey()) panel_.resignKey();
+    panel_.resignKey();
   }
 }
 
@@ -158,7 +167,8 @@ void PointerTracker::setPointerArea(const std::optional<Rect>& area) {
 }
 
 bool PointerTracker::timeCouldChangeSomething() const {
-  if (inside_) return model_.settings.expandOnHover && !model_.isExpanded && !wasMouseDown_;
+  if (letGoAt_) return true;
+  if (inside_) return model_.settings.expandOnHover && !model_.isExpanded && !pointerSeen_.buttonDown;
   return model_.isHovering || (model_.isExpanded && !model_.isDraggingFiles);
 }
 

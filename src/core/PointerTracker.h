@@ -20,12 +20,13 @@ namespace tarnwick {
 class PointerTracker {
  public:
   /// All arguments must outlive the tracker.
-  PointerTracker(Scheduler& scheduler, Pointer& pointer, NotchModel& model, NotchPanel& panel,
-                 const HapticFeedback& haptics);
+  PointerTracker(Scheduler& scheduler, NotchModel& model, NotchPanel& panel, const HapticFeedback& haptics);
 
-  /// Call it after a change of what the tracker depends on and cannot observe: the panel's frame and the
+  /// Looks for the first time, now. Until then the panel ignores the pointer.
+  void start();
+  /// Call it after a change of what the tracker depends on and cannot observe: the panel's place and the
   /// model's `showcase`.
-  void reconsider();
+  void wake();
 
  private:
   struct PointerState {
@@ -36,10 +37,9 @@ class PointerTracker {
     friend bool operator==(const PointerState&, const PointerState&) = default;
   };
   struct NotchState {
-    Rect frame;
     Size size;
-    bool isExpanded = false, isHovering = false, isDraggingFiles = false, showcase = false;
-    bool expandOnHover = false;
+    bool isExpanded = false, isHovering = false, isDraggingFiles = false, isDropTargeted = false;
+    bool showcase = false, expandOnHover = false;
     friend bool operator==(const NotchState&, const NotchState&) = default;
   };
 
@@ -47,7 +47,7 @@ class PointerTracker {
   NotchState notchState() const;
 
   void trackMouse();
-  bool followFileDrag(const PointerState& pointer, const Rect& surface);
+  bool followFileDrag(const PointerState& pointer, const Rect& surface, double now);
   void pointerIsInside(const PointerState& pointer, double now);
   void pointerIsOutside(double now);
   void setPointerArea(const std::optional<Rect>& area);
@@ -55,19 +55,22 @@ class PointerTracker {
   bool timeCouldChangeSomething() const;
   void tickAt(double index);
   void sleep();
-  void wake();
+  void reconsider();
 
   Scheduler& scheduler_;
-  Pointer& pointer_;
   NotchModel& model_;
   NotchPanel& panel_;
+  Pointer& pointer_;
   const HapticFeedback& haptics_;
 
   // Times are uptimes in seconds.
   double lastInside_ = -std::numeric_limits<double>::infinity();
   std::optional<double> enteredAt_;
-  bool wasMouseDown_ = false;
   int dragChangeCount_ = 0;
+  /// A button was held at some time during the drag over the notch.
+  bool dragHasButton_ = false;
+  /// The tick that found the drag over the notch let go of, elsewhere or in a drop that has not arrived yet.
+  std::optional<double> letGoAt_;
   std::optional<Rect> area_;
 
   bool asleep_ = false;
@@ -77,7 +80,6 @@ class PointerTracker {
   NotchState notchSeen_;
 
   Task tick_;
-  Task dropCleanUp_;
   std::array<Subscription, 5> subscriptions_;
 };
 

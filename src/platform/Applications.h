@@ -26,9 +26,8 @@ class Applications {
   /// the process calls its application, where it says so; a process in a sandbox is known by that alone.
   /// Takes its time; for any thread, one at a time.
   virtual std::optional<Application> runningApplication(int32_t process, const std::string& name) = 0;
-  /// Brings a window of the application forward. @return false when it has none that this desktop lets us see
-  virtual bool bringForward(const FilePath& bundle) = 0;
-  virtual void start(const FilePath& bundle) = 0;
+  /// Brings the application forward; starts it when it does not run.
+  virtual void open(const FilePath& bundle) = 0;
 };
 
 }  // namespace tarnwick

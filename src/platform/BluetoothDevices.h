@@ -7,14 +7,17 @@
 
 namespace tarnwick {
 
+/// The major device class of headphones and speakers.
+inline constexpr int audioDeviceClass = 4;
+
 /// A device that is or was connected by Bluetooth.
 struct BluetoothDevice {
   /// The same for the same device.
   std::string id;
   /// Empty when it has none.
   std::string name;
-  /// Headphones, a speaker or the like.
-  bool isAudio = false;
+  /// As assigned by the Bluetooth standard; 0 when it is not known.
+  int deviceClassMajor = 0;
   /// Percent, one for each battery that reports; 0 from one that does not know its level.
   std::vector<int> batteryLevels;
 

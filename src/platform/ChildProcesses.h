@@ -17,8 +17,7 @@ class ChildProcess {
   virtual void awaitOutput() = 0;
   /// Takes some of what it has written, at most 64 KiB; empty: its output has ended.
   virtual std::string read() = 0;
-  /// Writes to its standard input, for when it has started. Lost when the program has ended or does not read
-  /// what it gets.
+  /// Writes to its standard input. Lost when the program has ended or does not read what it gets.
   virtual void write(const std::string& bytes) = 0;
 };
 
@@ -34,9 +33,9 @@ class ChildProcesses {
   };
   virtual ~ChildProcesses() = default;
 
-  /// Starts a program by its absolute path, with pipes for input and output, and with nothing of our
-  /// environment but what names the user's session. It ends with this process at the latest. The events come
-  /// from the main loop, never from within a call, and not after the child's destruction.
+  /// Starts a program by its absolute path, with pipes for input and output. It ends with this process at the
+  /// latest. The events come from the main loop, never from within a call, and not after the child's
+  /// destruction.
   virtual std::unique_ptr<ChildProcess> launch(const std::string& executable,
                                                const std::vector<std::string>& arguments, Events events) = 0;
 };

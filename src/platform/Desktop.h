@@ -13,7 +13,6 @@ class HapticPerformer;
 class ImageDecoder;
 class MediaKeys;
 class NotificationCenter;
-class Pointer;
 class PowerSources;
 class Scheduler;
 class Screens;
@@ -30,7 +29,6 @@ struct Desktop {
   UserDefaults& defaults;
   Folders& folders;
   Screens& screens;
-  Pointer& pointer;
   WindowList& windows;
   SoundPlayer& sounds;
   HapticPerformer& haptics;

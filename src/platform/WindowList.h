@@ -9,23 +9,28 @@
 
 namespace tarnwick {
 
-/// One window on the screen, in global points.
+/// One window of a program, in global points.
 struct WindowInfo {
-  /// 0 for the ordinary windows of programs; absent when it is not known.
-  std::optional<int> layer;
   /// The process that it belongs to; absent when it is not known.
   std::optional<int64_t> owner;
-  std::optional<Rect> bounds;
+  /// Without the frame that a window manager puts around it.
+  Rect bounds;
+  /// It takes all the room that the desktop gives to ordinary windows, and does not ask for more.
+  bool maximized = false;
 };
 
-/// The windows that the user sees now: without minimised ones, those of other workspaces, and the desktop.
+/// The windows of programs that the user sees now: without minimised ones, those of other workspaces, panels
+/// and the desktop.
 class WindowList {
  public:
   virtual ~WindowList() = default;
   /// Front to back or in any order; none when it cannot be had.
-  virtual std::optional<std::vector<WindowInfo>> onScreen() const = 0;
+  virtual std::optional<std::vector<WindowInfo>> onScreen() = 0;
   /// The process that asks.
   virtual int64_t ownProcess() const = 0;
+  /// Calls `onChange` on the main thread when the list may have become another one; within half a second of
+  /// that, but not more often than a few times a second.
+  virtual Subscription observe(std::function<void()> onChange) = 0;
 };
 
 }  // namespace tarnwick

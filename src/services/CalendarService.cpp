@@ -2,10 +2,8 @@
 
 #include <algorithm>
 #include <charconv>
-#include <optional>
-#include <set>
+#include <cmath>
 
-#include "base/DisplayText.h"
 #include "base/L10n.h"
 #include "base/LocalTime.h"
 
@@ -14,9 +12,8 @@ namespace {
 
 constexpr size_t maximumEvents = 12;
 constexpr double leadTime = 300;
+constexpr double tickInterval = 30;
 constexpr double bannerSeconds = 6;
-/// How late an alarm may be for its minute to count as a whole one.
-constexpr double lateness = 0.05;
 
 /// In decimal notation, always with a fractional part.
 std::string decimal(double number) {
@@ -28,24 +25,11 @@ std::string decimal(double number) {
 
 CalendarItem item(const CalendarEvent& event) {
   return {.id = event.identifier + decimal(event.start.secondsSince1970),
-          .title = event.title.empty() ? tr("Untitled", "Sans titre") : displayText(event.title),
+          .title = event.title.empty() ? tr("Untitled", "Sans titre") : event.title,
           .start = event.start,
           .end = event.end,
           .allDay = event.allDay,
           .color = event.color};
-}
-
-/// Those that are listed, by their start: the first ones, but of each event at least one before others come
-/// again. An event that repeats every hour would hide all others.
-std::vector<CalendarEvent> listed(std::vector<CalendarEvent> events) {
-  std::ranges::stable_sort(events, {}, &CalendarEvent::start);
-  if (events.size() <= maximumEvents) return events;
-  std::set<std::string> seen;
-  std::stable_partition(events.begin(), events.end(),
-                        [&](const CalendarEvent& each) { return seen.insert(each.identifier).second; });
-  events.resize(maximumEvents);
-  std::ranges::stable_sort(events, {}, &CalendarEvent::start);
-  return events;
 }
 
 }  // namespace
@@ -57,8 +41,7 @@ void CalendarService::start() {
 void CalendarService::accessChanged(bool granted) {
   if (!granted) {
     changes_ = {};
-    next_.cancel();
-    midnight_.cancel();
+    timer_.cancel();
     if (frozen) return;
     authorized = false;
     events = {};
@@ -67,18 +50,20 @@ void CalendarService::accessChanged(bool granted) {
   authorized = true;
   reload();
   changes_ = calendars_.observe([this] { reload(); });
+  timer_ = scheduler_.every(tickInterval, [this] { tick(); });
 }
 
 void CalendarService::reload() {
   if (!authorized || frozen) return;
   const Date now = scheduler_.now();
+  std::vector<CalendarEvent> found = calendars_.events(now, startOfDay(now, 2));
+  std::stable_sort(found.begin(), found.end(),
+                   [](const CalendarEvent& a, const CalendarEvent& b) { return a.start < b.start; });
+  if (found.size() > maximumEvents) found.resize(maximumEvents);
   std::vector<CalendarItem> items;
-  for (const CalendarEvent& event : listed(calendars_.events(now, startOfDay(now, 2))))
-    items.push_back(item(event));
+  for (const CalendarEvent& event : found) items.push_back(item(event));
   events = std::move(items);
   tick();
-  // A new day brings another tomorrow.
-  midnight_ = scheduler_.at(startOfDay(now, 1), [this] { reload(); });
 }
 
 void CalendarService::tick() {
@@ -88,32 +73,14 @@ void CalendarService::tick() {
   });
   for (const CalendarItem& each : *events) {
     const double wait = each.start - now;
-    if (each.allDay || wait <= 0 || wait > leadTime || !alerted_.emplace(each.id, each.start).second)
-      continue;
+    if (each.allDay || wait <= 0 || wait > leadTime || !alerted_.insert(each.id).second) continue;
     announce(each, wait);
   }
-  std::erase_if(alerted_, [now](const auto& alerted) { return alerted.second < now; });
-  awaitNextTick();
-}
-
-void CalendarService::awaitNextTick() {
-  const Date now = scheduler_.now();
-  std::optional<Date> next;
-  const auto consider = [&](Date date) {
-    if (date > now && (!next || date < *next)) next = date;
-  };
-  for (const CalendarItem& each : *events) {
-    consider(each.end + lateness);
-    if (!each.allDay) consider(each.start - leadTime);
-  }
-  next_ = {};
-  // Where an event makes room, another may move up.
-  if (next) next_ = scheduler_.at(*next, [this] { frozen ? tick() : reload(); });
 }
 
 void CalendarService::announce(const CalendarItem& item, double secondsUntilStart) const {
   if (!onBanner) return;
-  const int minutes = std::max(1, static_cast<int>((secondsUntilStart + lateness) / 60));
+  const int minutes = std::max(1, static_cast<int>(secondsUntilStart / 60));
   onBanner({.icon = "calendar",
             .tint = item.color,
             .title = item.title,

@@ -1,6 +1,6 @@
 #pragma once
 #include <functional>
-#include <map>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -24,15 +24,14 @@ struct CalendarItem {
   friend bool operator==(const CalendarItem&, const CalendarItem&) = default;
 };
 
-/// The user's events of today and tomorrow, and the banner that tells of the next one five minutes ahead.
+/// The user's events of today and tomorrow, and the banner that tells of the next one.
 class CalendarService : public ObservableObject {
  public:
   /// The ports must outlive the service.
   CalendarService(Calendars& calendars, Scheduler& scheduler)
       : calendars_(calendars), scheduler_(scheduler) {}
 
-  /// By start, twelve at most. Of a repeating event that would take all places there are as many as the
-  /// others leave.
+  /// The first of them, by start.
   Observed<std::vector<CalendarItem>> events{*this};
   /// The user lets the program see the events.
   Observed<bool> authorized{*this};
@@ -53,15 +52,14 @@ class CalendarService : public ObservableObject {
  private:
   void accessChanged(bool granted);
   void tick();
-  void awaitNextTick();
   void announce(const CalendarItem& item, double secondsUntilStart) const;
 
   Calendars& calendars_;
   Scheduler& scheduler_;
-  /// The ids of the events that were announced, and when they start.
-  std::map<std::string, Date> alerted_;
+  /// The ids of the events that were announced.
+  std::set<std::string> alerted_;
   Subscription changes_;
-  Task next_, midnight_;
+  Task timer_;
 };
 
 }  // namespace tarnwick

@@ -10,8 +10,8 @@ namespace tarnwick {
 /// without line feeds cannot fill the memory.
 class LineBuffer {
  public:
-  /// Room for the largest cover that the bridge sends, in base64, and for texts.
-  static constexpr size_t longestLine = size_t{2} << 20;
+  /// Room for the largest cover that there can be, in base64, and its texts.
+  static constexpr size_t longestLine = size_t{16} << 20;
 
   /// Takes what has come. @return the lines that it completes, without their line feeds
   std::vector<std::string> append(std::string_view bytes);

@@ -21,10 +21,6 @@ std::optional<MediaLine> MediaLine::parse(std::string_view line) {
     const auto* value = memberOf<JsonNumber>(*object, key);
     return value ? value->integer().value_or(0) : 0;
   };
-  const auto boolean = [&](std::string_view key) {
-    const auto* value = memberOf<bool>(*object, key);
-    return value && *value;
-  };
 
   MediaLine parsed;
   parsed.title = text("title");
@@ -33,15 +29,14 @@ std::optional<MediaLine> MediaLine::parse(std::string_view line) {
   parsed.duration = real("duration").value_or(0);
   parsed.elapsed = real("elapsed").value_or(0);
   parsed.timestamp = real("timestamp");
-  parsed.playing = boolean("playing");
-  parsed.rate = real("rate").value_or(1);
+  const bool* playing = memberOf<bool>(*object, "playing");
+  parsed.playing = playing && *playing;
   parsed.artworkId = integer("artworkId");
   if (const auto* artwork = memberOf<std::string>(*object, "artwork"))
     parsed.artwork = decodeBase64(*artwork);
   const int64_t pid = integer("pid");
   if (pid >= 1 && pid <= INT32_MAX) parsed.pid = static_cast<int32_t>(pid);
   parsed.desktopEntry = text("desktopEntry");
-  parsed.canRaise = boolean("canRaise");
   return parsed;
 }
 

@@ -2,7 +2,6 @@
 
 #include <tuple>
 
-#include "base/DisplayText.h"
 #include "services/AccentColor.h"
 
 namespace tarnwick {
@@ -12,7 +11,6 @@ std::optional<MediaUpdate> MediaReader::read(std::string_view bytes) {
   for (std::string& text : buffer_.append(bytes)) {
     std::optional<MediaLine> line = MediaLine::parse(text);
     if (!line) continue;
-    for (std::string* each : {&line->title, &line->artist, &line->album}) *each = displayText(*each);
     takeArtwork(*line);
     line->artwork.reset();
     // A line that names no process leaves the one before.

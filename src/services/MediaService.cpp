@@ -50,32 +50,12 @@ std::string decimal(double value) {
 MediaService::MediaService(const Ports& ports) : timestamp{*this, ports.scheduler.now()}, ports_(ports) {}
 
 double MediaService::currentElapsed(Date at) const {
-  const double played = (at - timestamp) - (clockLead() - leadAtTimestamp_);
-  const double position = std::max(playing ? elapsed + played * rate : elapsed.get(), 0.0);
+  double position = playing ? elapsed + (at - timestamp) : elapsed;
+  position = std::max(position, 0.0);
   return duration > 0 ? std::min(position, duration.get()) : position;
 }
 
-void MediaService::setPosition(double seconds, Date at) {
-  elapsed = seconds;
-  timestamp = at;
-  leadAtTimestamp_ = clockLead();
-}
-
-void MediaService::start(const AppSettings& settings) {
-  settings_ = &settings;
-  settingsSubscription_ = settings.observe([this] {
-    if (networkAllowed_ != settings_->showNowPlaying) allowNetwork();
-  });
-  startBridge();
-}
-
-/// Nobody else is to learn what plays when it is not shown.
-void MediaService::allowNetwork() {
-  networkAllowed_ = settings_->showNowPlaying;
-  send(networkAllowed_ ? "network on" : "network off");
-}
-
-void MediaService::startBridge() {
+void MediaService::start() {
   if (process_) return;
   const std::string library = ports_.folders.modules() + "/MediaBridge.so";
   std::error_code error;
@@ -90,7 +70,6 @@ void MediaService::startBridge() {
   };
   process_ = ports_.processes.launch(interpreter, {"-e", script, library}, std::move(events));
   process_->awaitOutput();
-  allowNetwork();
 }
 
 void MediaService::readOutput() {
@@ -111,7 +90,7 @@ void MediaService::bridgeEnded() {
     reading_.cancel();
     pace_.cancel();
     process_.reset();
-    startBridge();
+    start();
   });
 }
 
@@ -121,10 +100,9 @@ void MediaService::apply(const MediaUpdate& update) {
   artist = line.artist;
   album = line.album;
   duration = line.duration;
-  setPosition(line.elapsed, line.timestamp ? Date{*line.timestamp} : ports_.scheduler.now());
-  rate = line.rate;
+  elapsed = line.elapsed;
+  timestamp = line.timestamp ? Date{*line.timestamp} : ports_.scheduler.now();
   playing = line.playing;
-  canRaise_ = line.canRaise;
   if (update.artwork) {
     artwork = update.artwork->image;
     accent = update.artwork->accent;
@@ -141,7 +119,8 @@ void MediaService::send(const std::string& command) {
 
 void MediaService::seek(double seconds) {
   if (!std::isfinite(seconds)) return;
-  setPosition(seconds, ports_.scheduler.now());
+  elapsed = seconds;
+  timestamp = ports_.scheduler.now();
   send("seek " + decimal(seconds));
 }
 
@@ -151,13 +130,7 @@ void MediaService::togglePlayPause() {
 }
 
 void MediaService::openSourceApp() {
-  const std::optional<FilePath>& bundle = *appBundleURL;
-  if (bundle && ports_.applications.bringForward(*bundle)) return;
-  if (canRaise_) {
-    send("raise");
-  } else if (bundle) {
-    ports_.applications.start(*bundle);
-  }
+  if (*appBundleURL) ports_.applications.open(**appBundleURL);
 }
 
 void MediaService::showcaseTrack(int index) {
@@ -167,10 +140,9 @@ void MediaService::showcaseTrack(int index) {
     artist = track.artist;
     album = std::string();
     duration = 203;
-    setPosition(index == 0 ? 71 : 4, ports_.scheduler.now());
-    rate = 1;
+    elapsed = index == 0 ? 71 : 4;
+    timestamp = ports_.scheduler.now();
     playing = true;
-    canRaise_ = false;
     const Image cover = sampleArtwork(300, track.colors, true);
     artwork = cover;
     accent = accentOf(cover);
@@ -181,7 +153,8 @@ void MediaService::showcaseTrack(int index) {
 
 void MediaService::showcasePlaying(bool plays) {
   const Date now = ports_.scheduler.now();
-  setPosition(currentElapsed(now), now);
+  elapsed = currentElapsed(now);
+  timestamp = now;
   withAnimation(notchOpen, [&] { playing = plays; });
 }
 
@@ -189,7 +162,8 @@ void MediaService::debugFill() {
   title = "Paper Lanterns";
   artist = "The Evening Trams";
   duration = 190;
-  setPosition(72, ports_.scheduler.now());
+  elapsed = 72;
+  timestamp = ports_.scheduler.now();
   playing = true;
   const Image cover = sampleArtwork(200, sampleTracks[0].colors, false);
   artwork = cover;

@@ -3,7 +3,6 @@
 #include <optional>
 #include <string>
 
-#include "base/AppSettings.h"
 #include "base/Color.h"
 #include "base/Image.h"
 #include "base/Observed.h"
@@ -41,8 +40,6 @@ class MediaService : public ObservableObject {
   /// Position in seconds at the instant `timestamp`.
   Observed<double> elapsed{*this};
   Observed<Date> timestamp;
-  /// Seconds of the track that are played in a second.
-  Observed<double> rate{*this, 1};
   /// What the player reports; see `isPlaying`.
   Observed<bool> playing{*this};
   /// The cover.
@@ -57,17 +54,16 @@ class MediaService : public ObservableObject {
 
   /// A track is there and runs.
   bool isPlaying() const { return playing && !title->empty(); }
-  /// The position in seconds, within the track. What the wall clock was set by and what the machine has slept
-  /// since `timestamp` was not played.
+  /// The position in seconds, within the track.
   double currentElapsed(Date at) const;
 
-  /// Starts the bridge, unless it runs or is not installed. `settings` must outlive the service.
-  void start(const AppSettings& settings);
+  /// Starts the bridge, unless it runs or is not installed.
+  void start();
   void seek(double seconds);
   void togglePlayPause();
   void nextTrack() { send("cmd 4"); }
   void previousTrack() { send("cmd 5"); }
-  /// Brings the program that plays forward, or starts it where that cannot be done.
+  /// Brings the program that plays forward.
   void openSourceApp();
 
   /// A track of the demonstration; any number will do.
@@ -77,25 +73,12 @@ class MediaService : public ObservableObject {
   void debugFill();
 
  private:
-  void startBridge();
-  void allowNetwork();
-  void setPosition(double seconds, Date at);
-  /// How far the wall clock is ahead of the one that nobody sets and that sleeps when the machine does.
-  double clockLead() const { return ports_.scheduler.now().secondsSince1970 - ports_.scheduler.uptime(); }
   void readOutput();
   void apply(const MediaUpdate& update);
   void bridgeEnded();
   void send(const std::string& command);
 
   const Ports ports_;
-  const AppSettings* settings_ = nullptr;
-  Subscription settingsSubscription_;
-  /// What the bridge was told last.
-  bool networkAllowed_ = false;
-  /// `clockLead` at `timestamp`.
-  double leadAtTimestamp_ = clockLead();
-  /// The player can bring its window forward by itself.
-  bool canRaise_ = false;
   std::unique_ptr<ChildProcess> process_;
   /// Works in the background, on one piece of output at a time.
   std::shared_ptr<MediaReader> reader_;

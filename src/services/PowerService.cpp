@@ -1,9 +1,6 @@
 #include "services/PowerService.h"
 
-#include <algorithm>
 #include <array>
-#include <cmath>
-#include <optional>
 
 #include "base/L10n.h"
 
@@ -14,12 +11,9 @@ namespace {
 constexpr std::array lowLevels{20, 10};
 constexpr double bannerSeconds = 5;
 
-/// None where the battery does not know.
-std::optional<int> percentage(const PowerSource& battery) {
+int percentage(const PowerSource& battery) {
   const double maximum = battery.maxCapacity > 0 ? battery.maxCapacity : 100;
-  const double percent = battery.currentCapacity / maximum * 100;
-  if (std::isnan(percent)) return std::nullopt;
-  return static_cast<int>(std::clamp(percent, 0.0, 100.0));
+  return static_cast<int>(battery.currentCapacity / maximum * 100);
 }
 
 Banner lowBatteryBanner(int level) {
@@ -50,18 +44,16 @@ void PowerService::read() {
 }
 
 void PowerService::readBattery(const PowerSource& battery) {
-  const std::optional<int> told = percentage(battery);
-  if (!told) return;
-  const int newLevel = *told;
   // The daemon that knows the battery may answer at any time after the start: what it tells first is the
   // state at the start.
   const bool announce = hasBattery && alertsAllowed();
+  const int newLevel = percentage(battery);
   const bool plugged = battery.onACPower;
   hasBattery = true;
   charging = battery.isCharging;
   if (announce && plugged != pluggedIn) {
     if (onTransient) onTransient(Transient::power(plugged, newLevel));
-    if (plugged) sounds_.play(Sound::powerPlug);
+    if (plugged) sounds_.play("Pop");
   }
   if (plugged) {
     warnedAt_.clear();
@@ -77,7 +69,7 @@ void PowerService::warnIfLow(int newLevel, bool announce) {
     const bool fellThrough = level > threshold && newLevel <= threshold;
     if (!fellThrough || !warnedAt_.insert(threshold).second || !announce) continue;
     if (onBanner) onBanner(lowBatteryBanner(newLevel), bannerSeconds);
-    sounds_.play(Sound::batteryLow);
+    sounds_.play("Basso");
   }
 }
 

@@ -1,9 +1,6 @@
 #include "services/TrayStore.h"
 
-#include <algorithm>
 #include <filesystem>
-#include <iterator>
-#include <memory>
 #include <string_view>
 #include <unordered_set>
 
@@ -31,21 +28,10 @@ bool append(std::vector<FilePath>& items, const std::vector<FilePath>& files) {
 
 }  // namespace
 
-TrayStore::TrayStore(Scheduler& scheduler, UserDefaults& defaults) : defaults_(defaults) {
-  items.mutate(
-      [&](auto& all) { return append(all, defaults_.strings(key).value_or(std::vector<FilePath>{})); });
-  if (items->empty()) return;
-  const auto gone = std::make_shared<std::unordered_set<FilePath>>();
-  looking_ = scheduler.background(
-      [gone, files = items.get()] {
-        std::ranges::copy_if(files, std::inserter(*gone, gone->end()),
-                             [](const FilePath& file) { return !exists(file); });
-      },
-      [this, gone] {
-        items.mutate([&](auto& all) {
-          return std::erase_if(all, [&](const FilePath& file) { return gone->contains(file); }) > 0;
-        });
-      });
+TrayStore::TrayStore(UserDefaults& defaults) : defaults_(defaults) {
+  std::vector<FilePath> stored = defaults_.strings(key).value_or(std::vector<FilePath>{});
+  std::erase_if(stored, [](const FilePath& file) { return !exists(file); });
+  items.mutate([&](auto& all) { return append(all, stored); });
 }
 
 void TrayStore::add(const std::vector<FilePath>& files) {

@@ -3,7 +3,6 @@
 
 #include "base/FilePath.h"
 #include "base/Observed.h"
-#include "base/Scheduler.h"
 #include "base/UserDefaults.h"
 
 namespace tarnwick {
@@ -12,10 +11,10 @@ namespace tarnwick {
 /// restarts.
 class TrayStore : public ObservableObject {
  public:
-  /// Takes up the stored list, and soon leaves out the files that are gone: nothing waits for a folder of the
-  /// network that does not answer. They leave the store itself with the next change, so that a drive that is
-  /// not there just now can still come back. Both arguments must outlive the store.
-  TrayStore(Scheduler& scheduler, UserDefaults& defaults);
+  /// Takes up the stored list without the files that are gone. They leave the store itself with the next
+  /// change, so that a drive that is not there just now can still come back. `defaults` must outlive the
+  /// store.
+  explicit TrayStore(UserDefaults& defaults);
 
   /// Oldest first, without duplicates.
   Observed<std::vector<FilePath>> items{*this};
@@ -29,7 +28,6 @@ class TrayStore : public ObservableObject {
   void save();
 
   UserDefaults& defaults_;
-  Task looking_;
 };
 
 }  // namespace tarnwick

@@ -1,7 +1,5 @@
 #include "views/TabBar.h"
 
-#include <algorithm>
-
 #include "base/L10n.h"
 #include "ui/Button.h"
 #include "ui/Dynamic.h"
@@ -17,8 +15,6 @@ namespace {
 
 constexpr Size buttonSize{31, 26};
 constexpr double spacing = 1;
-/// That a button keeps to the edges of the strip where that is low, in points.
-constexpr double margin = 2;
 
 View symbolIcon(const char* name, double size, bool selected) {
   return Symbol(name).font({size}).opacity(selected ? 1 : 0.55);
@@ -51,10 +47,10 @@ View highlight(bool selected, bool hovering) {
   return {};
 }
 
-View tabButton(Tab tab, View label, bool selected, double height, std::function<void()> action) {
-  const ButtonStyle style = [=](View content, bool pressed, bool hovering) {
+View tabButton(Tab tab, View label, bool selected, std::function<void()> action) {
+  const ButtonStyle style = [selected](View content, bool pressed, bool hovering) {
     return pressScaleStyle()(content, pressed, hovering)
-        .frame({.width = buttonSize.width, .height = height})
+        .frame({.width = buttonSize.width, .height = buttonSize.height})
         .background(highlight(selected, hovering))
         .animation(spring(0.25, 0.7), hovering)
         .accessibilityChecked(selected)
@@ -86,11 +82,10 @@ std::string tabTitle(Tab tab) {
 }
 
 View tabBar(NotchModel& model, Namespace names) {
-  const double height = std::min(buttonSize.height, model.notchSize->height - 2 * margin);
   Views buttons;
   for (const Tab tab : allTabs) {
     const bool selected = model.tab == tab;
-    buttons.push_back(tabButton(tab, icon(tab, model.claude, selected, names), selected, height,
+    buttons.push_back(tabButton(tab, icon(tab, model.claude, selected, names), selected,
                                 [&model, tab] { model.select(tab); }));
   }
   return HStack({.spacing = spacing}, buttons);

@@ -33,21 +33,20 @@ View bannerIcon(const Banner& banner) {
   return Symbol(banner.icon).font({13, Weight::bold}).foreground(banner.tint);
 }
 
-View settingsButton(double stripHeight, std::function<void()> openSettings) {
-  constexpr double size = 28, margin = 1;
+View settingsButton(std::function<void()> openSettings) {
   const std::string name = tr("Settings", "Réglages");
   return Button(name, std::move(openSettings), Symbol("gearshape.fill").font({12}).foreground(white(0.6)),
-                notchButtonStyle(std::min(size, stripHeight - 2 * margin), 1.08))
+                notchButtonStyle(28, 1.08))
       .tooltip(name);
 }
 
-View expandedRight(const PowerService& power, double stripHeight, std::function<void()> openSettings) {
-  return observing({&power}, [=, &power] {
+View expandedRight(const PowerService& power, std::function<void()> openSettings) {
+  return observing({&power}, [&power, openSettings] {
     View battery;
     if (power.hasBattery) {
       battery = batteryLabel(power.level, power.pluggedIn).foreground(white(0.85));
     }
-    return HStack({.spacing = 6}, {battery, settingsButton(stripHeight, openSettings)});
+    return HStack({.spacing = 6}, {battery, settingsButton(openSettings)});
   });
 }
 
@@ -97,7 +96,7 @@ View rightWing(NotchModel& model, const std::function<void()>& openSettings) {
       return bannerIcon(shown).bounce(shown.id).id("banner").transition(wing(right));
     }
     case Presentation::expanded:
-      return expandedRight(model.power, model.notchSize->height, openSettings)
+      return expandedRight(model.power, openSettings)
           .id("expanded")
           .transition(notchContent(0.04, UnitPoint::trailing));
   }

@@ -24,10 +24,6 @@ class ClaudeServiceTest : public testing::Test {
   }
   void pass(double seconds) { desktop.scheduler.advance(seconds); }
   const Session& session(const std::string& id = "s") const { return claude.sessions->at(id); }
-  std::optional<Phase> phase() const {
-    const auto found = claude.sessions->find("s");
-    return found == claude.sessions->end() ? std::nullopt : std::optional(found->second.phase);
-  }
   std::vector<std::string> order() const {
     std::vector<std::string> ids;
     for (const Session& each : claude.ordered()) ids.push_back(each.id);
@@ -70,7 +66,7 @@ TEST_F(ClaudeServiceTest, AWholePieceOfWork) {
                           CrabMood::happy}));
   EXPECT_EQ(banners[1].second, 5);
   EXPECT_NE(done.id, wait.id);
-  EXPECT_THAT(desktop.sounds.played, ElementsAre(Sound::message, Sound::complete));
+  EXPECT_THAT(desktop.sounds.played, ElementsAre("Funk", "Glass"));
 }
 
 TEST_F(ClaudeServiceTest, ToolsRestartTheClockOnlyOfSessionsAtRest) {
@@ -160,7 +156,7 @@ TEST_F(ClaudeServiceTest, SoundsFollowTheSetting) {
   EXPECT_TRUE(desktop.sounds.played.empty());
   settings.claudeSounds = true;
   send("Stop");
-  EXPECT_THAT(desktop.sounds.played, ElementsAre(Sound::complete));
+  EXPECT_THAT(desktop.sounds.played, ElementsAre("Glass"));
 }
 
 TEST_F(ClaudeServiceTest, SessionsThatWantTheUserComeFirst) {
@@ -191,65 +187,35 @@ TEST_F(ClaudeServiceTest, SessionsThatWantTheUserComeFirst) {
   EXPECT_TRUE(claude.ordered().empty());
 }
 
-TEST_F(ClaudeServiceTest, SessionsComeToRestAndAreForgotten) {
+TEST_F(ClaudeServiceTest, SessionsAgeAndFallIdleWithoutAnEvent) {
   const struct {
     const char* event;
     double age;
     std::optional<Phase> phase;
   } cases[] = {
-      {"PreToolUse", 900, Phase::working},   {"PreToolUse", 902, Phase::idle},
-      {"PreToolUse", 1200, Phase::idle},     {"PreToolUse", 1203, std::nullopt},
-      {"SessionStart", 1200, Phase::idle},   {"SessionStart", 1202, std::nullopt},
-      {"Stop", 1200, Phase::done},           {"Stop", 1202, std::nullopt},
+      {"PreToolUse", 900, Phase::working},   {"PreToolUse", 901, Phase::idle},
+      {"PreToolUse", 1200, Phase::idle},     {"PreToolUse", 1201, std::nullopt},
+      {"SessionStart", 1200, Phase::idle},   {"SessionStart", 1201, std::nullopt},
+      {"Stop", 1200, Phase::done},           {"Stop", 1201, std::nullopt},
       {"Notification", 1e6, Phase::waiting},
   };
   for (const auto& c : cases) {
     claude.sessions = {};
     send(c.event);
     pass(c.age);
-    EXPECT_EQ(phase(), c.phase) << c.event << " " << c.age;
+    claude.prune();
+    const auto it = claude.sessions->find("s");
+    const std::optional<Phase> phase =
+        it == claude.sessions->end() ? std::nullopt : std::optional(it->second.phase);
+    EXPECT_EQ(phase, c.phase) << c.event << " " << c.age;
   }
-  claude.sessions = {};
-  EXPECT_EQ(desktop.scheduler.nextDue(), std::nullopt) << "nothing to wait for";
-
   send("PreToolUse");
   const Date last = desktop.scheduler.now();
+  pass(901);
   const ForcedLanguage french("fr");
-  desktop.scheduler.setClock(5000);
-  pass(0);
-  EXPECT_EQ(phase(), Phase::idle) << "the machine has slept";
+  claude.prune();
   EXPECT_EQ(session().activity, "Inactif") << "in the language of the moment";
   EXPECT_EQ(session().updatedAt, last) << "going idle is no event";
-  pass(299);
-  EXPECT_EQ(phase(), Phase::idle) << "seen at rest before it goes";
-  pass(3);
-  EXPECT_EQ(phase(), std::nullopt);
-}
-
-TEST_F(ClaudeServiceTest, AFloodOfSessionsIsBounded) {
-  send("PreToolUse", {{"session_id", "working"}});
-  send("SessionStart", {{"session_id", "oldest at rest"}});
-  pass(1);
-  for (int i = 0; i < 97; ++i) send("Stop", {{"session_id", std::to_string(i)}});
-  send("Notification", {{"session_id", "waiting"}});
-  EXPECT_EQ(claude.sessions->size(), 100u);
-  send("PreToolUse", {{"session_id", "new"}});
-  EXPECT_EQ(claude.sessions->size(), 100u);
-  EXPECT_FALSE(claude.sessions->contains("oldest at rest"));
-  pass(1);
-  for (int i = 0; i < 1000; ++i) send("SessionStart", {{"session_id", "flood " + std::to_string(i)}});
-  EXPECT_EQ(claude.sessions->size(), 100u);
-  EXPECT_TRUE(claude.sessions->contains("working") && claude.sessions->contains("waiting"));
-
-  const std::string hostile = "Bash\u202e\n" + std::string(1 << 20, 'x');
-  const StringMap texts{
-      {"cwd", "/" + hostile}, {"tool_name", hostile}, {"tool_detail", hostile}, {"message", hostile}};
-  send("PreToolUse", texts);
-  EXPECT_TRUE(session().activity.starts_with("Bash xx")) << session().activity;
-  EXPECT_LT(session().activity.size(), 500u);
-  send("Notification", texts);
-  EXPECT_TRUE(banners.back().first.subtitle.starts_with("Bash xx"));
-  EXPECT_LT(banners.back().first.title.size() + banners.back().first.subtitle.size(), 500u);
 }
 
 }  // namespace

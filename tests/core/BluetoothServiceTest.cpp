@@ -1,8 +1,7 @@
-#include "services/BluetoothService.h"
+#include "core/BluetoothService.h"
 
 #include <gtest/gtest.h>
 
-#include "core/NotchModel.h"
 #include "support/ForcedLanguage.h"
 #include "support/MemoryDesktop.h"
 
@@ -13,8 +12,6 @@ using Event = BluetoothEvent;
 
 class BluetoothServiceTest : public testing::Test {
  protected:
-  BluetoothServiceTest() { model.bluetooth.start(model.settings); }
-
   void pass(double seconds) { desktop.scheduler.advance(seconds); }
   void tell(Event event, const BluetoothDevice& device) { desktop.bluetooth.tell(event, device); }
   /// The indicator on show after that event, well after the start.
@@ -23,13 +20,14 @@ class BluetoothServiceTest : public testing::Test {
     tell(event, device);
     return model.transient;
   }
-  static BluetoothDevice named(const std::string& name, bool isAudio = false, std::vector<int> levels = {}) {
-    return {"id " + name, name, isAudio, std::move(levels)};
+  static BluetoothDevice named(const std::string& name, int deviceClass = 0, std::vector<int> levels = {}) {
+    return {"id " + name, name, deviceClass, std::move(levels)};
   }
 
   const ForcedLanguage english{"en"};
   MemoryDesktop desktop;
   NotchModel model{desktop.ports};
+  BluetoothService bluetooth{model, desktop.ports};
 };
 
 TEST_F(BluetoothServiceTest, IsSilentAboutDevicesOfTheStart) {
@@ -44,7 +42,7 @@ TEST_F(BluetoothServiceTest, IsSilentAboutDevicesOfTheStart) {
 
 TEST_F(BluetoothServiceTest, TellsOfADisconnectionAtAnyTime) {
   pass(2);
-  tell(Event::disconnected, named("Buds", true, {50}));
+  tell(Event::disconnected, named("Buds", audioDeviceClass, {50}));
   EXPECT_EQ(*model.transient, Transient::device("Buds", "headphones", {}, false));
   pass(2.9);
   EXPECT_NE(*model.transient, std::nullopt);
@@ -55,10 +53,10 @@ TEST_F(BluetoothServiceTest, TellsOfADisconnectionAtAnyTime) {
 TEST_F(BluetoothServiceTest, ChoosesNameAndSymbol) {
   const struct {
     const char *name, *symbol;
-    bool isAudio = false;
+    int deviceClass = 0;
   } cases[] = {
       {"Ada’s AirPods Max", "airpodsmax"},
-      {"AIRPODS PRO", "airpodspro", true},
+      {"AIRPODS PRO", "airpodspro", audioDeviceClass},
       {"airpods", "airpods"},
       {"Beats keyboard", "beats.headphones"},
       {"Magic Keyboard with Trackpad", "keyboard"},
@@ -66,16 +64,17 @@ TEST_F(BluetoothServiceTest, ChoosesNameAndSymbol) {
       {"Souris sans fil", "magicmouse"},
       {"Magic Mouse", "magicmouse"},
       {"Magic Trackpad", "rectangle.and.hand.point.up.left"},
-      {"Kitchen", "headphones", true},
-      {"Game controller", "dot.radiowaves.left.and.right", false},
+      {"Kitchen", "headphones", audioDeviceClass},
+      {"Game controller", "dot.radiowaves.left.and.right", 5},
   };
-  for (const auto& [name, symbol, isAudio] : cases) {
-    EXPECT_EQ(shownAfter(Event::connected, named(name, isAudio)), Transient::device(name, symbol, {}, true));
+  for (const auto& [name, symbol, deviceClass] : cases) {
+    EXPECT_EQ(shownAfter(Event::connected, named(name, deviceClass)),
+              Transient::device(name, symbol, {}, true));
   }
   EXPECT_EQ(shownAfter(Event::connected, named("")),
             Transient::device("Bluetooth device", "dot.radiowaves.left.and.right", {}, true));
   const ForcedLanguage french("fr");
-  EXPECT_EQ(shownAfter(Event::connected, named("", true)),
+  EXPECT_EQ(shownAfter(Event::connected, named("", audioDeviceClass)),
             Transient::device("Appareil Bluetooth", "headphones", {}, true));
 }
 
@@ -83,65 +82,57 @@ TEST_F(BluetoothServiceTest, ShowsTheEmptiestBattery) {
   const struct {
     std::vector<int> levels;
     std::optional<int> shown;
-  } cases[] = {{{80, 35}, 35}, {{0, 60}, 60},     {{0}, {}},  {{-1}, {}},
-               {{1}, 1},       {{100, 100}, 100}, {{255}, {}}};
+  } cases[] = {{{80, 35}, 35}, {{0, 60}, 60}, {{0}, {}}, {{-1}, {}}, {{1}, 1}, {{100, 100}, 100}};
   for (const auto& [levels, shown] : cases) {
-    EXPECT_EQ(shownAfter(Event::connected, named("Buds", true, levels)),
+    EXPECT_EQ(shownAfter(Event::connected, named("Buds", 4, levels)),
               Transient::device("Buds", "headphones", shown, true));
   }
 }
 
 TEST_F(BluetoothServiceTest, UpdatesTheIndicatorWhenTheLevelComesLater) {
-  shownAfter(Event::connected, named("Buds", true));
+  shownAfter(Event::connected, named("Buds", 4));
   pass(2);
-  tell(Event::batteryChanged, named("Mouse", false, {10}));
+  tell(Event::batteryChanged, named("Mouse", 0, {10}));
   EXPECT_EQ(*model.transient, Transient::device("Buds", "headphones", {}, true)) << "another device's level";
-  tell(Event::batteryChanged, named("Buds", true, {70}));
+  tell(Event::batteryChanged, named("Buds", 4, {70}));
   EXPECT_EQ(*model.transient, Transient::device("Buds", "headphones", 70, true));
   pass(2.9);
   EXPECT_NE(*model.transient, std::nullopt) << "its time starts anew";
   pass(1);
-  tell(Event::batteryChanged, named("Buds", true, {69}));
+  tell(Event::batteryChanged, named("Buds", 4, {69}));
   EXPECT_EQ(*model.transient, std::nullopt) << "a level alone is no news";
 
-  shownAfter(Event::connected, named("Buds", true));
+  shownAfter(Event::connected, named("Buds", 4));
   model.show(Transient::lowPowerMode(true), 3);
-  tell(Event::batteryChanged, named("Buds", true, {70}));
+  tell(Event::batteryChanged, named("Buds", 4, {70}));
   EXPECT_EQ(*model.transient, Transient::lowPowerMode(true)) << "a level never takes another's place";
 }
 
 TEST_F(BluetoothServiceTest, ShowsALevelThatComesAfterTheIndicatorHasGone) {
-  EXPECT_NE(shownAfter(Event::connected, named("Buds", true)), std::nullopt);
+  EXPECT_NE(shownAfter(Event::connected, named("Buds", 4)), std::nullopt);
   pass(8);
   ASSERT_EQ(*model.transient, std::nullopt);
-  tell(Event::batteryChanged, named("Buds", true, {0}));
+  tell(Event::batteryChanged, named("Buds", 4, {0}));
   EXPECT_EQ(*model.transient, std::nullopt) << "still unknown";
-  tell(Event::batteryChanged, named("Buds", true, {70}));
+  tell(Event::batteryChanged, named("Buds", 4, {70}));
   EXPECT_EQ(*model.transient, Transient::device("Buds", "headphones", 70, true));
   pass(3.1);
-  tell(Event::batteryChanged, named("Buds", true, {69}));
+  tell(Event::batteryChanged, named("Buds", 4, {69}));
   EXPECT_EQ(*model.transient, std::nullopt) << "told once";
 
   shownAfter(Event::connected, named("Mouse"));
   EXPECT_EQ(shownAfter(Event::disconnected, named("Mouse")),
             Transient::device("Mouse", "magicmouse", {}, false));
-  EXPECT_EQ(shownAfter(Event::batteryChanged, named("Mouse", false, {50})), std::nullopt) << "it has gone";
+  EXPECT_EQ(shownAfter(Event::batteryChanged, named("Mouse", 0, {50})), std::nullopt) << "it has gone";
   shownAfter(Event::connected, named("Mouse"));
   pass(21);
-  EXPECT_EQ(shownAfter(Event::batteryChanged, named("Mouse", false, {50})), std::nullopt) << "too late";
-}
-
-TEST_F(BluetoothServiceTest, ALevelIsNoNewsOfADeviceThatWasNotShown) {
-  model.isExpanded = true;
-  shownAfter(Event::connected, named("Buds", true));
-  model.isExpanded = false;
-  EXPECT_EQ(shownAfter(Event::batteryChanged, named("Buds", true, {70})), std::nullopt);
+  EXPECT_EQ(shownAfter(Event::batteryChanged, named("Mouse", 0, {50})), std::nullopt) << "too late";
 }
 
 TEST_F(BluetoothServiceTest, ShowsNothingWhenSwitchedOff) {
   model.settings.bluetoothAlerts = false;
   for (const Event event : {Event::connected, Event::batteryChanged, Event::disconnected}) {
-    EXPECT_EQ(shownAfter(event, named("Buds", true, {70})), std::nullopt);
+    EXPECT_EQ(shownAfter(event, named("Buds", 4, {70})), std::nullopt);
   }
 }
 

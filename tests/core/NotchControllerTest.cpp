@@ -25,7 +25,7 @@ class NotchControllerTest : public testing::Test {
 
   void start() {
     controller = std::make_unique<NotchController>(desktop.ports, [this](NotchModel&) {
-      auto made = std::make_unique<MemoryPanel>();
+      auto made = std::make_unique<MemoryPanel>(desktop.pointer);
       panel = made.get();
       return made;
     });
@@ -39,46 +39,55 @@ class NotchControllerTest : public testing::Test {
 };
 
 TEST_F(NotchControllerTest, LiesOverTheNotchOfTheRightScreen) {
-  Screen half = notched, low = plain, bare = plain, moved = plain;
+  Screen half = notched, low = plain, bare = plain, moved = plain, odd = plain;
   moved.frame.x = moved.visibleFrame.x = 1280;
   half.auxiliaryTopRightWidth.reset();
   low.frame = {1920, 200, 1280, 1024};
   low.visibleFrame = {1920, 242, 1280, 982};
   bare.visibleFrame = bare.frame;
+  odd.visibleFrame = {0, 790, 1920, 290};
   const struct {
     const char* what;
     std::vector<Screen> screens;
     bool hasNotch;
     Size notch;
-    Point origin;
+    Screen chosen;
   } cases[] = {
-      {"a panel at the top", {plain}, false, {190, 30}, {490, 0}},
-      {"elsewhere, else the same", {moved}, false, {190, 30}, {1770, 0}},
-      {"no panel", {bare}, false, {190, 24}, {490, 0}},
-      {"the main screen of two", {low, plain}, false, {190, 42}, {2090, 200}},
-      {"the one with a notch", {plain, low, notched}, true, {185, 32}, {-1226, 100}},
-      {"half a notch is none", {plain, half}, false, {190, 38}, {-1226, 100}},
+      {"a panel at the top", {plain}, false, {190, 30}, plain},
+      {"elsewhere, else the same", {moved}, false, {190, 30}, moved},
+      {"no panel", {bare}, false, {190, 24}, bare},
+      {"most of it is kept free", {odd}, false, {190, 24}, odd},
+      {"the main screen of two", {low, plain}, false, {190, 42}, low},
+      {"the one with a notch", {plain, low, notched}, true, {185, 32}, notched},
+      {"half a notch is none", {plain, half}, false, {190, 38}, half},
   };
   start();
   EXPECT_TRUE(panel->shown);
-  EXPECT_EQ(panel->pointerArea, std::nullopt) << "it takes no click before the first look at the pointer";
   for (const auto& c : cases) {
     desktop.screens.set(c.screens);
     EXPECT_EQ(model().hasNotch, c.hasNotch) << c.what;
     EXPECT_EQ(*model().notchSize, c.notch) << c.what;
-    EXPECT_EQ(panel->frame(), (Rect{c.origin.x, c.origin.y, 940, 380})) << c.what;
-    pass(1);
-    EXPECT_EQ(panel->pointerArea->midX(), panel->frame().midX()) << c.what;
-    EXPECT_EQ(panel->pointerArea->y, c.origin.y - 5) << c.what;
+    EXPECT_EQ(panel->screen, c.chosen) << c.what;
   }
-  const Rect last = panel->frame();
   desktop.screens.set({});
-  pass(2);
-  EXPECT_EQ(panel->frame(), last) << "no screen: nothing moves";
+  EXPECT_EQ(panel->screen, half) << "no screen: nothing moves";
+}
+
+TEST_F(NotchControllerTest, LooksAtThePointerWhereThePanelGoesNext) {
+  desktop.pointer.move(Point{470, 10});
+  start();
+  EXPECT_TRUE(model().isHovering) << "before the window shows";
+  pass(1);
+  // It lies elsewhere on a panel that has moved, and nobody tells of that.
+  desktop.pointer.setWantsActivity(false);
+  desktop.pointer.move(Point{-1000, 10});
+  desktop.screens.set({notched});
+  pass(1);
+  EXPECT_FALSE(model().isHovering);
 }
 
 TEST_F(NotchControllerTest, NoticesFullScreenWindows) {
-  const WindowInfo whole{.layer = 0, .owner = 7, .bounds = notched.frame};
+  const WindowInfo whole{.owner = 7, .bounds = notched.frame};
   const auto with = [&](auto change) {
     WindowInfo window = whole;
     change(window);
@@ -91,36 +100,36 @@ TEST_F(NotchControllerTest, NoticesFullScreenWindows) {
   } cases[] = {
       {"whole screen", {whole}, true},
       {"no window", {}, false},
-      {"behind others", {with([](auto& w) { w.bounds->width = 100; }), whole}, true},
-      {"a point lower", {with([](auto& w) { w.bounds->y += 1; })}, false},
-      {"at the top of another screen", {with([](auto& w) { w.bounds->y = 0; })}, false},
-      {"narrower", {with([](auto& w) { w.bounds->width -= 1; })}, false},
-      {"lower", {with([](auto& w) { w.bounds->height -= 38; })}, false},
-      {"further right", {with([](auto& w) { w.bounds->x += 50; })}, true},
-      {"a fraction of a pixel off", {with([](auto& w) { w.bounds->width += 0.3; })}, true},
-      {"a panel's layer", {with([](auto& w) { w.layer = 25; })}, false},
-      {"no bounds", {with([](auto& w) { w.bounds.reset(); })}, false},
+      {"behind others", {with([](auto& w) { w.bounds.width = 100; }), whole}, true},
+      {"a point lower", {with([](auto& w) { w.bounds.y += 1; })}, false},
+      {"at the top of another screen", {with([](auto& w) { w.bounds.y = 0; })}, false},
+      {"narrower", {with([](auto& w) { w.bounds.width -= 1; })}, false},
+      {"lower", {with([](auto& w) { w.bounds.height -= 38; })}, false},
+      {"further right", {with([](auto& w) { w.bounds.x += 50; })}, true},
+      {"a fraction of a pixel off", {with([](auto& w) { w.bounds.width += 0.3; })}, true},
+      {"maximised on a bare screen", {with([](auto& w) { w.maximized = true; })}, false},
       {"our own", {with([&](auto& w) { w.owner = desktop.windows.ownProcess(); })}, false},
       {"nobody's", {with([](auto& w) { w.owner.reset(); })}, true},
   };
   desktop.screens.set({plain, notched});
+  desktop.windows.set({{whole}});
   start();
+  pass(0.1);
+  EXPECT_TRUE(model().hiddenForFullscreen) << "from the start";
   for (const auto& c : cases) {
-    desktop.windows.windows = c.windows;
-    pass(1);
+    desktop.windows.set(c.windows);
     EXPECT_EQ(model().hiddenForFullscreen, c.covered) << c.what;
   }
   std::vector<std::optional<Animation>> animations;
   const auto subscription = model().observe([&] { animations.push_back(transaction::current()); });
-  desktop.windows.windows = std::vector<WindowInfo>{};
-  pass(1);
-  desktop.windows.windows = std::nullopt;
-  pass(1);
-  desktop.screens.set({});
-  desktop.windows.windows = {whole};
-  pass(5);
-  EXPECT_FALSE(model().hiddenForFullscreen) << "without a list or a screen it keeps its value";
+  desktop.windows.set(std::vector<WindowInfo>{});
   EXPECT_THAT(animations, ElementsAre(notchClose));
+  desktop.windows.set(std::nullopt);
+  desktop.screens.set({});
+  desktop.windows.set({{whole}});
+  EXPECT_FALSE(model().hiddenForFullscreen) << "without a list or a screen it keeps its value";
+  desktop.screens.set({notched});
+  EXPECT_TRUE(model().hiddenForFullscreen) << "the screen has come under the window";
 }
 
 TEST_F(NotchControllerTest, HandsHookEventsToTheTracker) {
@@ -164,16 +173,33 @@ TEST_F(NotchControllerTest, HandsOnDemonstrationCommands) {
   EXPECT_THAT(heard, ElementsAre("begin|fr", "end|", "|"));
 }
 
-TEST_F(NotchControllerTest, WakesOnceASecondAtRest) {
+TEST_F(NotchControllerTest, WaitsForEventsOnlyAtRest) {
   start();
-  pass(1);
-  for (const Point pointer : {Point{960, 10}, Point{100, 900}}) {
+  for (const Point pointer : {Point{470, 10}, Point{100, 900}}) {
     desktop.pointer.move(pointer);
     pass(1.5);
-    const int before = desktop.scheduler.wakeUps();
-    pass(600);
-    EXPECT_EQ(desktop.scheduler.wakeUps() - before, 600);
+    EXPECT_EQ(desktop.scheduler.nextDue(), std::nullopt);
   }
+}
+
+TEST_F(NotchControllerTest, StartsTheServices) {
+  desktop.folders.root.write("modules/MediaBridge.so", "");
+  desktop.powerSources.set({{{.isInternalBattery = true, .currentCapacity = 50, .onACPower = false}}});
+  desktop.audioDevices.plug({{.id = 1, .name = "Speakers", .hasOutput = true}}, 1, 0);
+  for (const bool calendar : {false, true}) {
+    desktop.defaults.values["calendarEnabled"] = calendar;
+    start();
+    pass(4);
+    EXPECT_EQ(desktop.calendars.isAsked(), calendar);
+  }
+  EXPECT_FALSE(desktop.processes.launches.empty()) << "media";
+  EXPECT_EQ(model().audio.outputID, 1u);
+  EXPECT_TRUE(desktop.mediaKeys.send({.key = MediaKey::mute}));
+  desktop.powerSources.set({{{.isInternalBattery = true, .currentCapacity = 50, .onACPower = true}}});
+  EXPECT_EQ(*model().transient, Transient::power(true, 50));
+  desktop.bluetooth.tell(BluetoothEvent::connected, {.id = "1", .name = "Mouse"});
+  pass(5);
+  EXPECT_EQ(model().transient.get()->key(), "device-Mouse-true");
 }
 
 TEST_F(NotchControllerTest, TakesDroppedFiles) {
@@ -248,8 +274,8 @@ TEST_F(NotchControllerTest, SwipesOpenCloseAndSkip) {
   for (const bool playing : {true, false}) {
     for (const auto& c : cases) {
       desktop.haptics.taps = 0;
-      start();
       desktop.processes.input.clear();
+      start();
       model().media.title = playing ? "Song" : "";
       if (c.before != compact) model().expand(c.before == home ? Tab::home : Tab::notes);
       panel->key = true;

@@ -12,19 +12,20 @@ namespace tarnwick {
 namespace {
 
 constexpr double tick = 1.0 / 60;
-constexpr Rect window{490, 0, 940, 380};
-/// With the model's notch of 185 × 32, the surface at rest takes x from 861.5 to 1058.5 and y to 32.
-constexpr Point onNotch{960, 10}, farAway{100, 900};
+/// With the model's notch of 185 × 32, the surface at rest takes x from 371.5 to 568.5 and y to 32.
+constexpr Point onNotch{470, 10}, farAway{-390, 900};
 const std::vector<std::string> files{"text/uri-list", "text/plain"}, text{"text/plain"};
 
 /// All that a tracker works on.
 struct Stage {
-  Stage() { panel.setFrame(window); }
+  Stage() { tracker.start(); }
+  explicit Stage(Pointer& pointer) : panel(pointer) { tracker.start(); }
 
   MemoryDesktop desktop;
   NotchModel model{desktop.ports};
-  MemoryPanel panel;
+  MemoryPanel panel{desktop.pointer};
   HapticFeedback haptics{model.settings, desktop.haptics};
+  PointerTracker tracker{desktop.scheduler, model, panel, haptics};
 };
 
 class PointerTrackerTest : public testing::Test, protected Stage {
@@ -35,8 +36,6 @@ class PointerTrackerTest : public testing::Test, protected Stage {
     pass(stay);
   }
   bool asleep() { return !desktop.scheduler.nextDue(); }
-
-  PointerTracker tracker{desktop.scheduler, desktop.pointer, model, panel, haptics};
 };
 
 TEST_F(PointerTrackerTest, HoversAtTheEdgesOfTheSurface) {
@@ -45,10 +44,10 @@ TEST_F(PointerTrackerTest, HoversAtTheEdgesOfTheSurface) {
     Point point;
     bool enters, stays;
   } cases[] = {
-      {{858.5, 10}, true, true},   {{858.4, 10}, false, true},  {{1061.4, 10}, true, true},
-      {{1061.5, 10}, false, true}, {{849.4, 10}, false, false}, {{1070.5, 10}, false, false},
-      {{960, 34.9}, true, true},   {{960, 35}, false, true},    {{960, 39.9}, false, true},
-      {{960, 40}, false, false},   {{960, -5}, true, true},     {{960, -5.1}, false, false},
+      {{368.5, 10}, true, true},  {{368.4, 10}, false, true},  {{571.4, 10}, true, true},
+      {{571.5, 10}, false, true}, {{359.4, 10}, false, false}, {{580.5, 10}, false, false},
+      {{470, 34.9}, true, true},  {{470, 35}, false, true},    {{470, 39.9}, false, true},
+      {{470, 40}, false, false},  {{470, -5}, true, true},     {{470, -5.1}, false, false},
   };
   for (const auto& c : cases) {
     moveTo(farAway, 1);
@@ -68,7 +67,7 @@ TEST_F(PointerTrackerTest, EntryIsFeltOnceAndHoverEndsSoonAfterLeaving) {
   moveTo(onNotch);
   EXPECT_TRUE(model.isHovering);
   EXPECT_EQ(desktop.haptics.taps, 1);
-  moveTo({950, 12}, 1);
+  moveTo({460, 12}, 1);
   EXPECT_EQ(desktop.haptics.taps, 1);
   moveTo(farAway, 0.03);
   EXPECT_TRUE(model.isHovering);
@@ -112,10 +111,10 @@ TEST_F(PointerTrackerTest, ClosesAfterThePointerHasLeft) {
   panel.key = true;
   moveTo(onNotch);
   model.expand();
-  moveTo({960, 150}, 5);
+  moveTo({470, 150}, 5);
   moveTo(farAway, 0.1);
   EXPECT_TRUE(model.isExpanded);
-  moveTo({960, 150}, 5);
+  moveTo({470, 150}, 5);
   EXPECT_TRUE(model.isExpanded) << "it came back in time";
   EXPECT_EQ(panel.resignations, 0);
   moveTo(farAway, 0.13 + tick);
@@ -125,6 +124,7 @@ TEST_F(PointerTrackerTest, ClosesAfterThePointerHasLeft) {
   moveTo(onNotch);
   model.expand();
   model.setDraggingFiles(true);
+  model.isDropTargeted = true;
   moveTo(farAway, 1);
   EXPECT_TRUE(model.isExpanded) << "it stays for a drag";
   model.setDraggingFiles(false);
@@ -135,24 +135,24 @@ TEST_F(PointerTrackerTest, ClosesAfterThePointerHasLeft) {
 
 TEST_F(PointerTrackerTest, FollowsAFileDrag) {
   desktop.pointer.press();
-  pass(2 * tick);
   desktop.pointer.startDrag(files);
+  pass(2 * tick);
   // 140 and 110 points around the surface.
-  moveTo({721.4, 10});
+  moveTo({231.4, 10});
   EXPECT_FALSE(model.isDraggingFiles);
-  moveTo({960, 142.1});
+  moveTo({470, 142.1});
   EXPECT_FALSE(model.isDraggingFiles);
-  EXPECT_EQ(panel.pointerArea, (Rect{721.5, -112, 477, 254})) << "the window is ready for it";
-  moveTo({721.6, 10});
+  EXPECT_EQ(panel.pointerArea, (Rect{231.5, -112, 477, 254})) << "the window is ready for it";
+  moveTo({231.6, 10});
   EXPECT_TRUE(model.isDraggingFiles);
   EXPECT_EQ(desktop.haptics.taps, 1);
   // Now 220 and 180 points around the expanded surface of 560 × 170.
-  moveTo({461, 349});
+  moveTo({-29, 349});
   EXPECT_TRUE(model.isDraggingFiles);
-  EXPECT_EQ(panel.pointerArea, (Rect{460, -182, 1000, 532}));
-  moveTo({459, 349});
+  EXPECT_EQ(panel.pointerArea, (Rect{-30, -182, 1000, 532}));
+  moveTo({-31, 349});
   EXPECT_FALSE(model.isDraggingFiles);
-  moveTo({800, 100});
+  moveTo({310, 100});
   EXPECT_TRUE(model.isDraggingFiles) << "it comes back";
 
   model.isDropTargeted = true;
@@ -177,7 +177,7 @@ TEST_F(PointerTrackerTest, OnlyDragsOfFilesOpenTheNotch) {
       {"nothing", std::vector<std::string>{}, {}, false},
   };
   for (const auto& c : cases) {
-    moveTo({960, 60}, 1);
+    moveTo({470, 60}, 1);
     desktop.pointer.press();
     pass(2 * tick);
     desktop.pointer.startDrag(c.types);
@@ -206,7 +206,7 @@ TEST_F(PointerTrackerTest, ASecondDragOutlivesTheEndOfTheFirst) {
     desktop.pointer.startDrag(files);
     pass(2 * tick);
   };
-  moveTo({960, 60});
+  moveTo({470, 60});
   drag();
   desktop.pointer.release();
   pass(0.2);
@@ -217,18 +217,37 @@ TEST_F(PointerTrackerTest, ASecondDragOutlivesTheEndOfTheFirst) {
   EXPECT_EQ(desktop.haptics.taps, taps);
 }
 
+TEST_F(PointerTrackerTest, ADragWhoseButtonNobodySeesEndsWhenItLeavesTheWindow) {
+  moveTo({470, 60});
+  // As the controller does when the window tells that the drag has come and gone.
+  const auto enter = [&] { model.setDraggingFiles(true), model.isDropTargeted = true; };
+  enter();
+  pass(60);
+  EXPECT_TRUE(model.isDraggingFiles);
+  model.isDropTargeted = false;
+  pass(0.3);
+  enter();
+  pass(60);
+  EXPECT_TRUE(model.isDraggingFiles) << "it came back";
+  model.isDropTargeted = false;
+  pass(0.39);
+  EXPECT_TRUE(model.isDraggingFiles);
+  pass(0.01 + 2 * tick);
+  EXPECT_FALSE(model.isDraggingFiles);
+}
+
 TEST_F(PointerTrackerTest, TakesThePointerWhereItCountsAsInside) {
   pass(1);
-  EXPECT_EQ(panel.pointerArea, (Rect{858.5, -5, 203, 40}));
+  EXPECT_EQ(panel.pointerArea, (Rect{368.5, -5, 203, 40}));
   const int changes = panel.pointerAreaChanges;
-  moveTo({960, 300}, 1);
+  moveTo({470, 300}, 1);
   model.tab = Tab::notes;
   pass(1);
   EXPECT_EQ(panel.pointerAreaChanges, changes) << "told only of changes";
 
   model.show(Transient::hud(HUDKind::volume, 1), 1);
   pass(2 * tick);
-  EXPECT_EQ(panel.pointerArea, (Rect{754.5, -5, 411, 40})) << "a sleeping tracker follows the surface";
+  EXPECT_EQ(panel.pointerArea, (Rect{264.5, -5, 411, 40})) << "a sleeping tracker follows the surface";
   pass(2);
   model.claude.handle({{"hook_event_name", "PreToolUse"}});
   pass(2 * tick);
@@ -240,15 +259,11 @@ TEST_F(PointerTrackerTest, TakesThePointerWhereItCountsAsInside) {
   model.media.playing = true;
   pass(2 * tick);
   EXPECT_EQ(panel.pointerArea->width, 203 + 88);
-  panel.setFrame(window.movedBy({100, 50}));
-  tracker.reconsider();
-  pass(2 * tick);
-  EXPECT_EQ(panel.pointerArea->origin(), (Point{858.5 - 44 + 100, 45}));
 }
 
 TEST_F(PointerTrackerTest, LeavesTheDemonstrationAlone) {
   model.showcase = true;
-  tracker.reconsider();
+  tracker.wake();
   moveTo(onNotch, 1);
   EXPECT_EQ(panel.pointerArea, std::nullopt);
   EXPECT_FALSE(model.isHovering);
@@ -259,7 +274,7 @@ TEST_F(PointerTrackerTest, LeavesTheDemonstrationAlone) {
   EXPECT_TRUE(asleep());
   EXPECT_FALSE(desktop.pointer.wantsActivity());
   model.showcase = false;
-  tracker.reconsider();
+  tracker.wake();
   pass(2 * tick);
   EXPECT_FALSE(model.isExpanded || model.isHovering);
   EXPECT_NE(panel.pointerArea, std::nullopt);
@@ -309,9 +324,8 @@ TEST(PointerTrackerRace, SeesWhatHappenedWhileItFellAsleep) {
     }
     bool entered = false;
   };
-  Stage stage;
   SlyPointer pointer;
-  const PointerTracker tracker(stage.desktop.scheduler, pointer, stage.model, stage.panel, stage.haptics);
+  Stage stage(pointer);
   stage.desktop.scheduler.advance(1);
   EXPECT_TRUE(pointer.entered);
   EXPECT_TRUE(stage.model.isHovering);
@@ -358,30 +372,21 @@ TEST(PointerTrackerTwins, SleepingMakesNoDifference) {
       },
       [](Stage& s) { s.model.setDraggingFiles(true), s.model.isDropTargeted = true; },
       [](Stage& s) { s.model.setDraggingFiles(false), s.model.isDropTargeted = false; },
-      [](Stage& s) { s.model.showcase = true; },
-      [](Stage& s) { s.model.showcase = false; },
-      [](Stage& s) {
-        s.panel.setFrame(window.movedBy({40, 0})), s.panel.key = true;
-      },
-      [](Stage& s) { s.panel.setFrame(window); },
+      [](Stage& s) { s.model.showcase = true, s.tracker.wake(); },
+      [](Stage& s) { s.model.showcase = false, s.tracker.wake(); },
+      [](Stage& s) { s.panel.key = true; },
   };
   for (int run = 0; run < 100; ++run) {
     // One of the two is woken at every tick, whether or not something has happened.
     Stage sleepy, wakeful;
-    PointerTracker tracker(sleepy.desktop.scheduler, sleepy.desktop.pointer, sleepy.model, sleepy.panel,
-                           sleepy.haptics);
-    PointerTracker restless(wakeful.desktop.scheduler, wakeful.desktop.pointer, wakeful.model, wakeful.panel,
-                            wakeful.haptics);
     const Task alarm = wakeful.desktop.scheduler.every(tick, [&] { wakeful.desktop.pointer.report(); });
     for (int step = 0; step < 300; ++step) {
       // Half of the time the pointer moves, mostly about the edges that matter.
-      const Point to{960 + between(-1, 1) * (below(2) ? 130 : 560), between(-6, below(2) ? 50 : 400)};
+      const Point to{470 + between(-1, 1) * (below(2) ? 130 : 560), between(-6, below(2) ? 50 : 400)};
       const Event event =
           below(2) ? events[below(std::size(events))] : [&](Stage& s) { s.desktop.pointer.move(to); };
       event(sleepy);
-      tracker.reconsider();
       event(wakeful);
-      restless.reconsider();
       const double pause = between(0, below(3) ? 0.05 : 0.6);
       sleepy.desktop.scheduler.advance(pause);
       wakeful.desktop.scheduler.advance(pause);

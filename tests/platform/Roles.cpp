@@ -66,8 +66,8 @@ class DragSource : public OtherWindow {
   bool dragging_ = false;
 };
 
-/// Makes a panel of a window, before it is shown.
-void makeDock(QWidget& widget, uint32_t top) {
+/// Tells what kind of window it is, and what strip at the top it keeps free, before it is shown.
+void declare(QWidget& widget, const char* kind, uint32_t top = 0) {
   xcb_connection_t* connection = qApp->nativeInterface<QNativeInterface::QX11Application>()->connection();
   const auto atom = [&](const char* name) {
     auto* reply = xcb_intern_atom_reply(
@@ -77,7 +77,7 @@ void makeDock(QWidget& widget, uint32_t top) {
     return value;
   };
   const auto window = static_cast<xcb_window_t>(widget.winId());
-  const xcb_atom_t type = atom("_NET_WM_WINDOW_TYPE_DOCK");
+  const xcb_atom_t type = atom(kind);
   xcb_change_property(connection, XCB_PROP_MODE_REPLACE, window, atom("_NET_WM_WINDOW_TYPE"), XCB_ATOM_ATOM,
                       32, 1, &type);
   const auto left = static_cast<uint32_t>(widget.x());
@@ -112,8 +112,12 @@ int playRole(int argc, char** argv) {
   window.setGeometry(number(3), number(4), number(5), number(6));
   const std::string_view kind = argc > 7 ? argv[7] : "";
   if (role == "--unmanaged") window.setWindowFlags(Qt::BypassWindowManagerHint);
-  if (kind == "dock") makeDock(window, static_cast<uint32_t>(number(8)));
-  kind == "fullscreen" ? window.showFullScreen() : window.show();
+  if (kind == "dock") declare(window, "_NET_WM_WINDOW_TYPE_DOCK", static_cast<uint32_t>(number(8)));
+  if (kind == "desktop") declare(window, "_NET_WM_WINDOW_TYPE_DESKTOP");
+  if (kind == "maximized") window.setWindowFlags(Qt::FramelessWindowHint);
+  kind == "fullscreen"  ? window.showFullScreen()
+  : kind == "maximized" ? window.showMaximized()
+                        : window.show();
   return QApplication::exec();
 }
 

@@ -217,7 +217,7 @@ class BluezDevicesTest : public SystemServicesTest {
     subscription = devices.observe([this](BluetoothEvent event, const BluetoothDevice& device) {
       const char* names[] = {"connected ", "disconnected ", "battery "};
       std::string text = names[static_cast<int>(event)] + device.name;
-      if (device.isAudio) text += " plays";
+      if (device.deviceClassMajor != 0) text += " class " + std::to_string(device.deviceClassMajor);
       for (const int level : device.batteryLevels) text += " " + std::to_string(level) + "%";
       events.push_back(text);
     });
@@ -271,16 +271,16 @@ TEST_F(BluezDevicesTest, TellsWhatComesAndGoes) {
   send(bluez, buds, mockInterface, "AddProperty",
        {battery1, "Percentage", QVariant::fromValue(QDBusVariant(QVariant::fromValue(uchar(80))))});
   addBattery(buds, 80);
-  EXPECT_THAT(told(), ElementsAre("connected Buds plays", "battery Buds plays 80%"));
+  EXPECT_THAT(told(), ElementsAre("connected Buds class 4", "battery Buds class 4 80%"));
   addBattery(buds + "/left", 35);
-  EXPECT_THAT(told(), ElementsAre("battery Buds plays 80% 35%"));
+  EXPECT_THAT(told(), ElementsAre("battery Buds class 4 80% 35%"));
   setProperty(bluez, buds, battery1, "Percentage", QVariant::fromValue(uchar(79)));
   setProperty(bluez, buds, battery1, "Percentage", QVariant::fromValue(uchar(79)));
-  EXPECT_THAT(told(), ElementsAre("battery Buds plays 79% 35%"));
+  EXPECT_THAT(told(), ElementsAre("battery Buds class 4 79% 35%"));
 
   emitSignal("InterfacesRemoved", "oas",
              {QVariant::fromValue(QDBusObjectPath(buds)), QStringList{battery1, device1}});
-  EXPECT_THAT(told(), ElementsAre("disconnected Buds plays 35%"));
+  EXPECT_THAT(told(), ElementsAre("disconnected Buds class 4 35%"));
 }
 
 TEST_F(BluezDevicesTest, KnowsNamesAndKinds) {
@@ -291,10 +291,10 @@ TEST_F(BluezDevicesTest, KnowsNamesAndKinds) {
     QVariant value;
     const char* told;
   } cases[] = {
-      {"BB:00:00:00:00:01", "Speaker", "Icon", "audio-card", "connected Speaker plays"},
+      {"BB:00:00:00:00:01", "Speaker", "Icon", "audio-card", "connected Speaker class 4"},
       {"BB:00:00:00:00:02", "Aids", "Appearance", QVariant::fromValue(ushort(0x0a41)),
-       "connected Aids plays"},
-      {"BB:00:00:00:00:03", "Pad", "Class", 0x002508u, "connected Pad"},
+       "connected Aids class 4"},
+      {"BB:00:00:00:00:03", "Pad", "Class", 0x002508u, "connected Pad class 5"},
       {"BB:00:00:00:00:04", "BB-00-00-00-00-04", "Name", "", "connected "},
       {"BB:00:00:00:00:05", "Mine", "Name", "", "connected Mine"},
       {"BB:00:00:00:00:06", "", "Name", "Factory", "connected Factory"},

@@ -186,6 +186,17 @@ bool TestDesktop::isManaged(xcb_window_t window) {
   return clients && std::find(clients->begin(), clients->end(), window) != clients->end();
 }
 
+void TestDesktop::changeState(xcb_window_t window, const char* state, bool on) {
+  xcb_client_message_event_t message = {.response_type = XCB_CLIENT_MESSAGE, .format = 32, .window = window};
+  message.type = connection_->atom("_NET_WM_STATE");
+  message.data.data32[0] = on;
+  message.data.data32[1] = connection_->atom(state);
+  xcb_send_event(*connection_, 0, connection_->root(),
+                 XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY | XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT,
+                 reinterpret_cast<const char*>(&message));
+  xcb_flush(*connection_);
+}
+
 std::optional<Rect> TestDesktop::shapeBounds(xcb_window_t window, uint8_t kind) {
   X11Connection& c = *connection_;
   const auto extents = owned(xcb_shape_query_extents_reply(c, xcb_shape_query_extents(c, window), nullptr));

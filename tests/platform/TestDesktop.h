@@ -81,6 +81,9 @@ class TestDesktop {
   /// The union of a window's shape, in pixels relative to it; none when it is not shaped.
   std::optional<Rect> shapeBounds(xcb_window_t window, uint8_t kind);
 
+  /// Asks the window manager to give a window that state, or to take it.
+  void changeState(xcb_window_t window, const char* state, bool on);
+
   int64_t busProcess() const { return bus_->id(); }
   /// Wakes the session bus from the dead, at the same address.
   void restartBus();

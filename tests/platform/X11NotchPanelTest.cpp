@@ -3,10 +3,14 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <xcb/shape.h>
+#include <xcb/xinput.h>
 
-#include <QEvent>
+#include <QCoreApplication>
 #include <QLineEdit>
 #include <QPainter>
+#include <QPointingDevice>
+#include <QWheelEvent>
+#include <QWindow>
 #include <algorithm>
 
 #include "platform/TestDesktop.h"
@@ -27,8 +31,10 @@ class Content : public QWidget {
   int presses = 0, scrolls = 0;
   QLineEdit editor{this};
 
-  X11NotchPanel::Surface presentedSurface() const {
-    X11NotchPanel::Surface presented{
+  Content() { resize(940, 380); }
+
+  PanelContent::Surface presentedSurface() const {
+    PanelContent::Surface presented{
         {double(surface.x()), double(surface.y()), double(surface.width()), double(surface.height())}, {}};
     presented.outline.addRect(surface);
     return presented;
@@ -45,7 +51,7 @@ class X11NotchPanelTest : public testing::Test {
   X11NotchPanelTest() {
     content.editor.hide();
     desktop().hands.movePointer(10, 790);
-    panel.setFrame({30, 0, 940, 380});
+    panel.moveTo(desktop().screens().all()[0]);
     panel.orderFrontRegardless();
   }
 
@@ -63,84 +69,69 @@ class X11NotchPanelTest : public testing::Test {
   }
 
   Content content;
-  X11NotchPanel panel{desktop().connection(), desktop().screens(), desktop().scheduler, content,
-                      [this] { return content.presentedSurface(); }};
+  X11NotchPanel panel{desktop().connection(),
+                      desktop().screens(),
+                      desktop().scheduler,
+                      {content, [this] { return content.presentedSurface(); }}};
 };
 
 }  // namespace
 
 TEST_F(X11NotchPanelTest, WithoutACompositorTheWindowIsTheSurface) {
   const auto other = desktop().startWindow("other", {0, 0, 1000, 800}, {"fullscreen"});
-  EXPECT_TRUE(waitUntil(shows(500, 10, surfaceColor)));
-  EXPECT_TRUE(waitUntil(shows(500, 40, otherColor))) << "below the surface";
-  EXPECT_TRUE(waitUntil(shows(390, 10, otherColor))) << "beside it";
-
-  content.surface = {220, 0, 500, 200};
-  content.update();
-  panel.surfaceChanged();
-  EXPECT_TRUE(waitUntil(shows(500, 190, surfaceColor)));
-  EXPECT_TRUE(waitUntil(shows(260, 10, surfaceColor)));
-  content.surface = {370, 0, 200, 32};
-  content.update();
-  panel.surfaceChanged();
-  EXPECT_TRUE(waitUntil(shows(500, 190, otherColor)));
-}
-
-TEST_F(X11NotchPanelTest, WithACompositorTheWindowIsTransparent) {
-  const auto other = desktop().startWindow("other", {0, 0, 1000, 800}, {"fullscreen"});
-  ASSERT_TRUE(desktop().shapeBounds(window(), XCB_SHAPE_SK_BOUNDING).has_value());
-  {
-    const auto compositor = desktop().startCompositor();
-    EXPECT_TRUE(
-        waitUntil([&] { return !desktop().shapeBounds(window(), XCB_SHAPE_SK_BOUNDING).has_value(); }));
-    EXPECT_TRUE(waitUntil(shows(500, 10, surfaceColor)));
-    EXPECT_TRUE(waitUntil(shows(500, 200, otherColor)));
-    // Nothing has to follow the surface any more.
-    content.surface = {220, 0, 500, 200};
+  const auto surfaceBecomes = [&](QRect surface) {
+    content.surface = surface;
     content.update();
     panel.surfaceChanged();
-    EXPECT_TRUE(waitUntil(shows(500, 190, surfaceColor)));
+    return waitUntil(shows(30 + surface.left() + 1, surface.bottom() - 1, surfaceColor)) &&
+           waitUntil(shows(30 + surface.left() + 1, surface.bottom() + 2, otherColor)) &&
+           waitUntil(shows(30 + surface.left() - 2, surface.bottom() - 1, otherColor));
+  };
+  const auto boundingShape = [&] { return desktop().shapeBounds(window(), XCB_SHAPE_SK_BOUNDING); };
+  EXPECT_TRUE(surfaceBecomes({220, 0, 500, 200}));
+  EXPECT_TRUE(surfaceBecomes({370, 0, 200, 32}));
+  EXPECT_EQ(boundingShape(), (Rect{370, 0, 200, 32}));
+  {
+    const auto compositor = desktop().startCompositor();
+    EXPECT_TRUE(waitUntil([&] { return !boundingShape(); }));
+    EXPECT_TRUE(surfaceBecomes({220, 0, 500, 200})) << "blended";
   }
   EXPECT_TRUE(waitUntil([&] {
-    return desktop().shapeBounds(window(), XCB_SHAPE_SK_BOUNDING) == Rect{220, 0, 500, 200};
+    return boundingShape() == Rect{220, 0, 500, 200};
   })) << "the compositor has gone";
 }
 
-TEST_F(X11NotchPanelTest, TakesClicksInItsAreaOnlyAndNeverTheFocus) {
-  const auto other = desktop().startWindow("other", {0, 0, 1000, 800}, {"fullscreen"});
-  const xcb_window_t otherWindow = desktop().awaitWindow("other");
-  desktop().hands.click(500, 600);
-  other->waitForLine("pressed");
-  ASSERT_TRUE(waitUntil([&] { return desktop().focusedWindow() == otherWindow; }));
-  desktop().hands.click(500, 10);
-  EXPECT_EQ(other->waitForLine("pressed"), "") << "ignores the pointer at first";
-
-  panel.setPointerArea(Rect{400, -5, 200, 40});
-  desktop().hands.click(500, 10);
-  EXPECT_TRUE(waitUntil([&] { return content.presses == 1; }));
-  desktop().hands.click(500, 36);
-  EXPECT_EQ(other->waitForLine("pressed"), "") << "below the area";
-  EXPECT_EQ(desktop().focusedWindow(), otherWindow);
-  EXPECT_FALSE(panel.isKey());
-
+TEST_F(X11NotchPanelTest, FollowsTheScreenInItsOwnCoordinates) {
+  int activities = 0;
+  const auto observer = panel.pointer().observe([&] { ++activities; });
+  panel.pointer().setWantsActivity(true);
+  panel.setPointerArea(Rect{370, -5, 200, 37});
+  desktop().hands.warpPointer(500, 10);
+  EXPECT_TRUE(waitUntil([&] { return activities > 0; })) << "warped over the edge of the window";
+  EXPECT_TRUE(waitUntil([&] { return panel.pointer().position() == Point{470, 10}; }));
+  activities = 0;
+  desktop().hands.warpPointer(500, 700);
+  EXPECT_TRUE(waitUntil([&] { return activities > 0; }));
+  const auto takesPointerIn = [&](const Rect& pixels) {
+    return waitUntil([&] { return desktop().shapeBounds(window(), XCB_SHAPE_SK_INPUT) == pixels; });
+  };
+  EXPECT_TRUE(takesPointerIn({370, 0, 200, 32}));
   panel.setPointerArea(std::nullopt);
-  desktop().hands.click(500, 10);
-  EXPECT_EQ(other->waitForLine("pressed"), "");
-  EXPECT_EQ(content.presses, 1);
-}
+  EXPECT_TRUE(takesPointerIn({}));
 
-TEST_F(X11NotchPanelTest, TheAreaFollowsTheFrameToAnotherMonitor) {
-  // In points of the right monitor, each of which is two pixels wide.
-  panel.setFrame({1000, 200, 400, 300});
+  // On the right monitor a point is two pixels wide.
+  content.resize(400, 300);
   content.surface = {100, 0, 200, 32};
+  panel.moveTo(desktop().screens().all()[1]);
   content.update();
   panel.surfaceChanged();
-  panel.setPointerArea(Rect{1100, 200, 200, 32});
+  panel.setPointerArea(Rect{100, 0, 200, 32});
   EXPECT_TRUE(waitUntil(shows(1205, 210, surfaceColor)));
   EXPECT_TRUE(waitUntil(shows(1595, 260, surfaceColor)));
-  EXPECT_EQ(desktop().shapeBounds(window(), XCB_SHAPE_SK_INPUT), (Rect{200, 0, 400, 64}));
+  EXPECT_TRUE(takesPointerIn({200, 0, 400, 64}));
   desktop().hands.click(1590, 255);
   EXPECT_TRUE(waitUntil([&] { return content.presses == 1; }));
+  EXPECT_EQ(panel.pointer().position(), (Point{295, 27.5}));
 }
 
 TEST_F(X11NotchPanelTest, StaysAboveManagedWindowsButNotAboveOthers) {
@@ -175,23 +166,35 @@ TEST_F(X11NotchPanelTest, BorrowsTheKeyboardFocus) {
   };
   content.editor.show();
 
+  const auto isKey = [&] { return desktop().focusedWindow() == window(); };
+  const auto isBackAt = [&](xcb_window_t target) {
+    return waitUntil(
+        [&] { return desktop().focusedWindow() == target && !content.window()->isActiveWindow(); });
+  };
+
   ASSERT_TRUE(focus(dyingWindow));
   ASSERT_TRUE(focus(otherWindow));
   panel.becomeKey();
-  content.editor.setFocus();
-  EXPECT_TRUE(waitUntil([&] { return panel.isKey() && content.editor.hasFocus(); }));
-  panel.resignKey();
-  EXPECT_TRUE(waitUntil([&] { return desktop().focusedWindow() == otherWindow && !panel.isKey(); }));
-  EXPECT_FALSE(content.editor.hasFocus());
-
-  ASSERT_TRUE(focus(dyingWindow));
   panel.becomeKey();
-  EXPECT_TRUE(waitUntil([&] { return panel.isKey(); }));
+  content.editor.setFocus();
+  EXPECT_TRUE(waitUntil([&] { return isKey() && content.editor.hasFocus(); }));
+  panel.resignKey();
+  EXPECT_TRUE(isBackAt(otherWindow)) << "although it was asked for twice";
+  EXPECT_FALSE(content.editor.hasFocus());
+  panel.becomeKey();
+  panel.resignKey();
+  EXPECT_TRUE(isBackAt(otherWindow)) << "although it was given back before the toolkit knew of it";
+  panel.becomeKey();
+  ASSERT_TRUE(focus(dyingWindow));
+  panel.resignKey();
+  EXPECT_TRUE(isBackAt(dyingWindow)) << "the user has gone there in the meantime";
+
+  panel.becomeKey();
+  EXPECT_TRUE(isKey());
   dying.reset();
   ASSERT_TRUE(waitUntil([=] { return !desktop().isManaged(dyingWindow); }));
   panel.resignKey();
-  EXPECT_TRUE(waitUntil([&] { return desktop().focusedWindow() == otherWindow && !panel.isKey(); }))
-      << "the window that had it is gone: the next one gets it";
+  EXPECT_TRUE(isBackAt(otherWindow)) << "the window that had it is gone: the next one gets it";
 }
 
 TEST_F(X11NotchPanelTest, TakesFilesThatAreDroppedOnIt) {
@@ -205,7 +208,7 @@ TEST_F(X11NotchPanelTest, TakesFilesThatAreDroppedOnIt) {
   };
   content.surface = {270, 0, 400, 200};
   panel.surfaceChanged();
-  panel.setPointerArea(Rect{300, 0, 400, 200});
+  panel.setPointerArea(Rect{270, 0, 400, 200});
   const auto pull = [] {
     desktop().hands.movePointer(150, 650);
     desktop().hands.press();
@@ -258,7 +261,7 @@ TEST_F(X11NotchPanelTest, HandsScrollingToTheControllerFirst) {
     events.push_back(event);
     return consume;
   };
-  panel.setPointerArea(Rect{300, 0, 400, 200});
+  panel.setPointerArea(Rect{270, 0, 400, 200});
 
   constexpr unsigned wheelDown = 5;
   desktop().hands.click(500, 10, wheelDown);
@@ -273,12 +276,79 @@ TEST_F(X11NotchPanelTest, HandsScrollingToTheControllerFirst) {
   EXPECT_TRUE(waitUntil([&] { return content.scrolls == 1; })) << "what is not consumed scrolls the content";
 }
 
-TEST_F(X11NotchPanelTest, TellsWhenThePointerCrossesItsEdge) {
-  int crossings = 0;
-  panel.onPointerCrossing = [&] { ++crossings; };
-  panel.setPointerArea(Rect{400, 0, 200, 32});
-  desktop().hands.warpPointer(500, 10);
-  EXPECT_TRUE(waitUntil([&] { return crossings == 1; }));
-  desktop().hands.warpPointer(500, 700);
-  EXPECT_TRUE(waitUntil([&] { return crossings == 2; }));
+namespace {
+
+/// A property of the test extension's pointer, as a touchpad's driver would set it.
+class DriverSetting {
+ public:
+  DriverSetting(uint16_t device, const char* name, std::vector<uint8_t> bytes, uint8_t format = 8)
+      : connection_(desktop().connection()), device_(device), property_(connection_.atom(name)) {
+    const auto items = static_cast<uint32_t>(bytes.size() / (format / 8));
+    // The request is padded to whole words from what follows the last item.
+    bytes.resize((bytes.size() + 3) / 4 * 4);
+    xcb_input_xi_change_property(connection_, device, XCB_PROP_MODE_REPLACE, format, property_,
+                                 XCB_ATOM_INTEGER, items, bytes.data());
+    xcb_flush(connection_);
+  }
+  ~DriverSetting() {
+    xcb_input_xi_delete_property(connection_, device_, property_);
+    xcb_flush(connection_);
+  }
+
+ private:
+  X11Connection& connection_;
+  const uint16_t device_;
+  const xcb_atom_t property_;
+};
+
+uint16_t testPointer(X11Connection& connection) {
+  const auto reply =
+      owned(xcb_input_xi_query_device_reply(connection, xcb_input_xi_query_device(connection, 0), nullptr));
+  for (auto it = xcb_input_xi_query_device_infos_iterator(reply.get()); it.rem;
+       xcb_input_xi_device_info_next(&it)) {
+    if (it.data->type == XCB_INPUT_DEVICE_TYPE_SLAVE_POINTER) return it.data->deviceid;
+  }
+  return 0;
+}
+
+}  // namespace
+
+TEST_F(X11NotchPanelTest, ReadsWhatFingersDoFromTheDriversSettings) {
+  const uint16_t device = testPointer(desktop().connection());
+  ASSERT_NE(device, 0);
+  const QPointingDevice touchpad("touchpad", device, QInputDevice::DeviceType::TouchPad,
+                                 QPointingDevice::PointerType::Finger, QInputDevice::Capability::Scroll, 1,
+                                 3);
+  const auto scroll = [&](QPoint eighthsOfDegrees, QPoint pixels) {
+    ScrollEvent seen;
+    panel.onScroll = [&](const ScrollEvent& event) {
+      if (event.phase != ScrollEvent::Phase::ended) seen = event;
+      return true;
+    };
+    QWheelEvent event({470, 10}, {500, 10}, pixels, eighthsOfDegrees, Qt::NoButton, Qt::NoModifier,
+                      Qt::NoScrollPhase, false, Qt::MouseEventNotSynthesized, &touchpad);
+    QCoreApplication::sendEvent(content.window()->windowHandle(), &event);
+    return seen;
+  };
+  const auto isNatural = [&](bool natural) {
+    return waitUntil([&] { return scroll({60, -120}, {7, -14}).directionInverted == natural; });
+  };
+  EXPECT_TRUE(isNatural(false)) << "a driver that tells nothing";
+  EXPECT_TRUE(scroll({60, -120}, {7, -14}).precise);
+  EXPECT_FALSE(scroll({0, -120}, {}).precise) << "a wheel";
+  {
+    const DriverSetting method(device, "libinput Scroll Method Enabled", {1, 0, 0});
+    const DriverSetting distance(device, "libinput Scrolling Pixel Distance", {30, 0, 0, 0}, 32);
+    const DriverSetting natural(device, "libinput Natural Scrolling Enabled", {1});
+    ASSERT_TRUE(isNatural(true));
+    const ScrollEvent event = scroll({60, -120}, {7, -14});
+    EXPECT_TRUE(event.precise);
+    EXPECT_EQ(event.deltaX, 15);
+    EXPECT_EQ(event.deltaY, -30);
+  }
+  const DriverSetting method(device, "libinput Scroll Method Enabled", {0, 0, 0});
+  const DriverSetting natural(device, "libinput Natural Scrolling Enabled", {0});
+  EXPECT_TRUE(waitUntil([&] {
+    return !scroll({60, -120}, {7, -14}).precise;
+  })) << "a mouse has nothing but its wheel";
 }

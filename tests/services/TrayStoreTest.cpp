@@ -24,7 +24,7 @@ class TrayStoreTest : public testing::Test {
 };
 
 TEST_F(TrayStoreTest, KeepsEachFileOnceInTheOrderOfItsArrival) {
-  TrayStore tray(desktop.scheduler, desktop.defaults);
+  TrayStore tray(desktop.defaults);
   int changes = 0;
   const auto subscription = tray.observe([&] { ++changes; });
   tray.add({b, a, b});
@@ -47,11 +47,9 @@ TEST_F(TrayStoreTest, KeepsEachFileOnceInTheOrderOfItsArrival) {
 }
 
 TEST_F(TrayStoreTest, ComesBackWithoutTheFilesThatAreGone) {
-  TrayStore(desktop.scheduler, desktop.defaults).add({c, a, b});
+  TrayStore(desktop.defaults).add({c, a, b});
   std::filesystem::remove(a);
-  TrayStore tray(desktop.scheduler, desktop.defaults);
-  EXPECT_THAT(*tray.items, ElementsAre(c, a, b)) << "nothing waits for slow drives";
-  desktop.scheduler.settle();
+  TrayStore tray(desktop.defaults);
   EXPECT_THAT(*tray.items, ElementsAre(c, b));
   EXPECT_THAT(stored(), ElementsAre(c, a, b)) << "a may come back until something changes";
   tray.remove(b);
@@ -59,13 +57,11 @@ TEST_F(TrayStoreTest, ComesBackWithoutTheFilesThatAreGone) {
 }
 
 TEST_F(TrayStoreTest, StartsEmptyWithoutAList) {
-  EXPECT_THAT(*TrayStore(desktop.scheduler, desktop.defaults).items, IsEmpty());
+  EXPECT_THAT(*TrayStore(desktop.defaults).items, IsEmpty());
   desktop.defaults.values["trayItems"] = std::string(a);
-  EXPECT_THAT(*TrayStore(desktop.scheduler, desktop.defaults).items, IsEmpty()) << "not a list";
+  EXPECT_THAT(*TrayStore(desktop.defaults).items, IsEmpty()) << "not a list";
   desktop.defaults.values["trayItems"] = Paths{a, a, folder.path(), ""};
-  TrayStore tray(desktop.scheduler, desktop.defaults);
-  desktop.scheduler.settle();
-  EXPECT_THAT(*tray.items, ElementsAre(a, folder.path()));
+  EXPECT_THAT(*TrayStore(desktop.defaults).items, ElementsAre(a, folder.path()));
 }
 
 }  // namespace

@@ -2,25 +2,26 @@
 #include <vector>
 
 #include "core/NotchPanel.h"
+#include "support/MemoryDesktop.h"
 
 namespace tarnwick {
 
 /// A panel that keeps what it was told. A test calls its callbacks as the window would.
 class MemoryPanel : public NotchPanel {
  public:
-  void setFrame(const Rect& frame) override { frame_ = frame; }
-  Rect frame() const override { return frame_; }
+  explicit MemoryPanel(Pointer& pointer) : pointer_(pointer) {}
+
+  void moveTo(const Screen& to) override { screen = to; }
+  Size size() const override { return {940, 380}; }
   void orderFrontRegardless() override { shown = true; }
+  Pointer& pointer() override { return pointer_; }
   void setPointerArea(const std::optional<Rect>& area) override {
     pointerArea = area;
     ++pointerAreaChanges;
   }
-  bool isKey() const override { return key; }
-  void resignKey() override {
-    key = false;
-    ++resignations;
-  }
+  void resignKey() override { resignations += std::exchange(key, false); }
 
+  std::optional<Screen> screen;
   bool shown = false;
   bool key = false;
   int resignations = 0;
@@ -29,7 +30,7 @@ class MemoryPanel : public NotchPanel {
   int pointerAreaChanges = 0;
 
  private:
-  Rect frame_;
+  Pointer& pointer_;
 };
 
 }  // namespace tarnwick

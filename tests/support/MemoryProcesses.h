@@ -1,5 +1,4 @@
 #pragma once
-#include <algorithm>
 #include <map>
 #include <string>
 #include <vector>
@@ -45,12 +44,11 @@ class MemoryChildProcesses : public ChildProcesses {
 class MemoryApplications : public Applications {
  public:
   std::optional<Application> runningApplication(int32_t process, const std::string& name) override;
-  bool bringForward(const FilePath& bundle) override { return std::ranges::count(withWindows, bundle) > 0; }
-  void start(const FilePath& bundle) override { started.push_back(bundle); }
+  void open(const FilePath& bundle) override { opened.push_back(bundle); }
 
   std::map<int32_t, Application> running;
   std::vector<std::string> namesAskedFor;
-  std::vector<FilePath> withWindows, started;
+  std::vector<FilePath> opened;
 };
 
 /// Takes the text "WIDTHxHEIGHT RRGGBB" for a picture of one colour.

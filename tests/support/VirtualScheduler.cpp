@@ -1,10 +1,8 @@
 #include "support/VirtualScheduler.h"
 
-#include <algorithm>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
-#include <utility>
 
 namespace tarnwick {
 namespace {
@@ -14,36 +12,20 @@ double instant(double seconds) { return std::round(seconds * 1e9) / 1e9; }
 
 }  // namespace
 
-Task VirtualScheduler::schedule(double seconds, Job given) {
-  auto job = std::make_shared<Job>(std::move(given));
-  queue_[{instant(uptime_ + std::max(seconds, 0.0)), sequence_++}] = job;
+Task VirtualScheduler::schedule(double seconds, double period, Work work) {
+  auto job = std::make_shared<Job>(Job{std::move(work), uptime_, period});
+  queue_[{instant(uptime_ + seconds), sequence_++}] = job;
   return Task([weak = std::weak_ptr<Job>(job)] {
     if (auto cancelled = weak.lock()) cancelled->cancelled = true;
   });
 }
 
-Task VirtualScheduler::after(double seconds, Work work) { return schedule(seconds, {std::move(work)}); }
-
-Task VirtualScheduler::at(Date date, Work work) {
-  return schedule(secondsUntil(date), {.work = std::move(work), .date = date});
-}
-
-double VirtualScheduler::secondsUntil(Date date) const {
-  const double seconds = std::max(date - now(), 0.0);
-  // Rounded, it might come out a moment too early.
-  return now() + instant(seconds) < date ? seconds + 1e-6 : seconds;
-}
-
-void VirtualScheduler::setClock(double seconds) {
-  clockSetBy_ = seconds;
-  for (auto& [key, job] : std::exchange(queue_, {})) {
-    const double due = job->date ? instant(uptime_ + secondsUntil(*job->date)) : key.first;
-    queue_[{due, key.second}] = job;
-  }
+Task VirtualScheduler::after(double seconds, Work work) {
+  return schedule(seconds < 0 ? 0 : seconds, 0, std::move(work));
 }
 
 Task VirtualScheduler::every(double seconds, Work work) {
-  return schedule(seconds, {std::move(work), uptime_, seconds});
+  return schedule(seconds, seconds, std::move(work));
 }
 
 Task VirtualScheduler::background(Work work, Work thenOnMain) {

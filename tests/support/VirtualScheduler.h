@@ -12,10 +12,9 @@ namespace tarnwick {
 /// its time; what is due at the same instant runs in the order in which it was asked for.
 class VirtualScheduler : public Scheduler {
  public:
-  Date now() const override { return Date{1'700'000'000} + uptime_ + clockSetBy_; }
+  Date now() const override { return Date{1'700'000'000} + uptime_; }
   double uptime() const override { return uptime_; }
   Task after(double seconds, Work work) override;
-  Task at(Date date, Work work) override;
   Task every(double seconds, Work work) override;
   Task post(Work work) override { return after(0, std::move(work)); }
   Task background(Work work, Work thenOnMain) override;
@@ -24,10 +23,6 @@ class VirtualScheduler : public Scheduler {
   void advance(double seconds);
   /// Runs what is due now.
   void settle() { advance(0); }
-
-  /// From now on the wall clock is that far ahead of the other one: somebody has set it, or the machine has
-  /// slept.
-  void setClock(double seconds);
 
   /// When the next work is due, in uptime; none when nothing is waiting.
   std::optional<double> nextDue();
@@ -45,17 +40,13 @@ class VirtualScheduler : public Scheduler {
     double period = 0;
     uint64_t runs = 0;
     bool cancelled = false;
-    /// Of work that waits for the wall clock.
-    std::optional<Date> date;
   };
   using Key = std::pair<double, uint64_t>;
 
-  Task schedule(double seconds, Job job);
-  double secondsUntil(Date date) const;
+  Task schedule(double seconds, double period, Work work);
   void dropCancelled();
 
   double uptime_ = 0;
-  double clockSetBy_ = 0;
   uint64_t sequence_ = 0;
   int wakeUps_ = 0;
   std::optional<double> lastWakeUp_;

@@ -110,29 +110,14 @@ TEST(Painting, groupsThatOnlyMoveAreNotDrawnAgain) {
 }
 
 TEST(Painting, fadesAGroupAsOne) {
-  const View stack = ZStack(UnitPoint::center, {Rectangle().fill(black()), Rectangle().fill(white())});
-  const View canvas = CanvasView(1, [](Canvas& drawing, Size size) {
-    for (const Color color : {black(), white()}) drawing.fill(Rect{0, 0, size.width, size.height}, color);
+  Stage stage([] {
+    return ZStack(UnitPoint::center, {Rectangle().fill(black()), Rectangle().fill(white())})
+        .frame({.width = 40, .height = 40})
+        .opacity(0.5);
   });
-  for (const View& view : {stack, canvas}) {
-    Stage stage(view.frame({.width = 40, .height = 40}).opacity(0.5));
-    const QRgb pixel = picture(stage.scene).pixel(200, 150);
-    EXPECT_NEAR(qAlpha(pixel), 128, 1);
-    EXPECT_NEAR(qRed(pixel), qAlpha(pixel), 2) << "the black behind does not shine through";
-  }
-}
-
-TEST(Painting, aDarkLightFadesFinerThanTheLevelsOfAPixel) {
-  Stage stage(ZStack(UnitPoint::center,
-                     {Rectangle().fill(black()), Rectangle().fill(radialGradient(
-                                                     {white(0.05), white(0)}, UnitPoint::topLeading, 400))}));
-  const QImage image = picture(stage.scene);
-  constexpr int side = 8;
-  for (int left = 0; left + side <= 400; left += side) {
-    double level = 0;
-    for (int i = 0; i < side * side; ++i) level += qRed(image.pixel(left + i % side, i / side));
-    EXPECT_NEAR(level / (side * side), 0.05 * 255 * (1 - (left + side / 2) / 400.0), 0.1) << left;
-  }
+  const QRgb pixel = picture(stage.scene).pixel(200, 150);
+  EXPECT_NEAR(qAlpha(pixel), 128, 1);
+  EXPECT_NEAR(qRed(pixel), qAlpha(pixel), 2) << "the black behind does not shine through";
 }
 
 TEST(Painting, aSpeakerStandsStillWhileItsWavesComeAndGo) {
@@ -195,10 +180,7 @@ TEST(Painting, repairsExactlyWhatChanged) {
         View view =
             RoundedRectangle(6).fill(hsb(double(i) / 5, 0.8, 0.9)).frame({.width = item.width, .height = 24});
         if (item.shadow) view = view.shadow({0.4, 0.7, 1, 0.9}, 5, {0, 3});
-        const View label = Text("item " + std::to_string(item.number))
-                               .font({i % 2 ? 34.0 : 13.0})
-                               .contentTransition(ContentTransition::numericText);
-        views.push_back(HStack({.spacing = 3}, {view, label})
+        views.push_back(HStack({.spacing = 3}, {view, Text("item " + std::to_string(item.number))})
                             .blur(item.blurred ? 4 : 0)
                             .opacity(item.faint ? 0.4 : 1)
                             .id(std::to_string(i))

@@ -23,15 +23,13 @@ std::string nameOf(const QVariantMap& device) {
   return (alias.isEmpty() || aliasIsAddress ? name : alias).toStdString();
 }
 
-/// By the numbers that the Bluetooth standard assigns. Low-energy devices have no class, but they tell
-/// otherwise whether they play sound.
-bool isAudio(const QVariantMap& device) {
-  constexpr unsigned audioClass = 4;
-  const unsigned majorClass = (device["Class"].toUInt() >> 8) & 0x1f;
-  if (majorClass != 0) return majorClass == audioClass;
+/// Low-energy devices have no class, but they tell otherwise whether they play sound.
+int majorClassOf(const QVariantMap& device) {
+  const unsigned deviceClass = device["Class"].toUInt();
+  if (const int major = (deviceClass >> 8) & 0x1f; major != 0) return major;
   const unsigned category = device["Appearance"].toUInt() >> 6;
-  return category == 0x21 || category == 0x22 || category == 0x25 || category == 0x29 ||
-         device["Icon"].toString().startsWith("audio-");
+  const bool isAudio = category == 0x21 || category == 0x22 || category == 0x25 || category == 0x29;
+  return isAudio || device["Icon"].toString().startsWith("audio-") ? audioDeviceClass : 0;
 }
 
 bool isConnected(const QVariantMap& device) { return device["Connected"].toBool(); }
@@ -120,7 +118,7 @@ void BluezDevices::remove(const QString& path, const QStringList& interfaces) {
 
 BluetoothDevice BluezDevices::describe(const QString& path) const {
   const QVariantMap& properties = devices_.at(path);
-  BluetoothDevice device{path.toStdString(), nameOf(properties), isAudio(properties), {}};
+  BluetoothDevice device{path.toStdString(), nameOf(properties), majorClassOf(properties), {}};
   for (const auto& [batteryPath, level] : batteries_) {
     if (belongsTo(batteryPath, path)) device.batteryLevels.push_back(level);
   }

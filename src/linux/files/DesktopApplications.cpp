@@ -88,14 +88,9 @@ std::optional<Application> DesktopApplications::runningApplication(int32_t proce
   return Application{entry->path, images_.decodeFile(iconFile(entry->icon))};
 }
 
-bool DesktopApplications::bringForward(const FilePath& bundle) {
+void DesktopApplications::open(const FilePath& bundle) {
   const auto entry = DesktopEntry::read(bundle);
-  return entry && activation_.bringForward({entry->windowClass, entry->id});
-}
-
-void DesktopApplications::start(const FilePath& bundle) {
-  const auto entry = DesktopEntry::read(bundle);
-  if (!entry) return;
+  if (!entry || activation_.bringForward({entry->windowClass, entry->id})) return;
   QStringList words;
   for (const std::string& word : entry->command()) words << QString::fromStdString(word);
   if (words.isEmpty()) return;

@@ -7,15 +7,13 @@
 namespace tarnwick {
 
 /// Programs by their desktop entries: the file of one is what opens the application.
-/// One that is started gets our own environment.
 class DesktopApplications : public Applications {
  public:
   DesktopApplications(WindowActivation& activation, const QtImageDecoder& images)
       : activation_(activation), images_(images) {}
 
   std::optional<Application> runningApplication(int32_t process, const std::string& name) override;
-  bool bringForward(const FilePath& bundle) override;
-  void start(const FilePath& bundle) override;
+  void open(const FilePath& bundle) override;
 
  private:
   WindowActivation& activation_;

@@ -1,5 +1,4 @@
 #pragma once
-#include <optional>
 #include <string_view>
 #include <vector>
 
@@ -7,12 +6,8 @@
 
 namespace tarnwick {
 
-/// The path that a file: address (RFC 8089) stands for; none when it is something else, or of another
-/// machine. Its bytes stay what they are, whatever their encoding.
-std::optional<FilePath> fileOfUri(std::string_view uri);
-
-/// The files of this machine in a text of the type text/uri-list, in its order. All else is left
-/// out.
+/// The files of this machine in a text of the type text/uri-list, in its order. Links to other places and
+/// files of other machines are left out; a path's bytes stay what they are, whatever its encoding.
 std::vector<FilePath> filesOfUriList(std::string_view text);
 
 }  // namespace tarnwick

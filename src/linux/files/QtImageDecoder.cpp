@@ -3,16 +3,14 @@
 #include <QBuffer>
 #include <QFile>
 #include <QImageReader>
-#include <filesystem>
 
 namespace tarnwick {
 namespace {
 
 /// Twice as large as the notch shows a cover at pixel ratio 2, for whoever magnifies it.
 constexpr int largestSide = 400;
-constexpr qint64 largestFile = 8 << 20;
-/// A progressive JPEG has about ten scans. Each takes as long as the whole picture, in however few bytes.
-constexpr qsizetype mostScans = 100;
+/// What some formats must be unpacked to before they can be made smaller.
+constexpr qint64 mostPixels = 64'000'000;
 
 /// By what the bytes begin with. Trying all readers in turn would load them all.
 QByteArray formatOf(std::string_view bytes) {
@@ -25,20 +23,13 @@ QByteArray formatOf(std::string_view bytes) {
   return "";
 }
 
-bool hasTooManyScans(const QByteArray& bytes) { return bytes.count("\xff\xda") > mostScans; }
-
-std::optional<Image> readFrom(const QByteArray& bytes, const QByteArray& format, qint64 mostPixels) {
-  if (format.isEmpty() || (format == "jpeg" && hasTooManyScans(bytes))) return std::nullopt;
-  QBuffer device;
-  device.setData(bytes);
-  device.open(QIODevice::ReadOnly);
+std::optional<Image> readFrom(QIODevice& device, const QByteArray& format) {
+  if (format.isEmpty()) return std::nullopt;
   QImageReader reader(&device, format);
   reader.setAutoTransform(true);
   const QSize size = reader.size();
-  const bool isDrawing = format == "svg";
-  if (size.isEmpty() || (!isDrawing && qint64{size.width()} * size.height() > mostPixels))
-    return std::nullopt;
-  if (size.width() > largestSide || size.height() > largestSide || isDrawing) {
+  if (size.isEmpty() || qint64{size.width()} * size.height() > mostPixels) return std::nullopt;
+  if (size.width() > largestSide || size.height() > largestSide || format == "svg") {
     const QSize target = size.scaled(largestSide, largestSide, Qt::KeepAspectRatio).expandedTo(QSize(1, 1));
     reader.setScaledSize(target);
   }
@@ -57,17 +48,19 @@ std::optional<Image> readFrom(const QByteArray& bytes, const QByteArray& format,
 }  // namespace
 
 std::optional<Image> QtImageDecoder::decode(std::string_view bytes) const {
-  return readFrom(QByteArray::fromRawData(bytes.data(), static_cast<qsizetype>(bytes.size())),
-                  formatOf(bytes), mostPixels_);
+  QByteArray data = QByteArray::fromRawData(bytes.data(), static_cast<qsizetype>(bytes.size()));
+  QBuffer device(&data);
+  device.open(QIODevice::ReadOnly);
+  return readFrom(device, formatOf(bytes));
 }
 
 std::optional<Image> QtImageDecoder::decodeFile(const std::string& path) const {
+  if (path.empty()) return std::nullopt;
   QFile file(QString::fromStdString(path));
-  std::error_code error;
-  if (!std::filesystem::is_regular_file(path, error) || !file.open(QIODevice::ReadOnly)) return std::nullopt;
-  const QByteArray bytes = file.read(largestFile);
-  const std::string_view view(bytes.constData(), static_cast<size_t>(bytes.size()));
-  return readFrom(bytes, path.ends_with(".svg") ? "svg" : formatOf(view), mostPixels_);
+  if (!file.open(QIODevice::ReadOnly)) return std::nullopt;
+  const QByteArray start = file.peek(16);
+  const bool drawing = path.ends_with(".svg");
+  return readFrom(file, drawing ? "svg" : formatOf({start.constData(), static_cast<size_t>(start.size())}));
 }
 
 }  // namespace tarnwick

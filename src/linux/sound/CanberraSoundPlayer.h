@@ -1,5 +1,4 @@
 #pragma once
-#include <map>
 #include <memory>
 
 #include "base/Scheduler.h"
@@ -13,22 +12,17 @@ namespace tarnwick {
 /// thread: reaching the audio daemon may take long. Without a daemon there is silence.
 class CanberraSoundPlayer : public SoundPlayer {
  public:
-  /// @param patience so many seconds are sounds left out because the daemon has not taken the one before
-  explicit CanberraSoundPlayer(Scheduler& scheduler, double patience = 10);
+  explicit CanberraSoundPlayer(Scheduler& scheduler);
   ~CanberraSoundPlayer() override;
-  void play(Sound sound) override;
+  void play(const std::string& name) override;
 
  private:
-  class Player;
+  struct Player;
 
   Scheduler& scheduler_;
-  const double patience_;
   /// Shared with the work in the background.
   std::shared_ptr<Player> player_;
-  int number_ = 0;
-  double startedAt_ = 0;
-  /// The players, by their number, that the daemon keeps waiting.
-  std::map<int, Task> waiting_;
+  Task playing_;
 };
 
 }  // namespace tarnwick

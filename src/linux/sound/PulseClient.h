@@ -16,7 +16,7 @@ struct PulseDevice {
   std::string key;
   /// For the user.
   std::string name;
-  AudioTransport transport = AudioTransport::unknown;
+  AudioTransport transport = transport::unknown;
   /// See `PulseClient::fullVolume`.
   uint32_t volume = 0;
   bool muted = false;

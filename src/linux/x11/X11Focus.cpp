@@ -1,5 +1,7 @@
 #include "linux/x11/X11Focus.h"
 
+#include <utility>
+
 namespace tarnwick {
 
 void X11Focus::take(xcb_window_t window) {
@@ -7,6 +9,8 @@ void X11Focus::take(xcb_window_t window) {
   const auto focusCookie = xcb_get_input_focus(connection_);
   const auto active = connection_.property(activeCookie);
   const auto focused = owned(xcb_get_input_focus_reply(connection_, focusCookie, nullptr));
+  if (holder_ == window && focused && focused->focus == window) return;
+  holder_ = window;
   previous_.clear();
   if (focused) previous_.push_back(focused->focus);
   if (active) previous_.insert(previous_.end(), active->begin(), active->end());
@@ -14,6 +18,11 @@ void X11Focus::take(xcb_window_t window) {
 }
 
 void X11Focus::giveBack() {
+  const xcb_window_t holder = std::exchange(holder_, XCB_WINDOW_NONE);
+  if (holder == XCB_WINDOW_NONE) return;
+  const auto focused =
+      owned(xcb_get_input_focus_reply(connection_, xcb_get_input_focus(connection_), nullptr));
+  if (!focused || focused->focus != holder) return;
   for (const xcb_window_t window : previous_) {
     // Values up to that of the root are no windows: nobody had the focus, or whoever the pointer is over.
     if (window > XCB_INPUT_FOCUS_POINTER_ROOT && window != connection_.root() && focus(window)) return;

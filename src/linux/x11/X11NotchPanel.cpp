@@ -28,11 +28,12 @@ QRect roundedOut(const Rect& rect, double ratio) {
 }  // namespace
 
 X11NotchPanel::X11NotchPanel(X11Connection& connection, const X11Screens& screens, Scheduler& scheduler,
-                             QWidget& content, std::function<Surface()> surface)
+                             PanelContent content)
     : connection_(connection),
       screens_(screens),
-      content_(content),
-      surface_(std::move(surface)),
+      content_(content.widget),
+      surface_(std::move(content.surface)),
+      pointer_(connection, screens, scheduler),
       compositor_(connection),
       stacking_(connection, scheduler, static_cast<xcb_window_t>(window_.winId())),
       focus_(connection),
@@ -50,9 +51,7 @@ X11NotchPanel::X11NotchPanel(X11Connection& connection, const X11Screens& screen
   window_.onDropFiles = [this](const std::vector<FilePath>& files) {
     if (onDropFiles) onDropFiles(files);
   };
-  window_.onCrossing = [this] {
-    if (onPointerCrossing) onPointerCrossing();
-  };
+  window_.onCrossing = [this] { pointer_.noteActivity(); };
   // Wheel events pass the native window before any widget sees them.
   window_.windowHandle()->installEventFilter(this);
   compositorChanges_ = compositor_.observe([this] { applySurface(); });
@@ -61,11 +60,14 @@ X11NotchPanel::X11NotchPanel(X11Connection& connection, const X11Screens& screen
 
 X11NotchPanel::~X11NotchPanel() { content_.setParent(nullptr); }
 
-void X11NotchPanel::setFrame(const Rect& frame) {
-  frame_ = frame;
-  content_.resize(qRound(frame.width), qRound(frame.height));
+Size X11NotchPanel::size() const { return {double(content_.width()), double(content_.height())}; }
+
+void X11NotchPanel::moveTo(const Screen& screen) {
+  frame_ = {std::round(screen.frame.midX() - size().width / 2), std::round(screen.frame.y), size().width,
+            size().height};
+  pointer_.setOrigin(frame_.origin());
   if (!connection_.isXWayland()) {
-    window_.setGeometry(qRound(frame.x), qRound(frame.y), qRound(frame.width), qRound(frame.height));
+    window_.setGeometry(int(frame_.x), int(frame_.y), content_.width(), content_.height());
   }
   applySurface();
   applyPointerArea();
@@ -92,7 +94,7 @@ void X11NotchPanel::applySurface() {
     const QRect surface = roundedOut(surface_().frame, 1) & content_.rect();
     // Before its first layout there is nothing to cover.
     const QRect part = surface.isEmpty() ? QRect(content_.width() / 2, 0, 1, 1) : surface;
-    const QRect place = part.translated(qRound(frame_.x), qRound(frame_.y));
+    const QRect place = part.translated(int(frame_.x), int(frame_.y));
     if (place == window_.geometry() && content_.pos() == -part.topLeft()) return;
     window_.setGeometry(place);
     content_.move(-part.topLeft());
@@ -109,9 +111,10 @@ void X11NotchPanel::applySurface() {
 void X11NotchPanel::applyPointerArea() {
   QRegion pixels;
   if (pointerArea_) {
-    const Point origin{double(window_.x()), double(window_.y())};
+    // Where the content begins beside the window, under XWayland.
+    const Point content{double(content_.x()), double(content_.y())};
     const double ratio = screens_.ratioAt(frame_);
-    pixels = roundedOut(pointerArea_->movedBy(Point{} - origin), ratio) &
+    pixels = roundedOut(pointerArea_->movedBy(content), ratio) &
              roundedOut({0, 0, double(window_.width()), double(window_.height())}, ratio);
   }
   if (inputShape_ == pixels) return;
@@ -140,15 +143,10 @@ void X11NotchPanel::setShape(uint8_t kind, const QRegion& pixels) {
   xcb_flush(toolkitConnection());
 }
 
-bool X11NotchPanel::isKey() const { return window_.isActiveWindow(); }
-
-void X11NotchPanel::becomeKey() {
-  if (!isKey()) focus_.take(static_cast<xcb_window_t>(window_.winId()));
-}
+void X11NotchPanel::becomeKey() { focus_.take(static_cast<xcb_window_t>(window_.winId())); }
 
 void X11NotchPanel::resignKey() {
-  if (!isKey()) return;
-  QGuiApplication::inputMethod()->commit();
+  if (window_.isActiveWindow()) QGuiApplication::inputMethod()->commit();
   if (QWidget* editor = window_.focusWidget()) editor->clearFocus();
   focus_.giveBack();
 }

@@ -3,6 +3,8 @@
 #include <xcb/xfixes.h>
 #include <xcb/xinput.h>
 
+#include <algorithm>
+
 #include "linux/files/FileList.h"
 
 namespace tarnwick {
@@ -10,6 +12,10 @@ namespace {
 
 constexpr const char* dragSelection = "XdndSelection";
 constexpr uint16_t allMasterDevices = 1;
+constexpr double askAgainInterval = 0.1;
+constexpr int mostRefusals = 20;
+/// The others are those of a wheel.
+constexpr uint16_t buttons = XCB_BUTTON_MASK_1 | XCB_BUTTON_MASK_2 | XCB_BUTTON_MASK_3;
 
 void selectRawEvents(X11Connection& connection, uint32_t events) {
   struct {
@@ -22,8 +28,11 @@ void selectRawEvents(X11Connection& connection, uint32_t events) {
 
 }  // namespace
 
-X11Pointer::X11Pointer(X11Connection& connection, const X11Screens& screens)
-    : connection_(connection), screens_(screens), requestor_(xcb_generate_id(connection)) {
+X11Pointer::X11Pointer(X11Connection& connection, const X11Screens& screens, Scheduler& scheduler)
+    : connection_(connection),
+      screens_(screens),
+      scheduler_(scheduler),
+      requestor_(xcb_generate_id(connection)) {
   xcb_create_window(connection_, 0, requestor_, connection_.root(), -1, -1, 1, 1, 0,
                     XCB_WINDOW_CLASS_INPUT_ONLY, XCB_COPY_FROM_PARENT, 0, nullptr);
   if (connection_.xfixesEventBase()) {
@@ -48,7 +57,7 @@ const X11Pointer::Query& X11Pointer::query() const {
   query_ = {};
   if (reply) {
     query_ = {{double(reply->root_x), double(reply->root_y)},
-              (reply->mask & XCB_BUTTON_MASK_1) != 0,
+              (reply->mask & buttons) != 0,
               reply->child != XCB_WINDOW_NONE};
   }
   return query_;
@@ -57,10 +66,10 @@ const X11Pointer::Query& X11Pointer::query() const {
 std::optional<Point> X11Pointer::position() const {
   const Query& now = query();
   if (connection_.isXWayland() && !now.overWindow) return std::nullopt;
-  return screens_.toPoints(now.pixels.x, now.pixels.y);
+  return screens_.toPoints(now.pixels.x, now.pixels.y) - origin_;
 }
 
-bool X11Pointer::leftButtonDown() const { return query().buttonDown; }
+bool X11Pointer::buttonDown() const { return query().buttonDown; }
 
 Subscription X11Pointer::observe(std::function<void()> onActivity) {
   return activity_.observe(std::move(onActivity));
@@ -108,18 +117,58 @@ void X11Pointer::dragStarted(xcb_timestamp_t timestamp) {
   ++dragChangeCount_;
   dragTypes_.reset();
   dragTimestamp_ = timestamp;
-  // Lists of types are unreliable, and some sources have none: only one that hands files out has some.
-  const xcb_atom_t type = connection_.atom(fileListType);
-  xcb_convert_selection(connection_, requestor_, connection_.atom(dragSelection), type, type, timestamp);
-  xcb_flush(connection_);
+  refusals_ = 0;
+  asked_.clear();
+  askingAgain_.cancel();
+  askForFiles({timestamp});
   noteActivity();
 }
 
+/// Lists of types are unreliable, and some sources have none: only one that hands files out has some.
+void X11Pointer::askForFiles(std::vector<xcb_timestamp_t> times) {
+  const xcb_atom_t type = connection_.atom(fileListType);
+  for (const xcb_timestamp_t time : times) {
+    xcb_convert_selection(connection_, requestor_, connection_.atom(dragSelection), type, type, time);
+  }
+  asked_.insert(asked_.end(), times.begin(), times.end());
+  xcb_flush(connection_);
+}
+
 void X11Pointer::conversionArrived(const xcb_selection_notify_event_t& event) {
-  if (event.requestor != requestor_ || event.time != dragTimestamp_) return;
-  dragTypes_.emplace();
-  if (event.property != XCB_ATOM_NONE && holdsFiles(event.property)) dragTypes_->push_back(fileListType);
-  noteActivity();
+  const auto asked = std::find(asked_.begin(), asked_.end(), event.time);
+  if (event.requestor != requestor_ || asked == asked_.end()) return;
+  asked_.erase(asked);
+  if (event.property != XCB_ATOM_NONE) {
+    asked_.clear();
+    dragTypes_.emplace();
+    if (holdsFiles(event.property)) dragTypes_->push_back(fileListType);
+    return noteActivity();
+  }
+  if (!asked_.empty()) return;
+  if (++refusals_ > mostRefusals) {
+    dragTypes_.emplace();
+  } else {
+    askingAgain_ = scheduler_.after(askAgainInterval, [this] { askAgain(); });
+  }
+}
+
+/// Some sources refuse whoever does not ask at the very time of their last message to the window below the
+/// pointer: when they handled a motion, or no time at all before the first one.
+void X11Pointer::askAgain() {
+  constexpr size_t mostTimes = 4;
+  queryTurn_.reset();
+  if (!buttonDown()) return;
+  const auto reply = owned(xcb_get_motion_events_reply(
+      connection_, xcb_get_motion_events(connection_, connection_.root(), dragTimestamp_, XCB_CURRENT_TIME),
+      nullptr));
+  std::vector<xcb_timestamp_t> times{XCB_CURRENT_TIME};
+  const xcb_timecoord_t* motions = reply ? xcb_get_motion_events_events(reply.get()) : nullptr;
+  for (int i = reply ? xcb_get_motion_events_events_length(reply.get()) : 0; i > 0; --i) {
+    const xcb_timestamp_t time = motions[i - 1].time;
+    if (std::find(times.begin(), times.end(), time) == times.end()) times.push_back(time);
+    if (times.size() > mostTimes) break;
+  }
+  askForFiles(std::move(times));
 }
 
 bool X11Pointer::holdsFiles(xcb_atom_t property) const {

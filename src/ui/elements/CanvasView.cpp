@@ -18,7 +18,6 @@ class CanvasElement : public Element {
   }
   bool affectsLayout(const Element&) const override { return false; }
   bool draws() const override { return true; }
-  bool drawsOverItself() const override { return true; }
   void draw(DrawContext& context) const override {
     Canvas canvas(context.painter);
     draw_(canvas, context.size);

@@ -7,7 +7,6 @@
 #include "ui/View.h"
 #include "ui/elements/ShapeElement.h"
 #include "ui/engine/Drawing.h"
-#include "ui/paint/RadialGradient.h"
 
 namespace tarnwick::ui {
 namespace {
@@ -71,23 +70,17 @@ Color colorAt(const std::vector<double>& numbers, size_t index) {
   return {n[0], n[1], n[2], n[3]};
 }
 
-QBrush brush(const Paint& paint, const std::vector<double>& values, Size size, const QPainter& painter) {
+QBrush brush(const Paint& paint, const std::vector<double>& values, Size size) {
   if (paint.kind == Paint::Kind::color) return toQt(colorAt(values, 0));
   const auto place = [&](UnitPoint p) { return QPointF(p.x * size.width, p.y * size.height); };
-  std::vector<std::pair<double, QColor>> stops;
-  for (size_t i = 0; i < paint.stops.size(); ++i) {
-    stops.emplace_back(paint.stops[i].position, toQt(colorAt(values, i)));
-  }
-  if (paint.kind == Paint::Kind::linear) {
-    QLinearGradient gradient(place(paint.start), place(paint.end));
-    for (const auto& [position, color] : stops) gradient.setColorAt(position, color);
-    return gradient;
-  }
-  const QTransform toPixels = painter.deviceTransform();
-  QRectF seen(0, 0, size.width, size.height);
-  if (painter.hasClipping()) seen &= painter.clipBoundingRect();
-  const QRect pixels = toPixels.mapRect(seen).toAlignedRect() & painter.viewport();
-  return RadialGradient{place(paint.start), paint.radius, std::move(stops)}.brush(toPixels, pixels);
+  const auto finish = [&](QGradient gradient) {
+    for (size_t i = 0; i < paint.stops.size(); ++i) {
+      gradient.setColorAt(paint.stops[i].position, toQt(colorAt(values, i)));
+    }
+    return QBrush(gradient);
+  };
+  if (paint.kind == Paint::Kind::linear) return finish(QLinearGradient(place(paint.start), place(paint.end)));
+  return finish(QRadialGradient(place(paint.start), paint.radius));
 }
 
 /// The part of a path between two fractions of its length.
@@ -155,7 +148,7 @@ void ShapeElement::draw(DrawContext& context) const {
   const std::vector<double>& values = context.values;
   const Shape shape = presented(values);
   QPainter& painter = context.painter;
-  const QBrush paint = brush(paint_, values, context.size, painter);
+  const QBrush paint = brush(paint_, values, context.size);
   if (!stroke_) {
     painter.fillPath(ui::outline(shape, context.size), paint);
     return;

@@ -22,9 +22,7 @@ class ShapeElement : public Element {
   bool affectsLayout(const Element&) const override { return false; }
   std::optional<Shape> outline(const std::vector<double>& values) const override;
   bool isOpaque(const std::vector<double>& values) const override;
-  double overflow(const Environment&) const override {
-    return stroke_ && !stroke_->inside ? stroke_->width / 2 : 0;
-  }
+  double overflow() const override { return stroke_ && !stroke_->inside ? stroke_->width / 2 : 0; }
 
  private:
   /// The shape with its animated numbers as presented.

@@ -57,9 +57,6 @@ void drawCell(QPainter& painter, const Cell& cell, const fontBook::Face& face, d
   painter.drawText(QPointF(cell.x + (cell.width - own) / 2, baseline), cell.text);
 }
 
-/// How far digits roll, in points: so far that the old one and the new one are seen apart.
-double rollingWay(const fontBook::Face& face) { return face.metrics.height() * 0.65; }
-
 /// The number in a text, to tell in which direction its digits roll.
 double numberIn(const QString& text) {
   QString digits;
@@ -77,13 +74,6 @@ bool TextElement::equals(const Element& other) const {
 
 std::vector<double> TextElement::animatedValues(const Environment& environment) const {
   return colorNumbers(environment.foreground);
-}
-
-double TextElement::overflow(const Environment& environment) const {
-  constexpr double leaning = 2;  // of glyphs over the edges of their cells
-  return environment.contentTransition == ContentTransition::numericText
-             ? leaning + rollingWay(fontBook::face(environment.font))
-             : leaning;
 }
 
 Measured TextElement::measure(Node& node, Proposal proposal) const {
@@ -166,7 +156,7 @@ void TextElement::drawRolling(DrawContext& context, const TextElement& before) c
   const QString text = QString::fromStdString(text_), oldText = QString::fromStdString(before.text_);
   const fontBook::Face& face = faceFor(text, context.environment.font);
   const double up = numberIn(text) >= numberIn(oldText) ? 1 : -1;
-  const double way = rollingWay(face), baseline = std::round(face.metrics.ascent());
+  const double travel = face.metrics.height() * 0.7, baseline = std::round(face.metrics.ascent());
   const double progress = std::clamp(context.change, 0.0, 1.0);
   QPainter& painter = context.painter;
   prepare(context, face.font);
@@ -185,11 +175,11 @@ void TextElement::drawRolling(DrawContext& context, const TextElement& before) c
     }
     if (from) {
       painter.setOpacity(opacity * (1 - progress));
-      drawCell(painter, *from, face, baseline - up * way * progress);
+      drawCell(painter, *from, face, baseline - up * travel * progress);
     }
     if (to) {
       painter.setOpacity(opacity * progress);
-      drawCell(painter, *to, face, baseline + up * way * (1 - progress));
+      drawCell(painter, *to, face, baseline + up * travel * (1 - progress));
     }
     painter.setOpacity(opacity);
   }

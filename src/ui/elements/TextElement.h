@@ -26,7 +26,8 @@ class TextElement : public Element {
   Measured measure(Node& node, Proposal proposal) const override;
   void draw(DrawContext& context) const override;
   bool draws() const override { return true; }
-  double overflow(const Environment& environment) const override;
+  /// Glyphs may lean over the edges of their cells.
+  double overflow() const override { return 2; }
   std::string content() const override { return text_; }
 
  private:

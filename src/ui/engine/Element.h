@@ -108,8 +108,6 @@ class Element {
   virtual void draw(DrawContext&) const {}
   /// Whether `draw` does anything.
   virtual bool draws() const { return false; }
-  /// Whether it may draw one thing over another, so that it has to be faded as one picture.
-  virtual bool drawsOverItself() const { return false; }
   /// The outline of what is drawn with these values, for a shadow; none: it has no simple one.
   virtual std::optional<Shape> outline(const std::vector<double>&) const { return std::nullopt; }
   /// Whether it covers its whole frame with these values, so that nothing behind shows through.
@@ -126,7 +124,7 @@ class Element {
   /// Whether its children are told apart by their place in the list alone.
   virtual bool hasFixedSlots() const { return false; }
   /// How far it draws beyond its frame, in points.
-  virtual double overflow(const Environment&) const { return 0; }
+  virtual double overflow() const { return 0; }
   /// What there is to read, or which symbol it is: for tests.
   virtual std::string content() const { return {}; }
 };

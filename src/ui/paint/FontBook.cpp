@@ -31,9 +31,9 @@ Face makeFace(const QString& name, const Font& wanted) {
   font.setHintingPreference(QFont::PreferNoHinting);
   font.setStyleStrategy(QFont::StyleStrategy(QFont::PreferAntialias | QFont::NoSubpixelAntialias));
   const QFontMetricsF metrics(font);
-  // A four may be wider and reach into the air beside its neighbours: cells of its width would tear numbers
-  // apart.
-  return {font, metrics, metrics.horizontalAdvance(QLatin1Char('0'))};
+  double digit = 0;
+  for (char c = '0'; c <= '9'; ++c) digit = std::max(digit, metrics.horizontalAdvance(QLatin1Char(c)));
+  return {font, metrics, digit};
 }
 
 using Key = std::tuple<int, int, int, bool>;

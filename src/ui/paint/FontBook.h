@@ -13,7 +13,7 @@ namespace fontBook {
 struct Face {
   QFont font;
   QFontMetricsF metrics;
-  /// Of the cells of digits that are to be equally wide.
+  /// Width of the widest digit.
   double digitWidth;
 };
 const Face& face(const Font& font);

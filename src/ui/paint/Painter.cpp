@@ -31,7 +31,7 @@ struct Reduction {
 
 /// How many nodes below draw something; counting ends at two.
 int drawing(const Node& node) {
-  int count = node.element->drawsOverItself() ? 2 : node.element->draws() ? 1 : 0;
+  int count = node.element->draws() ? 1 : 0;
   for (const auto* list : {&node.leaving, &node.children}) {
     for (const auto& child : *list) {
       if (count >= 2) return count;

@@ -24,17 +24,18 @@ AudioTransport transportOf(const Info& info, bool isHardware, bool isNetwork) {
   const std::string_view driver = info.driver ? info.driver : "";
   const int port = info.active_port ? static_cast<int>(info.active_port->type) : PA_DEVICE_PORT_TYPE_UNKNOWN;
   if (bus == "bluetooth" || text(info.proplist, "device.api").starts_with("bluez")) {
-    return AudioTransport::bluetooth;
+    return transport::bluetooth;
   }
   // The same card may serve loudspeakers and a screen.
   if (port == PA_DEVICE_PORT_TYPE_HDMI || port == PA_DEVICE_PORT_TYPE_TV || form == "tv" ||
       text(info.proplist, "device.profile.name").starts_with("hdmi")) {
-    return AudioTransport::display;
+    return transport::hdmi;
   }
-  if (bus == "usb") return AudioTransport::usb;
-  if (isNetwork || driver.starts_with("module-raop")) return AudioTransport::network;
-  if (bus == "pci" || bus == "isa" || form == "internal") return AudioTransport::builtIn;
-  return isHardware ? AudioTransport::unknown : AudioTransport::software;
+  if (bus == "usb") return transport::usb;
+  if (isNetwork || driver.starts_with("module-raop")) return transport::network;
+  if (driver.starts_with("module-combine")) return transport::aggregate;
+  if (bus == "pci" || bus == "isa" || form == "internal") return transport::builtIn;
+  return isHardware ? transport::unknown : transport::virtualDevice;
 }
 
 template<typename Info>

@@ -1,15 +1,12 @@
-#include "cover/WebFetch.h"
+#include "bridge/WebFetch.h"
 
 #include <curl/curl.h>
 #include <dlfcn.h>
-#include <sys/socket.h>
-
-#include "cover/PublicAddress.h"
 
 namespace tarnwick {
 namespace {
 
-/// The library is only loaded for a cover that needs it.
+/// The library is only loaded, once, by the first cover that needs it.
 class Curl {
  public:
   decltype(&::curl_easy_init) init = nullptr;
@@ -40,6 +37,7 @@ class Curl {
 struct Download {
   std::string bytes;
   size_t limit;
+  const std::atomic<bool>& cancelled;
 };
 
 size_t receive(const char* data, size_t, size_t size, void* into) {
@@ -49,9 +47,8 @@ size_t receive(const char* data, size_t, size_t size, void* into) {
   return size;
 }
 
-curl_socket_t openSocket(void*, curlsocktype, curl_sockaddr* to) {
-  if (!isPublicAddress(to->addr)) return CURL_SOCKET_BAD;
-  return ::socket(to->family, to->socktype | SOCK_CLOEXEC, to->protocol);
+int progress(void* of, curl_off_t, curl_off_t, curl_off_t, curl_off_t) {
+  return static_cast<Download*>(of)->cancelled;
 }
 
 }  // namespace
@@ -59,22 +56,19 @@ curl_socket_t openSocket(void*, curlsocktype, curl_sockaddr* to) {
 // The header would turn each option into a call by name.
 #undef curl_easy_setopt
 
-std::string fetchFromWeb(const std::string& address, size_t limit) {
-  const Curl curl;
+std::string fetchFromWeb(const std::string& url, size_t limit, const std::atomic<bool>& cancelled) {
+  static const Curl curl;
   CURL* request = curl.isThere() ? curl.init() : nullptr;
   if (!request) return "";
-  Download download{{}, limit};
+  Download download{{}, limit, cancelled};
   constexpr long webOnly = CURLPROTO_HTTP | CURLPROTO_HTTPS;
-  curl.setopt(request, CURLOPT_URL, address.c_str());
+  curl.setopt(request, CURLOPT_URL, url.c_str());
   // Their successors are unknown to libraries that are still around.
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wdeprecated-declarations"
   curl.setopt(request, CURLOPT_PROTOCOLS, webOnly);
   curl.setopt(request, CURLOPT_REDIR_PROTOCOLS, webOnly);
 #pragma GCC diagnostic pop
-  curl.setopt(request, CURLOPT_OPENSOCKETFUNCTION, openSocket);
-  curl.setopt(request, CURLOPT_PROXY, "");
-  curl.setopt(request, CURLOPT_DISALLOW_USERNAME_IN_URL, 1L);
   curl.setopt(request, CURLOPT_FOLLOWLOCATION, 1L);
   curl.setopt(request, CURLOPT_MAXREDIRS, 5L);
   curl.setopt(request, CURLOPT_FAILONERROR, 1L);
@@ -83,6 +77,9 @@ std::string fetchFromWeb(const std::string& address, size_t limit) {
   curl.setopt(request, CURLOPT_TIMEOUT_MS, 10000L);
   curl.setopt(request, CURLOPT_WRITEFUNCTION, receive);
   curl.setopt(request, CURLOPT_WRITEDATA, &download);
+  curl.setopt(request, CURLOPT_NOPROGRESS, 0L);
+  curl.setopt(request, CURLOPT_XFERINFOFUNCTION, progress);
+  curl.setopt(request, CURLOPT_XFERINFODATA, &download);
   const CURLcode result = curl.perform(request);
   curl.cleanup(request);
   return result == CURLE_OK ? std::move(download.bytes) : "";

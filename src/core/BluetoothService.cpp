@@ -1,9 +1,8 @@
-#include "services/BluetoothService.h"
+#include "core/BluetoothService.h"
 
 #include <algorithm>
 #include <climits>
 
-#include "base/DisplayText.h"
 #include "base/L10n.h"
 #include "platform/Desktop.h"
 
@@ -29,7 +28,7 @@ std::string symbolFor(const BluetoothDevice& device) {
   if (has("keyboard") || has("clavier")) return "keyboard";
   if (has("mouse") || has("souris")) return "magicmouse";
   if (has("trackpad")) return "rectangle.and.hand.point.up.left";
-  if (device.isAudio) return "headphones";
+  if (device.deviceClassMajor == audioDeviceClass) return "headphones";
   return "dot.radiowaves.left.and.right";
 }
 
@@ -37,23 +36,21 @@ std::string symbolFor(const BluetoothDevice& device) {
 std::optional<int> battery(const BluetoothDevice& device) {
   std::optional<int> lowest;
   for (const int level : device.batteryLevels) {
-    if (level >= 1 && level <= 100 && level < lowest.value_or(INT_MAX)) lowest = level;
+    if (level >= 1 && level < lowest.value_or(INT_MAX)) lowest = level;
   }
   return lowest;
 }
 
 Transient indicator(const BluetoothDevice& device, bool isConnected) {
-  const std::string name = displayText(device.name);
-  return Transient::device(name.empty() ? tr("Bluetooth device", "Appareil Bluetooth") : name,
+  return Transient::device(device.name.empty() ? tr("Bluetooth device", "Appareil Bluetooth") : device.name,
                            symbolFor(device), isConnected ? battery(device) : std::nullopt, isConnected);
 }
 
 }  // namespace
 
-void BluetoothService::start(const AppSettings& settings) {
-  settings_ = &settings;
-  startedAt_ = scheduler_.uptime();
-  subscription_ = devices_.observe([this](BluetoothEvent event, const BluetoothDevice& device) {
+BluetoothService::BluetoothService(NotchModel& model, const Desktop& desktop)
+    : model_(model), scheduler_(desktop.scheduler), launchedAt_(desktop.scheduler.uptime()) {
+  subscription_ = desktop.bluetooth.observe([this](BluetoothEvent event, const BluetoothDevice& device) {
     switch (event) {
       case BluetoothEvent::connected:
         return connected(device);
@@ -66,26 +63,25 @@ void BluetoothService::start(const AppSettings& settings) {
 }
 
 void BluetoothService::connected(const BluetoothDevice& device) {
-  if (scheduler_.uptime() - startedAt_ > gracePeriod) announce(device, true);
+  if (scheduler_.uptime() - launchedAt_ > gracePeriod) announce(device, true);
 }
 
 void BluetoothService::announce(const BluetoothDevice& device, bool isConnected) {
-  const bool isShown = settings_->bluetoothAlerts && onTransient &&
-                       onTransient(indicator(device, isConnected), indicatorSeconds);
-  announced_ = isShown && isConnected ? device.id : "";
+  announced_ = isConnected ? device.id : "";
   announcedAt_ = scheduler_.uptime();
   levelTold_ = battery(device).has_value();
+  if (model_.settings.bluetoothAlerts) model_.show(indicator(device, isConnected), indicatorSeconds);
 }
 
 void BluetoothService::updateBattery(const BluetoothDevice& device) {
+  // Devices tell their level a moment after they have connected. Once it has been told, it is no news.
   if (device.id != announced_) return;
-  // Devices tell their level a moment after they have connected. Once it has been told it is no news, but
-  // what is on show stays true.
-  const double age = scheduler_.uptime() - announcedAt_;
-  const bool isNews = levelTold_ ? age < indicatorSeconds : battery(device) && age <= levelPatience;
-  if (!isNews || !onUpdate || !onUpdate(indicator(device, true), indicatorSeconds)) return;
-  announcedAt_ = scheduler_.uptime();
-  levelTold_ = true;
+  const Transient next = indicator(device, true);
+  const std::optional<Transient>& shown = model_.transient;
+  const bool completes =
+      !levelTold_ && battery(device) && scheduler_.uptime() - announcedAt_ <= levelPatience;
+  const bool isNews = shown ? *shown != next && shown->key() == next.key() : completes;
+  if (isNews) announce(device, true);
 }
 
 }  // namespace tarnwick

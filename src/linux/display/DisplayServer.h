@@ -1,0 +1,73 @@
+#pragma once
+#include <QPainterPath>
+#include <QWheelEvent>
+#include <QWidget>
+#include <functional>
+#include <memory>
+#include <optional>
+
+#include "base/Scheduler.h"
+#include "core/NotchPanel.h"
+#include "platform/MediaKeys.h"
+#include "platform/Screens.h"
+#include "platform/WindowActivation.h"
+#include "platform/WindowList.h"
+
+namespace tarnwick {
+
+/// What the notch's window shows.
+struct PanelContent {
+  /// The surface as it is now, in the widget's coordinates.
+  struct Surface {
+    /// Also while it cannot be seen: it appears when the pointer comes there.
+    Rect frame;
+    /// Empty while it cannot be seen.
+    QPainterPath outline;
+  };
+
+  /// It has the panel's size, and must outlive the panel's use of it; the panel becomes its parent.
+  QWidget& widget;
+  std::function<Surface()> surface;
+};
+
+/// The notch's window as its content sees it.
+class HostingPanel : public NotchPanel {
+ public:
+  /// Takes the keyboard, for a text field of the content.
+  virtual void becomeKey() = 0;
+  /// To be called with each frame in which the surface's outline may have changed.
+  virtual void surfaceChanged() = 0;
+  /// Points that the fingers travelled for what the event counts as one click of a wheel; nothing when it
+  /// came from a wheel.
+  virtual std::optional<double> smoothPointsPerClick(const QWheelEvent& event) = 0;
+};
+
+/// What the program uses of a display server: one implementation of each port that belongs to it, and the way
+/// to a window on it.
+class DisplayServer {
+ public:
+  virtual ~DisplayServer() = default;
+
+  virtual Screens& screens() = 0;
+  virtual WindowList& windows() = 0;
+  virtual WindowActivation& activation() = 0;
+  virtual MediaKeys& mediaKeys() = 0;
+
+  /// A window may be larger than the surface, which can cast a shadow then.
+  virtual bool hasRoomForShadow() const = 0;
+  /// The server must outlive the panel.
+  virtual std::unique_ptr<HostingPanel> makePanel(PanelContent content) = 0;
+};
+
+/// A way to a display server, as it is before the toolkit starts.
+class DisplayConnection {
+ public:
+  virtual ~DisplayConnection() = default;
+  /// The toolkit's plugin for it.
+  virtual const char* toolkitPlugin() const = 0;
+  /// Begins to follow it. To be called once the toolkit has started; connection and scheduler must outlive
+  /// the result.
+  virtual std::unique_ptr<DisplayServer> start(Scheduler& scheduler) = 0;
+};
+
+}  // namespace tarnwick
