@@ -79,7 +79,9 @@ TEST_F(AudioServiceTest, FollowsTheLevelsOfTheDefaultDevicesOnly) {
   EXPECT_EQ(volumeChanges, 3) << "what the system reports is reported, changed or not";
   audio.selectOutput(3);
   EXPECT_EQ(audio.outputID, 7u) << "until the system has done it";
-  EXPECT_THAT(devices.defaultWrites, ElementsAre(std::pair(AudioScope::output, 3u)));
+  audio.selectInput(7);
+  EXPECT_THAT(devices.defaultWrites,
+              ElementsAre(std::pair(AudioScope::output, 3u), std::pair(AudioScope::input, 7u)));
 }
 
 TEST_F(AudioServiceTest, WritesWithinBoundsAndMirrorsAtOnce) {
