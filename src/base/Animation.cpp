@@ -51,10 +51,14 @@ struct Bezier {
 
 Motion::Sample timingAt(Animation::Kind kind, double x) {
   switch (kind) {
-    case Animation::Kind::easeIn: return Bezier{0.42, 0, 1, 1}.at(x);
-    case Animation::Kind::easeOut: return Bezier{0, 0, 0.58, 1}.at(x);
-    case Animation::Kind::easeInOut: return Bezier{0.42, 0, 0.58, 1}.at(x);
-    default: return {x, 1};
+    case Animation::Kind::easeIn:
+      return Bezier{0.42, 0, 1, 1}.at(x);
+    case Animation::Kind::easeOut:
+      return Bezier{0, 0, 0.58, 1}.at(x);
+    case Animation::Kind::easeInOut:
+      return Bezier{0.42, 0, 0.58, 1}.at(x);
+    default:
+      return {x, 1};
   }
 }
 
@@ -105,11 +109,13 @@ bool Motion::finishedAt(double time) const {
 
 void withAnimation(const Animation& animation, const std::function<void()>& change) {
   commitAll();
-  const std::optional<Animation> outer = currentAnimation();
+  struct Restore {
+    ~Restore() { currentAnimation() = outer; }
+    const std::optional<Animation> outer = currentAnimation();
+  } restore;
   currentAnimation() = animation;
   change();
   commitAll();
-  currentAnimation() = outer;
 }
 
 namespace transaction {

@@ -1,5 +1,5 @@
 #pragma once
-#include "base/ObservableObject.h"
+#include "base/Observed.h"
 #include "base/UserDefaults.h"
 
 namespace tarnwick {
@@ -20,7 +20,7 @@ class AppSettings : public ObservableObject {
    private:
     AppSettings& owner_;
     const char* key_;
-    bool value_;
+    Observed<bool> value_;
   };
 
   /// Reads all switches; one that is missing or no boolean in `defaults` takes its default value. `defaults`

@@ -72,15 +72,16 @@ std::string thinking() { return tr("Thinking…", "Réfléchit…"); }
 ClaudeService::ClaudeService(Scheduler& scheduler, SoundPlayer& sounds)
     : scheduler_(scheduler), sounds_(sounds), changes_(observe([this] {
         ordered_.reset();
-        tally_.reset();
         awaitNextAge();
       })) {}
 
 const std::vector<Session>& ClaudeService::ordered() const {
+  // Read in any case: who asks for the order depends on the sessions.
+  const auto& all = sessions.get();
   if (!ordered_) {
     ordered_.emplace();
-    ordered_->reserve(sessions->size());
-    for (const auto& [id, session] : *sessions) ordered_->push_back(session);
+    ordered_->reserve(all.size());
+    for (const auto& [id, session] : all) ordered_->push_back(session);
     std::sort(ordered_->begin(), ordered_->end(), [](const Session& a, const Session& b) {
       const int rankA = rank(a.phase), rankB = rank(b.phase);
       return rankA != rankB ? rankA < rankB : a.updatedAt > b.updatedAt;
@@ -89,15 +90,13 @@ const std::vector<Session>& ClaudeService::ordered() const {
   return *ordered_;
 }
 
-const ClaudeService::Tally& ClaudeService::tally() const {
-  if (!tally_) {
-    tally_.emplace();
-    for (const auto& [id, session] : *sessions) {
-      tally_->working += session.phase == Phase::working;
-      tally_->waiting += session.phase == Phase::waiting;
-    }
+ClaudeService::Tally ClaudeService::tally() const {
+  Tally tally;
+  for (const auto& [id, session] : *sessions) {
+    tally.working += session.phase == Phase::working;
+    tally.waiting += session.phase == Phase::waiting;
   }
-  return *tally_;
+  return tally;
 }
 
 void ClaudeService::announce(const char* icon, Color tint, const Session& session, CrabMood crab,

@@ -9,6 +9,7 @@
 #include "base/AppSettings.h"
 #include "base/Banner.h"
 #include "base/CrabMood.h"
+#include "base/Derived.h"
 #include "base/Observed.h"
 #include "base/Scheduler.h"
 #include "claude/Session.h"
@@ -35,8 +36,8 @@ class ClaudeService : public ObservableObject {
   /// The sessions that want the user first: waiting, working, done, idle; the newest first among equals.
   /// Sorted once after each change; the reference is good until the next one.
   const std::vector<Session>& ordered() const;
-  int workingCount() const { return tally().working; }
-  bool anyWaiting() const { return tally().waiting > 0; }
+  int workingCount() const { return tally_.get().working; }
+  bool anyWaiting() const { return tally_.get().waiting > 0; }
 
   /// Applies one hook event. Without a session identifier it is filed under "default"; an event of an unknown
   /// name is ignored.
@@ -56,9 +57,10 @@ class ClaudeService : public ObservableObject {
   struct Tally {
     int working = 0;
     int waiting = 0;
+    friend bool operator==(const Tally&, const Tally&) = default;
   };
 
-  const Tally& tally() const;
+  Tally tally() const;
   void prune();
   void awaitNextAge();
   void announce(const char* icon, Color tint, const Session& session, CrabMood crab, double seconds,
@@ -66,10 +68,10 @@ class ClaudeService : public ObservableObject {
 
   Scheduler& scheduler_;
   SoundPlayer& sounds_;
-  // Derived from `sessions` when first asked for after a change.
+  Derived<Tally> tally_{[this] { return tally(); }};
+  // Sorted when first asked for after a change.
   mutable std::optional<std::vector<Session>> ordered_;
-  mutable std::optional<Tally> tally_;
-  // Made in the constructor, so that it is told of a change before anybody who might read a derived value.
+  // Made in the constructor, so that it is told of a change before any other observer, who might ask.
   Subscription changes_;
   std::optional<Date> nextAge_;
   Task aging_;

@@ -51,7 +51,7 @@ NotchModel::NotchModel(const Desktop& desktop)
   calendar.onBanner = [this](const Banner& value, double seconds) { present(value, seconds); };
 }
 
-Presentation NotchModel::presentation() const {
+Presentation NotchModel::whatToShow() const {
   if (isExpanded || isDraggingFiles) return Presentation::expanded;
   if (*banner) return Presentation::banner;
   if (*transient) return Presentation::transient;

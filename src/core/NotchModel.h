@@ -4,6 +4,7 @@
 #include "base/Animation.h"
 #include "base/AppSettings.h"
 #include "base/Banner.h"
+#include "base/Derived.h"
 #include "base/Geometry.h"
 #include "base/Observed.h"
 #include "base/Presentation.h"
@@ -59,7 +60,7 @@ class NotchModel : public ObservableObject {
   TrayStore tray;
   NotesStore notes;
 
-  Presentation presentation() const;
+  Presentation presentation() const { return presentation_.get(); }
   /// The size of the black surface, in points.
   Size size() const;
 
@@ -85,6 +86,9 @@ class NotchModel : public ObservableObject {
   void debugSet(bool expanded, Tab selected, bool hovering);
 
  private:
+  Presentation whatToShow() const;
+
+  Derived<Presentation> presentation_{[this] { return whatToShow(); }};
   Scheduler& scheduler_;
   Task transientTask_;
   Task bannerTask_;

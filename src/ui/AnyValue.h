@@ -4,7 +4,15 @@
 #include <typeinfo>
 #include <utility>
 
+namespace tarnwick {
+template<typename T>
+class Observed;
+}
+
 namespace tarnwick::ui {
+
+template<typename T>
+class State;
 
 /// A value of any comparable type, kept only to see whether it changed.
 class AnyValue {
@@ -12,6 +20,11 @@ class AnyValue {
   AnyValue() = default;
   template<std::equality_comparable T>
   requires(!std::same_as<T, AnyValue>) AnyValue(T value) : box_(std::make_shared<Box<T>>(std::move(value))) {}
+  /// What stands for a value counts as that value.
+  template<typename T>
+  AnyValue(const State<T>& state) : AnyValue(state.get()) {}
+  template<typename T>
+  AnyValue(const Observed<T>& property) : AnyValue(property.get()) {}
 
   // A template, so that nothing is converted to compare it: every pair that holds a value would ask for that.
   template<std::same_as<AnyValue> Same>

@@ -32,7 +32,7 @@ View picture(const MediaService& media, double size, double radius) {
 }  // namespace
 
 View artworkView(const MediaService& media, double size, double radius) {
-  return observing({&media}, [&media, size, radius] {
+  return observing([&media, size, radius] {
     return ZStack(UnitPoint::center, {picture(media, size, radius)})
         .frame({.width = size, .height = size})
         .clipShape(RoundedRectangle(radius))

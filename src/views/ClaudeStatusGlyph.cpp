@@ -15,8 +15,12 @@ CrabMood crabMood(const ClaudeService& claude) {
   return claude.workingCount() > 0 ? CrabMood::working : CrabMood::idle;
 }
 
+View statusCrab(const ClaudeService& claude) {
+  return observing([&claude] { return crabView(crabMood(claude)); });
+}
+
 View claudeStatusGlyph(const ClaudeService& claude) {
-  return observing({&claude}, [&claude] {
+  return observing([&claude] {
     if (claude.anyWaiting()) {
       return raisedHand().font({12, Weight::bold}).id("waiting").transition(Transition::opacity());
     }

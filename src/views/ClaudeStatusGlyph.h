@@ -8,6 +8,9 @@ namespace tarnwick {
 /// the number of working sessions when there are several.
 ui::View claudeStatusGlyph(const ClaudeService& claude);
 
+/// The mascot in the mood that the sessions put it in.
+ui::View statusCrab(const ClaudeService& claude);
+
 /// A raised hand that calls for the user.
 ui::View raisedHand();
 

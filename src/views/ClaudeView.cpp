@@ -61,7 +61,7 @@ bool isClearable(const Session& session) {
 }  // namespace
 
 View claudeView(ClaudeService& claude) {
-  return observing({&claude}, [&claude] {
+  return observing([&claude] {
     const std::vector<Session>& sessions = claude.ordered();
     if (sessions.empty()) return noSessions().id("none").transition(Transition::opacity());
     std::vector<Phase> phases;

@@ -19,7 +19,7 @@ View glow(Color color, UnitPoint center, double radius) {
 }
 
 /// The light that what is shown throws on the surface, or none.
-View glow(const NotchModel& model) {
+View glowNow(const NotchModel& model) {
   const Presentation presentation = model.presentation();
   if (presentation == Presentation::banner) {
     return glow((*model.banner)->tint.opacity(0.25), {0.1, 0.75}, 220)
@@ -33,6 +33,10 @@ View glow(const NotchModel& model) {
     return glow(model.media.accent->opacity(0.32), {0.14, 0.62}, 300).id("homeGlow").transition(slowFade);
   }
   return {};
+}
+
+View glow(const NotchModel& model) {
+  return observing([&model] { return glowNow(model); });
 }
 
 View banner(const NotchModel& model) {
@@ -80,7 +84,7 @@ View surface(NotchModel& model, Namespace names, const std::function<void()>& op
 
 View notchRootView(NotchModel& model, std::function<void()> openSettings, bool roomForShadow) {
   const Namespace names = Namespace::make();
-  return observing({&model, &model.settings, &model.claude, &model.media}, [=, &model] {
+  return observing([=, &model] {
     return VStack({}, {surface(model, names, openSettings, roomForShadow)})
         .frame({.maxWidth = infinity, .maxHeight = infinity, .align = UnitPoint::top});
   });

@@ -31,7 +31,7 @@ View icon(Tab tab, const ClaudeService& claude, bool selected, Namespace names) 
     case Tab::audio:
       return symbolIcon("speaker.wave.2.fill", 12, selected);
     case Tab::claude:
-      return observing({&claude}, [&claude] { return crabView(crabMood(claude)); })
+      return statusCrab(claude)
           .frame({.width = 20, .height = 13})
           .matchedGeometry("crab", names)
           .opacity(selected ? 1 : 0.7);

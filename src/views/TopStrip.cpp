@@ -25,8 +25,8 @@ namespace {
 
 constexpr double left = -1, right = 1;
 
-View wingCrab(CrabMood mood, Namespace names) {
-  return crabView(mood).frame({.width = 28, .height = 20}).matchedGeometry("crab", names);
+View wingCrab(View crab, Namespace names) {
+  return crab.frame({.width = 28, .height = 20}).matchedGeometry("crab", names);
 }
 
 View bannerIcon(const Banner& banner) {
@@ -42,7 +42,7 @@ View settingsButton(double stripHeight, std::function<void()> openSettings) {
 }
 
 View expandedRight(const PowerService& power, double stripHeight, std::function<void()> openSettings) {
-  return observing({&power}, [=, &power] {
+  return observing([=, &power] {
     View battery;
     if (power.hasBattery) {
       battery = batteryLabel(power.level, power.pluggedIn).foreground(white(0.85));
@@ -56,7 +56,7 @@ View leftWing(NotchModel& model, Namespace names) {
     case Presentation::idle:
       return {};
     case Presentation::claude:
-      return wingCrab(crabMood(model.claude), names).id("claude").transition(wing(left));
+      return wingCrab(statusCrab(model.claude), names).id("claude").transition(wing(left));
     case Presentation::nowPlaying:
       return artworkView(model.media, 22, 6)
           .matchedGeometry("art", names)
@@ -68,7 +68,7 @@ View leftWing(NotchModel& model, Namespace names) {
     }
     case Presentation::banner: {
       const Banner& shown = **model.banner;
-      const View item = shown.crab ? wingCrab(*shown.crab, names) : bannerIcon(shown);
+      const View item = shown.crab ? wingCrab(crabView(*shown.crab), names) : bannerIcon(shown);
       return item.id(shown.crab ? "bannerCrab" : "bannerIcon").transition(wing(left));
     }
     case Presentation::expanded:
@@ -84,7 +84,7 @@ View rightWing(NotchModel& model, const std::function<void()>& openSettings) {
     case Presentation::claude:
       return claudeStatusGlyph(model.claude).id("claude").transition(wing(right));
     case Presentation::nowPlaying:
-      return equalizerBars(model.media.accent, model.media.isPlaying(), 4)
+      return observing([&media = model.media] { return equalizerBars(media.accent, media.isPlaying(), 4); })
           .frame({.width = 20, .height = 14})
           .id("nowPlaying")
           .transition(wing(right));

@@ -91,6 +91,7 @@ TEST(WithAnimation, CommitsEachChangeWithItsOwnAnimation) {
     withAnimation(linear(2), [&] { screen.state += "c"; });
     screen.state += "d";
   });
+  EXPECT_THROW(withAnimation(linear(9), [] { throw 1; }), int);
   EXPECT_EQ(transaction::current(), std::nullopt);
   withAnimation(linear(3), [&] { screen.state += "e"; });
   EXPECT_THAT(screen.log, testing::ElementsAre("a:none", "b:1", "c:2", "d:1", "e:3"));

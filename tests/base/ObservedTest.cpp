@@ -7,6 +7,8 @@
 #include <string>
 #include <vector>
 
+#include "base/Derived.h"
+
 namespace tarnwick {
 namespace {
 
@@ -52,20 +54,48 @@ TEST(Observed, ASubscriptionEndsWithItsHandle) {
 TEST(Observed, ObserversMayComeAndGoWhileTheyAreTold) {
   Thing thing;
   std::vector<std::string> heard;
-  Subscription own, other, added;
+  Subscription early, own, added;
+  early = thing.observe([&] { heard.push_back("early"); });
   own = thing.observe([&] {
     heard.push_back("own");
-    if (heard.size() > 1) return;
+    if (heard.size() > 2) return;
+    early = {};
     added = thing.observe([&] { heard.push_back("added"); });
-    other = {};
     own = {};
   });
-  other = thing.observe([&] { heard.push_back("other"); });
   const auto last = thing.observe([&] { heard.push_back("last"); });
   thing.count = 1;
-  EXPECT_THAT(heard, testing::ElementsAre("own", "last"));
+  EXPECT_THAT(heard, testing::ElementsAre("early", "own", "last"));
   thing.count = 2;
-  EXPECT_THAT(heard, testing::ElementsAre("own", "last", "last", "added"));
+  EXPECT_THAT(heard, testing::ElementsAre("early", "own", "last", "last", "added"));
+}
+
+TEST(Derived, TellsWhoeverReadsItWhenTheResultDiffers) {
+  Thing thing;
+  int computed = 0, told = 0;
+  const Derived<bool> many([&] {
+    ++computed;
+    return thing.count > 1;
+  });
+  EXPECT_FALSE(many.get());
+  thing.count = 1;
+  EXPECT_EQ(computed, 1) << "nobody asks";
+  Subscription reader;
+  {
+    const ReadScope reads([&] { ++told; });
+    EXPECT_FALSE(many.get());
+    reader = reads.subscription();
+  }
+  const struct {
+    int count;
+    int told;
+    bool many;
+  } steps[] = {{0, 0, false}, {2, 1, true}, {3, 1, true}, {1, 2, false}};
+  for (const auto& step : steps) {
+    thing.count = step.count;
+    EXPECT_EQ(told, step.told) << step.count;
+    EXPECT_EQ(many.get(), step.many) << step.count;
+  }
 }
 
 }  // namespace

@@ -217,24 +217,20 @@ TEST(Motion, repaintsOnlyWhatChanged) {
   EXPECT_TRUE(stage.scene.takeDamage().empty());
 }
 
-TEST(Motion, localStateLivesAsLongAsItsPlace) {
-  bool shown = true;
+/// The first size that its body is called with is the old one: what it makes for that goes at once.
+TEST(Motion, aMatchedViewMayGoInTheCommitThatHasMadeIt) {
+  int round = 0;
+  const Namespace names = Namespace::make();
   Stage stage([&] {
-    return shown ? stateful(0,
-                            [](State<int> count) {
-                              return Text("taps " + std::to_string(count.get())).onTap([=] {
-                                count.set(count.get() + 1);
-                              });
-                            })
-                 : View();
+    return GeometryReader([&, round = round](Size size) {
+             return Text("thing")
+                 .matchedGeometry("thing", names)
+                 .id(std::to_string(round) + "/" + std::to_string(size.width));
+           })
+        .frame({.width = 100.0 + 100 * round, .height = 20});
   });
-  stage.inspect.tap(*stage.inspect.text("taps 0"));
-  stage.scene.frame();
-  stage.change([] {});
-  EXPECT_TRUE(stage.inspect.text("taps 1"));
-  stage.change([&] { shown = false; });
-  stage.change([&] { shown = true; });
-  EXPECT_TRUE(stage.inspect.text("taps 0"));
+  stage.change([&] { ++round; }, linear(1));
+  EXPECT_TRUE(stage.inspect.id("1/200.000000"));
 }
 
 }  // namespace

@@ -86,7 +86,8 @@ TEST(SceneWidget, tellsAssistiveTechnologyWhatChanges) {
     bool on = false;
     int moved = 0;
   } state;
-  SceneWidget widget(scheduler, {200, 100}, observing({&state}, [&] {
+  SceneWidget widget(scheduler, {200, 100}, observing([&] {
+                       state.noteRead();
                        Views controls;
                        for (const std::string& name : state.names) {
                          controls.push_back(Text(name).accessibility(Role::text, name).id(name));
@@ -131,7 +132,8 @@ TEST(SceneWidget, showsAChangeAtOnceButABurstOnlyOnceARefresh) {
   VirtualScheduler scheduler;
   ObservableObject state;
   double width = 0;
-  SceneWidget widget(scheduler, {400, 100}, observing({&state}, [&] {
+  SceneWidget widget(scheduler, {400, 100}, observing([&] {
+                       state.noteRead();
                        return Rectangle().fill(black()).frame({.width = width, .height = 20});
                      }));
   widget.show();

@@ -22,7 +22,11 @@ class Stage {
     scene.frame();
   }
   /// The view is made by `body`; `change` alters what that reads.
-  explicit Stage(std::function<View()> body) : Stage(observing({&state_}, std::move(body))) {}
+  explicit Stage(std::function<View()> body)
+      : Stage(observing([this, body = std::move(body)] {
+          state_.noteRead();
+          return body();
+        })) {}
 
   /// Runs `edit` and shows the result along `animation` (at once without one).
   void change(const std::function<void()>& edit, std::optional<Animation> animation = std::nullopt) {

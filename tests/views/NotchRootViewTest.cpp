@@ -181,6 +181,32 @@ TEST(Artwork, ShowsTheBestPictureThatThereIs) {
   EXPECT_EQ(stage.inspect.kind("Image")[0].frame().size(), (Size{22, 22}));
 }
 
+TEST(NotchRootView, RenewsOnlyWhatShowsTheChange) {
+  const struct {
+    const char* change;
+    std::function<void(NotchStage&)> before, make;
+    unsigned renewals;
+  } cases[] = {
+      {"cover", playMusic, [](NotchStage& s) { s.model.media.artwork = Image{}; }, 1},
+      {"tint", playMusic, [](NotchStage& s) { s.model.media.accent = colors::pink; }, 1},
+      {"title, of which the bars read whether there is one", playMusic,
+       [](NotchStage& s) { s.model.media.title = "Other"; }, 1},
+      {"position", playMusic, [](NotchStage& s) { s.model.media.elapsed = 9; }, 0},
+      {"media behind a session", work, playMusic, 0},
+      {"what a session does", work, [](NotchStage& s) { s.hook("a", "PostToolUse"); }, 0},
+      {"battery", work, [](NotchStage& s) { s.model.power.level = 9; }, 0},
+  };
+  for (const auto& c : cases) {
+    NotchStage stage;
+    c.before(stage);
+    stage.settle();
+    const unsigned before = stage.inspect.renewals();
+    c.make(stage);
+    stage.scene.frame();
+    EXPECT_EQ(stage.inspect.renewals() - before, c.renewals) << c.change;
+  }
+}
+
 TEST(NotchRootView, RepaintsNothingButTheWingsWhileASessionWorks) {
   NotchStage stage;
   stage.hook("one", "UserPromptSubmit");

@@ -1,7 +1,7 @@
 #include "ui/Dynamic.h"
 
 #include <memory>
-#include <vector>
+#include <utility>
 
 #include "ui/engine/Node.h"
 #include "ui/engine/Scene.h"
@@ -10,12 +10,8 @@ namespace tarnwick::ui {
 namespace {
 
 struct DynamicState : ElementState {
-  ~DynamicState() override {
-    if (cell) cell->invalidate = nullptr;
-  }
-  std::shared_ptr<StateCell> cell;
-  std::vector<const ObservableObject*> observed;
-  std::vector<Subscription> subscriptions;
+  explicit DynamicState(std::shared_ptr<void> itsLocal) : local(std::move(itsLocal)) {}
+  const std::shared_ptr<void> local;
 };
 
 /// Stands for the view that its body makes.
@@ -26,23 +22,12 @@ class DynamicElement : public WrapperElement {
   const ElementKind& kind() const override { return itsKind; }
   bool equals(const Element&) const override { return false; }
   bool affectsLayout(const Element&) const override { return false; }
-  std::unique_ptr<ElementState> makeState() const override { return std::make_unique<DynamicState>(); }
+  std::unique_ptr<ElementState> makeState() const override {
+    return std::make_unique<DynamicState>(body_.makeState ? body_.makeState() : nullptr);
+  }
   double interval() const override { return body_.interval; }
-
   void build(Node& node, const Views&, Content& content) const override {
-    auto& state = node.state<DynamicState>();
-    if (body_.makeState && !state.cell) {
-      state.cell = body_.makeState();
-      state.cell->invalidate = [&node] { node.renew(); };
-    }
-    if (state.observed != body_.observed) {
-      state.observed = body_.observed;
-      state.subscriptions.clear();
-      for (const ObservableObject* object : body_.observed) {
-        state.subscriptions.push_back(object->observe([&node] { node.renew(); }));
-      }
-    }
-    content.show({body_.body(state.cell, node.scene.now())});
+    content.show({body_.body(node.state<DynamicState>().local, node.scene.now())});
   }
 
  private:
@@ -53,9 +38,8 @@ class DynamicElement : public WrapperElement {
 
 View dynamic(DynamicBody body) { return View(std::make_shared<DynamicElement>(std::move(body))); }
 
-View observing(std::vector<const ObservableObject*> objects, std::function<View()> body) {
-  return dynamic({.body = [body = std::move(body)](const auto&, Date) { return body(); },
-                  .observed = std::move(objects)});
+View observing(std::function<View()> body) {
+  return dynamic({.body = [body = std::move(body)](const auto&, Date) { return body(); }});
 }
 
 View timeline(double interval, bool paused, std::function<View(Date)> body) {

@@ -88,7 +88,7 @@ class Element {
   /// What it keeps at a node: made with the node, kept until its end.
   virtual std::unique_ptr<ElementState> makeState() const { return nullptr; }
   /// Shows what is inside: the views that it was described with, unless it makes its own. Called with each
-  /// new description, and again after `Node::renew`.
+  /// new description, after `Node::renew`, and when something changes that it read (see `ReadScope`).
   virtual void build(Node&, const Views& described, Content& content) const { content.show(described); }
   /// The same for what depends on sizes and places: called after each layout, which is done again when
   /// something is shown.

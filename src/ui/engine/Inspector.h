@@ -60,6 +60,9 @@ class Inspector {
   std::vector<std::string> texts() const;
   std::vector<std::string> symbols() const;
 
+  /// How many views have been made anew so far because of a change, not with the view around them.
+  unsigned renewals() const { return scene_.renewals_; }
+
   /// Takes over what changed and moves to the present. @return true while something moves.
   bool step() { return scene_.frame(); }
   void hover(const Found& found);

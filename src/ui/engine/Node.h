@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "base/ObservableObject.h"
 #include "ui/Description.h"
 #include "ui/engine/AnimatedValues.h"
 #include "ui/engine/Element.h"
@@ -52,6 +53,9 @@ class Node {
   /// others.
   std::vector<std::unique_ptr<Node>> leaving;
 
+  /// Has the node renewed when something changes that its element read while it built the content.
+  Subscription reads;
+
   // What is described
   std::shared_ptr<const Description> description;
   /// The one described, or an earlier one that is equal: it may know how it is drawn already.
@@ -81,6 +85,8 @@ class Node {
   /// The same for its frame, which belongs to the views around it.
   std::optional<Animation> frameAnimation;
   unsigned commitNumber = 0;
+  /// How often that commit has renewed it.
+  int renewals = 0;
   bool isNew = true;
   bool isLeaving = false;
 

@@ -1,5 +1,6 @@
 #include "ui/engine/Reconciler.h"
 
+#include <QtGlobal>
 #include <algorithm>
 #include <set>
 
@@ -7,6 +8,10 @@ namespace tarnwick::ui {
 namespace {
 
 const std::vector<double> atRest = numbers(Effects{});
+
+/// A view that changes what it reads itself may be made anew this often in one commit before it is left as it
+/// is.
+constexpr int mostRenewals = 8;
 
 /// A bounce takes this long.
 constexpr Animation bounceMotion = linear(0.45);
@@ -174,10 +179,19 @@ void Reconciler::updateContent(Node& node, const Context& context) {
     scene_.timelines_.stop(node);
   scene_.dirty_.erase(&node);
   NodeContent content(*this, node, context);
+  ReadScope reads([&node] { node.renew(); });
   node.element->build(node, node.description->children, content);
+  node.reads = reads.subscription();
 }
 
 void Reconciler::renew(Node& node) {
+  node.renewals = node.commitNumber == scene_.commitNumber_ ? node.renewals + 1 : 0;
+  if (node.renewals > mostRenewals) {
+    if (node.renewals == mostRenewals + 1)
+      qWarning("A view (%s) changes what it has read each time that it is made anew", node.identity.c_str());
+    return;
+  }
+  ++scene_.renewals_;
   node.commitAnimation = node.frameAnimation = animation_;
   node.commitNumber = scene_.commitNumber_;
   updateContent(node, {node.environment, animation_, true});
@@ -353,8 +367,10 @@ void Reconciler::handOver() {
 bool Reconciler::buildForLayout(Node& node) {
   const Context context = contextInside(node);
   NodeContent content(*this, node, context);
+  ReadScope reads([&node] { node.renew(); });
   node.element->buildForLayout(node, content);
   bool built = content.shown;
+  if (built) node.reads = reads.subscription();
   for (const auto& child : node.children) built |= buildForLayout(*child);
   return built;
 }

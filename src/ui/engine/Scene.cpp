@@ -84,7 +84,7 @@ void Scene::commit(const std::optional<Animation>& animation) {
     Node* next = *std::min_element(dirty_.begin(), dirty_.end(),
                                    [](const Node* a, const Node* b) { return depth(a) < depth(b); });
     dirty_.erase(next);
-    reconciler.renew(*next);
+    if (!next->leaves()) reconciler.renew(*next);
   }
   if (reconciler.needsLayout) layOut(reconciler);
   committing_ = false;

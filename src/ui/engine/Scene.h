@@ -106,6 +106,7 @@ class Scene : public transaction::Committer {
   std::vector<Rect> damage_;
   Task pendingCommit_;
   unsigned commitNumber_ = 0;
+  unsigned renewals_ = 0;
   bool committing_ = false;
   SceneInput input_;
 };

@@ -31,9 +31,10 @@ class SceneInput {
     Point point;
     Rect surface;
   };
-  const std::optional<Tooltip>& tooltip() const { return tooltip_; }
-  /// Notifies when the tooltip comes or goes.
-  const ObservableObject& tooltipChanges() const { return tooltipChanges_; }
+  const std::optional<Tooltip>& tooltip() const {
+    tooltipChanges_.noteRead();
+    return tooltip_;
+  }
 
  private:
   friend class Scene;

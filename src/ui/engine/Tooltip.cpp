@@ -6,7 +6,7 @@
 namespace tarnwick::ui {
 
 View tooltipView(const SceneInput& input) {
-  return observing({&input.tooltipChanges()}, [&input] {
+  return observing([&input] {
     if (!input.tooltip()) return View();
     View bubble = Text(input.tooltip()->text)
                       .font({11, Weight::medium})
