@@ -4,6 +4,7 @@
 #include <QAccessibleWidget>
 #include <QApplication>
 #include <algorithm>
+#include <cmath>
 #include <optional>
 #include <utility>
 #include <vector>
@@ -39,7 +40,9 @@ void send(QAccessible::Event type, QAccessibleInterface& about) {
 }
 
 /// One control of a scene, for as long as its view is there.
-class AccessibleControl : public QAccessibleInterface, public QAccessibleActionInterface {
+class AccessibleControl : public QAccessibleInterface,
+                          public QAccessibleActionInterface,
+                          public QAccessibleValueInterface {
  public:
   AccessibleControl(SceneWidget& widget, Scene::Control control)
       : widget_(&widget), known_(std::move(control)) {}
@@ -56,6 +59,11 @@ class AccessibleControl : public QAccessibleInterface, public QAccessibleActionI
       QAccessibleStateChangeEvent event(this, changed);
       QAccessible::updateAccessibility(&event);
     }
+    if (known_.value && before.value && known_.value->now != before.value->now) {
+      QAccessibleValueChangeEvent event(this, known_.value->now);
+      QAccessible::updateAccessibility(&event);
+    }
+    if (known_.focused && !before.focused) send(QAccessible::Focus, *this);
   }
 
   bool isValid() const override { return true; }
@@ -71,6 +79,8 @@ class AccessibleControl : public QAccessibleInterface, public QAccessibleActionI
     QAccessible::State state;
     state.checkable = known_.checked.has_value();
     state.checked = known_.checked.value_or(false);
+    state.focusable = known_.focusable;
+    state.focused = known_.focused;
     return state;
   }
   QString text(QAccessible::Text kind) const override {
@@ -86,18 +96,43 @@ class AccessibleControl : public QAccessibleInterface, public QAccessibleActionI
   }
 
   void* interface_cast(QAccessible::InterfaceType type) override {
-    return type == QAccessible::ActionInterface ? static_cast<QAccessibleActionInterface*>(this) : nullptr;
+    if (type == QAccessible::ActionInterface) return static_cast<QAccessibleActionInterface*>(this);
+    if (type == QAccessible::ValueInterface && known_.value)
+      return static_cast<QAccessibleValueInterface*>(this);
+    return nullptr;
   }
   QStringList actionNames() const override {
-    return known_.press ? QStringList{pressAction()} : QStringList();
+    QStringList names;
+    if (known_.press) names << pressAction();
+    if (known_.value && known_.value->change) names << increaseAction() << decreaseAction();
+    if (known_.focusable) names << setFocusAction();
+    return names;
   }
   void doAction(const QString& name) override {
     const auto found = control();
-    if (found && found->press && name == pressAction()) found->press();
+    if (!found) return;
+    if (name == setFocusAction()) {
+      widget_->scene().focus(found->id);
+    } else if (name == pressAction()) {
+      if (found->press) found->press();
+    } else if (found->value && (name == increaseAction() || name == decreaseAction())) {
+      change(*found->value, found->value->now + (name == increaseAction() ? 1 : -1) * found->value->step);
+    }
   }
+  QVariant currentValue() const override { return known_.value->now; }
+  void setCurrentValue(const QVariant& value) override {
+    if (const auto found = control(); found && found->value) change(*found->value, value.toDouble());
+  }
+  QVariant maximumValue() const override { return known_.value->most; }
+  QVariant minimumValue() const override { return known_.value->least; }
+  QVariant minimumStepSize() const override { return known_.value->step; }
   QStringList keyBindingsForAction(const QString&) const override { return {}; }
 
  private:
+  static void change(const AccessibleValue& value, double wanted) {
+    // A reader may send what is no number.
+    if (value.change && !std::isnan(wanted)) value.change(std::clamp(wanted, value.least, value.most));
+  }
   /// As it is at this moment: views move, and come and go, under the reader's hands.
   std::optional<Scene::Control> control() const {
     for (Scene::Control& control : widget_->scene().controls()) {
