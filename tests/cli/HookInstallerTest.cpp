@@ -1,8 +1,6 @@
 #include "cli/HookInstaller.h"
 
 #include <gtest/gtest.h>
-#include <sys/stat.h>
-#include <unistd.h>
 
 #include <filesystem>
 
@@ -15,9 +13,8 @@ namespace fs = std::filesystem;
 namespace {
 
 JsonValue json(const std::string& text) {
-  std::string error;
-  const auto value = parseJson(text, error);
-  EXPECT_TRUE(value) << error << "\n" << text;
+  const auto value = parseJson(text);
+  EXPECT_TRUE(value) << text;
   return value.value_or(JsonValue());
 }
 
@@ -47,29 +44,23 @@ class HookInstallerTest : public testing::Test {
   JsonValue settings() { return json(contentsOf(path_)); }
 };
 
-constexpr auto ourEntry = R"({"command":"'/opt/Tarnwick/bin/Tarnwick' --hook","timeout":5,"type":"command"})";
+const std::string ours = R"({"command":"'/opt/Tarnwick/bin/Tarnwick' --hook","timeout":5,"type":"command"})";
 
-std::string ourGroup(bool isTool) {
-  return std::string(R"({"hooks":[)") + ourEntry + (isTool ? R"(],"matcher":"*"})" : "]}");
-}
-
-/// Hooks with our group at the end of every event; `stop` and `tool` stand before it in Stop and PreToolUse.
-std::string installedHooks(const std::string& stop = "", const std::string& tool = "") {
-  return R"({"SessionStart":[)" + ourGroup(false) + R"(],"UserPromptSubmit":[)" + ourGroup(false) +
-         R"(],"PreToolUse":[)" + tool + ourGroup(true) + R"(],"PostToolUse":[)" + ourGroup(true) +
-         R"(],"Notification":[)" + ourGroup(false) + R"(],"Stop":[)" + stop + ourGroup(false) +
-         R"(],"SessionEnd":[)" + ourGroup(false) + "]}";
+/// Hooks with our group at the end of every event; `stop` stands before it in Stop, `others` beside the
+/// events.
+std::string installedHooks(const std::string& stop = "", const std::string& others = "") {
+  const std::string group = R"({"hooks":[)" + ours + "]}",
+                    tool = R"({"hooks":[)" + ours + R"(],"matcher":"*"})";
+  return R"({"SessionStart":[)" + group + R"(],"UserPromptSubmit":[)" + group + R"(],"PreToolUse":[)" + tool +
+         R"(],"PostToolUse":[)" + tool + R"(],"Notification":[)" + group + R"(],"Stop":[)" + stop + group +
+         R"(],"SessionEnd":[)" + group + "]" + others + "}";
 }
 
 TEST_F(HookInstallerTest, CreatesTheFileAndItsFolder) {
   fs::remove_all(home_.path());
   EXPECT_FALSE(installer_.isInstalled());
-  ASSERT_TRUE(uninstall());
-  EXPECT_EQ(contentsOf(path_), "{}\n");
-  fs::remove_all(home_.path());
   ASSERT_TRUE(install());
   EXPECT_EQ(settings(), json(R"({"hooks":)" + installedHooks() + "}"));
-  EXPECT_TRUE(contentsOf(path_).find("'/opt/Tarnwick/bin/Tarnwick' --hook") != std::string::npos);
   EXPECT_EQ(printed_,
             "Tarnwick hooks installed in " + path_ + "\nCommand: '/opt/Tarnwick/bin/Tarnwick' --hook\n");
   EXPECT_EQ(complained_, "");
@@ -83,17 +74,18 @@ TEST_F(HookInstallerTest, CreatesTheFileAndItsFolder) {
 }
 
 TEST_F(HookInstallerTest, KeepsEverythingElse) {
-  const std::string usersStop = R"({"hooks":[{"type":"command","command":"notify-send done"}],"extra":1.10})";
-  const std::string others = R"("model":"opus","limit":1e400,"id":12345678901234567890123,"path":"/a/b")";
-  const std::string before = R"({"hooks":{"Stop":[)" + usersStop + R"(],"PreCompact":[7]},)" + others + "}";
+  const std::string stop = R"({"hooks":[{"type":"command","command":"notify-send done"}],"extra":1.10})";
+  const std::string others = R"("limit":1e400,"id":12345678901234567890123,"half":"\ud83d")";
+  const std::string before =
+      "\xEF\xBB\xBF{" + others + R"(,"hooks":{"Stop":[)" + stop + R"(],"PreCompact":[7]}})";
   writeSettings(before);
   ASSERT_TRUE(install());
-  const std::string hooks = installedHooks(usersStop + ",");
-  EXPECT_EQ(settings(), json(R"({"hooks":)" + hooks.substr(0, hooks.size() - 1) + R"(,"PreCompact":[7]},)" +
-                             others + "}"));
+  EXPECT_EQ(settings(),
+            json("{" + others + R"(,"hooks":)" + installedHooks(stop + ",", R"(,"PreCompact":[7])") + "}"));
   EXPECT_EQ(contentsOf(backup_), before);
 
   const std::string installed = contentsOf(path_);
+  EXPECT_TRUE(installed.starts_with("\xEF\xBB\xBF{\n"));
   ASSERT_TRUE(install());
   EXPECT_EQ(contentsOf(path_), installed);
   EXPECT_EQ(contentsOf(backup_), installed);
@@ -104,20 +96,16 @@ TEST_F(HookInstallerTest, KeepsEverythingElse) {
 }
 
 TEST_F(HookInstallerTest, RemovesOnlyItsOwnEntries) {
-  const std::string ours = ourEntry;
   const std::string user = R"({"type":"command","command":"mine"})";
   const struct {
     std::string before, after;
   } changed[] = {
-      {"{}", "{}"},
       {R"({"Stop":[{"hooks":[)" + ours + "," + user + R"(],"matcher":"x"}]})",
        R"({"Stop":[{"hooks":[)" + user + R"(],"matcher":"x"}]})"},
-      {R"({"Stop":[{"hooks":[)" + ours + "]},{\"hooks\":[" + user + "]}]}",
+      {R"({"Stop":[{"hooks":[)" + ours + "," + ours + "]},{\"hooks\":[" + user + "]}]}",
        R"({"Stop":[{"hooks":[)" + user + "]}]}"},
-      {R"({"Stop":[{"hooks":[)" + ours + "," + ours + "]}]}", "{}"},
       // Groups and events that were empty to begin with go as well.
       {R"({"Stop":[],"Other":[{"hooks":[],"matcher":"x"}]})", "{}"},
-      {R"({"Stop":[{"hooks":[{"command":"Tarnwick --hook"}]}]})", "{}"},
       {R"({"Stop":[{"hooks":[{"command":"/x/Tarnwick.app/y --hook","more":1}]}]})", "{}"},
   };
   const auto remaining = [](const std::string& hooks) {
@@ -132,45 +120,35 @@ TEST_F(HookInstallerTest, RemovesOnlyItsOwnEntries) {
       R"({"Stop":{"hooks":[)" + ours + "]}}",
       R"({"a":null,"b":[1],"c":[{"matcher":"x"}],"d":[{"hooks":{}}],"e":"Tarnwick --hook"})",
       R"({"Stop":[{"hooks":["Tarnwick --hook",{"command":7},{"args":"Tarnwick --hook"}]}]})",
-      R"({"Stop":[{"hooks":[{"command":"tarnwick --hook"},{"command":"other --hook"}]}]})",
-      R"({"Stop":[{"hooks":[{"command":"Tarnwick --hook "}]}]})",
+      R"({"Stop":[{"hooks":[{"command":"tarnwick --hook"},{"command":"Tarnwick --hook "}]}]})",
   };
   for (const std::string& hooks : kept) EXPECT_EQ(remaining(hooks), *json(hooks).as<JsonObject>()) << hooks;
 }
 
 TEST_F(HookInstallerTest, ReplacesHooksOfAnotherShape) {
-  for (const char* hooks : {"7", "null", R"(["x"])", R"("x")"}) {
+  for (const char* hooks : {"7", R"(["x"])"}) {
     const std::string before = std::string(R"({"a":1,"hooks":)") + hooks + "}";
     writeSettings(before);
     ASSERT_TRUE(install());
     EXPECT_EQ(settings(), json(R"({"a":1,"hooks":)" + installedHooks() + "}"));
-    EXPECT_EQ(contentsOf(backup_), before);
     writeSettings(before);
     ASSERT_TRUE(uninstall());
     EXPECT_EQ(settings(), json(R"({"a":1})"));
   }
-  writeSettings("\xEF\xBB\xBF{}");
-  ASSERT_TRUE(uninstall());
-  EXPECT_EQ(contentsOf(path_), "\xEF\xBB\xBF{}\n");
   // An event of another shape is replaced too, and an unknown event kept.
   writeSettings(R"({"hooks":{"Stop":{"x":1},"PreToolUse":[1],"Other":{"x":1}}})");
   ASSERT_TRUE(install());
-  const std::string hooks = installedHooks();
-  EXPECT_EQ(settings(), json(R"({"hooks":)" + hooks.substr(0, hooks.size() - 1) + R"(,"Other":{"x":1}}})"));
+  EXPECT_EQ(settings(), json(R"({"hooks":)" + installedHooks("", R"(,"Other":{"x":1})") + "}"));
 }
 
 TEST_F(HookInstallerTest, LeavesAFileThatItDoesNotUnderstandAsItIs) {
-  struct Case {
+  const struct {
     const char *text, *complaint;
-  };
-  const Case cases[] = {
+  } cases[] = {
       {"[]", "settings.json is not a JSON object\n"},
-      {"7", "settings.json is not a JSON object\n"},
-      {"", "Could not read settings.json: incomplete JSON (at byte 0)\n"},
       {"{\"a\":1,}", "Could not read settings.json: syntax error (at byte 7)\n"},
-      {"{\"a\":\"caf\xE9\"}", "Could not read settings.json: invalid UTF-8\n"},
   };
-  for (const Case& one : cases) {
+  for (const auto& one : cases) {
     for (const auto operation : {&HookInstaller::install, &HookInstaller::uninstall}) {
       writeSettings(one.text);
       EXPECT_FALSE(run(operation));
@@ -190,16 +168,10 @@ TEST_F(HookInstallerTest, TellsWhatCannotBeReadOrWritten) {
   EXPECT_EQ(contentsOf(path_), "{}");
 
   fs::remove_all(home_.path() + "/.claude");
-  fs::create_directories(path_);
-  EXPECT_FALSE(install());
-  EXPECT_EQ(complained_, "Could not read settings.json: Is a directory\n");
-
-  fs::remove_all(home_.path() + "/.claude");
   home_.write(".claude", "a file");
   EXPECT_FALSE(install());
   EXPECT_EQ(complained_, "Could not write settings.json: Not a directory\n");
 
-  fs::remove(home_.path() + "/.claude");
   for (const auto& [path, problem] :
        {std::pair("/caf\xE9/Tarnwick", "not valid UTF-8\n"), {"Tarnwick", "not known\n"}}) {
     testing::internal::CaptureStderr();
@@ -209,37 +181,18 @@ TEST_F(HookInstallerTest, TellsWhatCannotBeReadOrWritten) {
   }
 }
 
-TEST_F(HookInstallerTest, KeepsLinksAndPermissions) {
-  const std::string real = home_.path() + "/dotfiles/claude.json";
-  fs::create_directories(home_.path() + "/dotfiles");
-  fs::create_directories(home_.path() + "/.claude");
-  ASSERT_FALSE(writeFileAtomically(real, R"({"a":1})"));
-  ASSERT_EQ(::chmod(real.c_str(), 0600), 0);
-  ASSERT_EQ(::symlink("../dotfiles/claude.json", path_.c_str()), 0);
-  ASSERT_TRUE(install());
-  EXPECT_EQ(fs::read_symlink(path_), "../dotfiles/claude.json");
-  EXPECT_EQ(json(contentsOf(real)), json(R"({"a":1,"hooks":)" + installedHooks() + "}"));
-  EXPECT_EQ(fs::status(real).permissions(), fs::perms(0600));
-  EXPECT_EQ(fs::status(backup_).permissions(), fs::perms(0600));
-}
-
 TEST_F(HookInstallerTest, IsInstalledLooksAtTheTextOnly) {
   const struct {
     const char* text;
     bool isInstalled;
-  } cases[] = {{"Tarnwick --hook", true},  {"--hook, not JSON, Tarnwick", true},
-               {"tarnwick --hook", false}, {"Tarnwick", false},
-               {"--hook", false},          {"Tarnwick --hook caf\xE9", false}};
+  } cases[] = {{"--hook, not JSON, Tarnwick", true},
+               {"tarnwick --hook", false},
+               {"Tarnwick", false},
+               {"Tarnwick --hook caf\xE9", false}};
   for (const auto& one : cases) {
     writeSettings(one.text);
     EXPECT_EQ(installer_.isInstalled(), one.isInstalled) << one.text;
   }
-}
-
-TEST_F(HookInstallerTest, QuotesThePathForTheShell) {
-  const auto command = [](const char* path) { return HookInstaller("/home", path).command(); };
-  EXPECT_EQ(command("/a b/Tarnwick"), "'/a b/Tarnwick' --hook");
-  EXPECT_EQ(command("/it's $HOME/Tarnwick"), R"('/it'\''s $HOME/Tarnwick' --hook)");
 }
 
 }  // namespace
