@@ -28,7 +28,7 @@ std::string_view readChunk(int input, std::span<char> buffer) {
 }  // namespace
 
 void run(NotificationPoster& poster, int input) {
-  char buffer[65536];
+  char buffer[16384];
   if (const auto event = readHookEvent([&] { return readChunk(input, buffer); })) {
     poster.post(notificationName, *event);
   }
