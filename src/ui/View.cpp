@@ -1,6 +1,5 @@
 #include "ui/View.h"
 
-#include <algorithm>
 #include <cmath>
 #include <numbers>
 
@@ -8,34 +7,6 @@
 #include "ui/Dynamic.h"
 
 namespace tarnwick::ui {
-
-namespace {
-
-/// Has both run, as far as there are two.
-template<typename... Arguments>
-void add(std::function<void(Arguments...)>& to, std::function<void(Arguments...)> more) {
-  if (to && more)
-    to = [first = std::move(to), second = std::move(more)](Arguments... arguments) {
-      first(arguments...);
-      second(arguments...);
-    };
-  else if (more)
-    to = std::move(more);
-}
-
-/// The same; what either has taken is taken.
-template<typename Event>
-void add(std::function<bool(Event)>& to, std::function<bool(Event)> more) {
-  if (to && more)
-    to = [first = std::move(to), second = std::move(more)](Event event) {
-      const bool taken = first(event);
-      return second(event) || taken;
-    };
-  else if (more)
-    to = std::move(more);
-}
-
-}  // namespace
 
 Namespace Namespace::make() {
   static int last = 0;
@@ -149,36 +120,27 @@ View View::contentShape(Shape shape) const {
   return interaction([&](Interaction& i) { i.hitShape = std::move(shape); });
 }
 View View::onTap(std::function<void()> action, bool enabled) const {
-  if (!enabled) action = nullptr;
-  return interaction([&](Interaction& i) { add(i.onTap, std::move(action)); });
+  return interaction([&](Interaction& i) { i.onTap = enabled ? std::move(action) : nullptr; });
 }
 View View::onDoubleTap(std::function<void()> action) const {
-  return interaction([&](Interaction& i) { add(i.onDoubleTap, std::move(action)); });
-}
-View View::onClick(std::function<bool(const PointerEvent&)> action) const {
-  return interaction([&](Interaction& i) { add(i.onClick, std::move(action)); });
+  return interaction([&](Interaction& i) { i.onDoubleTap = std::move(action); });
 }
 View View::onHover(std::function<void(bool)> action) const {
-  return interaction([&](Interaction& i) { add(i.onHover, std::move(action)); });
+  return interaction([&](Interaction& i) { i.onHover = std::move(action); });
 }
 View View::onHover(State<bool> hovering) const {
   return onHover([hovering](bool value) { hovering.set(value); });
 }
 View View::onPress(State<bool> pressed) const {
-  return interaction([&](Interaction& i) {
-    add(i.onPress, std::function<void(bool)>([pressed](bool value) { pressed.set(value); }));
-  });
+  return interaction([&](Interaction& i) { i.onPress = [pressed](bool value) { pressed.set(value); }; });
 }
 View View::onDrag(double minimumDistance, std::function<void(const DragValue&)> changed,
                   std::function<void(const DragValue&)> ended) const {
   return interaction([&](Interaction& i) {
-    i.dragDistance = i.onDrag ? std::min(i.dragDistance, minimumDistance) : minimumDistance;
-    add(i.onDrag, std::move(changed));
-    add(i.onDragEnd, std::move(ended));
+    i.dragDistance = minimumDistance;
+    i.onDrag = std::move(changed);
+    i.onDragEnd = std::move(ended);
   });
-}
-View View::onKey(std::function<bool(const KeyEvent&)> action) const {
-  return interaction([&](Interaction& i) { add(i.onKey, std::move(action)); });
 }
 View View::tooltip(std::string text) const {
   return interaction([&](Interaction& i) { i.tooltip = std::move(text); });
@@ -194,9 +156,6 @@ View View::accessibility(Role role, std::string name) const {
 }
 View View::accessibilityChecked(bool checked) const {
   return interaction([=](Interaction& i) { i.checked = checked; });
-}
-View View::accessibilityValue(AccessibleValue value) const {
-  return interaction([&](Interaction& i) { i.value = std::move(value); });
 }
 
 }  // namespace tarnwick::ui

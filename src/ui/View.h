@@ -110,20 +110,16 @@ class View {
   /// Called once, after the view is shown for the first time.
   View onAppear(std::function<void()> action) const;
 
-  // Pointer and keys. Several handlers of a kind on one view all run, the first one first.
+  // The pointer
   /// The area that takes the pointer, instead of the frame.
   View contentShape(Shape shape) const;
   View onTap(std::function<void()> action, bool enabled = true) const;
   View onDoubleTap(std::function<void()> action) const;
-  /// A click of any button; `action` answers whether it takes it. What it leaves the views around get.
-  View onClick(std::function<bool(const PointerEvent&)> action) const;
   View onHover(std::function<void(bool)> action) const;
   View onHover(State<bool> hovering) const;
   View onPress(State<bool> pressed) const;
   View onDrag(double minimumDistance, std::function<void(const DragValue&)> changed,
               std::function<void(const DragValue&)> ended) const;
-  /// A key, while this view or one inside has the keyboard; `action` answers whether it takes it.
-  View onKey(std::function<bool(const KeyEvent&)> action) const;
   View tooltip(std::string text) const;
   View allowsHitTesting(bool allows) const;
 
@@ -131,8 +127,6 @@ class View {
   View accessibility(Role role, std::string name) const;
   /// Tells assistive technology that the control is on or off.
   View accessibilityChecked(bool checked) const;
-  /// Tells assistive technology how far along the control is, and lets it change that.
-  View accessibilityValue(AccessibleValue value) const;
 
  private:
   /// The same view with other attributes; defined in Description.h.

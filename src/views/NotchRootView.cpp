@@ -76,11 +76,6 @@ View surface(NotchModel& model, Namespace names, const std::function<void()>& op
       .contentShape(shape)
       .accessibility(expanded ? Role::none : Role::button,
                      expanded ? "" : tr("Open Tarnwick", "Ouvrir Tarnwick"))
-      .onKey([&model](const KeyEvent& event) {
-        if (event.key != Key::escape || !model.isExpanded) return false;
-        model.collapse();
-        return true;
-      })
       .onTap([&model] { withAnimation(notchOpen, [&] { model.expand(); }); }, !expanded)
       .id(surfaceId);
 }

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 
-#include "ui/engine/FocusRing.h"
 #include "ui/engine/Node.h"
 #include "ui/engine/Presenter.h"
 #include "ui/engine/Reconciler.h"
@@ -38,8 +37,7 @@ Scene::Scene(Scheduler& scheduler, Size size, View root, double pixelRatio)
   ++commitNumber_;
   Reconciler reconciler(*this, std::nullopt, true);
   const View centred = root.frame({.maxWidth = infinity, .maxHeight = infinity});
-  root_ = reconciler.build(
-      ZStack(UnitPoint::topLeading, {centred, focusRing(input_.focus_), tooltipView(input_)}));
+  root_ = reconciler.build(ZStack(UnitPoint::topLeading, {centred, tooltipView(input_)}));
   layOut(reconciler);
   committing_ = false;
 }
@@ -203,36 +201,17 @@ Node* Scene::find(Node& node, const std::string& key) const {
 
 std::vector<Scene::Control> Scene::controls() const {
   std::vector<Control> controls;
-  const Node* const focused = input_.focus_.focused();
   const std::function<void(const Node&)> collect = [&](const Node& node) {
     const auto& interaction = node.attributes.interaction;
     if (!node.visible || (interaction && interaction->disabled)) return;
     if (interaction && interaction->role != Role::none) {
-      controls.push_back({.id = node.serial,
-                          .role = interaction->role,
-                          .name = interaction->accessibilityName,
-                          .checked = interaction->checked,
-                          .value = interaction->value,
-                          .focusable = interaction->isFocusable(),
-                          .focused = &node == focused,
-                          .frame = presentedFrame(node),
-                          .press = interaction->onTap});
+      controls.push_back({node.serial, interaction->role, interaction->accessibilityName,
+                          interaction->checked, presentedFrame(node), interaction->onTap});
     }
     for (const auto& child : node.children) collect(*child);
   };
   collect(*root_);
   return controls;
-}
-
-void Scene::focus(unsigned long id) {
-  const std::function<Node*(Node&)> find = [&](Node& node) -> Node* {
-    if (node.serial == id) return &node;
-    for (const auto& child : node.children) {
-      if (Node* found = find(*child)) return found;
-    }
-    return nullptr;
-  };
-  if (Node* control = find(*root_)) input_.focus_.moveTo(control, true);
 }
 
 Rect Scene::presentedFrame(const Node& node) {

@@ -66,9 +66,6 @@ class Scene : public transaction::Committer {
     std::string name;
     /// Whether it is on, where it may be on or off.
     std::optional<bool> checked;
-    /// How far along it is, where it has a value.
-    std::optional<AccessibleValue> value;
-    bool focusable, focused;
     /// As presented, in points.
     Rect frame;
     /// What a click does; may be empty.
@@ -76,15 +73,12 @@ class Scene : public transaction::Committer {
   };
   /// Those that can be seen, in the order of drawing.
   std::vector<Control> controls() const;
-  /// Gives the keyboard to the control with that id, where there is one.
-  void focus(unsigned long id);
 
   void commit(const std::optional<Animation>& animation) override;
 
  private:
   friend class Reconciler;
   friend class SceneInput;
-  friend class KeyboardFocus;
   friend class Inspector;
 
   friend class Node;

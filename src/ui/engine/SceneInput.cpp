@@ -2,40 +2,81 @@
 
 #include <algorithm>
 #include <cmath>
-#include <utility>
+#include <vector>
 
+#include "ui/engine/Drawing.h"
+#include "ui/engine/Node.h"
 #include "ui/engine/Scene.h"
 
 namespace tarnwick::ui {
 namespace {
 
-/// Seconds that the pointer rests before a tooltip shows, and within which a second click makes a double one.
+/// Seconds that the pointer rests before a tooltip shows, and within which a second tap makes a double one.
 constexpr double tooltipDelay = 0.7;
-constexpr double doubleClickTime = 0.4;
+constexpr double doubleTapTime = 0.4;
 
-/// Whether it acts on the left button, so that the views around it are not shown as pressed.
-bool isControl(const Interaction& i) { return i.onTap || i.onDoubleTap || i.onDrag || i.onClick; }
-
-bool takes(const Node& node, PointerButton button) {
+bool takesPress(const Node& node) {
   const auto& i = node.attributes.interaction;
-  return i && (i->onClick || (button == PointerButton::left && (i->onPress || isControl(*i))));
+  return i && (i->onTap || i->onDoubleTap || i->onPress || i->onDrag);
 }
 
 }  // namespace
 
-HitTest SceneInput::hits() const {
+Point SceneInput::inNode(const Node& node, Point point) const {
+  const QPointF p = node.transform.inverted().map(QPointF(point.x, point.y));
+  return {p.x(), p.y()};
+}
+
+/// The same without the node's own effects.
+Point SceneInput::inFrame(const Node& node, Point point) const {
+  if (!node.parent) return point;
+  const QPointF p = node.parent->contentTransform.inverted().map(QPointF(point.x, point.y));
+  return Point{p.x(), p.y()} - node.presentedFrame().origin();
+}
+
+/// The frontmost node at `point` that is wanted.
+Node* SceneInput::hit(Node& node, Point point, const std::function<bool(const Node&)>& wanted) const {
+  const auto& interaction = node.attributes.interaction;
+  if (interaction && interaction->disabled) return nullptr;
+  if (node.isLeaving || std::abs(node.transform.determinant()) < 1e-6) return nullptr;
   // A button that shrinks while it is pressed keeps its area.
-  return HitTest(*scene_.root_, [this](const Node& node) {
-    return gesture_ && std::ranges::any_of(gesture_->grips, [&](const Grip& g) { return g.node == &node; });
-  });
+  const Point here = &node == pressed_ ? inFrame(node, point) : inNode(node, point);
+  const Rect box{0, 0, node.presentedSize.width, node.presentedSize.height};
+  const bool clips = node.attributes.clip || node.element->clips();
+  if (clips && !box.contains(here)) return nullptr;
+  for (auto child = node.children.rbegin(); child != node.children.rend(); ++child) {
+    if (Node* found = hit(**child, point, wanted)) return found;
+  }
+  if (!wanted(node) || !box.contains(here)) return nullptr;
+  if (interaction && interaction->hitShape &&
+      !outline(*interaction->hitShape, box.size()).contains(QPointF(here.x, here.y))) {
+    return nullptr;
+  }
+  return &node;
 }
 
 void SceneInput::moved(Point point) {
   pointer_ = point;
   updateHover();
   awaitTooltip();
-  dragTo(point);
-  showPresses(point);
+  if (!pressed_) return;
+  // A copy: the handlers may make the view anew.
+  const auto interaction = pressed_->attributes.interaction;
+  if (!interaction) return;
+  if (interaction->onDrag) {
+    const Point way = point - pressedAt_;
+    if (!dragging_ && std::hypot(way.x, way.y) >= interaction->dragDistance) dragging_ = true;
+    if (dragging_) {
+      interaction->onDrag({inNode(*pressed_, pressedAt_), inNode(*pressed_, point), pressed_->presentedSize});
+    }
+  }
+  if (pressed_ && interaction->onPress) {
+    const bool over = hit(*scene_.root_, point, takesPress) == pressed_;
+    if (over != pressShown_) {
+      pressShown_ = over;
+      interaction->onPress(over);
+    }
+  }
 }
 
 void SceneInput::left() {
@@ -43,162 +84,75 @@ void SceneInput::left() {
   updateHover();
 }
 
-void SceneInput::pressed(Point point, PointerButton button) {
+void SceneInput::pressed(Point point) {
   pointer_ = point;
   setTooltip(std::nullopt);
   tooltipTimer_ = {};
   updateHover();
-  if (gesture_) return;
-  const auto chain = hits().chain(point, [=](const Node& node) { return takes(node, button); });
-  if (chain.empty()) return;
-  gesture_ = Gesture{button, point, {}};
-  for (Node* node : chain) gesture_->grips.push_back({node, node->attributes.interaction});
-  focus_.pressedOn(*chain.front());
-  if (button != PointerButton::left) return;
-  showPresses(point);
-  dragTo(point);
+  pressed_ = hit(*scene_.root_, point, takesPress);
+  pressedAt_ = point;
+  dragging_ = false;
+  if (!pressed_) return;
+  // A copy: the handlers may make the view anew, or end it.
+  const auto interaction = pressed_->attributes.interaction;
+  if (interaction->onPress) {
+    pressShown_ = true;
+    interaction->onPress(true);
+  }
+  if (interaction->onDrag && interaction->dragDistance == 0 && pressed_) {
+    dragging_ = true;
+    const Point here = inNode(*pressed_, point);
+    interaction->onDrag({here, here, pressed_->presentedSize});
+  }
 }
 
-/// Tells the views that are dragged, once the pointer has gone far enough for one of them.
-void SceneInput::dragTo(Point point) {
-  if (!gesture_ || gesture_->button != PointerButton::left) return;
-  const Point way = point - gesture_->start;
-  for (Grip& grip : gesture_->grips) {
-    Node* const node = grip.node;
-    if (!node || !node->attributes.interaction) continue;
-    // A copy: the handler may make the view anew, or end it.
-    const auto interaction = grip.interaction = node->attributes.interaction;
-    if (!interaction->onDrag || (gesture_->dragging && !grip.drag)) continue;
-    if (!grip.drag && std::hypot(way.x, way.y) < interaction->dragDistance) continue;
-    gesture_->dragging = true;
-    const DragValue drag{HitTest::inNode(*node, gesture_->start), HitTest::inNode(*node, point),
-                         node->presentedSize};
-    grip.drag = drag;
-    interaction->onDrag(drag);
+void SceneInput::released(Point point) {
+  pointer_ = point;
+  if (!pressed_ || !pressed_->attributes.interaction) {
+    pressed_ = nullptr;
     return;
   }
-}
-
-/// Shows the innermost control as pressed while the pointer is on it, and what is inside of it.
-void SceneInput::showPresses(Point point) {
-  if (!gesture_ || gesture_->button != PointerButton::left) return;
-  const auto over = hits().chain(point, [](const Node& node) { return takes(node, PointerButton::left); });
-  std::vector<std::pair<std::shared_ptr<const Interaction>, bool>> calls;
-  for (Grip& grip : gesture_->grips) {
-    Node* const node = grip.node;
-    if (!node || !node->attributes.interaction) continue;
-    grip.interaction = node->attributes.interaction;
-    const bool shown = std::ranges::find(over, node) != over.end();
-    if (grip.interaction->onPress && shown != grip.pressShown) {
-      grip.pressShown = shown;
-      calls.emplace_back(grip.interaction, shown);
-    }
-    if (isControl(*grip.interaction)) break;
-  }
-  for (const auto& [interaction, shown] : calls) interaction->onPress(shown);
-}
-
-void SceneInput::released(Point point, PointerButton button, Modifiers modifiers) {
-  pointer_ = point;
-  if (!gesture_ || gesture_->button != button) return;
-  const auto over = hits().chain(point, [=](const Node& node) { return takes(node, button); });
-  Gesture gesture = *std::exchange(gesture_, std::nullopt);
-  // What becomes of the click is settled before any handler may end a view.
-  std::vector<Click> clicks;
-  unsigned long view = 0;
-  for (const Grip& grip : gesture.grips) {
-    Node* const node = grip.node;
-    if (gesture.dragging || !node || std::ranges::find(over, node) == over.end()) continue;
-    if (clicks.empty()) view = node->serial;
-    clicks.push_back({node->attributes.interaction,
-                      {.button = button,
-                       .modifiers = modifiers,
-                       .location = HitTest::inNode(*node, point),
-                       .size = node->presentedSize}});
-  }
-  for (const Grip& grip : gesture.grips) {
-    if (grip.pressShown) grip.interaction->onPress(false);
-    if (grip.drag && grip.interaction->onDragEnd) {
-      DragValue end = *grip.drag;
-      if (const Node* node = grip.node) end.location = HitTest::inNode(*node, point);
-      grip.interaction->onDragEnd(end);
-    }
-  }
-  if (clicks.empty()) return;
+  const bool over = hit(*scene_.root_, point, takesPress) == pressed_;
+  Node* const node = std::exchange(pressed_, nullptr);
+  const unsigned long serial = node->serial;
+  const auto interaction = node->attributes.interaction;
+  const bool dragged = std::exchange(dragging_, false);
+  const DragValue drag{inNode(*node, pressedAt_), inNode(*node, point), node->presentedSize};
+  if (interaction->onPress && std::exchange(pressShown_, false)) interaction->onPress(false);
+  if (dragged && interaction->onDragEnd) interaction->onDragEnd(drag);
+  if (!over || dragged) return;
 
   const double now = scene_.scheduler_.uptime();
-  const bool again =
-      lastClick_.view == view && lastClick_.button == button && now - lastClick_.time < doubleClickTime;
-  lastClick_ = {view, button, now, again ? lastClick_.count + 1 : 1};
-  for (Click& click : clicks) {
-    click.event.clickCount = lastClick_.count;
-    if (take(click)) return;
+  if (interaction->onDoubleTap && lastTapped_ == serial && now - lastTapTime_ < doubleTapTime) {
+    lastTapped_ = 0;
+    interaction->onDoubleTap();
+    return;
   }
+  lastTapped_ = serial;
+  lastTapTime_ = now;
+  if (interaction->onTap) interaction->onTap();
 }
 
-/// @return whether the view takes the click; those around it do not get it then
-bool SceneInput::take(const Click& click) {
-  const Interaction& interaction = *click.interaction;
-  if (interaction.onClick && interaction.onClick(click.event)) return true;
-  if (click.event.button != PointerButton::left) return false;
-  if (interaction.onDoubleTap && click.event.clickCount == 2) {
-    lastClick_ = {};
-    interaction.onDoubleTap();
-    return true;
-  }
-  if (interaction.onTap) interaction.onTap();
-  return interaction.onTap || interaction.onDoubleTap;
+bool SceneInput::scrolled(Point point, Point delta) {
+  Node* node = hit(*scene_.root_, point,
+                   [&](const Node& candidate) { return candidate.element->canScroll(candidate, delta); });
+  if (!node) return false;
+  node->element->scroll(*node, delta);
+  scene_.scrolled();
+  return true;
 }
 
-void SceneInput::cancelled() {
-  if (!gesture_) return;
-  const Gesture gesture = *std::exchange(gesture_, std::nullopt);
-  for (const Grip& grip : gesture.grips) breakOff(grip);
-}
-
-void SceneInput::breakOff(const Grip& grip) {
-  if (grip.pressShown) grip.interaction->onPress(false);
-  if (!grip.drag || !grip.interaction->onDragEnd) return;
-  DragValue end = *grip.drag;
-  end.cancelled = true;
-  grip.interaction->onDragEnd(end);
-}
-
-bool SceneInput::scrolled(Point point, Point delta, bool wheel) {
-  const auto scroll = [&](Point by) {
-    Node* node = hits().front(
-        point, [&](const Node& candidate) { return candidate.element->canScroll(candidate, by); });
-    if (!node) return false;
-    node->element->scroll(*node, by);
-    scene_.scrolled();
-    return true;
-  };
-  if (scroll(delta)) return true;
-  return wheel && delta.x == 0 && scroll({delta.y, 0});
-}
-
-/// The content may have moved under a resting pointer, and what is held may have gone.
+/// The content may have moved under a resting pointer.
 void SceneInput::sceneMoved() {
   if (tooltip_ && !tooltipNode_) setTooltip(std::nullopt);
-  if (gesture_) {
-    std::vector<Grip> gone;
-    std::erase_if(gesture_->grips, [&](Grip& grip) {
-      const Node* node = grip.node;
-      if (node && !node->leaves()) return false;
-      gone.push_back(grip);
-      return true;
-    });
-    if (gesture_->grips.empty()) gesture_.reset();
-    for (const Grip& grip : gone) breakOff(grip);
-  }
   if (pointer_) updateHover();
-  focus_.sceneMoved();
 }
 
 void SceneInput::updateHover() {
   std::vector<Node*> inside;
   if (pointer_) {
-    Node* front = hits().front(*pointer_, [](const Node& node) { return bool(node.attributes.interaction); });
+    Node* front =
+        hit(*scene_.root_, *pointer_, [](const Node& node) { return bool(node.attributes.interaction); });
     for (Node* node = front; node; node = node->parent) {
       if (node->attributes.interaction) inside.push_back(node);
     }
@@ -241,7 +195,7 @@ void SceneInput::awaitTooltip() {
   tooltipTimer_ = {};
   if (!tooltipNode_) return;
   tooltipTimer_ = scene_.scheduler_.after(tooltipDelay, [this] {
-    if (!tooltipNode_ || !pointer_ || gesture_ || !tooltipNode_->attributes.interaction) return;
+    if (!tooltipNode_ || !pointer_ || pressed_ || !tooltipNode_->attributes.interaction) return;
     setTooltip(Tooltip{tooltipNode_->attributes.interaction->tooltip, *pointer_, surfaceOf(*tooltipNode_)});
   });
 }

@@ -4,7 +4,6 @@
 #include <QAccessibleWidget>
 #include <QApplication>
 #include <algorithm>
-#include <cmath>
 #include <optional>
 #include <utility>
 #include <vector>
@@ -40,9 +39,7 @@ void send(QAccessible::Event type, QAccessibleInterface& about) {
 }
 
 /// One control of a scene, for as long as its view is there.
-class AccessibleControl : public QAccessibleInterface,
-                          public QAccessibleActionInterface,
-                          public QAccessibleValueInterface {
+class AccessibleControl : public QAccessibleInterface, public QAccessibleActionInterface {
  public:
   AccessibleControl(SceneWidget& widget, Scene::Control control)
       : widget_(&widget), known_(std::move(control)) {}
@@ -59,11 +56,6 @@ class AccessibleControl : public QAccessibleInterface,
       QAccessibleStateChangeEvent event(this, changed);
       QAccessible::updateAccessibility(&event);
     }
-    if (known_.value && before.value && known_.value->now != before.value->now) {
-      QAccessibleValueChangeEvent event(this, known_.value->now);
-      QAccessible::updateAccessibility(&event);
-    }
-    if (known_.focused && !before.focused) send(QAccessible::Focus, *this);
   }
 
   bool isValid() const override { return true; }
@@ -79,8 +71,6 @@ class AccessibleControl : public QAccessibleInterface,
     QAccessible::State state;
     state.checkable = known_.checked.has_value();
     state.checked = known_.checked.value_or(false);
-    state.focusable = known_.focusable;
-    state.focused = known_.focused;
     return state;
   }
   QString text(QAccessible::Text kind) const override {
@@ -96,43 +86,18 @@ class AccessibleControl : public QAccessibleInterface,
   }
 
   void* interface_cast(QAccessible::InterfaceType type) override {
-    if (type == QAccessible::ActionInterface) return static_cast<QAccessibleActionInterface*>(this);
-    if (type == QAccessible::ValueInterface && known_.value)
-      return static_cast<QAccessibleValueInterface*>(this);
-    return nullptr;
+    return type == QAccessible::ActionInterface ? static_cast<QAccessibleActionInterface*>(this) : nullptr;
   }
   QStringList actionNames() const override {
-    QStringList names;
-    if (known_.press) names << pressAction();
-    if (known_.value && known_.value->change) names << increaseAction() << decreaseAction();
-    if (known_.focusable) names << setFocusAction();
-    return names;
+    return known_.press ? QStringList{pressAction()} : QStringList();
   }
   void doAction(const QString& name) override {
     const auto found = control();
-    if (!found) return;
-    if (name == setFocusAction()) {
-      widget_->scene().focus(found->id);
-    } else if (name == pressAction()) {
-      if (found->press) found->press();
-    } else if (found->value && (name == increaseAction() || name == decreaseAction())) {
-      change(*found->value, found->value->now + (name == increaseAction() ? 1 : -1) * found->value->step);
-    }
+    if (found && found->press && name == pressAction()) found->press();
   }
-  QVariant currentValue() const override { return known_.value->now; }
-  void setCurrentValue(const QVariant& value) override {
-    if (const auto found = control(); found && found->value) change(*found->value, value.toDouble());
-  }
-  QVariant maximumValue() const override { return known_.value->most; }
-  QVariant minimumValue() const override { return known_.value->least; }
-  QVariant minimumStepSize() const override { return known_.value->step; }
   QStringList keyBindingsForAction(const QString&) const override { return {}; }
 
  private:
-  static void change(const AccessibleValue& value, double wanted) {
-    // A reader may send what is no number.
-    if (value.change && !std::isnan(wanted)) value.change(std::clamp(wanted, value.least, value.most));
-  }
   /// As it is at this moment: views move, and come and go, under the reader's hands.
   std::optional<Scene::Control> control() const {
     for (Scene::Control& control : widget_->scene().controls()) {

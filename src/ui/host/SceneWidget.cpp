@@ -17,50 +17,6 @@ namespace {
 
 Point fromQt(QPointF p) { return {p.x(), p.y()}; }
 
-std::optional<PointerButton> buttonOf(const QMouseEvent& event) {
-  switch (event.button()) {
-    case Qt::LeftButton:
-      return PointerButton::left;
-    case Qt::MiddleButton:
-      return PointerButton::middle;
-    case Qt::RightButton:
-      return PointerButton::right;
-    default:
-      return std::nullopt;
-  }
-}
-
-Modifiers modifiersOf(const QInputEvent& event) {
-  const Qt::KeyboardModifiers held = event.modifiers();
-  return {.shift = held.testFlag(Qt::ShiftModifier),
-          .control = held.testFlag(Qt::ControlModifier),
-          .alt = held.testFlag(Qt::AltModifier),
-          .meta = held.testFlag(Qt::MetaModifier)};
-}
-
-Key keyOf(const QKeyEvent& event) {
-  static constexpr std::pair<Qt::Key, Key> keys[] = {
-      {Qt::Key_Tab, Key::tab},
-      {Qt::Key_Backtab, Key::tab},
-      {Qt::Key_Return, Key::enter},
-      {Qt::Key_Enter, Key::enter},
-      {Qt::Key_Space, Key::space},
-      {Qt::Key_Escape, Key::escape},
-      {Qt::Key_Left, Key::left},
-      {Qt::Key_Right, Key::right},
-      {Qt::Key_Up, Key::up},
-      {Qt::Key_Down, Key::down},
-      {Qt::Key_Home, Key::home},
-      {Qt::Key_End, Key::end},
-      {Qt::Key_PageUp, Key::pageUp},
-      {Qt::Key_PageDown, Key::pageDown},
-      {Qt::Key_Backspace, Key::backspace},
-      {Qt::Key_Delete, Key::deleteForward},
-  };
-  const auto found = std::ranges::find(keys, event.key(), &std::pair<Qt::Key, Key>::first);
-  return found == std::end(keys) ? Key::text : found->second;
-}
-
 /// Points that one notch of a wheel scrolls.
 constexpr double wheelStep = 48;
 
@@ -71,7 +27,6 @@ SceneWidget::SceneWidget(Scheduler& scheduler, Size size, View root)
   setAttribute(Qt::WA_NoSystemBackground);
   setAttribute(Qt::WA_OpaquePaintEvent);
   setMouseTracking(true);
-  setFocusPolicy(Qt::StrongFocus);
   installSceneAccessibility();
   resize(int(size.width), int(size.height));
   scene_.onNeedsFrame = [this] { scheduleFrame(); };
@@ -136,12 +91,11 @@ void SceneWidget::paintEvent(QPaintEvent* event) {
 void SceneWidget::mouseMoveEvent(QMouseEvent* event) { scene_.input().moved(fromQt(event->position())); }
 
 void SceneWidget::mousePressEvent(QMouseEvent* event) {
-  if (const auto button = buttonOf(*event)) scene_.input().pressed(fromQt(event->position()), *button);
+  if (event->button() == Qt::LeftButton) scene_.input().pressed(fromQt(event->position()));
 }
 
 void SceneWidget::mouseReleaseEvent(QMouseEvent* event) {
-  if (const auto button = buttonOf(*event))
-    scene_.input().released(fromQt(event->position()), *button, modifiersOf(*event));
+  if (event->button() == Qt::LeftButton) scene_.input().released(fromQt(event->position()));
 }
 
 void SceneWidget::enterEvent(QEnterEvent* event) { scene_.input().moved(fromQt(event->position())); }
@@ -152,18 +106,7 @@ void SceneWidget::wheelEvent(QWheelEvent* event) {
   const std::optional<double> smoothStep = smoothPointsPerClick ? smoothPointsPerClick(*event) : std::nullopt;
   const QPointF delta =
       QPointF(event->angleDelta()) / QWheelEvent::DefaultDeltasPerStep * smoothStep.value_or(wheelStep);
-  event->setAccepted(scene_.input().scrolled(fromQt(event->position()), {delta.x(), delta.y()}, !smoothStep));
+  event->setAccepted(scene_.input().scrolled(fromQt(event->position()), {delta.x(), delta.y()}));
 }
-
-void SceneWidget::keyPressEvent(QKeyEvent* event) {
-  event->setAccepted(scene_.input().key({.key = keyOf(*event),
-                                         .text = event->text().toStdString(),
-                                         .modifiers = modifiersOf(*event),
-                                         .isRepeat = event->isAutoRepeat()}));
-}
-
-void SceneWidget::focusOutEvent(QFocusEvent*) { scene_.input().focus().hideRing(); }
-
-void SceneWidget::hideEvent(QHideEvent*) { scene_.input().cancelled(); }
 
 }  // namespace tarnwick::ui

@@ -32,11 +32,6 @@ class SceneWidget : public QWidget {
   void enterEvent(QEnterEvent* event) override;
   void leaveEvent(QEvent* event) override;
   void wheelEvent(QWheelEvent* event) override;
-  void keyPressEvent(QKeyEvent* event) override;
-  void focusOutEvent(QFocusEvent* event) override;
-  void hideEvent(QHideEvent* event) override;
-  /// Tab moves between the controls of the scene.
-  bool focusNextPrevChild(bool) override { return false; }
 
  private:
   double frameInterval() const;
