@@ -66,8 +66,7 @@ def properties_from(wanted):
                  "artist": ("xesam:artist", lambda names: dbus.Array(names, signature="s")),
                  "album": ("xesam:album", str), "art": ("mpris:artUrl", str), "url": ("xesam:url", str),
                  "length": ("mpris:length", lambda seconds: dbus.Int64(seconds * 1_000_000)),
-                 "length_text": ("mpris:length", str), "title_number": ("xesam:title", dbus.Int32),
-                 "length_unsigned": ("mpris:length", lambda seconds: dbus.UInt64(seconds * 1_000_000))}
+                 "length_text": ("mpris:length", str), "title_number": ("xesam:title", dbus.Int32)}
         found["Metadata"] = dbus.Dictionary({kinds[key][0]: kinds[key][1](value)
                                              for key, value in wanted["metadata"].items()}, signature="sv")
     return found
