@@ -1,9 +1,6 @@
 """A player on the session bus shows in the wings of the real overlay, and hears what the fingers want."""
 
-import os
-import signal
 import unittest
-from pathlib import Path
 
 from desktop import wait_until
 from desktop_test import HIDDEN, DesktopTest
@@ -27,17 +24,6 @@ class NowPlaying(DesktopTest):
                              metadata={"title": "Song", "length": 200, **metadata})
         self.addCleanup(player.kill)
         return player
-
-    def bridge(self):
-        """The process id of the overlay's bridge."""
-        for folder in Path("/proc").glob("[0-9]*"):
-            try:
-                parent = int((folder / "stat").read_text().rsplit(")", 1)[1].split()[1])
-                if parent == self.desktop.overlay.pid and b"tarnwick_stream" in (folder / "cmdline").read_bytes():
-                    return int(folder.name)
-            except (FileNotFoundError, ProcessLookupError):
-                pass  # it has ended meanwhile
-        return None
 
     def wait_for_cover(self, colour=COVER):
         def shown(picture):
@@ -66,17 +52,6 @@ class NowPlaying(DesktopTest):
         player.kill()
         self.desktop.wait_for_notch(*HIDDEN)
 
-    def test_a_bridge_that_is_killed_is_started_again_and_none_is_left_behind(self):
-        self.desktop.start_overlay()
-        first = wait_until(self.bridge, "the bridge")
-        os.kill(first, signal.SIGKILL)
-        wait_until(lambda: self.bridge() not in (None, first), "another bridge")
-        self.play()
-        self.desktop.wait_for_notch(*NOW_PLAYING)
-        last = self.bridge()
-        self.desktop.kill_overlay()
-        wait_until(lambda: not Path(f"/proc/{last}").exists()
-                   or " Z " in Path(f"/proc/{last}/stat").read_text(), "the bridge to end with the overlay")
 
 if __name__ == "__main__":
     unittest.main()
