@@ -2,10 +2,14 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <vector>
 
+#include "ui/Events.h"
 #include "ui/Shape.h"
 
 namespace tarnwick::ui {
+
+enum class Axis { horizontal, vertical };
 
 /// What a control is for assistive technology.
 enum class Role { none, button, slider, list, text, image, notification };
@@ -18,26 +22,54 @@ struct DragValue {
   Size size;
 };
 
-/// What a view does with the pointer.
+/// What is done with a drag. Each may be absent.
+struct DragGesture {
+  /// Points to move before it counts; at 0 the press itself does.
+  double minimumDistance = 0;
+  std::function<void(const DragValue&)> changed = nullptr;
+  std::function<void(const DragValue&)> ended = nullptr;
+  /// It ended without a release: the view has vanished, or something else took the pointer.
+  std::function<void()> cancelled = nullptr;
+};
+
+/// What a control is set to, for keys and assistive technology.
+struct AdjustableValue {
+  double now = 0, least = 0, most = 1;
+  /// What an arrow key alters.
+  double step = 0.05;
+  /// Called with values from `least` to `most`.
+  std::function<void(double)> set;
+};
+
+/// What a view does with pointer and keys. Where several handlers of one kind are set on a view, all run.
 struct Interaction {
   /// The area that counts; the frame where there is none.
   std::optional<Shape> hitShape;
+  /// All that a button of the pointer does. @return true to have the rest of the gesture; nothing else is
+  /// then made of it.
+  std::function<bool(const PointerEvent&)> onPointer;
   std::function<void()> onTap;
   std::function<void()> onDoubleTap;
   std::function<void(bool hovering)> onHover;
   /// The button went down on the view, left it while held, came back, or was released.
   std::function<void(bool pressed)> onPress;
-  std::function<void(const DragValue&)> onDrag;
-  std::function<void(const DragValue&)> onDragEnd;
-  /// Points to move before a drag counts; at 0 the press itself does.
-  double dragDistance = 0;
+  std::vector<DragGesture> drags;
+  /// A key, while the keyboard's focus is on the view or inside of it, or where nobody else has taken it.
+  /// @return true when it has been used.
+  std::function<bool(const KeyEvent&)> onKey;
+  /// Arrow keys along this axis go from one control inside to the next, and Tab stops here once.
+  std::optional<Axis> arrows;
   std::string tooltip;
   Role role = Role::none;
   std::string accessibilityName;
   /// Of a control that is on or off.
   std::optional<bool> checked;
-  /// Nothing in this view or below takes the pointer.
+  std::optional<AdjustableValue> value;
+  /// Nothing in this view or below takes the pointer or the keyboard.
   bool disabled = false;
+
+  /// Whether the keyboard's focus may be on it: a control that does something.
+  bool takesFocus() const { return role != Role::none && (onTap || (value && value->set)); }
 };
 
 }  // namespace tarnwick::ui

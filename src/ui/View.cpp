@@ -116,37 +116,83 @@ View View::onAppear(std::function<void()> action) const {
   return with([&](Attributes& a) { a.onAppear = std::move(action); });
 }
 
+namespace {
+
+/// Has `handler` run after those that are there.
+template<typename... Arguments>
+void append(std::function<void(Arguments...)>& handlers, std::function<void(Arguments...)> handler) {
+  if (!handler) return;
+  if (!handlers) {
+    handlers = std::move(handler);
+    return;
+  }
+  handlers = [first = std::move(handlers), second = std::move(handler)](Arguments... arguments) {
+    first(arguments...);
+    second(arguments...);
+  };
+}
+
+/// The same for handlers that tell whether they have used the event.
+template<typename Event>
+void append(std::function<bool(const Event&)>& handlers, std::function<bool(const Event&)> handler) {
+  if (!handlers) {
+    handlers = std::move(handler);
+    return;
+  }
+  handlers = [first = std::move(handlers), second = std::move(handler)](const Event& event) {
+    const bool used = first(event);
+    return second(event) || used;
+  };
+}
+
+}  // namespace
+
 View View::contentShape(Shape shape) const {
   return interaction([&](Interaction& i) { i.hitShape = std::move(shape); });
 }
 View View::onTap(std::function<void()> action, bool enabled) const {
-  return interaction([&](Interaction& i) { i.onTap = enabled ? std::move(action) : nullptr; });
+  return interaction([&](Interaction& i) {
+    if (enabled) append(i.onTap, std::move(action));
+  });
 }
 View View::onDoubleTap(std::function<void()> action) const {
-  return interaction([&](Interaction& i) { i.onDoubleTap = std::move(action); });
+  return interaction([&](Interaction& i) { append(i.onDoubleTap, std::move(action)); });
 }
 View View::onHover(std::function<void(bool)> action) const {
-  return interaction([&](Interaction& i) { i.onHover = std::move(action); });
+  return interaction([&](Interaction& i) { append(i.onHover, std::move(action)); });
 }
 View View::onHover(State<bool> hovering) const {
   return onHover([hovering](bool value) { hovering.set(value); });
 }
 View View::onPress(State<bool> pressed) const {
-  return interaction([&](Interaction& i) { i.onPress = [pressed](bool value) { pressed.set(value); }; });
-}
-View View::onDrag(double minimumDistance, std::function<void(const DragValue&)> changed,
-                  std::function<void(const DragValue&)> ended) const {
   return interaction([&](Interaction& i) {
-    i.dragDistance = minimumDistance;
-    i.onDrag = std::move(changed);
-    i.onDragEnd = std::move(ended);
+    append(i.onPress, std::function([pressed](bool value) { pressed.set(value); }));
   });
+}
+View View::onDrag(DragGesture gesture) const {
+  return interaction([&](Interaction& i) { i.drags.push_back(std::move(gesture)); });
+}
+View View::onPointer(std::function<bool(const PointerEvent&)> action) const {
+  return interaction([&](Interaction& i) { append(i.onPointer, std::move(action)); });
 }
 View View::tooltip(std::string text) const {
   return interaction([&](Interaction& i) { i.tooltip = std::move(text); });
 }
 View View::allowsHitTesting(bool allows) const {
   return interaction([=](Interaction& i) { i.disabled = !allows; });
+}
+View View::onKey(std::function<bool(const KeyEvent&)> action) const {
+  return interaction([&](Interaction& i) { append(i.onKey, std::move(action)); });
+}
+View View::onKey(Key key, std::function<void()> action) const {
+  return onKey([key, action = std::move(action)](const KeyEvent& event) {
+    if (event.key != key || event.modifiers != Modifiers{}) return false;
+    action();
+    return true;
+  });
+}
+View View::arrowKeys(Axis axis) const {
+  return interaction([=](Interaction& i) { i.arrows = axis; });
 }
 View View::accessibility(Role role, std::string name) const {
   return interaction([&](Interaction& i) {
@@ -156,6 +202,9 @@ View View::accessibility(Role role, std::string name) const {
 }
 View View::accessibilityChecked(bool checked) const {
   return interaction([=](Interaction& i) { i.checked = checked; });
+}
+View View::accessibilityValue(AdjustableValue value) const {
+  return interaction([&](Interaction& i) { i.value = std::move(value); });
 }
 
 }  // namespace tarnwick::ui

@@ -110,7 +110,8 @@ class View {
   /// Called once, after the view is shown for the first time.
   View onAppear(std::function<void()> action) const;
 
-  // The pointer
+  // The pointer. What is in front comes first, then what that is in. Handlers of one kind on one view all
+  // run.
   /// The area that takes the pointer, instead of the frame.
   View contentShape(Shape shape) const;
   View onTap(std::function<void()> action, bool enabled = true) const;
@@ -118,15 +119,26 @@ class View {
   View onHover(std::function<void(bool)> action) const;
   View onHover(State<bool> hovering) const;
   View onPress(State<bool> pressed) const;
-  View onDrag(double minimumDistance, std::function<void(const DragValue&)> changed,
-              std::function<void(const DragValue&)> ended) const;
+  View onDrag(DragGesture gesture) const;
+  /// All that a button of the pointer does; see `Interaction`.
+  View onPointer(std::function<bool(const PointerEvent&)> action) const;
   View tooltip(std::string text) const;
   View allowsHitTesting(bool allows) const;
+
+  // The keyboard. Its focus goes to what is a control for assistive technology and can be tapped or adjusted.
+  /// Keys while the focus is inside, or that nobody else uses. @return true for one that is used up.
+  View onKey(std::function<bool(const KeyEvent&)> action) const;
+  /// The same for one key without modifiers.
+  View onKey(Key key, std::function<void()> action) const;
+  /// Arrow keys along the axis go from one control inside to the next, and Tab stops here once.
+  View arrowKeys(Axis axis) const;
 
   /// What the view is for assistive technology.
   View accessibility(Role role, std::string name) const;
   /// Tells assistive technology that the control is on or off.
   View accessibilityChecked(bool checked) const;
+  /// What the control is set to; arrow keys alter it.
+  View accessibilityValue(AdjustableValue value) const;
 
  private:
   /// The same view with other attributes; defined in Description.h.
@@ -189,7 +201,6 @@ View CanvasView(AnyValue input, std::function<void(Canvas&, Size)> draw);
 /// A view that reads its own size: `body` is called with the size that is offered.
 View GeometryReader(std::function<View(Size)> body);
 
-enum class Axis { horizontal, vertical };
 /// A window on a larger content, without scroll bars.
 View ScrollView(Axis axis, View content);
 

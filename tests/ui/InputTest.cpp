@@ -71,9 +71,9 @@ TEST(Input, dragsTellTheirPlaceInTheView) {
         .fill(white())
         .frame({.width = 100, .height = 20})
         .scaleEffect(2)
-        .onDrag(
-            distance, [&](const DragValue& drag) { seen.push_back(drag.location.x / drag.size.width); },
-            [&](const DragValue&) { ++ended; });
+        .onDrag({.minimumDistance = distance,
+                 .changed = [&](const DragValue& drag) { seen.push_back(drag.location.x / drag.size.width); },
+                 .ended = [&](const DragValue&) { ++ended; }});
   });
   stage.inspect.drag({150, 150}, {250, 150});
   ASSERT_EQ(seen.size(), 3u) << "the press counts as well";
@@ -85,6 +85,110 @@ TEST(Input, dragsTellTheirPlaceInTheView) {
   stage.inspect.drag({150, 150}, {250, 150});
   EXPECT_TRUE(seen.empty());
   EXPECT_EQ(ended, 1);
+}
+
+TEST(Input, gesturesGoToTheFrontmostViewThatWantsThem) {
+  std::string heard;
+  const auto add = [&](const std::string& what) { heard += what + " "; };
+  Stage stage([&] {
+    const View front = Rectangle()
+                           .fill(white())
+                           .frame({.width = 100, .height = 40})
+                           .onTap([&] { add("first"); })
+                           .onTap([&] { add("second"); })
+                           .onHover([](bool) {});
+    return ZStack(UnitPoint::center, {front})
+        .frame({.width = 300, .height = 200})
+        .onDrag({.changed = [&](const DragValue&) { add("drag"); },
+                 .ended = [&](const DragValue&) { add("dropped"); }})
+        .onPointer([&](const PointerEvent& event) {
+          if (event.button != PointerButton::secondary) return false;
+          add("menu" + std::to_string(event.clicks) + (event.modifiers.shift ? "+" : ""));
+          return true;
+        });
+  });
+  const auto heardOf = [&](const std::function<void()>& act) {
+    heard.clear();
+    act();
+    return heard;
+  };
+  EXPECT_EQ(heardOf([&] { stage.inspect.tap(Point{200, 150}); }), "first second ");
+  EXPECT_EQ(heardOf([&] {
+              stage.inspect.drag({200, 150}, {202, 150});
+            }),
+            "first second ")
+      << "hardly a drag of what is behind";
+  EXPECT_EQ(heardOf([&] { stage.inspect.drag({200, 150}, {240, 150}); }), "drag drag dropped ");
+  EXPECT_EQ(heardOf([&] { stage.inspect.tap(Point{80, 80}); }), "drag dropped ");
+  EXPECT_EQ(heardOf([&] {
+              stage.scene.input().pressed({200, 150}, PointerButton::secondary, {.shift = true});
+              stage.scene.input().pressed({200, 150});
+              stage.scene.input().released({200, 150});
+              stage.scene.input().released({200, 150}, PointerButton::secondary);
+            }),
+            "menu1+ menu1 ")
+      << "one gesture at a time, of the button that began it";
+}
+
+TEST(Input, whatVanishesIsToldThatItsGestureIsOver) {
+  for (const char* how : {"gone", "leaving", "switched off", "pointer taken"}) {
+    SCOPED_TRACE(how);
+    bool shown = true, enabled = true, pressed = false;
+    std::string heard;
+    Stage stage([&] {
+      const View knob = stateful(false, [&](State<bool> down) {
+        pressed = down;
+        return Rectangle()
+            .fill(white())
+            .onPress(down)
+            .onTap([&] { heard += "tap "; })
+            .onDrag({.minimumDistance = 5,
+                     .ended = [&](const DragValue&) { heard += "ended "; },
+                     .cancelled = [&] { heard += "cancelled "; }})
+            .allowsHitTesting(enabled);
+      });
+      return shown ? knob : View();
+    });
+    stage.scene.input().pressed({100, 100});
+    stage.scene.input().moved({120, 100});
+    stage.scene.frame();
+    EXPECT_TRUE(pressed);
+    if (how == std::string("pointer taken")) {
+      stage.scene.input().cancelled();
+    } else {
+      stage.change([&] { (how == std::string("switched off") ? enabled : shown) = false; },
+                   how == std::string("leaving") ? std::optional(linear(1)) : std::nullopt);
+    }
+    EXPECT_EQ(heard, "cancelled ");
+    stage.scene.input().released({120, 100});
+    EXPECT_EQ(heard, "cancelled ");
+  }
+}
+
+TEST(Input, contentThatIsAtItsEndLetsTheNextScroll) {
+  Stage stage([] {
+    const View inner = ScrollView(Axis::vertical, Text("in").frame({.width = 90, .height = 120}).id("inner"))
+                           .frame({.width = 100, .height = 100});
+    const View column = VStack({}, {inner, Rectangle().fill(white()).frame({.width = 100, .height = 400})});
+    const View row = ScrollView(Axis::horizontal, Text("wide").frame({.width = 900, .height = 90}).id("row"))
+                         .frame({.width = 200, .height = 100});
+    return HStack({},
+                  {ScrollView(Axis::vertical, column.id("outer")).frame({.width = 100, .height = 200}), row});
+  });
+  const auto place = [&](const char* id) {
+    const Rect frame = stage.inspect.id(id)->targetFrame();
+    return std::lround(id == std::string("row") ? frame.x : frame.y);
+  };
+  const long inner = place("inner"), outer = place("outer"), row = place("row");
+  constexpr Point overInner{100, 90}, overRow{250, 150};
+  stage.scene.input().scrolled(overInner, {0, -30});
+  EXPECT_EQ(place("inner") - inner, -20);
+  EXPECT_EQ(place("outer"), outer);
+  stage.scene.input().scrolled(overInner, {0, -30});
+  EXPECT_EQ(place("outer") - outer, -30);
+  EXPECT_FALSE(stage.scene.input().scrolled(overRow, {0, -48})) << "fingers have two directions";
+  EXPECT_TRUE(stage.scene.input().scrolled(overRow, {0, -48}, true));
+  EXPECT_EQ(place("row") - row, -48);
 }
 
 TEST(Input, doubleTapsCountWithinTheirTime) {
@@ -141,13 +245,11 @@ TEST(Input, handlersMayRemoveWhatIsDragged) {
   std::string seen(1000, 'x');
   Stage* here = nullptr;
   Stage stage([&] {
-    return shown ? Rectangle().fill(white()).onDrag(
-                       0,
-                       [&, copy = seen](const DragValue&) {
-                         here->change([&] { shown = false; }, linear(1));
-                         seen = copy + "y";
-                       },
-                       [](const DragValue&) {})
+    return shown ? Rectangle().fill(white()).onDrag({.changed =
+                                                         [&, copy = seen](const DragValue&) {
+                                                           here->change([&] { shown = false; }, linear(1));
+                                                           seen = copy + "y";
+                                                         }})
                  : View();
   });
   here = &stage;

@@ -44,9 +44,15 @@ class Listener {
       case QAccessible::NameChanged:
         return heard.push_back("named " + name);
       case QAccessible::StateChanged:
-        return heard.push_back(name + (about->state().checked ? " on" : " off"));
+        if (static_cast<QAccessibleStateChangeEvent*>(event)->changedStates().checked)
+          heard.push_back(name + (about->state().checked ? " on" : " off"));
+        return;
       case QAccessible::ObjectShow:
         return;
+      case QAccessible::Focus:
+        return heard.push_back("focus on " + name);
+      case QAccessible::ValueChanged:
+        return heard.push_back(name + " " + about->valueInterface()->currentValue().toString().toStdString());
       default:
         ADD_FAILURE() << "event " << event->type() << " about " << name;
     }
@@ -84,6 +90,7 @@ TEST(SceneWidget, tellsAssistiveTechnologyWhatChanges) {
     std::vector<std::string> names{"a", "b"};
     std::string last = "last";
     bool on = false;
+    double level = 0.5;
     int moved = 0;
   } state;
   SceneWidget widget(scheduler, {200, 100}, observing([&] {
@@ -96,6 +103,8 @@ TEST(SceneWidget, tellsAssistiveTechnologyWhatChanges) {
                                               .padding(double(state.moved))
                                               .accessibility(Role::button, state.last)
                                               .accessibilityChecked(state.on)
+                                              .accessibilityValue({.now = state.level,
+                                                                   .set = [&](double v) { state.level = v; }})
                                               .id("last"));
                        return VStack({}, controls);
                      }));
@@ -122,6 +131,11 @@ TEST(SceneWidget, tellsAssistiveTechnologyWhatChanges) {
   EXPECT_EQ(scene->child(2), last) << "the same control in another place";
   EXPECT_THAT(change([&] { state.last = "end"; }), ElementsAre("named end"));
   EXPECT_THAT(change([&] { state.on = true; }), ElementsAre("end on"));
+  EXPECT_THAT(change([&] { last->valueInterface()->setCurrentValue(7); }), ElementsAre("end 1"));
+  EXPECT_THAT(
+      change([&] { last->actionInterface()->doAction(QAccessibleActionInterface::setFocusAction()); }),
+      ElementsAre("focus on end"));
+  EXPECT_TRUE(last->state().focused);
   EXPECT_THAT(change([&] { state.names = {"b"}; }), ElementsAre("destroyed new", "destroyed a", "created b"));
   EXPECT_EQ(scene->childCount(), 2);
   EXPECT_EQ(scene->child(0)->text(QAccessible::Name), "b");

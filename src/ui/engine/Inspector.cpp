@@ -132,8 +132,10 @@ std::vector<std::string> Inspector::symbols() const {
 void Inspector::hover(const Found& found) { hover(center(found.frame())); }
 void Inspector::hover(Point point) { scene_.input().moved(point); }
 void Inspector::leave() { scene_.input().left(); }
-void Inspector::press(const Found& found) { scene_.input().pressed(center(found.frame())); }
-void Inspector::release(Point point) { scene_.input().released(point); }
+void Inspector::press(const Found& found, PointerButton button) {
+  scene_.input().pressed(center(found.frame()), button);
+}
+void Inspector::release(Point point, PointerButton button) { scene_.input().released(point, button); }
 void Inspector::tap(const Found& found) { tap(center(found.frame())); }
 
 void Inspector::tap(Point point) {
@@ -150,6 +152,14 @@ void Inspector::drag(Point from, Point to) {
 
 bool Inspector::scroll(const Found& found, Point delta) {
   return scene_.input().scrolled(center(found.frame()), delta);
+}
+
+bool Inspector::key(Key key, Modifiers modifiers) {
+  return scene_.input().key({.key = key, .modifiers = modifiers});
+}
+
+std::optional<Inspector::Found> Inspector::focused() const {
+  return first([&](const Found& f) { return f.node_ == scene_.input().focused(); });
 }
 
 }  // namespace tarnwick::ui

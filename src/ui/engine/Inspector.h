@@ -68,12 +68,16 @@ class Inspector {
   void hover(const Found& found);
   void hover(Point point);
   void leave();
-  void press(const Found& found);
-  void release(Point point);
+  void press(const Found& found, PointerButton button = PointerButton::primary);
+  void release(Point point, PointerButton button = PointerButton::primary);
   void tap(const Found& found);
   void tap(Point point);
   void drag(Point from, Point to);
   bool scroll(const Found& found, Point delta);
+  /// @return whether somebody had a use for it
+  bool key(Key key, Modifiers modifiers = {});
+  /// The view with the keyboard's focus.
+  std::optional<Found> focused() const;
 
  private:
   Scene& scene_;

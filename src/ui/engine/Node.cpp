@@ -2,6 +2,7 @@
 
 #include <cmath>
 
+#include "ui/engine/Drawing.h"
 #include "ui/engine/Scene.h"
 
 namespace tarnwick::ui {
@@ -38,6 +39,10 @@ Node* Node::child(int wanted) const {
     if (child->slot == wanted) return child.get();
   }
   return nullptr;
+}
+
+Rect Node::presentedInScene() const {
+  return fromQt(transform.mapRect(QRectF(0, 0, presentedSize.width, presentedSize.height)));
 }
 
 bool Node::isMoving() const {

@@ -102,6 +102,8 @@ class Node {
   /// May be seen: neither clipped away nor fully transparent.
   bool visible = false;
   bool needsDraw = true;
+  /// Keys have brought the keyboard's focus here, and the window has the keyboard.
+  bool hasFocusRing = false;
   /// A child came or went since the last frame.
   bool childrenChanged = true;
   /// Its content as a picture, before blur and opacity, at `scale` pixels a point.
@@ -116,6 +118,8 @@ class Node {
     const auto& f = frameMotion.presented();
     return f.empty() ? frame : Rect{f[0], f[1], f[2], f[3]};
   }
+  /// What it covers in the scene, as presented, with all effects but its own overflow.
+  Rect presentedInScene() const;
   bool isMoving() const;
   /// It, or a view around it, is on its way out.
   bool leaves() const;

@@ -112,7 +112,7 @@ bool Presenter::present(Node& node, const Outer& outer) {
   const bool clips = node.attributes.clip || node.element->clips();
   const Rect box{0, 0, node.presentedSize.width, node.presentedSize.height};
   const double overflow = node.element->overflow(node.environment);
-  node.ownBounds = node.element->draws() ? mapped(node, drawnBox(node).grownBy(overflow, overflow)) : Rect{};
+  node.ownBounds = node.element->draws() || node.hasFocusRing ? mapped(node, drawnBox(node).grownBy(overflow, overflow)) : Rect{};
   const Rect clip = clips ? intersection(outer.clip, mapped(node, box)) : outer.clip;
   const bool shown = outer.visible && node.opacity > 0.002 && std::abs(node.transform.determinant()) > 1e-6;
 

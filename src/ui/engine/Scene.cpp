@@ -5,7 +5,6 @@
 #include "ui/engine/Node.h"
 #include "ui/engine/Presenter.h"
 #include "ui/engine/Reconciler.h"
-#include "ui/engine/Tooltip.h"
 
 namespace tarnwick::ui {
 namespace {
@@ -37,7 +36,7 @@ Scene::Scene(Scheduler& scheduler, Size size, View root, double pixelRatio)
   ++commitNumber_;
   Reconciler reconciler(*this, std::nullopt, true);
   const View centred = root.frame({.maxWidth = infinity, .maxHeight = infinity});
-  root_ = reconciler.build(ZStack(UnitPoint::topLeading, {centred, tooltipView(input_)}));
+  root_ = reconciler.build(ZStack(UnitPoint::topLeading, {centred, input_.tooltip_.view()}));
   layOut(reconciler);
   committing_ = false;
 }
@@ -58,7 +57,7 @@ void Scene::setPixelRatio(double ratio) {
   Reconciler reconciler(*this, std::nullopt, true);
   layOut(reconciler);
   addDamage({0, 0, size_.width, size_.height});
-  if (onNeedsFrame) onNeedsFrame();
+  requestFrame();
 }
 
 void Scene::renew(Node& node) {
@@ -92,7 +91,7 @@ void Scene::commit(const std::optional<Animation>& animation) {
   std::vector<std::function<void()>> appeared;
   appeared.swap(appeared_);
   for (const auto& action : appeared) action();
-  if (onNeedsFrame) onNeedsFrame();
+  requestFrame();
 }
 
 void Scene::layOut(Reconciler& reconciler) {
@@ -122,11 +121,23 @@ bool Scene::frame() {
   return presenter.moving();
 }
 
+void Scene::focusControl(unsigned long id) {
+  const std::function<void(Node&)> search = [&](Node& node) {
+    if (node.serial == id) return input_.focus(node);
+    for (const auto& child : node.children) search(*child);
+  };
+  search(*root_);
+}
+
+void Scene::requestFrame() {
+  if (onNeedsFrame) onNeedsFrame();
+}
+
 void Scene::scrolled() {
   ++commitNumber_;
   Reconciler reconciler(*this, std::nullopt, false);
   layOut(reconciler);
-  if (onNeedsFrame) onNeedsFrame();
+  requestFrame();
 }
 
 void Scene::finishLeaving(Node& node) {
@@ -206,7 +217,8 @@ std::vector<Scene::Control> Scene::controls() const {
     if (!node.visible || (interaction && interaction->disabled)) return;
     if (interaction && interaction->role != Role::none) {
       controls.push_back({node.serial, interaction->role, interaction->accessibilityName,
-                          interaction->checked, presentedFrame(node), interaction->onTap});
+                          interaction->checked, node.presentedInScene(), interaction->onTap,
+                          interaction->value, interaction->takesFocus(), &node == input_.focused()});
     }
     for (const auto& child : node.children) collect(*child);
   };
@@ -214,16 +226,10 @@ std::vector<Scene::Control> Scene::controls() const {
   return controls;
 }
 
-Rect Scene::presentedFrame(const Node& node) {
-  const QRectF rect =
-      node.transform.mapRect(QRectF(0, 0, node.presentedSize.width, node.presentedSize.height));
-  return {rect.x(), rect.y(), rect.width(), rect.height()};
-}
-
 std::optional<Rect> Scene::presentedFrame(const std::string& id) const {
   const Node* node = find(*root_, id);
   if (!node) return std::nullopt;
-  return presentedFrame(*node);
+  return node->presentedInScene();
 }
 
 bool Scene::isVisible(const std::string& id) const {

@@ -46,6 +46,15 @@ class Scene : public transaction::Committer {
   Date now() const { return scheduler_.now(); }
   /// Has the node's element build its content again with the next commit.
   void renew(Node& node);
+  /// In seconds, as told by the scheduler.
+  double uptime() const { return scheduler_.uptime(); }
+  Task after(double seconds, std::function<void()> work) {
+    return scheduler_.after(seconds, std::move(work));
+  }
+  /// Something looks different without a change of views.
+  void requestFrame();
+  /// An element has scrolled its content.
+  void scrolled();
 
   /// What the pointer does; all in points.
   SceneInput& input() { return input_; }
@@ -70,9 +79,14 @@ class Scene : public transaction::Committer {
     Rect frame;
     /// What a click does; may be empty.
     std::function<void()> press;
+    /// What it is set to, where there is something to set.
+    std::optional<AdjustableValue> value;
+    bool takesFocus, hasFocus;
   };
   /// Those that can be seen, in the order of drawing.
   std::vector<Control> controls() const;
+  /// Gives the keyboard's focus to the control with that number, if there still is one.
+  void focusControl(unsigned long id);
 
   void commit(const std::optional<Animation>& animation) override;
 
@@ -83,7 +97,6 @@ class Scene : public transaction::Committer {
 
   friend class Node;
 
-  void scrolled();
   void layOut(class Reconciler& reconciler);
   void finishLeaving(Node& node);
   void updateTimelines();
@@ -92,7 +105,6 @@ class Scene : public transaction::Committer {
   void forget(Node& node);
   void addDamage(const Rect& rect);
   Node* find(Node& node, const std::string& key) const;
-  static Rect presentedFrame(const Node& node);
 
   Scheduler& scheduler_;
   Size size_;

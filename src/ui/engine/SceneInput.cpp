@@ -1,160 +1,148 @@
 #include "ui/engine/SceneInput.h"
 
 #include <algorithm>
-#include <cmath>
-#include <vector>
+#include <functional>
+#include <utility>
 
-#include "ui/engine/Drawing.h"
+#include "ui/engine/HitTest.h"
 #include "ui/engine/Node.h"
 #include "ui/engine/Scene.h"
 
 namespace tarnwick::ui {
 namespace {
 
-/// Seconds that the pointer rests before a tooltip shows, and within which a second tap makes a double one.
-constexpr double tooltipDelay = 0.7;
-constexpr double doubleTapTime = 0.4;
+/// Pages turn by so many steps of a control.
+constexpr double stepsOfPage = 10;
 
-bool takesPress(const Node& node) {
-  const auto& i = node.attributes.interaction;
-  return i && (i->onTap || i->onDoubleTap || i->onPress || i->onDrag);
+bool isInteractive(const Node& node) { return node.attributes.interaction != nullptr; }
+
+/// How many steps of a control a key stands for.
+double stepsOf(Key key) {
+  switch (key) {
+    case Key::left:
+    case Key::down:
+      return -1;
+    case Key::right:
+    case Key::up:
+      return 1;
+    case Key::pageDown:
+      return -stepsOfPage;
+    case Key::pageUp:
+      return stepsOfPage;
+    default:
+      return 0;
+  }
 }
 
 }  // namespace
 
-Point SceneInput::inNode(const Node& node, Point point) const {
-  const QPointF p = node.transform.inverted().map(QPointF(point.x, point.y));
-  return {p.x(), p.y()};
-}
+SceneInput::SceneInput(Scene& scene) : scene_(scene), gestures_(scene), focus_(scene), tooltip_(scene) {}
 
-/// The same without the node's own effects.
-Point SceneInput::inFrame(const Node& node, Point point) const {
-  if (!node.parent) return point;
-  const QPointF p = node.parent->contentTransform.inverted().map(QPointF(point.x, point.y));
-  return Point{p.x(), p.y()} - node.presentedFrame().origin();
-}
-
-/// The frontmost node at `point` that is wanted.
-Node* SceneInput::hit(Node& node, Point point, const std::function<bool(const Node&)>& wanted) const {
-  const auto& interaction = node.attributes.interaction;
-  if (interaction && interaction->disabled) return nullptr;
-  if (node.isLeaving || std::abs(node.transform.determinant()) < 1e-6) return nullptr;
-  // A button that shrinks while it is pressed keeps its area.
-  const Point here = &node == pressed_ ? inFrame(node, point) : inNode(node, point);
-  const Rect box{0, 0, node.presentedSize.width, node.presentedSize.height};
-  const bool clips = node.attributes.clip || node.element->clips();
-  if (clips && !box.contains(here)) return nullptr;
-  for (auto child = node.children.rbegin(); child != node.children.rend(); ++child) {
-    if (Node* found = hit(**child, point, wanted)) return found;
-  }
-  if (!wanted(node) || !box.contains(here)) return nullptr;
-  if (interaction && interaction->hitShape &&
-      !outline(*interaction->hitShape, box.size()).contains(QPointF(here.x, here.y))) {
-    return nullptr;
-  }
-  return &node;
-}
-
-void SceneInput::moved(Point point) {
+void SceneInput::moved(Point point, Modifiers modifiers) {
   pointer_ = point;
-  updateHover();
-  awaitTooltip();
-  if (!pressed_) return;
-  // A copy: the handlers may make the view anew.
-  const auto interaction = pressed_->attributes.interaction;
-  if (!interaction) return;
-  if (interaction->onDrag) {
-    const Point way = point - pressedAt_;
-    if (!dragging_ && std::hypot(way.x, way.y) >= interaction->dragDistance) dragging_ = true;
-    if (dragging_) {
-      interaction->onDrag({inNode(*pressed_, pressedAt_), inNode(*pressed_, point), pressed_->presentedSize});
-    }
-  }
-  if (pressed_ && interaction->onPress) {
-    const bool over = hit(*scene_.root_, point, takesPress) == pressed_;
-    if (over != pressShown_) {
-      pressShown_ = over;
-      interaction->onPress(over);
-    }
-  }
+  Node* const withTooltip = updateHover();
+  tooltip_.pointerMoved(gestures_.isUnderWay() ? nullptr : withTooltip, point);
+  gestures_.move(point, modifiers);
 }
 
 void SceneInput::left() {
   pointer_.reset();
+  tooltip_.pointerMoved(nullptr, {});
   updateHover();
 }
 
-void SceneInput::pressed(Point point) {
+void SceneInput::pressed(Point point, PointerButton button, Modifiers modifiers) {
   pointer_ = point;
-  setTooltip(std::nullopt);
-  tooltipTimer_ = {};
+  tooltip_.hide();
   updateHover();
-  pressed_ = hit(*scene_.root_, point, takesPress);
-  pressedAt_ = point;
-  dragging_ = false;
-  if (!pressed_) return;
-  // A copy: the handlers may make the view anew, or end it.
-  const auto interaction = pressed_->attributes.interaction;
-  if (interaction->onPress) {
-    pressShown_ = true;
-    interaction->onPress(true);
-  }
-  if (interaction->onDrag && interaction->dragDistance == 0 && pressed_) {
-    dragging_ = true;
-    const Point here = inNode(*pressed_, point);
-    interaction->onDrag({here, here, pressed_->presentedSize});
-  }
+  const auto control = hitTest::at(scene_.root(), point, [](const Node& node) {
+    return isInteractive(node) && node.attributes.interaction->takesFocus();
+  });
+  // Where it was clicked Tab goes on.
+  if (!control.empty()) focus_.moveTo(control.front(), false);
+  gestures_.press(point, button, modifiers);
 }
 
-void SceneInput::released(Point point) {
+void SceneInput::released(Point point, PointerButton button, Modifiers modifiers) {
   pointer_ = point;
-  if (!pressed_ || !pressed_->attributes.interaction) {
-    pressed_ = nullptr;
-    return;
-  }
-  const bool over = hit(*scene_.root_, point, takesPress) == pressed_;
-  Node* const node = std::exchange(pressed_, nullptr);
-  const unsigned long serial = node->serial;
-  const auto interaction = node->attributes.interaction;
-  const bool dragged = std::exchange(dragging_, false);
-  const DragValue drag{inNode(*node, pressedAt_), inNode(*node, point), node->presentedSize};
-  if (interaction->onPress && std::exchange(pressShown_, false)) interaction->onPress(false);
-  if (dragged && interaction->onDragEnd) interaction->onDragEnd(drag);
-  if (!over || dragged) return;
-
-  const double now = scene_.scheduler_.uptime();
-  if (interaction->onDoubleTap && lastTapped_ == serial && now - lastTapTime_ < doubleTapTime) {
-    lastTapped_ = 0;
-    interaction->onDoubleTap();
-    return;
-  }
-  lastTapped_ = serial;
-  lastTapTime_ = now;
-  if (interaction->onTap) interaction->onTap();
+  gestures_.release(point, button, modifiers);
 }
 
-bool SceneInput::scrolled(Point point, Point delta) {
-  Node* node = hit(*scene_.root_, point,
-                   [&](const Node& candidate) { return candidate.element->canScroll(candidate, delta); });
-  if (!node) return false;
-  node->element->scroll(*node, delta);
-  scene_.scrolled();
+bool SceneInput::scrolled(Point point, Point delta, bool wheel) {
+  const Point turned = delta.x == 0 ? Point{delta.y, 0} : Point{0, delta.x};
+  for (const Point way : {delta, wheel ? turned : delta}) {
+    const auto found = hitTest::at(scene_.root(), point,
+                                   [&](const Node& node) { return node.element->canScroll(node, way); });
+    if (found.empty()) continue;
+    found.front()->element->scroll(*found.front(), way);
+    scene_.scrolled();
+    return true;
+  }
+  return false;
+}
+
+bool SceneInput::key(const KeyEvent& event) {
+  focus_.setActive(true);
+  if (event.key == Key::escape && gestures_.isUnderWay()) {
+    gestures_.cancel();
+    return true;
+  }
+  tooltip_.hide();
+  WeakNode focused = focus_.node();
+  if (offer(event, focused)) return true;
+  if (event.key == Key::tab && !event.modifiers.control && !event.modifiers.alt)
+    return focus_.step(!event.modifiers.shift);
+  return event.modifiers == Modifiers{} && ((focused && operate(*focused, event.key)) || focus_.move(event));
+}
+
+/// First to the view with the focus and those around it, then to all others from the front to the back.
+bool SceneInput::offer(const KeyEvent& event, Node* focused) {
+  std::vector<WeakNode> order;
+  for (Node* node = focused; node; node = node->parent) order.emplace_back(node);
+  const std::function<void(Node&)> collect = [&](Node& node) {
+    if (node.isLeaving || (isInteractive(node) && node.attributes.interaction->disabled)) return;
+    for (auto child = node.children.rbegin(); child != node.children.rend(); ++child) collect(**child);
+    if (std::ranges::find(order, &node, &WeakNode::get) == order.end()) order.emplace_back(node);
+  };
+  collect(scene_.root());
+  return std::ranges::any_of(order, [&](Node* node) {
+    // Kept: the handler may make the views anew.
+    const auto interaction = node ? node->attributes.interaction : nullptr;
+    return interaction && interaction->onKey && interaction->onKey(event);
+  });
+}
+
+/// What a key does to a control by itself.
+bool SceneInput::operate(Node& control, Key key) {
+  const auto interaction = control.attributes.interaction;
+  if ((key == Key::enter || key == Key::space) && interaction->onTap) {
+    interaction->onTap();
+    return true;
+  }
+  if (!interaction->value || !interaction->value->set) return false;
+  const AdjustableValue& value = *interaction->value;
+  const double wanted = key == Key::home  ? value.least
+                        : key == Key::end ? value.most
+                                          : value.now + stepsOf(key) * value.step;
+  if (wanted == value.now && stepsOf(key) == 0) return key == Key::home || key == Key::end;
+  value.set(std::clamp(wanted, value.least, value.most));
   return true;
 }
 
-/// The content may have moved under a resting pointer.
+/// The content may have moved under a resting pointer, and views may have gone.
 void SceneInput::sceneMoved() {
-  if (tooltip_ && !tooltipNode_) setTooltip(std::nullopt);
-  if (pointer_) updateHover();
+  gestures_.cancelVanished();
+  focus_.forgetVanished();
+  if (pointer_) tooltip_.viewChanged(updateHover(), *pointer_);
 }
 
-void SceneInput::updateHover() {
+/// @return the view under the pointer with a tooltip, or null
+Node* SceneInput::updateHover() {
   std::vector<Node*> inside;
   if (pointer_) {
-    Node* front =
-        hit(*scene_.root_, *pointer_, [](const Node& node) { return bool(node.attributes.interaction); });
-    for (Node* node = front; node; node = node->parent) {
-      if (node->attributes.interaction) inside.push_back(node);
+    const auto under = hitTest::at(scene_.root(), *pointer_, isInteractive);
+    for (Node* node = under.empty() ? nullptr : under.front(); node; node = node->parent) {
+      if (isInteractive(*node)) inside.push_back(node);
     }
   }
   std::vector<std::pair<std::shared_ptr<const Interaction>, bool>> calls;
@@ -163,47 +151,17 @@ void SceneInput::updateHover() {
     if (node && std::ranges::find(inside, node) == inside.end())
       calls.emplace_back(node->attributes.interaction, false);
   }
-  Node* withTooltip = nullptr;
+  WeakNode withTooltip;
   for (Node* node : inside) {
     if (!withTooltip && !node->attributes.interaction->tooltip.empty()) withTooltip = node;
     if (std::ranges::find(before, node, &WeakNode::get) == before.end())
       calls.emplace_back(node->attributes.interaction, true);
   }
-  if (withTooltip != tooltipNode_) {
-    tooltipNode_ = withTooltip;
-    awaitTooltip();
-  }
   // Last: a handler may make the views anew.
   for (const auto& [interaction, hovering] : calls) {
     if (interaction && interaction->onHover) interaction->onHover(hovering);
   }
-}
-
-/// What the outermost clip around a view leaves of the scene: beyond it there may be another program's
-/// window.
-Rect SceneInput::surfaceOf(const Node& node) const {
-  Rect surface{0, 0, scene_.size().width, scene_.size().height};
-  for (const Node* n = &node; n; n = n->parent) {
-    if (n->attributes.clip) surface = Scene::presentedFrame(*n);
-  }
-  return surface;
-}
-
-/// From now on the pointer rests.
-void SceneInput::awaitTooltip() {
-  setTooltip(std::nullopt);
-  tooltipTimer_ = {};
-  if (!tooltipNode_) return;
-  tooltipTimer_ = scene_.scheduler_.after(tooltipDelay, [this] {
-    if (!tooltipNode_ || !pointer_ || pressed_ || !tooltipNode_->attributes.interaction) return;
-    setTooltip(Tooltip{tooltipNode_->attributes.interaction->tooltip, *pointer_, surfaceOf(*tooltipNode_)});
-  });
-}
-
-void SceneInput::setTooltip(std::optional<Tooltip> tooltip) {
-  if (tooltip.has_value() == tooltip_.has_value()) return;
-  tooltip_ = std::move(tooltip);
-  withAnimation(easeOut(0.15), [this] { tooltipChanges_.notifyObservers(); });
+  return withTooltip;
 }
 
 }  // namespace tarnwick::ui

@@ -1,66 +1,55 @@
 #pragma once
-#include <functional>
 #include <optional>
-#include <string>
 #include <vector>
 
-#include "base/Geometry.h"
-#include "base/ObservableObject.h"
-#include "base/Scheduler.h"
-#include "ui/engine/Node.h"
+#include "ui/Events.h"
+#include "ui/engine/Focus.h"
+#include "ui/engine/Gestures.h"
+#include "ui/engine/Tooltip.h"
 
 namespace tarnwick::ui {
 
 class Scene;
 
-/// Brings the pointer to the views of a scene.
+/// Brings what pointer and keyboard do to the views of a scene. Points are those of the scene.
 class SceneInput {
  public:
-  explicit SceneInput(Scene& scene) : scene_(scene) {}
+  explicit SceneInput(Scene& scene);
 
-  void moved(Point point);
+  void moved(Point point, Modifiers modifiers = {});
+  /// The pointer has left the scene.
   void left();
-  void pressed(Point point);
-  void released(Point point);
-  /// Scrolls the innermost scroll view at `point` that has a way to go. @return false where there is none.
-  bool scrolled(Point point, Point delta);
+  void pressed(Point point, PointerButton button = PointerButton::primary, Modifiers modifiers = {});
+  void released(Point point, PointerButton button = PointerButton::primary, Modifiers modifiers = {});
+  /// Something else has taken the pointer: what a press began ends without effect.
+  void cancelled() { gestures_.cancel(); }
+  /// Scrolls the innermost content at `point` that has a way to go. What no content can follow along one axis
+  /// a `wheel`, which has but one, scrolls along the other. @return false where there is nothing to scroll.
+  bool scrolled(Point point, Point delta, bool wheel = false);
 
-  /// The text of the tooltip on show, where the pointer rests, and the surface that it stays on.
-  struct Tooltip {
-    std::string text;
-    Point point;
-    Rect surface;
-  };
-  const std::optional<Tooltip>& tooltip() const {
-    tooltipChanges_.noteRead();
-    return tooltip_;
-  }
+  /// A key went down. @return false when nobody has a use for it.
+  bool key(const KeyEvent& event);
+  /// The window has come by the keyboard, or lost it.
+  void keyboardChanged(bool has) { focus_.setActive(has); }
+
+  /// The view with the keyboard's focus; null: none.
+  const Node* focused() const { return focus_.node(); }
+  /// Gives it the focus, with a ring around it.
+  void focus(Node& node) { focus_.moveTo(&node, true); }
 
  private:
   friend class Scene;
   void sceneMoved();
-  void updateHover();
-  void awaitTooltip();
-  void setTooltip(std::optional<Tooltip> tooltip);
-  Rect surfaceOf(const Node& node) const;
-  Node* hit(Node& node, Point point, const std::function<bool(const Node&)>& wanted) const;
-  Point inNode(const Node& node, Point point) const;
-  Point inFrame(const Node& node, Point point) const;
+  Node* updateHover();
+  bool offer(const KeyEvent& event, Node* focused);
+  bool operate(Node& control, Key key);
 
   Scene& scene_;
   std::optional<Point> pointer_;
   std::vector<WeakNode> hovered_;
-  WeakNode pressed_;
-  Point pressedAt_;
-  bool dragging_ = false;
-  bool pressShown_ = false;
-  /// The view's serial number.
-  unsigned long lastTapped_ = 0;
-  double lastTapTime_ = 0;
-  WeakNode tooltipNode_;
-  std::optional<Tooltip> tooltip_;
-  Task tooltipTimer_;
-  ObservableObject tooltipChanges_;
+  Gestures gestures_;
+  Focus focus_;
+  Tooltip tooltip_;
 };
 
 }  // namespace tarnwick::ui

@@ -39,7 +39,9 @@ void send(QAccessible::Event type, QAccessibleInterface& about) {
 }
 
 /// One control of a scene, for as long as its view is there.
-class AccessibleControl : public QAccessibleInterface, public QAccessibleActionInterface {
+class AccessibleControl : public QAccessibleInterface,
+                          public QAccessibleActionInterface,
+                          public QAccessibleValueInterface {
  public:
   AccessibleControl(SceneWidget& widget, Scene::Control control)
       : widget_(&widget), known_(std::move(control)) {}
@@ -50,10 +52,16 @@ class AccessibleControl : public QAccessibleInterface, public QAccessibleActionI
   void update(Scene::Control now) {
     const Scene::Control before = std::exchange(known_, std::move(now));
     if (known_.name != before.name) send(QAccessible::NameChanged, *this);
-    if (known_.checked != before.checked) {
-      QAccessible::State changed;
-      changed.checked = true;
+    QAccessible::State changed;
+    changed.checked = known_.checked != before.checked;
+    changed.focused = known_.hasFocus != before.hasFocus;
+    if (changed.checked || changed.focused) {
       QAccessibleStateChangeEvent event(this, changed);
+      QAccessible::updateAccessibility(&event);
+    }
+    if (known_.hasFocus && !before.hasFocus) send(QAccessible::Focus, *this);
+    if (known_.value && before.value && known_.value->now != before.value->now) {
+      QAccessibleValueChangeEvent event(this, known_.value->now);
       QAccessible::updateAccessibility(&event);
     }
   }
@@ -71,6 +79,8 @@ class AccessibleControl : public QAccessibleInterface, public QAccessibleActionI
     QAccessible::State state;
     state.checkable = known_.checked.has_value();
     state.checked = known_.checked.value_or(false);
+    state.focusable = known_.takesFocus;
+    state.focused = known_.hasFocus;
     return state;
   }
   QString text(QAccessible::Text kind) const override {
@@ -86,16 +96,34 @@ class AccessibleControl : public QAccessibleInterface, public QAccessibleActionI
   }
 
   void* interface_cast(QAccessible::InterfaceType type) override {
-    return type == QAccessible::ActionInterface ? static_cast<QAccessibleActionInterface*>(this) : nullptr;
+    if (type == QAccessible::ActionInterface) return static_cast<QAccessibleActionInterface*>(this);
+    if (type == QAccessible::ValueInterface && known_.value)
+      return static_cast<QAccessibleValueInterface*>(this);
+    return nullptr;
   }
   QStringList actionNames() const override {
-    return known_.press ? QStringList{pressAction()} : QStringList();
+    QStringList names;
+    if (known_.press) names << pressAction();
+    if (known_.takesFocus) names << setFocusAction();
+    return names;
   }
   void doAction(const QString& name) override {
     const auto found = control();
-    if (found && found->press && name == pressAction()) found->press();
+    if (!found) return;
+    if (found->press && name == pressAction()) found->press();
+    if (name == setFocusAction()) widget_->scene().focusControl(known_.id);
   }
   QStringList keyBindingsForAction(const QString&) const override { return {}; }
+
+  QVariant currentValue() const override { return known_.value->now; }
+  QVariant minimumValue() const override { return known_.value->least; }
+  QVariant maximumValue() const override { return known_.value->most; }
+  QVariant minimumStepSize() const override { return known_.value->step; }
+  void setCurrentValue(const QVariant& value) override {
+    const auto found = control();
+    if (found && found->value && found->value->set)
+      found->value->set(std::clamp(value.toDouble(), found->value->least, found->value->most));
+  }
 
  private:
   /// As it is at this moment: views move, and come and go, under the reader's hands.
@@ -146,6 +174,7 @@ class AccessibleScene : public QAccessibleWidget {
     for (AccessibleControl* child : made) {
       send(QAccessible::ObjectCreated, *child);
       send(QAccessible::ObjectShow, *child);
+      if (child->state().focused) send(QAccessible::Focus, *child);
     }
   }
 

@@ -17,6 +17,35 @@ namespace {
 
 Point fromQt(QPointF p) { return {p.x(), p.y()}; }
 
+std::optional<PointerButton> fromQt(Qt::MouseButton button) {
+  switch (button) {
+    case Qt::LeftButton:
+      return PointerButton::primary;
+    case Qt::RightButton:
+      return PointerButton::secondary;
+    case Qt::MiddleButton:
+      return PointerButton::middle;
+    default:
+      return std::nullopt;
+  }
+}
+
+Modifiers fromQt(Qt::KeyboardModifiers modifiers) {
+  return {modifiers.testFlag(Qt::ShiftModifier), modifiers.testFlag(Qt::ControlModifier),
+          modifiers.testFlag(Qt::AltModifier)};
+}
+
+Key keyOf(int key) {
+  static constexpr std::pair<Qt::Key, Key> keys[] = {
+      {Qt::Key_Tab, Key::tab},       {Qt::Key_Backtab, Key::tab},       {Qt::Key_Return, Key::enter},
+      {Qt::Key_Enter, Key::enter},   {Qt::Key_Space, Key::space},       {Qt::Key_Escape, Key::escape},
+      {Qt::Key_Left, Key::left},     {Qt::Key_Right, Key::right},       {Qt::Key_Up, Key::up},
+      {Qt::Key_Down, Key::down},     {Qt::Key_Home, Key::home},         {Qt::Key_End, Key::end},
+      {Qt::Key_PageUp, Key::pageUp}, {Qt::Key_PageDown, Key::pageDown}, {Qt::Key_Menu, Key::menu}};
+  const auto found = std::ranges::find(keys, key, &std::pair<Qt::Key, Key>::first);
+  return found == std::end(keys) ? Key::other : found->second;
+}
+
 /// Points that one notch of a wheel scrolls.
 constexpr double wheelStep = 48;
 
@@ -27,6 +56,7 @@ SceneWidget::SceneWidget(Scheduler& scheduler, Size size, View root)
   setAttribute(Qt::WA_NoSystemBackground);
   setAttribute(Qt::WA_OpaquePaintEvent);
   setMouseTracking(true);
+  setFocusPolicy(Qt::StrongFocus);
   installSceneAccessibility();
   resize(int(size.width), int(size.height));
   scene_.onNeedsFrame = [this] { scheduleFrame(); };
@@ -88,14 +118,18 @@ void SceneWidget::paintEvent(QPaintEvent* event) {
   }
 }
 
-void SceneWidget::mouseMoveEvent(QMouseEvent* event) { scene_.input().moved(fromQt(event->position())); }
+void SceneWidget::mouseMoveEvent(QMouseEvent* event) {
+  scene_.input().moved(fromQt(event->position()), fromQt(event->modifiers()));
+}
 
 void SceneWidget::mousePressEvent(QMouseEvent* event) {
-  if (event->button() == Qt::LeftButton) scene_.input().pressed(fromQt(event->position()));
+  if (const auto button = fromQt(event->button()))
+    scene_.input().pressed(fromQt(event->position()), *button, fromQt(event->modifiers()));
 }
 
 void SceneWidget::mouseReleaseEvent(QMouseEvent* event) {
-  if (event->button() == Qt::LeftButton) scene_.input().released(fromQt(event->position()));
+  if (const auto button = fromQt(event->button()))
+    scene_.input().released(fromQt(event->position()), *button, fromQt(event->modifiers()));
 }
 
 void SceneWidget::enterEvent(QEnterEvent* event) { scene_.input().moved(fromQt(event->position())); }
@@ -106,7 +140,21 @@ void SceneWidget::wheelEvent(QWheelEvent* event) {
   const std::optional<double> smoothStep = smoothPointsPerClick ? smoothPointsPerClick(*event) : std::nullopt;
   const QPointF delta =
       QPointF(event->angleDelta()) / QWheelEvent::DefaultDeltasPerStep * smoothStep.value_or(wheelStep);
-  event->setAccepted(scene_.input().scrolled(fromQt(event->position()), {delta.x(), delta.y()}));
+  event->setAccepted(scene_.input().scrolled(fromQt(event->position()), {delta.x(), delta.y()}, !smoothStep));
 }
+
+void SceneWidget::hideEvent(QHideEvent*) {
+  scene_.input().cancelled();
+  scene_.input().left();
+}
+
+void SceneWidget::keyPressEvent(QKeyEvent* event) {
+  event->setAccepted(
+      scene_.input().key({keyOf(event->key()), event->text().toStdString(), fromQt(event->modifiers())}));
+}
+
+void SceneWidget::focusInEvent(QFocusEvent*) { scene_.input().keyboardChanged(true); }
+
+void SceneWidget::focusOutEvent(QFocusEvent*) { scene_.input().keyboardChanged(false); }
 
 }  // namespace tarnwick::ui

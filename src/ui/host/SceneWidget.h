@@ -32,6 +32,12 @@ class SceneWidget : public QWidget {
   void enterEvent(QEnterEvent* event) override;
   void leaveEvent(QEvent* event) override;
   void wheelEvent(QWheelEvent* event) override;
+  void hideEvent(QHideEvent* event) override;
+  void keyPressEvent(QKeyEvent* event) override;
+  void focusInEvent(QFocusEvent* event) override;
+  void focusOutEvent(QFocusEvent* event) override;
+  /// The scene has a focus of its own, which Tab moves.
+  bool focusNextPrevChild(bool) override { return false; }
 
  private:
   double frameInterval() const;

@@ -18,6 +18,8 @@ constexpr double enlargingVariance = 0.11;
 /// In pixels: less cannot be seen.
 constexpr double leastBlur = 0.3;
 
+constexpr Color focusColor{0.35, 0.62, 1};
+
 /// The scale at which something is drawn that will be blurred by `radius` points, and by how many of its
 /// pixels that then has to be done.
 struct Reduction {
@@ -145,6 +147,22 @@ void Painter::drawContent(Node& node, Surface& surface, double opacity) {
   } else {
     drawInside(node, surface, opacity);
   }
+  if (node.hasFocusRing) drawFocusRing(node, surface, opacity);
+}
+
+/// Inside the view's edges, so that nothing around it can cut the ring.
+void Painter::drawFocusRing(const Node& node, Surface& surface, double opacity) {
+  constexpr double width = 2;
+  const Size size{std::max(0.0, node.presentedSize.width - width),
+                  std::max(0.0, node.presentedSize.height - width)};
+  const Shape shape = node.attributes.interaction && node.attributes.interaction->hitShape
+                          ? *node.attributes.interaction->hitShape
+                          : RoundedRectangle(6);
+  QPainter& painter = surface.painter;
+  painter.setTransform(QTransform::fromTranslate(width / 2, width / 2) * node.transform * surface.toPixels);
+  painter.setOpacity(opacity);
+  painter.strokePath(outline(shape, size), QPen(toQt(focusColor), width));
+  surface.blank = false;
 }
 
 void Painter::drawInside(Node& node, Surface& surface, double opacity) {

@@ -39,6 +39,7 @@ class Painter {
   void drawClipped(Node& node, Surface& surface, double opacity);
   void drawGroup(Node& node, Surface& surface, double opacity);
   void drawShadows(Node& node, Surface& surface, double opacity, bool beneath);
+  void drawFocusRing(const Node& node, Surface& surface, double opacity);
   void drawInsideClip(Node& node, Surface& surface);
   void cutCorners(const Node& node, QPainter& painter, const QTransform& toPixels);
   QImage render(Node& node, const Rect& rect, double scale);
