@@ -11,6 +11,7 @@ namespace {
 
 /// Room for the largest surface with its shadow, in points.
 constexpr Size panelSize{940, 380};
+constexpr double loadDelay = 0.05;
 
 /// The black surface as it is now.
 PanelContent::Surface presentedSurface(const ui::Scene& scene) {
@@ -50,6 +51,14 @@ void AppDelegate::applicationDidFinishLaunching() {
                         .calendars = calendars_};
   controller_ =
       std::make_unique<NotchController>(desktop, [this](NotchModel& model) { return makePanel(model); });
+  // What takes long to load must not keep the notch waiting, whose window needs some turns of the loop to
+  // show.
+  loading_ = scheduler_.after(loadDelay, [this] {
+    audioDevices_.connect();
+    processes_.allowStarting();
+    systemBus_.open();
+    sessionBus_.open();
+  });
 }
 
 void AppDelegate::applicationWillTerminate() {
@@ -65,13 +74,6 @@ std::unique_ptr<NotchPanel> AppDelegate::makePanel(NotchModel& model) {
   content->onFrame = [panel = panel.get()] { panel->surfaceChanged(); };
   content->smoothPointsPerClick = [panel = panel.get()](const QWheelEvent& event) {
     return panel->smoothPointsPerClick(event);
-  };
-  // What takes long to load must not keep the notch waiting.
-  content->onFirstFrame = [this] {
-    audioDevices_.connect();
-    processes_.allowStarting();
-    systemBus_.open();
-    sessionBus_.open();
   };
   return panel;
 }

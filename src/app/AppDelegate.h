@@ -59,6 +59,7 @@ class AppDelegate {
   EvolutionCalendars calendars_{scheduler_, sessionBus_, hasCalendars(folders_),
                                 [] { return loadCalendarReader(moduleFolder()); }};
   std::unique_ptr<NotchController> controller_;
+  Task loading_;
 };
 
 }  // namespace tarnwick

@@ -77,7 +77,9 @@ void Scene::commit(const std::optional<Animation>& animation) {
   committing_ = true;
   pendingCommit_ = {};
   ++commitNumber_;
-  Reconciler reconciler(*this, animation ? std::optional(animation->delayed(-lead_)) : animation, false);
+  // What has not been seen yet moves from nowhere.
+  const bool moves = animation && shown_;
+  Reconciler reconciler(*this, moves ? std::optional(animation->delayed(-lead_)) : std::nullopt, false);
   while (!dirty_.empty()) {
     // The outermost first: it may renew the others on the way.
     Node* next = *std::min_element(dirty_.begin(), dirty_.end(),
@@ -108,6 +110,7 @@ void Scene::layOut(Reconciler& reconciler) {
 
 bool Scene::frame() {
   commit(std::nullopt);
+  shown_ = true;
   std::vector<std::function<void()>> appeared;
   appeared.swap(appeared_);
   for (const auto& action : appeared) action();

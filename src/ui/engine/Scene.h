@@ -120,6 +120,8 @@ class Scene : public transaction::Committer {
   unsigned commitNumber_ = 0;
   unsigned renewals_ = 0;
   bool committing_ = false;
+  /// A frame has been made.
+  bool shown_ = false;
   SceneInput input_;
 };
 

@@ -95,7 +95,6 @@ void SceneWidget::runFrame() {
     nextDue_ = std::max(nextDue_, began) + frameInterval();
     repaint(region & rect());
   }
-  if (onFirstFrame) std::exchange(onFirstFrame, nullptr)();
   if (moving) runFrameAt(std::max(began + frameInterval(), nextDue_ - frameInterval()));
 }
 

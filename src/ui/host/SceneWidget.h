@@ -17,8 +17,6 @@ class SceneWidget : public QWidget {
   Scene& scene() { return scene_; }
   /// Called after each frame, before it is on the screen.
   std::function<void()> onFrame;
-  /// Called once, when the first frame has been painted.
-  std::function<void()> onFirstFrame;
   /// Points that a smooth device, such as a touchpad, travels for what the event counts as one click of a
   /// wheel; nothing for a wheel, whose clicks scroll farther.
   std::function<std::optional<double>(const QWheelEvent&)> smoothPointsPerClick;
