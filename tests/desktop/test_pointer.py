@@ -72,27 +72,55 @@ class Pointer(DesktopTest):
                          [(self.middle, 100)])
         self.assertEqual(self.desktop.x.get_input_focus().focus, focus, "the overlay took the focus")
 
-    def test_a_dropped_file_is_kept(self):
-        file = self.desktop.home / "plan für morgen.txt"
-        file.write_text("x")
-        self.desktop.start_overlay()
-        source = self.desktop.start([BUILD / "tests/test-platform", "--drag", "text/uri-list", file.as_uri(), 100, 500])
+    def pull(self, kind, data, button=1):
+        """Begins a drag of another program. @return what asks whether that program has said a word"""
+        source = self.desktop.start([BUILD / "tests/test-platform", "--drag", kind, data, 100, 500])
 
         def said(word):
             return word in source.log.read_text().split()
         wait_until(lambda: said("ready"), "the program to drag from")
         self.desktop.move_pointer(150, 550)
-        self.desktop.press()
-        steps = itertools.count(1)
+        self.desktop.press(button)
+        self.steps = itertools.count(1)
         # Programs take a pull for a drag only after some way.
-        wait_until(lambda: self.desktop.move_pointer(150 + 2 * next(steps), 550) or said("dragging"), "a drag")
-        # Near the notch, but not on it. The source follows the pointer only once its drag is on: it must keep moving.
-        wait_until(lambda: self.desktop.move_pointer(self.middle + next(steps) % 9, 110)
-                   or self.desktop.top().notch()[:2] == (EXPANDED[0] - 12, EXPANDED[1]), "the drop area")
-        wait_until(lambda: self.desktop.move_pointer(self.middle, 80 + next(steps) % 9) or said("accepted"), "a target")
+        wait_until(lambda: self.desktop.move_pointer(150 + 2 * next(self.steps), 550) or said("dragging"), "a drag")
+        return said
+
+    def drag_at(self, y, condition, what):
+        # A source follows the pointer only once its drag is on: it must keep moving.
+        wait_until(lambda: self.desktop.move_pointer(self.middle + next(self.steps) % 9, y) or condition(), what)
+
+    def is_open(self):
+        return self.desktop.top().notch()[:2] == (EXPANDED[0] - 12, EXPANDED[1])
+
+    def test_a_dropped_file_is_kept(self):
+        file = self.desktop.home / "plan für morgen.txt"
+        file.write_text("x")
+        self.desktop.start_overlay()
+        said = self.pull("text/uri-list", file.as_uri())
+        self.drag_at(110, self.is_open, "the drop area, near the notch")
+        self.drag_at(80, lambda: said("accepted"), "a target")
         self.desktop.release()
         wait_until(lambda: self.desktop.defaults().get("trayItems") == [str(file)], "the file in the tray")
         self.desktop.wait_for_notch(*EXPANDED)
+
+    def test_a_drag_by_another_button_opens_it_and_ends(self):
+        self.desktop.start_overlay()
+        self.pull("text/uri-list", "file:///tmp", button=2)
+        self.drag_at(110, self.is_open, "the drop area")
+        self.leave_notch()
+        self.desktop.wait_for_notch(*HIDDEN)
+        self.desktop.release(2)
+
+    def test_nothing_but_files_is_taken(self):
+        self.desktop.start_overlay()
+        for kind, data in (("text/uri-list", "https://example.org/"), ("text/plain", "file:///tmp/a")):
+            said = self.pull(kind, data)
+            self.drag_at(10, lambda: next(self.steps) > 300, "some way over the notch")
+            self.assertFalse(self.is_open())
+            self.desktop.release()
+            wait_until(lambda: said("dropped"), "the end of the drag")
+            self.assertTrue(said("nothing"))
 
 
 if __name__ == "__main__":

@@ -1,6 +1,5 @@
 #include "linux/x11/X11NotchPanel.h"
 
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <xcb/shape.h>
 #include <xcb/xinput.h>
@@ -16,8 +15,6 @@
 #include "platform/TestDesktop.h"
 
 using namespace tarnwick;
-using testing::ElementsAre;
-
 namespace {
 
 constexpr uint32_t surfaceColor = 0x123456, otherColor = 0x00ff00;
@@ -197,85 +194,6 @@ TEST_F(X11NotchPanelTest, BorrowsTheKeyboardFocus) {
   EXPECT_TRUE(isBackAt(otherWindow)) << "the window that had it is gone: the next one gets it";
 }
 
-TEST_F(X11NotchPanelTest, TakesFilesThatAreDroppedOnIt) {
-  std::string calls;
-  std::vector<FilePath> files{"none yet"};
-  panel.onDragEnter = [&] { calls += "enter "; };
-  panel.onDragExit = [&] { calls += "exit "; };
-  panel.onDropFiles = [&](const std::vector<FilePath>& dropped) {
-    calls += "drop ";
-    files = dropped;
-  };
-  content.surface = {270, 0, 400, 200};
-  panel.surfaceChanged();
-  panel.setPointerArea(Rect{270, 0, 400, 200});
-  const auto pull = [] {
-    desktop().hands.movePointer(150, 650);
-    desktop().hands.press();
-    desktop().hands.movePointer(170, 640);
-  };
-  // A source follows the pointer only once its drag is on: it must keep moving.
-  const auto dragUntil = [&](int y, const std::string& expected) {
-    int step = 0;
-    return waitUntil([&] {
-      desktop().hands.movePointer(500 + ++step % 9, y);
-      return calls == expected;
-    });
-  };
-  const auto source = [](const char* type, const char* data) {
-    return desktop().startRole({"--drag", type, data, "100", "600"});
-  };
-  {
-    const auto files3 = source("text/uri-list", "file:///tmp/folder\r\nfile:///tmp/a\r\nfile:///tmp/%E9\r\n");
-    pull();
-    ASSERT_TRUE(dragUntil(100, "enter "));
-    ASSERT_TRUE(dragUntil(500, "enter exit "));
-    ASSERT_TRUE(dragUntil(100, "enter exit enter "));
-    desktop().hands.release();
-    EXPECT_EQ(files3->waitForLine("dropped"), " copy");
-    EXPECT_TRUE(waitUntil([&] { return calls == "enter exit enter drop "; }));
-    EXPECT_THAT(files, ElementsAre("/tmp/folder", "/tmp/a", "/tmp/\xe9"));
-  }
-  calls.clear();
-  const std::pair<const char*, const char*> foreign[] = {{"text/uri-list", "https://example.org/\r\n"},
-                                                         {"text/plain", "file:///tmp/a"}};
-  for (const auto& [type, data] : foreign) {
-    const auto other = source(type, data);
-    pull();
-    other->waitForLine("dragging");
-    int moves = 0;
-    waitUntil([&] {
-      desktop().hands.movePointer(500 + moves, 100);
-      return ++moves == 30;
-    });
-    desktop().hands.release();
-    EXPECT_EQ(other->waitForLine("dropped"), " nothing") << data;
-    EXPECT_EQ(calls, "") << data;
-  }
-}
-
-TEST_F(X11NotchPanelTest, HandsScrollingToTheControllerFirst) {
-  std::vector<ScrollEvent> events;
-  bool consume = true;
-  panel.onScroll = [&](const ScrollEvent& event) {
-    events.push_back(event);
-    return consume;
-  };
-  panel.setPointerArea(Rect{270, 0, 400, 200});
-
-  constexpr unsigned wheelDown = 5;
-  desktop().hands.click(500, 10, wheelDown);
-  ASSERT_TRUE(waitUntil([&] { return events.size() == 1; }));
-  EXPECT_FALSE(events[0].precise);
-  EXPECT_EQ(events[0].phase, ScrollEvent::Phase::none);
-  EXPECT_LT(events[0].deltaY, 0);
-  EXPECT_EQ(content.scrolls, 0);
-
-  consume = false;
-  desktop().hands.click(500, 10, wheelDown);
-  EXPECT_TRUE(waitUntil([&] { return content.scrolls == 1; })) << "what is not consumed scrolls the content";
-}
-
 namespace {
 
 /// A property of the test extension's pointer, as a touchpad's driver would set it.
@@ -313,17 +231,18 @@ uint16_t testPointer(X11Connection& connection) {
 
 }  // namespace
 
-TEST_F(X11NotchPanelTest, ReadsWhatFingersDoFromTheDriversSettings) {
+TEST_F(X11NotchPanelTest, HandsScrollingToTheControllerAsTheDriverMeansIt) {
   const uint16_t device = testPointer(desktop().connection());
   ASSERT_NE(device, 0);
   const QPointingDevice touchpad("touchpad", device, QInputDevice::DeviceType::TouchPad,
                                  QPointingDevice::PointerType::Finger, QInputDevice::Capability::Scroll, 1,
                                  3);
+  bool consumes = true;
   const auto scroll = [&](QPoint eighthsOfDegrees, QPoint pixels) {
     ScrollEvent seen;
     panel.onScroll = [&](const ScrollEvent& event) {
       if (event.phase != ScrollEvent::Phase::ended) seen = event;
-      return true;
+      return consumes;
     };
     QWheelEvent event({470, 10}, {500, 10}, pixels, eighthsOfDegrees, Qt::NoButton, Qt::NoModifier,
                       Qt::NoScrollPhase, false, Qt::MouseEventNotSynthesized, &touchpad);
@@ -335,7 +254,13 @@ TEST_F(X11NotchPanelTest, ReadsWhatFingersDoFromTheDriversSettings) {
   };
   EXPECT_TRUE(isNatural(false)) << "a driver that tells nothing";
   EXPECT_TRUE(scroll({60, -120}, {7, -14}).precise);
-  EXPECT_FALSE(scroll({0, -120}, {}).precise) << "a wheel";
+  const ScrollEvent wheel = scroll({0, -120}, {});
+  EXPECT_FALSE(wheel.precise);
+  EXPECT_LT(wheel.deltaY, 0);
+  EXPECT_EQ(content.scrolls, 0);
+  consumes = false;
+  scroll({0, -120}, {});
+  EXPECT_EQ(content.scrolls, 1) << "what is not consumed scrolls the content";
   {
     const DriverSetting method(device, "libinput Scroll Method Enabled", {1, 0, 0});
     const DriverSetting distance(device, "libinput Scrolling Pixel Distance", {30, 0, 0, 0}, 32);
