@@ -9,8 +9,15 @@ namespace tarnwick::ui {
 /// How a button looks: its label, whether the button is held down on it, whether the pointer is over it.
 using ButtonStyle = std::function<View(View label, bool pressed, bool hovering)>;
 
-/// A control that runs `action` when it is clicked. The pointer area is what the style returns; `name` is
-/// what assistive technology calls it.
-View Button(std::string name, std::function<void()> action, View label, ButtonStyle style);
+struct ButtonOptions {
+  /// What assistive technology calls it.
+  std::string name;
+  View label;
+  /// Without one: the label alone. What it returns takes the pointer.
+  ButtonStyle style;
+  std::function<void()> action;
+};
+/// A control that acts when it is clicked.
+View Button(ButtonOptions options);
 
 }  // namespace tarnwick::ui

@@ -37,6 +37,8 @@ struct AdjustableValue {
   double now = 0, least = 0, most = 1;
   /// What an arrow key alters.
   double step = 0.05;
+  /// How it is read out; the number where it is empty.
+  std::string text = {};
   /// Called with values from `least` to `most`.
   std::function<void(double)> set;
 };

@@ -33,6 +33,10 @@ View View::effect(EffectKind kind, const std::function<void(Effects&)>& change) 
   });
 }
 
+View View::inside(std::shared_ptr<const Element> element) const {
+  return isEmpty() ? *this : View(std::move(element), {*this});
+}
+
 View View::interaction(const std::function<void(Interaction&)>& change) const {
   return with([&](Attributes& attributes) {
     auto copy = attributes.interaction ? std::make_shared<Interaction>(*attributes.interaction)
@@ -69,7 +73,6 @@ View View::brightness(double amount) const {
   return effect(EffectKind::brightness, [=](Effects& e) { e.brightness = amount; });
 }
 View View::clipShape(Shape shape) const {
-  if (isEmpty()) return *this;
   return Group(*this).with([&](Attributes& a) { a.clip = std::move(shape); });
 }
 View View::shadow(Color color, double radius, Point offset) const {
@@ -105,6 +108,7 @@ View View::bounce(AnyValue value, bool onAppear) const {
   return with([&](Attributes& a) { a.bounce = Attributes::Bounce{std::move(value), onAppear}; });
 }
 View View::pulse() const {
+  if (isEmpty()) return *this;
   // Slow enough that ten steps a second look smooth, which most of what moves by itself shares.
   constexpr double interval = 0.1, period = 1.5, least = 0.4;
   return timeline(interval, false, [view = *this](Date now) {
@@ -112,6 +116,13 @@ View View::pulse() const {
     return view.opacity(least + (1 - least) * (0.5 + 0.5 * std::cos(2 * std::numbers::pi * phase)));
   });
 }
+View RollingNumber(std::string text, const Animation& animation) {
+  return Text(text)
+      .monospacedDigits()
+      .contentTransition(ContentTransition::numericText)
+      .animation(animation, text);
+}
+
 View View::onAppear(std::function<void()> action) const {
   return with([&](Attributes& a) { a.onAppear = std::move(action); });
 }

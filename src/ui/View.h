@@ -53,7 +53,8 @@ struct FrameOptions {
 /// behind it changes. A default-constructed view is nothing at all.
 ///
 /// Decorators return the decorated view and compose by chaining, inside out: `a.padding(4).background(b)` has
-/// `b` behind the padding, too.
+/// `b` behind the padding, too. Nothing decorated is nothing: what keeps a place while it is empty stands in
+/// a stack, and that is decorated.
 class View {
  public:
   View() = default;
@@ -141,6 +142,8 @@ class View {
   View accessibilityValue(AdjustableValue value) const;
 
  private:
+  /// The view inside of an element of its own.
+  View inside(std::shared_ptr<const Element> element) const;
   /// The same view with other attributes; defined in Description.h.
   template<typename Change>
   View with(Change change) const;
@@ -185,7 +188,10 @@ View Spacer();
 
 /// One line of text in the inherited font and colour.
 View Text(std::string text);
-/// A symbol by name, sized by the inherited font, in the inherited colour. An unknown name draws nothing.
+/// A text whose digits stand in cells of one width, and roll to the new ones when it changes.
+View RollingNumber(std::string text, const Animation& animation = easeInOut(0.35));
+/// A symbol by name, sized by the inherited font, in the inherited colour. An unknown name draws nothing and
+/// is warned of.
 View Symbol(std::string name);
 /// True when there is a glyph for the name.
 bool isSymbol(const std::string& name);
@@ -201,7 +207,8 @@ View CanvasView(AnyValue input, std::function<void(Canvas&, Size)> draw);
 /// A view that reads its own size: `body` is called with the size that is offered.
 View GeometryReader(std::function<View(Size)> body);
 
-/// A window on a larger content, without scroll bars.
+/// A window on a larger content, without scroll bars: takes all that is offered along its axis, and across
+/// what its content needs.
 View ScrollView(Axis axis, View content);
 
 /// A long vertical list with rows of one height, of which only those in view are built.

@@ -49,9 +49,10 @@ View list(const ClaudeService& claude) {
 
 View clearButton(ClaudeService& claude) {
   const std::string name = tr("Clear finished", "Effacer les terminées");
-  return Button(
-      name, [&claude] { withAnimation(listChange, [&] { claude.clearFinished(); }); },
-      Text(name).font({10, Weight::semibold}).foreground(white(0.6)), notchPillButtonStyle());
+  return Button({.name = name,
+                 .label = Text(name).font({10, Weight::semibold}).foreground(white(0.6)),
+                 .style = notchPillButtonStyle(),
+                 .action = [&claude] { withAnimation(listChange, [&] { claude.clearFinished(); }); }});
 }
 
 bool isClearable(const Session& session) {

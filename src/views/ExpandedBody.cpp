@@ -16,7 +16,7 @@ View page(NotchModel& model) { return model.tab == Tab::claude ? claudeView(mode
 }  // namespace
 
 View expandedBody(NotchModel& model) {
-  const View shown = page(model)
+  const View shown = ZStack(UnitPoint::top, {page(model)})
                          .frame({.maxWidth = infinity, .maxHeight = infinity, .align = UnitPoint::top})
                          .id(std::string(rawValue(model.tab)))
                          .transition(tabSlide(model.tabDirection));

@@ -60,7 +60,7 @@ View tabButton(Tab tab, View label, bool selected, double height, std::function<
         .accessibilityChecked(selected)
         .contentShape(Capsule());
   };
-  return Button(tabTitle(tab), std::move(action), std::move(label), style)
+  return Button({.name = tabTitle(tab), .label = label, .style = style, .action = std::move(action)})
       .tooltip(tabTitle(tab))
       .id(std::string(rawValue(tab)));
 }

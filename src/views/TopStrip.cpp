@@ -36,8 +36,10 @@ View bannerIcon(const Banner& banner) {
 View settingsButton(double stripHeight, std::function<void()> openSettings) {
   constexpr double size = 28, margin = 1;
   const std::string name = tr("Settings", "Réglages");
-  return Button(name, std::move(openSettings), Symbol("gearshape.fill").font({12}).foreground(white(0.6)),
-                notchButtonStyle(std::min(size, stripHeight - 2 * margin), 1.08))
+  return Button({.name = name,
+                 .label = Symbol("gearshape.fill").font({12}).foreground(white(0.6)),
+                 .style = notchButtonStyle(std::min(size, stripHeight - 2 * margin), 1.08),
+                 .action = std::move(openSettings)})
       .tooltip(name);
 }
 

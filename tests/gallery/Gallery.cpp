@@ -109,9 +109,7 @@ void hang(const std::vector<Exhibit>& exhibits, Size each, double ratio, const Q
     stage.settle();
     // The bars of the equalizer happen to be level just now.
     stage.play(0.5);
-    QImage window(int(940 * ratio), int(380 * ratio), QImage::Format_ARGB32_Premultiplied);
-    window.fill(Qt::transparent);
-    paint(stage.scene, window, {0, 0, 940, 380});
+    const QImage window = picture(stage.scene);
     painter.drawImage(QPoint(i % columns * (width + gap), i / columns * (height + gap)), window,
                       QRect((window.width() - width) / 2, 0, width, height));
   }

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "ui/Button.h"
+#include "ui/Slider.h"
 #include "ui/Stage.h"
 
 namespace tarnwick::ui {
@@ -34,14 +35,16 @@ TEST(Input, tapsReachTheInnermostControlOnly) {
 TEST(Input, aButtonActsOnReleaseInsideOnly) {
   int pressed = 0;
   Stage stage([&] {
-    return Button(
-        "go", [&] { ++pressed; }, Text("Go"),
-        [](View label, bool down, bool hovering) {
-          return label.frame({.width = 40, .height = 20})
-              .overlay(Text("").id(down       ? "down"
-                                   : hovering ? "hover"
-                                              : "rest"));
-        });
+    return Button({.name = "go",
+                   .label = Text("Go"),
+                   .style =
+                       [](View label, bool down, bool hovering) {
+                         return label.frame({.width = 40, .height = 20})
+                             .overlay(Text("").id(down       ? "down"
+                                                  : hovering ? "hover"
+                                                             : "rest"));
+                       },
+                   .action = [&] { ++pressed; }});
   });
   ASSERT_TRUE(stage.inspect.id("rest"));
   stage.inspect.hover(*stage.inspect.control("go"));
@@ -85,6 +88,36 @@ TEST(Input, dragsTellTheirPlaceInTheView) {
   stage.inspect.drag({150, 150}, {250, 150});
   EXPECT_TRUE(seen.empty());
   EXPECT_EQ(ended, 1);
+}
+
+TEST(Input, aSliderShowsWhereItIsDragged) {
+  std::vector<double> changed, ended;
+  Stage stage([&] {
+    return Slider({.name = "position",
+                   .value = 60,
+                   .most = 300,
+                   .style =
+                       [](double fraction, bool active) {
+                         return Rectangle()
+                             .fill(white())
+                             .frame({.width = 300, .height = 20})
+                             .overlay(Text(std::to_string(lround(fraction * 100)) + (active ? " held" : "")));
+                       },
+                   .changed = [&](double value) { changed.push_back(value); },
+                   .ended = [&](double value) { ended.push_back(value); }});
+  });
+  EXPECT_TRUE(stage.inspect.text("20"));
+  stage.scene.input().pressed({200, 150});
+  stage.scene.input().moved({900, 150});
+  stage.change([] {});
+  EXPECT_TRUE(stage.inspect.text("100 held")) << "though it has not become its value";
+  EXPECT_EQ(changed, (std::vector<double>{150, 300}));
+  EXPECT_TRUE(ended.empty());
+  stage.scene.input().released({900, 150});
+  stage.scene.input().left();
+  stage.scene.frame();
+  EXPECT_EQ(ended, std::vector<double>{300});
+  EXPECT_TRUE(stage.inspect.text("20"));
 }
 
 TEST(Input, gesturesGoToTheFrontmostViewThatWantsThem) {
@@ -229,10 +262,11 @@ TEST(Input, aButtonThatShrinksWhilePressedKeepsItsArea) {
   int pressed = 0;
   Stage stage([&] {
     return Button(
-        "go", [&] { ++pressed; }, Rectangle().fill(white()),
-        [](View label, bool down, bool) {
-          return label.frame({.width = 100, .height = 20}).scaleEffect(down ? 0.8 : 1);
-        });
+        {.name = "go",
+         .label = Rectangle().fill(white()),
+         .style = [](View label, bool down,
+                     bool) { return label.frame({.width = 100, .height = 20}).scaleEffect(down ? 0.8 : 1); },
+         .action = [&] { ++pressed; }});
   });
   stage.scene.input().pressed({151, 150});
   stage.play(0.2);

@@ -3,6 +3,7 @@
 #include <QImage>
 
 #include "ui/Button.h"
+#include "ui/Slider.h"
 #include "ui/Stage.h"
 #include "ui/paint/Painter.h"
 
@@ -73,13 +74,12 @@ TEST(Keyboard, operatesTheControlWithTheFocus) {
   double value = 0.5;
   std::string keys;
   Stage stage([&] {
-    return VStack({},
-                  {control("button", [&] { ++taps; }).onKey(Key::escape, [&] { keys += "inner "; }),
-                   Rectangle()
-                       .fill(black())
-                       .accessibility(Role::slider, "volume")
-                       .accessibilityValue({.now = value, .step = 0.2, .set = [&](double v) { value = v; }})
-                       .frame({.width = 100, .height = 20})})
+    return VStack(
+               {},
+               {control("button", [&] { ++taps; }).onKey(Key::escape, [&] { keys += "inner "; }),
+                Slider(
+                    {.name = "volume", .value = value, .step = 0.2, .changed = [&](double v) { value = v; }})
+                    .frame({.width = 100})})
         .onKey(Key::escape, [&] { keys += "outer "; });
   });
   EXPECT_TRUE(stage.inspect.key(Key::escape));

@@ -43,6 +43,12 @@ TEST(Layout, placesViews) {
          return HStack({.spacing = 10}, {box(50, 20, "a"), View(), box(30, 20, "b"), Spacer()});
        },
        {{"b", {60, 140, 30, 20}}}},
+      {"a sideways list is as high as its content, and scrolls what is wider",
+       [] {
+         return VStack({}, {ScrollView(Axis::horizontal, HStack({}, {box(300, 20, "a"), box(300, 30, "b")})),
+                            filling("c")});
+       },
+       {{"a", {0, 5, 300, 20}}, {"b", {300, 0, 300, 30}}, {"c", {0, 30, 400, 270}}}},
       {"padding, background and overlay",
        [] {
          return box(50, 20, "a")
@@ -76,6 +82,19 @@ TEST(Layout, placesViews) {
       EXPECT_NEAR(f.width, frame.width, 0.01) << test.name << ": " << id;
       EXPECT_NEAR(f.height, frame.height, 0.01) << test.name << ": " << id;
     }
+  }
+}
+
+TEST(Layout, nothingDecoratedIsNothing) {
+  const View nothing;
+  for (const View& view :
+       {nothing.frame({.width = 9}), nothing.padding(9), nothing.aspectRatio(1),
+        nothing.background(filling("")), nothing.overlay(filling("")), nothing.opacity(0.5),
+        nothing.opacity(0.5).opacity(0.5), nothing.clipShape(Circle()), nothing.shadow(black(), 9),
+        nothing.font({9}), nothing.id("id"), nothing.transition(Transition::opacity()),
+        nothing.matchedGeometry("id", Namespace::make()), nothing.pulse(), nothing.onTap([] {}),
+        nothing.accessibility(Role::button, "name"), Group(nothing)}) {
+    EXPECT_TRUE(view.isEmpty());
   }
 }
 

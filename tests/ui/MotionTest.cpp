@@ -99,7 +99,7 @@ TEST(Motion, aViewThatEntersAGrowingBoxKeepsToTheSideThatItIsPinnedTo) {
   double w = 100;
   bool shown = false;
   Stage stage([&] {
-    return (shown ? box(20, "a").transition(Transition::opacity()) : View())
+    return ZStack(UnitPoint::trailing, {shown ? box(20, "a").transition(Transition::opacity()) : View()})
         .frame({.width = w, .height = 20, .align = UnitPoint::trailing})
         .id("box");
   });
@@ -170,6 +170,34 @@ TEST(Motion, theFirstFrameIsAlreadyOnItsWay) {
   EXPECT_GT(width(stage, "a"), 101);
   stage.play(2);
   EXPECT_DOUBLE_EQ(width(stage, "a"), 200);
+}
+
+TEST(Motion, whatRepeatsForEverAsksForFramesOnlyWhileItCanBeSeen) {
+  const struct {
+    const char* name;
+    std::function<View(View)> around;
+    bool seen;
+  } cases[] = {
+      {"in sight", [](View view) { return view; }, true},
+      {"transparent", [](View view) { return view.opacity(0).opacity(1); }, false},
+      {"cut off",
+       [](View view) {
+         return view.offset({999, 0}).clipShape(Rectangle());
+       },
+       false},
+  };
+  for (const auto& c : cases) {
+    double phase = 0;
+    Stage stage([&] {
+      return c.around(Rectangle()
+                          .stroke(white(), {.dash = {6, 5}, .dashPhase = phase})
+                          .frame({.width = 100, .height = 20})
+                          .animation(linear(0.6).repeatingForever(), phase));
+    });
+    stage.change([&] { phase = 22; }, linear(0.1));
+    stage.play(9.1);
+    EXPECT_EQ(stage.inspect.step(), c.seen) << c.name;
+  }
 }
 
 TEST(Motion, timelinesTickOnlyWhileTheyCanBeSeen) {

@@ -10,15 +10,6 @@
 namespace tarnwick::ui {
 namespace {
 
-QImage picture(Scene& scene) {
-  const double ratio = scene.pixelRatio();
-  QImage image(int(scene.size().width * ratio), int(scene.size().height * ratio),
-               QImage::Format_ARGB32_Premultiplied);
-  image.fill(Qt::red);
-  paint(scene, image, {0, 0, scene.size().width, scene.size().height});
-  return image;
-}
-
 int alphaAt(const QImage& image, int x, int y) { return qAlpha(image.pixel(x, y)); }
 
 TEST(Painting, clipsWithSmoothEdges) {
@@ -30,6 +21,25 @@ TEST(Painting, clipsWithSmoothEdges) {
   int soft = 0;
   for (int x = 150; x < 250; ++x) soft += alphaAt(image, x, 115) > 0 && alphaAt(image, x, 115) < 255;
   EXPECT_GE(soft, 2);
+}
+
+TEST(Painting, aSceneOfAnotherSizeAndRatioLooksAsIfMadeForIt) {
+  const auto view = [] {
+    return Text("middle")
+        .background(Capsule().fill(white(0.5)))
+        .frame({.maxWidth = infinity, .maxHeight = infinity});
+  };
+  Stage stage(view);
+  stage.scene.takeDamage();
+  stage.scene.resize({260.5, 90});
+  stage.scene.setPixelRatio(1.5);
+  stage.scene.frame();
+  Stage made(view(), {260.5, 90}, 1.5);
+  EXPECT_EQ(picture(stage.scene).size(), QSize(391, 135));
+  EXPECT_EQ(picture(stage.scene), picture(made.scene));
+  Rect damage;
+  for (const Rect& area : stage.scene.takeDamage()) damage = damage.united(area);
+  EXPECT_EQ(damage, (Rect{0, 0, 400, 300})) << "also what it no longer covers";
 }
 
 TEST(Painting, whatEntersClippedAndBlurredIsClippedFirst) {

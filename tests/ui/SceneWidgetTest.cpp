@@ -63,13 +63,9 @@ class Listener {
 TEST(SceneWidget, tellsAssistiveTechnologyItsControls) {
   VirtualScheduler scheduler;
   int pressed = 0;
-  const auto plain = [](View label, bool, bool) { return label; };
   SceneWidget widget(scheduler, {200, 100},
-                     HStack({}, {Button(
-                                     "Home", [&] { ++pressed; }, Text("H"), plain),
-                                 Text("not a control"),
-                                 Button(
-                                     "Settings", [&] { pressed += 10; }, Text("S"), plain)}));
+                     HStack({}, {Button({"Home", Text("H"), {}, [&] { ++pressed; }}), Text("not a control"),
+                                 Button({"Settings", Text("S"), {}, [&] { pressed += 10; }})}));
   widget.show();
   const Listener listener;
   QAccessibleInterface* scene = QAccessible::queryAccessibleInterface(&widget);

@@ -136,7 +136,7 @@ TEST(ButtonStyles, AnswerThePointer) {
     SCOPED_TRACE(s.name);
     int clicks = 0;
     ui::Stage stage(ui::Button(
-        "ok", [&] { ++clicks; }, ui::Text("label"), s.style));
+        {.name = "ok", .label = ui::Text("label"), .style = s.style, .action = [&] { ++clicks; }}));
     const auto expect = [&](double fill, double scale) {
       stage.play(1);
       EXPECT_NEAR(stage.inspect.kind("Shape")[0].color().alpha, fill, 1e-6);

@@ -30,8 +30,6 @@ Measured AspectRatioElement::measure(Node& node, Proposal proposal) const {
 
 }  // namespace
 
-View View::aspectRatio(double ratio) const {
-  return View(std::make_shared<AspectRatioElement>(ratio), {*this});
-}
+View View::aspectRatio(double ratio) const { return inside(std::make_shared<AspectRatioElement>(ratio)); }
 
 }  // namespace tarnwick::ui

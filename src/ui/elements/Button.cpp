@@ -4,14 +4,14 @@
 
 namespace tarnwick::ui {
 
-View Button(std::string name, std::function<void()> action, View label, ButtonStyle style) {
-  return stateful(false, [=](State<bool> hovering) {
+View Button(ButtonOptions options) {
+  return stateful(false, [o = std::move(options)](State<bool> hovering) {
     return stateful(false, [=](State<bool> pressed) {
-      return style(label, pressed, hovering)
+      return (o.style ? o.style(o.label, pressed, hovering) : o.label)
           .onHover(hovering)
           .onPress(pressed)
-          .onTap(action)
-          .accessibility(Role::button, name);
+          .onTap(o.action)
+          .accessibility(Role::button, o.name);
     });
   });
 }

@@ -59,7 +59,7 @@ void FrameElement::place(Node& node, Size size) const {
 }  // namespace
 
 View View::frame(const FrameOptions& options) const {
-  return View(std::make_shared<FrameElement>(options), {*this});
+  return inside(std::make_shared<FrameElement>(options));
 }
 
 }  // namespace tarnwick::ui

@@ -44,9 +44,11 @@ void LayerElement::place(Node& node, Size size) const {
 }  // namespace
 
 View View::background(View behind, UnitPoint align) const {
+  if (isEmpty()) return *this;
   return View(std::make_shared<LayerElement>(align, LayerElement::Side::behind), {std::move(behind), *this});
 }
 View View::overlay(View before, UnitPoint align) const {
+  if (isEmpty()) return *this;
   return View(std::make_shared<LayerElement>(align, LayerElement::Side::before), {*this, std::move(before)});
 }
 

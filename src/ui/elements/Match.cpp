@@ -17,8 +17,7 @@ class MatchElement : public Element {
 }  // namespace
 
 View View::matchedGeometry(std::string id, Namespace names) const {
-  if (isEmpty()) return *this;
-  return View(std::make_shared<MatchElement>(), {*this}).with([&](Attributes& a) {
+  return inside(std::make_shared<MatchElement>()).with([&](Attributes& a) {
     a.match = Attributes::Match{std::move(id), names};
   });
 }

@@ -49,8 +49,7 @@ void PaddingElement::place(Node& node, Size size) const {
 
 View View::padding(double length) const { return padding(Edge::all, length); }
 View View::padding(Edge edges, double length) const {
-  if (isEmpty()) return *this;
-  return View(std::make_shared<PaddingElement>(edges, length), {*this});
+  return inside(std::make_shared<PaddingElement>(edges, length));
 }
 
 }  // namespace tarnwick::ui

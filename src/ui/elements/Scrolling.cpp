@@ -49,8 +49,13 @@ Point ScrollElement::limited(const Node& node, Point offset) const {
 
 Measured ScrollElement::measure(Node& node, Proposal proposal) const {
   Node* content = node.firstChild();
-  const Size own = content ? content->measure({}).size : Size{};
-  return {{proposal.width.value_or(own.width), proposal.height.value_or(own.height)}};
+  if (!content) return {{proposal.width.value_or(0), proposal.height.value_or(0)}};
+  if (axis_ == Axis::vertical) {
+    const Size own = content->measure({proposal.width, std::nullopt}).size;
+    return {{own.width, proposal.height.value_or(own.height)}};
+  }
+  const Size own = content->measure({std::nullopt, proposal.height}).size;
+  return {{proposal.width.value_or(own.width), own.height}};
 }
 
 void ScrollElement::place(Node& node, Size size) const {

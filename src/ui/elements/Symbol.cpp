@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <map>
+#include <set>
 
 #include "ui/View.h"
 #include "ui/elements/SpeakerOutline.h"
@@ -47,6 +48,12 @@ const QPainterPath& outlineOf(const std::string& name) {
   return outlines.emplace(name, path).first->second;
 }
 
+/// Once for each name.
+void warnOfUnknown(const std::string& name) {
+  static std::set<std::string> told;
+  if (told.insert(name).second) qWarning("There is no symbol named %s", name.c_str());
+}
+
 double side(const Font& font) { return font.size * emPerPoint; }
 
 }  // namespace
@@ -77,6 +84,7 @@ void SymbolElement::draw(DrawContext& context) const {
 }
 
 void SymbolElement::drawGlyph(DrawContext& context, double scale, double opacity) const {
+  if (!isSymbol(name_)) return warnOfUnknown(name_);
   const double length = side(context.environment.font) * scale;
   const std::vector<double>& c = context.values;
   QPainter& painter = context.painter;

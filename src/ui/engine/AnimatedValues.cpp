@@ -34,6 +34,11 @@ void AnimatedValues::startFrom(const std::vector<double>& values, const std::opt
   set(target, animation, now);
 }
 
+bool AnimatedValues::onlyRepeats() const {
+  return std::ranges::all_of(motions_,
+                             [](const auto& motion) { return !motion || motion->animation.forever; });
+}
+
 bool AnimatedValues::update(double now) {
   if (motions_.empty()) return false;
   bool changed = false, moving = false;

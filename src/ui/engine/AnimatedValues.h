@@ -24,6 +24,8 @@ class AnimatedValues {
   /// Moves to `now`. @return true when a presented number changed.
   bool update(double now);
   bool isMoving() const { return !motions_.empty(); }
+  /// Whether all of its motion goes on for ever.
+  bool onlyRepeats() const;
   const std::vector<double>& target() const { return target_; }
   const std::vector<double>& presented() const { return presented_; }
 

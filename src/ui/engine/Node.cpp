@@ -1,5 +1,6 @@
 #include "ui/engine/Node.h"
 
+#include <algorithm>
 #include <cmath>
 
 #include "ui/engine/Drawing.h"
@@ -45,13 +46,9 @@ Rect Node::presentedInScene() const {
   return fromQt(transform.mapRect(QRectF(0, 0, presentedSize.width, presentedSize.height)));
 }
 
-bool Node::isMoving() const {
-  for (const AnimatedValues* motion :
-       {&frameMotion, &effects, &transition, &values, &clip, &shadows, &change, &bounce}) {
-    if (motion->isMoving()) return true;
-  }
-  return false;
-}
+bool Node::isMoving() const { return std::ranges::any_of(motions(), &AnimatedValues::isMoving); }
+
+bool Node::isSettling() const { return !std::ranges::all_of(motions(), &AnimatedValues::onlyRepeats); }
 
 bool Node::leaves() const {
   for (const Node* node = this; node; node = node->parent) {

@@ -121,11 +121,17 @@ class Node {
   /// What it covers in the scene, as presented, with all effects but its own overflow.
   Rect presentedInScene() const;
   bool isMoving() const;
+  /// It moves, and will come to rest.
+  bool isSettling() const;
   /// It, or a view around it, is on its way out.
   bool leaves() const;
 
  private:
   friend class WeakNode;
+  std::array<const AnimatedValues*, 8> motions() const {
+    return {&frameMotion, &effects, &transition, &values, &clip, &shadows, &change, &bounce};
+  }
+
   static inline unsigned long lastSerial = 0;
   const std::unique_ptr<ElementState> state_;
   /// Points at the node itself; made when somebody wants to remember it.

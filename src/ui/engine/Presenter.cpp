@@ -55,7 +55,6 @@ bool Presenter::advance(Node& node) {
        {&node.frameMotion, &node.effects, &node.transition, &node.clip, &node.shadows, &node.bounce}) {
     motion->update(now_);
   }
-  moving_ |= node.isMoving();
   return redraw;
 }
 
@@ -112,7 +111,9 @@ bool Presenter::present(Node& node, const Outer& outer) {
   const bool clips = node.attributes.clip || node.element->clips();
   const Rect box{0, 0, node.presentedSize.width, node.presentedSize.height};
   const double overflow = node.element->overflow(node.environment);
-  node.ownBounds = node.element->draws() || node.hasFocusRing ? mapped(node, drawnBox(node).grownBy(overflow, overflow)) : Rect{};
+  node.ownBounds = node.element->draws() || node.hasFocusRing
+                       ? mapped(node, drawnBox(node).grownBy(overflow, overflow))
+                       : Rect{};
   const Rect clip = clips ? intersection(outer.clip, mapped(node, box)) : outer.clip;
   const bool shown = outer.visible && node.opacity > 0.002 && std::abs(node.transform.determinant()) > 1e-6;
 
@@ -141,6 +142,12 @@ bool Presenter::present(Node& node, const Outer& outer) {
   }
   node.bounds = shown ? bounds : Rect{};
   node.visible = shown && intersection(node.bounds, outer.clip).width > 0;
+
+  // What repeats for ever out of sight needs no frames; unless it is its own effect that hides it for a
+  // moment.
+  const bool seen =
+      node.visible || (outer.visible && (node.effects.isMoving() || node.transition.isMoving()));
+  moving_ |= seen ? node.isMoving() : node.isSettling();
 
   const bool changed = redraw || inside;
   if (changed) node.group.reset();

@@ -53,6 +53,18 @@ void Scene::setPixelRatio(double ratio) {
     for (const auto& child : node.leaving) apply(*child);
   };
   apply(*root_);
+  layOutAnew();
+}
+
+void Scene::resize(Size size) {
+  if (size == size_) return;
+  // Also what is no longer covered.
+  addDamage({0, 0, size_.width, size_.height});
+  size_ = size;
+  layOutAnew();
+}
+
+void Scene::layOutAnew() {
   ++commitNumber_;
   Reconciler reconciler(*this, std::nullopt, true);
   layOut(reconciler);

@@ -23,6 +23,8 @@ class Scene : public transaction::Committer {
   Scene(Scheduler& scheduler, Size size, View root, double pixelRatio = 1);
   ~Scene() override;
 
+  /// Everything takes its new place at once.
+  void resize(Size size);
   /// Device pixels per point.
   void setPixelRatio(double ratio);
   /// Seconds that a motion is ahead of its commit: as much as its first frame, which is shown at once, would
@@ -97,6 +99,7 @@ class Scene : public transaction::Committer {
 
   friend class Node;
 
+  void layOutAnew();
   void layOut(class Reconciler& reconciler);
   void finishLeaving(Node& node);
   void updateTimelines();

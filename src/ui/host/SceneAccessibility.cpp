@@ -84,7 +84,9 @@ class AccessibleControl : public QAccessibleInterface,
     return state;
   }
   QString text(QAccessible::Text kind) const override {
-    return kind == QAccessible::Name ? QString::fromStdString(known_.name) : QString();
+    if (kind == QAccessible::Name) return QString::fromStdString(known_.name);
+    if (kind == QAccessible::Value && known_.value) return QString::fromStdString(known_.value->text);
+    return {};
   }
   void setText(QAccessible::Text, const QString&) override {}
   QRect rect() const override {

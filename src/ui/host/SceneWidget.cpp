@@ -100,6 +100,8 @@ void SceneWidget::runFrame() {
 
 void SceneWidget::showEvent(QShowEvent*) { runFrame(); }
 
+void SceneWidget::resizeEvent(QResizeEvent*) { scene_.resize({double(width()), double(height())}); }
+
 /// Paints straight into the window's picture, which spares one of our own and the way from there.
 void SceneWidget::paintEvent(QPaintEvent* event) {
   QPainter painter(this);

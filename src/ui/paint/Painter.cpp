@@ -85,6 +85,15 @@ void paint(Scene& scene, QImage& target, const Rect& area, Point origin) {
   Painter(scene.pixelRatio()).paint(scene.root(), target, area, origin);
 }
 
+QImage picture(Scene& scene) {
+  const double ratio = scene.pixelRatio();
+  const Size size = scene.size();
+  QImage image(int(std::lround(size.width * ratio)), int(std::lround(size.height * ratio)),
+               QImage::Format_ARGB32_Premultiplied);
+  paint(scene, image, {0, 0, size.width, size.height});
+  return image;
+}
+
 void Painter::paint(Node& root, QImage& target, const Rect& area, Point origin) {
   const QTransform toPixels =
       QTransform::fromScale(ratio_, ratio_) * QTransform::fromTranslate(origin.x, origin.y);

@@ -13,6 +13,9 @@ namespace tarnwick::ui {
 /// with its top left corner at `origin` (pixels).
 void paint(Scene& scene, QImage& target, const Rect& area, Point origin = {});
 
+/// The whole scene as a picture of its own, at its pixel ratio. Needs no window.
+QImage picture(Scene& scene);
+
 /// Draws presented nodes into a picture.
 class Painter {
  public:
