@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "base/FilePath.h"
 #include "ui/Events.h"
 #include "ui/Shape.h"
 
@@ -11,8 +12,23 @@ namespace tarnwick::ui {
 
 enum class Axis { horizontal, vertical };
 
+/// What the pointer looks like.
+enum class Cursor { arrow, pointingHand, grab, text };
+
 /// What a control is for assistive technology.
-enum class Role { none, button, slider, list, text, image, notification };
+enum class Role {
+  none,
+  button,
+  menuButton,
+  menu,
+  menuItem,
+  slider,
+  textField,
+  list,
+  text,
+  image,
+  notification
+};
 
 /// A drag of the pointer with the button held, in the view's own coordinates.
 struct DragValue {
@@ -43,6 +59,8 @@ struct AdjustableValue {
   std::function<void(double)> set;
 };
 
+struct MenuItem;
+
 /// What a view does with pointer and keys. Where several handlers of one kind are set on a view, all run.
 struct Interaction {
   /// The area that counts; the frame where there is none.
@@ -56,11 +74,21 @@ struct Interaction {
   /// The button went down on the view, left it while held, came back, or was released.
   std::function<void(bool pressed)> onPress;
   std::vector<DragGesture> drags;
+  /// The menu that a press opens below the view, and the one that opens at the pointer for the secondary
+  /// button.
+  std::function<std::vector<MenuItem>()> menu, contextMenu;
+  /// The files that a drag of the view takes out of the window.
+  std::function<std::vector<FilePath>()> files;
+  std::optional<Cursor> cursor;
   /// A key, while the keyboard's focus is on the view or inside of it, or where nobody else has taken it.
   /// @return true when it has been used.
   std::function<bool(const KeyEvent&)> onKey;
+  /// The keyboard's focus came or went. A view with such a handler shows it by itself, others get a ring.
+  std::function<void(bool focused)> onFocus;
   /// Arrow keys along this axis go from one control inside to the next, and Tab stops here once.
   std::optional<Axis> arrows;
+  /// While the view is there keys and focus stay inside.
+  bool modal = false;
   std::string tooltip;
   Role role = Role::none;
   std::string accessibilityName;
@@ -71,7 +99,7 @@ struct Interaction {
   bool disabled = false;
 
   /// Whether the keyboard's focus may be on it: a control that does something.
-  bool takesFocus() const { return role != Role::none && (onTap || (value && value->set)); }
+  bool takesFocus() const { return role != Role::none && (onTap || menu || (value && value->set)); }
 };
 
 }  // namespace tarnwick::ui

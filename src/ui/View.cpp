@@ -186,6 +186,18 @@ View View::onDrag(DragGesture gesture) const {
 View View::onPointer(std::function<bool(const PointerEvent&)> action) const {
   return interaction([&](Interaction& i) { append(i.onPointer, std::move(action)); });
 }
+View View::menu(std::function<std::vector<MenuItem>()> items) const {
+  return interaction([&](Interaction& i) { i.menu = std::move(items); });
+}
+View View::contextMenu(std::function<std::vector<MenuItem>()> items) const {
+  return interaction([&](Interaction& i) { i.contextMenu = std::move(items); });
+}
+View View::dragsFiles(std::function<std::vector<FilePath>()> files) const {
+  return interaction([&](Interaction& i) { i.files = std::move(files); });
+}
+View View::cursor(Cursor cursor) const {
+  return interaction([=](Interaction& i) { i.cursor = cursor; });
+}
 View View::tooltip(std::string text) const {
   return interaction([&](Interaction& i) { i.tooltip = std::move(text); });
 }
@@ -201,6 +213,15 @@ View View::onKey(Key key, std::function<void()> action) const {
     action();
     return true;
   });
+}
+View View::onFocus(std::function<void(bool)> action) const {
+  return interaction([&](Interaction& i) { append(i.onFocus, std::move(action)); });
+}
+View View::onFocus(State<bool> focused) const {
+  return onFocus([focused](bool value) { focused.set(value); });
+}
+View View::modal() const {
+  return interaction([](Interaction& i) { i.modal = true; });
 }
 View View::arrowKeys(Axis axis) const {
   return interaction([=](Interaction& i) { i.arrows = axis; });

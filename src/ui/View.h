@@ -123,6 +123,14 @@ class View {
   View onDrag(DragGesture gesture) const;
   /// All that a button of the pointer does; see `Interaction`.
   View onPointer(std::function<bool(const PointerEvent&)> action) const;
+  /// A menu that opens below the view when it is pressed; `MenuButton` is one.
+  View menu(std::function<std::vector<MenuItem>()> items) const;
+  /// A menu that opens where the view is pressed with the secondary button, or by the menu key.
+  View contextMenu(std::function<std::vector<MenuItem>()> items) const;
+  /// The view can be dragged out of the window, as these files.
+  View dragsFiles(std::function<std::vector<FilePath>()> files) const;
+  /// What the pointer looks like over the view.
+  View cursor(Cursor cursor) const;
   View tooltip(std::string text) const;
   View allowsHitTesting(bool allows) const;
 
@@ -131,6 +139,11 @@ class View {
   View onKey(std::function<bool(const KeyEvent&)> action) const;
   /// The same for one key without modifiers.
   View onKey(Key key, std::function<void()> action) const;
+  /// Tells of the focus; the view shows it by itself then, instead of by a ring.
+  View onFocus(std::function<void(bool)> action) const;
+  View onFocus(State<bool> focused) const;
+  /// While the view is there keys and focus stay inside.
+  View modal() const;
   /// Arrow keys along the axis go from one control inside to the next, and Tab stops here once.
   View arrowKeys(Axis axis) const;
 

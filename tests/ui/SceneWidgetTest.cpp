@@ -6,12 +6,16 @@
 #include <qpa/qplatformintegration.h>
 #include <QAccessible>
 #include <QApplication>
+#include <QPlainTextEdit>
 #include <QWheelEvent>
 
 #include "support/VirtualScheduler.h"
 #include "ui/Button.h"
 #include "ui/Dynamic.h"
+#include "ui/TextEditor.h"
+#include "ui/engine/Inspector.h"
 #include "ui/host/SceneWidget.h"
+#include "ui/paint/Painter.h"
 
 namespace tarnwick::ui {
 namespace {
@@ -191,6 +195,86 @@ TEST(SceneWidget, scrollsWithTheFingersOrByTheClicksOfAWheel) {
   widget.smoothPointsPerClick = [](const QWheelEvent&) { return std::optional(15.0); };
   click();
   EXPECT_EQ(position(), -48 - 15) << "fingers";
+}
+
+TEST(SceneWidget, hostsTheToolkitsEditorInPlaceAtRestAndAsAPictureOnItsWay) {
+  VirtualScheduler scheduler;
+  struct : ObservableObject {
+    Observed<std::string> text{*this, "written"};
+    Observed<double> opacity{*this, 1};
+    Observed<bool> shown{*this, true};
+  } state;
+  const State<bool> focus(false);
+  std::string keyboard;
+  SceneWidget widget(
+      scheduler, {200, 100}, observing([&] {
+        const View editor = TextEditor({.name = "Notes",
+                                        .text = state.text,
+                                        .changed = [&](const auto& text) { state.text = text; },
+                                        .focus = focus});
+        return VStack({}, {state.shown ? editor.frame({.width = 120, .height = 60}) : View(),
+                           Button({.name = "next", .label = Text("Next"), .action = [] {}})})
+            .opacity(state.opacity);
+      }));
+  widget.onTakeKeyboard = [&] {
+    keyboard += "take ";
+    QApplication::setActiveWindow(&widget);
+  };
+  widget.onGiveBackKeyboard = [&] { keyboard += "give "; };
+  widget.show();
+  const auto frame = [&] {
+    scheduler.advance(0.1);
+    QImage picture(200, 100, QImage::Format_ARGB32_Premultiplied);
+    paint(widget.scene(), picture, {0, 0, 200, 100});
+    int ink = 0;
+    for (int x = 40; x < 160; ++x) ink += qAlpha(picture.pixel(x, 20)) > 0;
+    return ink;
+  };
+  auto* edit = widget.findChild<QPlainTextEdit*>();
+  ASSERT_TRUE(edit);
+  EXPECT_TRUE(edit->isVisible());
+  EXPECT_EQ(edit->geometry().size(), QSize(120, 60));
+  EXPECT_EQ(edit->toPlainText(), "written");
+  EXPECT_EQ(frame(), 0) << "the editor shows it";
+  state.opacity = 0.5;
+  EXPECT_GT(frame(), 0);
+  EXPECT_FALSE(edit->isVisible());
+  state.opacity = 1;
+  EXPECT_EQ(frame(), 0);
+  EXPECT_TRUE(edit->isVisible());
+
+  const auto press = [&](int key, const QString& text = {}) {
+    QKeyEvent event(QEvent::KeyPress, key, Qt::NoModifier, text);
+    QApplication::sendEvent(QApplication::focusWidget(), &event);
+    frame();
+  };
+  widget.scene().input().key({.key = Key::tab});
+  EXPECT_EQ(QApplication::focusWidget(), edit);
+  EXPECT_EQ(std::exchange(keyboard, ""), "take ");
+  EXPECT_TRUE(focus.get());
+  press(Qt::Key_A, "a");
+  EXPECT_EQ(state.text.get(), "awritten");
+  state.text = "rewritten";
+  frame();
+  EXPECT_EQ(edit->toPlainText(), "rewritten");
+  press(Qt::Key_Tab, "\t");
+  EXPECT_EQ(Inspector(widget.scene()).focused()->interaction()->accessibilityName, "next");
+  EXPECT_FALSE(edit->hasFocus());
+  EXPECT_FALSE(focus.get());
+  focus.set(true);
+  frame();
+  EXPECT_TRUE(edit->hasFocus());
+  widget.scene().input().pressed({60, 20}, PointerButton::secondary);
+  widget.scene().input().released({60, 20}, PointerButton::secondary);
+  frame();
+  EXPECT_FALSE(edit->isVisible()) << "the menu lies over it";
+  press(Qt::Key_Escape);
+  scheduler.advance(1);
+  EXPECT_TRUE(edit->isVisible() && edit->hasFocus());
+  keyboard.clear();
+  state.shown = false;
+  frame();
+  EXPECT_EQ(keyboard, "give ") << "nobody is left to type for";
 }
 
 }  // namespace

@@ -9,39 +9,40 @@ namespace {
 
 class BesideElement : public Element {
  public:
-  BesideElement(Point point, const Rect& surface) : point_(point), surface_(surface) {}
+  explicit BesideElement(const BesideOptions& options) : options_(options) {}
   static constexpr ElementKind itsKind{"Beside"};
   const ElementKind& kind() const override { return itsKind; }
   bool equals(const Element& other) const override {
-    const auto& same = static_cast<const BesideElement&>(other);
-    return same.point_ == point_ && same.surface_ == surface_;
+    return static_cast<const BesideElement&>(other).options_ == options_;
   }
   Measured measure(Node&, Proposal proposal) const override {
     return {{proposal.width.value_or(0), proposal.height.value_or(0)}};
   }
-  void place(Node& node, Size) const override {
-    Node* content = node.firstChild();
-    if (!content) return;
-    constexpr double below = 18, above = 8;
-    // Room for the surface's round corners.
-    constexpr double margin = 12;
-    const Size own = content->measure({}).size;
-    const double leftmost = surface_.x + margin, rightmost = surface_.right() - margin - own.width;
-    const double x = std::clamp(point_.x - own.width / 2, leftmost, std::max(leftmost, rightmost));
-    double y = point_.y + below;
-    if (y + own.height + margin > surface_.bottom()) y = point_.y - own.height - above;
-    content->place({x, std::max(surface_.y, y), own.width, own.height});
-  }
+  void place(Node& node, Size) const override;
 
  private:
-  Point point_;
-  Rect surface_;
+  BesideOptions options_;
 };
+
+void BesideElement::place(Node& node, Size) const {
+  Node* content = node.firstChild();
+  if (!content) return;
+  const auto& [anchor, surface, below, above, margin, align] = options_;
+  const Size own = content->measure({}).size;
+  const double leftmost = surface.x + margin, rightmost = surface.right() - margin - own.width;
+  const double x =
+      std::clamp(anchor.x + align * (anchor.width - own.width), leftmost, std::max(leftmost, rightmost));
+  const double roomBelow = surface.bottom() - margin - anchor.bottom() - below;
+  const double roomAbove = anchor.y - above - surface.y;
+  const bool goesBelow = own.height <= roomBelow || roomBelow >= roomAbove;
+  const double height = std::min(own.height, std::max(goesBelow ? roomBelow : roomAbove, 0.0));
+  content->place({x, goesBelow ? anchor.bottom() + below : anchor.y - above - height, own.width, height});
+}
 
 }  // namespace
 
-View Beside(Point point, const Rect& surface, View content) {
-  return View(std::make_shared<BesideElement>(point, surface), {std::move(content)});
+View Beside(const BesideOptions& options, View content) {
+  return View(std::make_shared<BesideElement>(options), {std::move(content)});
 }
 
 }  // namespace tarnwick::ui

@@ -105,6 +105,9 @@ class Element {
   virtual Measured measure(Node& node, Proposal proposal) const;
   /// Gives every child all of `size`.
   virtual void place(Node& node, Size size) const;
+  /// Called with each frame, when the node has been put into its place. `undisturbed`: it is seen just as it
+  /// was laid out, moved at most. @return whether it has to be drawn again.
+  virtual bool presented(Node&, bool) const { return false; }
   virtual void draw(DrawContext&) const {}
   /// Whether `draw` does anything.
   virtual bool draws() const { return false; }

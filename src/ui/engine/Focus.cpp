@@ -39,11 +39,20 @@ Node* Focus::node() const {
 }
 
 void Focus::moveTo(Node* node, bool shown) {
+  const WeakNode next = node;
+  const bool another = node_ != next;
   showRing(false);
-  node_ = node;
+  if (another) tell(false);
+  node_ = next;
   shown_ = shown;
   showRing(true);
-  if (node && shown) reveal(*node);
+  if (another) tell(true);
+  if (next && shown) reveal(*next);
+}
+
+void Focus::tell(bool focused) {
+  const auto interaction = node_ ? node_->attributes.interaction : nullptr;
+  if (interaction && interaction->onFocus) interaction->onFocus(focused);
 }
 
 void Focus::setActive(bool active) {
@@ -61,6 +70,7 @@ void Focus::showRing(bool shown) {
   Node* node = node_;
   const bool ring = shown && shown_ && active_;
   if (!node || node->hasFocusRing == ring) return;
+  if (ring && node->attributes.interaction && node->attributes.interaction->onFocus) return;
   node->hasFocusRing = ring;
   node->needsDraw = true;
   scene_.requestFrame();
@@ -79,8 +89,18 @@ std::vector<Node*> Focus::controls() const {
     if (interaction && interaction->takesFocus()) controls.push_back(&node);
     for (const auto& child : node.children) collect(*child);
   };
-  collect(scene_.root());
+  collect(scope());
   return controls;
+}
+
+Node& Focus::scope() const {
+  Node* found = &scene_.root();
+  const std::function<void(Node&)> search = [&](Node& node) {
+    if (node.attributes.interaction && node.attributes.interaction->modal) found = &node;
+    for (const auto& child : node.children) search(*child);
+  };
+  search(scene_.root());
+  return *found;
 }
 
 bool Focus::step(bool forward) {
@@ -105,13 +125,18 @@ bool Focus::step(bool forward) {
 
 bool Focus::move(const KeyEvent& event) {
   const Node* current = node();
-  const Node* group = current ? groupOf(*current) : nullptr;
-  const auto step = group ? stepOf(event.key, *group->attributes.interaction->arrows) : std::nullopt;
+  const Node* group = current ? groupOf(*current) : &scope();
+  const auto interaction = group ? group->attributes.interaction : nullptr;
+  const auto step =
+      interaction && interaction->arrows ? stepOf(event.key, *interaction->arrows) : std::nullopt;
   if (!step) return false;
   std::vector<Node*> members = controls();
   std::erase_if(members, [&](const Node* control) { return groupOf(*control) != group; });
+  if (members.empty()) return false;
   const auto last = std::ptrdiff_t(members.size()) - 1;
-  const std::ptrdiff_t here = std::ranges::find(members, current) - members.begin();
+  const std::ptrdiff_t here = current     ? std::ranges::find(members, current) - members.begin()
+                              : *step > 0 ? -1
+                                          : last + 1;
   const std::ptrdiff_t there = *step == -2  ? 0
                                : *step == 2 ? last
                                             : std::clamp<std::ptrdiff_t>(here + *step, 0, last);

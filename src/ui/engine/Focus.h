@@ -25,9 +25,12 @@ class Focus {
   bool move(const KeyEvent& event);
   /// Ends with a view that has gone.
   void forgetVanished();
+  /// The view that keys and focus stay inside of: the frontmost `modal` one, or all.
+  Node& scope() const;
 
  private:
   std::vector<Node*> controls() const;
+  void tell(bool focused);
   void showRing(bool shown);
   void reveal(Node& node);
 

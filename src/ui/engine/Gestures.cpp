@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "ui/engine/HitTest.h"
+#include "ui/engine/Host.h"
 #include "ui/engine/Scene.h"
 
 namespace tarnwick::ui {
@@ -19,10 +20,11 @@ double distance(Point a, Point b) { return std::hypot(a.x - b.x, a.y - b.y); }
 
 bool takesPointer(const Node& node) {
   const auto& i = node.attributes.interaction;
-  return i && (i->onPointer || i->onTap || i->onDoubleTap || i->onPress || !i->drags.empty());
+  return i && (i->onPointer || i->onTap || i->onDoubleTap || i->onPress || i->menu || i->contextMenu ||
+               i->files || !i->drags.empty());
 }
 
-bool takesTaps(const Interaction& i) { return i.onTap || i.onDoubleTap; }
+bool takesTaps(const Interaction& i) { return i.onTap || i.onDoubleTap || i.menu; }
 bool showsPresses(const Interaction& i) { return bool(i.onPress); }
 
 }  // namespace
@@ -51,6 +53,7 @@ void Gestures::press(Point point, PointerButton button, Modifiers modifiers) {
   assign(hitTest::at(scene_.root(), point, takesPointer));
   if (button_ && press_) showPress(true);
   if (button_) startDrags(point);
+  if (button_ && menu_) openMenu();
 }
 
 void Gestures::assign(const std::vector<Node*>& under) {
@@ -60,12 +63,15 @@ void Gestures::assign(const std::vector<Node*>& under) {
     if (!node || !button_) continue;
     Part part(*node);
     const auto interaction = part.interaction();
-    const bool taken = tap_ || press_ || drag_;
+    const bool taken = tap_ || press_ || drag_ || files_ || menu_;
     if (!taken && interaction->onPointer && send(part, PointerEvent::Phase::press, start_, modifiers_)) {
       pointer_ = part;
       return;
     }
+    if (*button_ == PointerButton::secondary && !menu_ && interaction->contextMenu) menu_ = part;
     if (*button_ != PointerButton::primary) continue;
+    if (!menu_ && !tap_ && interaction->menu) menu_ = part;
+    if (!files_ && interaction->files) files_ = part;
     if (!press_ && !tap_ && interaction->onPress) press_ = part;
     if (!drag_ && !interaction->drags.empty()) {
       drag_ = part;
@@ -81,6 +87,7 @@ void Gestures::move(Point point, Modifiers modifiers) {
   modifiers_ = modifiers;
   cancelVanished();
   if (pointer_) send(pointer_, PointerEvent::Phase::move, point, modifiers);
+  if (dragFiles(point)) return;
   startDrags(point);
   if (press_) showPress(isOver(press_, point, showsPresses));
 }
@@ -95,9 +102,11 @@ void Gestures::release(Point point, PointerButton button, Modifiers modifiers) {
   if (dragged) tellDrags(&DragGesture::ended, point);
   // What the tap does may begin anew.
   const Part tapped = std::exchange(tap_, {});
-  pointer_ = press_ = drag_ = {};
+  const bool chooses = menu_ && distance(point, start_) >= deliberateWay;
+  pointer_ = press_ = drag_ = files_ = menu_ = {};
   dragging_.clear();
   button_.reset();
+  if (chooses) scene_.input().menus().choose(point);
   if (!taps || !tapped.node()) return;
   const auto interaction = tapped.interaction();
   const unsigned long serial = tapped.node()->serial;
@@ -114,7 +123,7 @@ void Gestures::cancel() {
   cancelPointer();
   showPress(false);
   cancelDrags();
-  tap_ = press_ = {};
+  tap_ = press_ = files_ = menu_ = {};
   button_.reset();
 }
 
@@ -127,6 +136,29 @@ void Gestures::cancelVanished() {
   }
   if (drag_.hasVanished()) cancelDrags();
   if (tap_.hasVanished()) tap_ = {};
+  if (files_.hasVanished()) files_ = {};
+}
+
+void Gestures::openMenu() {
+  Node* const node = menu_.node();
+  if (!node) return;
+  const auto interaction = menu_.interaction();
+  const bool atPointer = button_ == PointerButton::secondary;
+  const Rect anchor = atPointer ? Rect{start_.x, start_.y, 0, 0} : node->presentedInScene();
+  scene_.input().menus().open(atPointer ? interaction->contextMenu() : interaction->menu(), anchor, *node,
+                              false);
+}
+
+/// @return whether the window has taken the gesture over
+bool Gestures::dragFiles(Point point) {
+  const auto interaction = files_.interaction();
+  Host* const host = scene_.host();
+  if (!interaction || !host || distance(point, start_) < deliberateWay) return false;
+  const std::vector<FilePath> files = interaction->files();
+  const WeakNode source = files_.node();
+  cancel();
+  if (source && !files.empty()) host->dragFiles(files, *source);
+  return true;
 }
 
 void Gestures::cancelPointer() {

@@ -48,6 +48,8 @@ class Gestures {
   void showPress(bool pressed);
   void startDrags(Point point);
   void tellDrags(std::function<void(const DragValue&)> DragGesture::*handler, Point point);
+  void openMenu();
+  bool dragFiles(Point point);
   void cancelPointer();
   void cancelDrags();
   bool isOver(const Part& part, Point point, bool (*wanted)(const Interaction&)) const;
@@ -59,7 +61,7 @@ class Gestures {
   Modifiers modifiers_;
   /// The view that has taken the pointer for itself; those that want taps, show that they are pressed, or are
   /// dragged.
-  Part pointer_, tap_, press_, drag_;
+  Part pointer_, tap_, press_, drag_, files_, menu_;
   bool pressShown_ = false;
   /// Which of the drags of `drag_` have begun, and how far the pointer moves at least before one does.
   std::vector<bool> dragging_;

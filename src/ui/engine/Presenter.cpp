@@ -18,6 +18,12 @@ Rect intersection(const Rect& a, const Rect& b) {
           std::max(0.0, std::min(a.bottom(), b.bottom()) - top)};
 }
 
+bool contains(const Rect& a, const Rect& b) {
+  constexpr double slack = 0.01;
+  return b.x >= a.x - slack && b.y >= a.y - slack && b.right() <= a.right() + slack &&
+         b.bottom() <= a.bottom() + slack;
+}
+
 void apply(QTransform& transform, const Effects& effects, Size size) {
   if (effects.scaleX == 1 && effects.scaleY == 1 && effects.rotation == 0) {
     transform.translate(effects.offset.x, effects.offset.y);
@@ -42,7 +48,7 @@ Rect drawnBox(const Node& node) {
 
 }  // namespace
 
-void Presenter::present(Node& root, const Rect& window) { present(root, {{}, window, true, false, 0}); }
+void Presenter::present(Node& root, const Rect& window) { present(root, {{}, window, true, true, false, 0}); }
 
 bool Presenter::advance(Node& node) {
   bool redraw = node.values.update(now_);
@@ -99,7 +105,7 @@ bool Presenter::present(Node& node, const Outer& outer) {
   const Rect oldBounds = node.bounds, oldOwn = node.ownBounds;
   const bool wasVisible = node.visible;
 
-  const bool redraw = advance(node) || node.needsDraw;
+  bool redraw = advance(node) || node.needsDraw;
   placeInScene(node, outer);
   const bool looksChanged = oldSize != node.presentedSize || oldOpacity != node.opacity ||
                             oldBlur != node.blurRadius || oldBrightening != node.brightening ||
@@ -116,6 +122,10 @@ bool Presenter::present(Node& node, const Outer& outer) {
                        : Rect{};
   const Rect clip = clips ? intersection(outer.clip, mapped(node, box)) : outer.clip;
   const bool shown = outer.visible && node.opacity > 0.002 && std::abs(node.transform.determinant()) > 1e-6;
+  const bool undisturbed = outer.undisturbed && !node.isLeaving && node.opacity > 0.998 &&
+                           node.blurRadius == 0 && node.brightening == 0 &&
+                           node.transform.type() <= QTransform::TxTranslate;
+  redraw |= node.element->presented(node, undisturbed && contains(outer.clip, node.presentedInScene()));
 
   const double scale = std::sqrt(std::abs(node.transform.determinant()));
   const double blurSpread = blurReach * node.blurRadius * scale;
@@ -124,7 +134,8 @@ bool Presenter::present(Node& node, const Outer& outer) {
   bool inside = node.childrenChanged;
   for (auto* list : {&node.leaving, &node.children}) {
     for (const auto& child : *list) {
-      inside |= present(*child, {node.contentTransform, clip, shown, covered, outer.spread + blurSpread});
+      inside |= present(
+          *child, {node.contentTransform, clip, shown, undisturbed, covered, outer.spread + blurSpread});
       bounds = bounds.united(child->bounds);
     }
   }

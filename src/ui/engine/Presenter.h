@@ -18,6 +18,8 @@ class Presenter {
     QTransform transform;
     Rect clip;
     bool visible;
+    /// Neither faded nor blurred, scaled or turned.
+    bool undisturbed;
     /// The damage of an outer node covers this one as well.
     bool covered;
     /// How far the effects of outer nodes spread a change.

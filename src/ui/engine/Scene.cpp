@@ -36,7 +36,8 @@ Scene::Scene(Scheduler& scheduler, Size size, View root, double pixelRatio)
   ++commitNumber_;
   Reconciler reconciler(*this, std::nullopt, true);
   const View centred = root.frame({.maxWidth = infinity, .maxHeight = infinity});
-  root_ = reconciler.build(ZStack(UnitPoint::topLeading, {centred, input_.tooltip_.view()}));
+  root_ = reconciler.build(
+      ZStack(UnitPoint::topLeading, {centred, input_.menus_.view(), input_.tooltip_.view()}));
   layOut(reconciler);
   committing_ = false;
 }
@@ -136,9 +137,14 @@ bool Scene::frame() {
   return presenter.moving();
 }
 
+bool Scene::isCovered(const Rect& area) const {
+  const auto menu = input_.menus_.frame(), tooltip = input_.tooltip_.frame();
+  return (menu && menu->intersects(area)) || (tooltip && tooltip->intersects(area));
+}
+
 void Scene::focusControl(unsigned long id) {
   const std::function<void(Node&)> search = [&](Node& node) {
-    if (node.serial == id) return input_.focus(node);
+    if (node.serial == id) return input_.focus(node, true);
     for (const auto& child : node.children) search(*child);
   };
   search(*root_);

@@ -14,6 +14,7 @@
 
 namespace tarnwick::ui {
 
+class Host;
 class Node;
 
 /// A tree of views on the screen. It compares each new description with what is shown, keeps what moves
@@ -58,7 +59,11 @@ class Scene : public transaction::Committer {
   /// An element has scrolled its content.
   void scrolled();
 
-  /// What the pointer does; all in points.
+  /// The window that shows the scene; none off screen. It must outlive its use.
+  void setHost(Host* host) { host_ = host; }
+  Host* host() const { return host_; }
+
+  /// What pointer and keyboard do.
   SceneInput& input() { return input_; }
 
   /// The frame, as presented now, of the view with that explicit id, also of a transparent one; none while
@@ -85,6 +90,12 @@ class Scene : public transaction::Committer {
     std::optional<AdjustableValue> value;
     bool takesFocus, hasFocus;
   };
+  /// What floats beside the views, such as a menu: as presented, in points; none while nothing does.
+  std::optional<Rect> floating() const { return input_.menus_.frame(); }
+
+  /// Whether something floats before that part of the scene.
+  bool isCovered(const Rect& area) const;
+
   /// Those that can be seen, in the order of drawing.
   std::vector<Control> controls() const;
   /// Gives the keyboard's focus to the control with that number, if there still is one.
@@ -125,6 +136,7 @@ class Scene : public transaction::Committer {
   bool committing_ = false;
   /// A frame has been made.
   bool shown_ = false;
+  Host* host_ = nullptr;
   SceneInput input_;
 };
 

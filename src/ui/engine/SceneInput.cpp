@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "ui/engine/HitTest.h"
+#include "ui/engine/Host.h"
 #include "ui/engine/Node.h"
 #include "ui/engine/Scene.h"
 
@@ -36,7 +37,8 @@ double stepsOf(Key key) {
 
 }  // namespace
 
-SceneInput::SceneInput(Scene& scene) : scene_(scene), gestures_(scene), focus_(scene), tooltip_(scene) {}
+SceneInput::SceneInput(Scene& scene)
+    : scene_(scene), gestures_(scene), focus_(scene), tooltip_(scene), menus_(scene) {}
 
 void SceneInput::moved(Point point, Modifiers modifiers) {
   pointer_ = point;
@@ -88,8 +90,8 @@ bool SceneInput::key(const KeyEvent& event) {
     return true;
   }
   tooltip_.hide();
-  WeakNode focused = focus_.node();
-  if (offer(event, focused)) return true;
+  const WeakNode focused = focus_.node();
+  if (offer(event, focused) || openMenu(focused, event)) return true;
   if (event.key == Key::tab && !event.modifiers.control && !event.modifiers.alt)
     return focus_.step(!event.modifiers.shift);
   return event.modifiers == Modifiers{} && ((focused && operate(*focused, event.key)) || focus_.move(event));
@@ -98,18 +100,54 @@ bool SceneInput::key(const KeyEvent& event) {
 /// First to the view with the focus and those around it, then to all others from the front to the back.
 bool SceneInput::offer(const KeyEvent& event, Node* focused) {
   std::vector<WeakNode> order;
-  for (Node* node = focused; node; node = node->parent) order.emplace_back(node);
+  for (Node* node = focused; node; node = node == &focus_.scope() ? nullptr : node->parent) {
+    order.emplace_back(node);
+  }
   const std::function<void(Node&)> collect = [&](Node& node) {
     if (node.isLeaving || (isInteractive(node) && node.attributes.interaction->disabled)) return;
     for (auto child = node.children.rbegin(); child != node.children.rend(); ++child) collect(**child);
     if (std::ranges::find(order, &node, &WeakNode::get) == order.end()) order.emplace_back(node);
   };
-  collect(scene_.root());
+  collect(focus_.scope());
   return std::ranges::any_of(order, [&](Node* node) {
     // Kept: the handler may make the views anew.
     const auto interaction = node ? node->attributes.interaction : nullptr;
     return interaction && interaction->onKey && interaction->onKey(event);
   });
+}
+
+/// Opens the menu that a key asks for.
+bool SceneInput::openMenu(Node* focused, const KeyEvent& event) {
+  if (!focused) return false;
+  const auto interaction = focused->attributes.interaction;
+  const bool operates = event.modifiers == Modifiers{} &&
+                        (event.key == Key::enter || event.key == Key::space || event.key == Key::down);
+  if (interaction->menu && operates) {
+    menus_.open(interaction->menu(), focused->presentedInScene(), *focused, true);
+    return true;
+  }
+  for (Node* node = event.key == Key::menu ? focused : nullptr; node; node = node->parent) {
+    if (!isInteractive(*node) || !node->attributes.interaction->contextMenu) continue;
+    menus_.open(node->attributes.interaction->contextMenu(), focused->presentedInScene(), *focused, true);
+    return true;
+  }
+  return false;
+}
+
+void SceneInput::focusMenu(bool byKey) {
+  focus_.moveTo(nullptr, false);
+  if (byKey) focus_.move({.key = Key::home});
+}
+
+void SceneInput::keyboardChanged(bool has) {
+  focus_.setActive(has);
+  if (!has) menus_.close();
+}
+
+void SceneInput::setCursor(Cursor cursor) {
+  if (cursor == cursor_) return;
+  cursor_ = cursor;
+  if (Host* host = scene_.host()) host->setCursor(cursor);
 }
 
 /// What a key does to a control by itself.
@@ -132,6 +170,7 @@ bool SceneInput::operate(Node& control, Key key) {
 /// The content may have moved under a resting pointer, and views may have gone.
 void SceneInput::sceneMoved() {
   gestures_.cancelVanished();
+  menus_.forgetVanished();
   focus_.forgetVanished();
   if (pointer_) tooltip_.viewChanged(updateHover(), *pointer_);
 }
@@ -145,19 +184,32 @@ Node* SceneInput::updateHover() {
       if (isInteractive(*node)) inside.push_back(node);
     }
   }
-  std::vector<std::pair<std::shared_ptr<const Interaction>, bool>> calls;
   const std::vector<WeakNode> before = std::exchange(hovered_, {inside.begin(), inside.end()});
+  const auto first = [](const auto& nodes, const std::function<bool(const Interaction&)>& wanted) {
+    const auto found = std::ranges::find_if(nodes, [&](Node* node) {
+      return node && isInteractive(*node) && wanted(*node->attributes.interaction);
+    });
+    return found == nodes.end() ? nullptr : static_cast<Node*>(*found);
+  };
+  const WeakNode withTooltip = first(inside, [](const Interaction& i) { return !i.tooltip.empty(); });
+  Node* const withCursor = first(inside, [](const Interaction& i) { return i.cursor.has_value(); });
+  setCursor(withCursor ? *withCursor->attributes.interaction->cursor : Cursor::arrow);
+
+  // From here on handlers may make the views anew.
+  std::vector<std::pair<std::shared_ptr<const Interaction>, bool>> calls;
   for (Node* node : before) {
     if (node && std::ranges::find(inside, node) == inside.end())
       calls.emplace_back(node->attributes.interaction, false);
   }
-  WeakNode withTooltip;
   for (Node* node : inside) {
-    if (!withTooltip && !node->attributes.interaction->tooltip.empty()) withTooltip = node;
     if (std::ranges::find(before, node, &WeakNode::get) == before.end())
       calls.emplace_back(node->attributes.interaction, true);
   }
-  // Last: a handler may make the views anew.
+  // In a menu the focus goes with the pointer.
+  const auto isItem = [](const Interaction& i) { return i.role == Role::menuItem; };
+  Node* const item = first(inside, isItem);
+  if (item != first(before, isItem))
+    focus_.moveTo(item && item->attributes.interaction->takesFocus() ? item : nullptr, false);
   for (const auto& [interaction, hovering] : calls) {
     if (interaction && interaction->onHover) interaction->onHover(hovering);
   }

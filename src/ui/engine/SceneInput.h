@@ -5,6 +5,7 @@
 #include "ui/Events.h"
 #include "ui/engine/Focus.h"
 #include "ui/engine/Gestures.h"
+#include "ui/engine/Menus.h"
 #include "ui/engine/Tooltip.h"
 
 namespace tarnwick::ui {
@@ -30,17 +31,23 @@ class SceneInput {
   /// A key went down. @return false when nobody has a use for it.
   bool key(const KeyEvent& event);
   /// The window has come by the keyboard, or lost it.
-  void keyboardChanged(bool has) { focus_.setActive(has); }
+  void keyboardChanged(bool has);
 
   /// The view with the keyboard's focus; null: none.
   const Node* focused() const { return focus_.node(); }
-  /// Gives it the focus, with a ring around it.
-  void focus(Node& node) { focus_.moveTo(&node, true); }
+  /// Gives it the focus. `shown`: as if by a key.
+  void focus(Node& node, bool shown) { focus_.moveTo(&node, shown); }
+
+  Menus& menus() { return menus_; }
+  /// A menu has opened; `byKey`: the focus goes to its first item.
+  void focusMenu(bool byKey);
 
  private:
   friend class Scene;
   void sceneMoved();
   Node* updateHover();
+  void setCursor(Cursor cursor);
+  bool openMenu(Node* focused, const KeyEvent& event);
   bool offer(const KeyEvent& event, Node* focused);
   bool operate(Node& control, Key key);
 
@@ -50,6 +57,8 @@ class SceneInput {
   Gestures gestures_;
   Focus focus_;
   Tooltip tooltip_;
+  Menus menus_;
+  Cursor cursor_ = Cursor::arrow;
 };
 
 }  // namespace tarnwick::ui

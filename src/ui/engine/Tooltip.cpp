@@ -9,6 +9,7 @@ namespace {
 
 /// Seconds that the pointer rests before it shows.
 constexpr double delay = 0.7;
+constexpr char bubbleKey[] = "tooltip";
 
 }  // namespace
 
@@ -47,6 +48,8 @@ Rect Tooltip::surfaceOf(const Node& node) const {
   return surface;
 }
 
+std::optional<Rect> Tooltip::frame() const { return scene_.presentedFrame(bubbleKey); }
+
 View Tooltip::view() const {
   return observing([this] {
     changes_.noteRead();
@@ -57,8 +60,16 @@ View Tooltip::view() const {
                       .padding(Edge::horizontal, 8)
                       .padding(Edge::vertical, 4)
                       .background(RoundedRectangle(6).fill(Color{0.17, 0.17, 0.18, 0.97}))
-                      .overlay(RoundedRectangle(6).stroke(white(0.12), {.width = 1, .inside = true}));
-    return Beside(shown_->point, shown_->surface, std::move(bubble)).allowsHitTesting(false);
+                      .overlay(RoundedRectangle(6).stroke(white(0.12), {.width = 1, .inside = true}))
+                      .id(bubbleKey);
+    const Point point = shown_->point;
+    return Beside({.anchor = {point.x, point.y, 0, 0},
+                   .surface = shown_->surface,
+                   .below = 18,
+                   .above = 8,
+                   .margin = 12},  // room for the surface's round corners
+                  std::move(bubble))
+        .allowsHitTesting(false);
   });
 }
 

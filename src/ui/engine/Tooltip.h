@@ -22,6 +22,8 @@ class Tooltip {
   void viewChanged(Node* node, Point point);
   void hide();
 
+  /// Where it is, as presented; none while it does not show.
+  std::optional<Rect> frame() const;
   /// The bubble, in front of the whole scene.
   View view() const;
 

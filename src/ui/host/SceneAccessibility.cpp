@@ -17,6 +17,14 @@ QAccessible::Role toQt(Role role) {
   switch (role) {
     case Role::button:
       return QAccessible::Button;
+    case Role::menuButton:
+      return QAccessible::ButtonMenu;
+    case Role::menu:
+      return QAccessible::PopupMenu;
+    case Role::menuItem:
+      return QAccessible::MenuItem;
+    case Role::textField:
+      return QAccessible::EditableText;
     case Role::slider:
       return QAccessible::Slider;
     case Role::list:
@@ -113,7 +121,10 @@ class AccessibleControl : public QAccessibleInterface,
     const auto found = control();
     if (!found) return;
     if (found->press && name == pressAction()) found->press();
-    if (name == setFocusAction()) widget_->scene().focusControl(known_.id);
+    if (name == setFocusAction()) {
+      widget_->scene().focusControl(known_.id);
+      widget_->takeKeyboard();
+    }
   }
   QStringList keyBindingsForAction(const QString&) const override { return {}; }
 

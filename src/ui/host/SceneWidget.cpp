@@ -1,6 +1,8 @@
 #include "ui/host/SceneWidget.h"
 
+#include <QDrag>
 #include <QImage>
+#include <QMimeData>
 #include <QMouseEvent>
 #include <QPaintEngine>
 #include <QPainter>
@@ -10,6 +12,7 @@
 
 #include "ui/engine/Drawing.h"
 #include "ui/host/SceneAccessibility.h"
+#include "ui/host/TextWidget.h"
 #include "ui/paint/Painter.h"
 
 namespace tarnwick::ui {
@@ -58,6 +61,7 @@ SceneWidget::SceneWidget(Scheduler& scheduler, Size size, View root)
   setMouseTracking(true);
   setFocusPolicy(Qt::StrongFocus);
   installSceneAccessibility();
+  scene_.setHost(this);
   resize(int(size.width), int(size.height));
   scene_.onNeedsFrame = [this] { scheduleFrame(); };
 }
@@ -150,9 +154,51 @@ void SceneWidget::hideEvent(QHideEvent*) {
 }
 
 void SceneWidget::keyPressEvent(QKeyEvent* event) {
-  event->setAccepted(
-      scene_.input().key({keyOf(event->key()), event->text().toStdString(), fromQt(event->modifiers())}));
+  const Key key = keyOf(event->key());
+  const bool used = scene_.input().key({key, event->text().toStdString(), fromQt(event->modifiers())});
+  event->setAccepted(used);
+  if (!used && key == Key::escape) giveBackKeyboard();
 }
+
+void SceneWidget::setCursor(Cursor cursor) {
+  const auto shape = [=] {
+    switch (cursor) {
+      case Cursor::arrow:
+        return Qt::ArrowCursor;
+      case Cursor::pointingHand:
+        return Qt::PointingHandCursor;
+      case Cursor::grab:
+        return Qt::OpenHandCursor;
+      case Cursor::text:
+        return Qt::IBeamCursor;
+    }
+    return Qt::ArrowCursor;
+  };
+  QWidget::setCursor(shape());
+}
+
+void SceneWidget::takeKeyboard() {
+  if (onTakeKeyboard) onTakeKeyboard();
+}
+
+void SceneWidget::giveBackKeyboard() {
+  if (onGiveBackKeyboard) onGiveBackKeyboard();
+}
+
+void SceneWidget::dragFiles(const std::vector<FilePath>& files, Node& source) {
+  QList<QUrl> urls;
+  for (const FilePath& file : files) urls << QUrl::fromLocalFile(QString::fromStdString(file));
+  auto* list = new QMimeData;
+  list->setUrls(urls);
+  auto* drag = new QDrag(this);
+  drag->setMimeData(list);
+  const QPixmap picture = QPixmap::fromImage(pictureOf(source, devicePixelRatioF()));
+  drag->setPixmap(picture);
+  drag->setHotSpot(QRectF(QPointF(), picture.deviceIndependentSize()).center().toPoint());
+  drag->exec(Qt::CopyAction | Qt::MoveAction | Qt::LinkAction, Qt::CopyAction);
+}
+
+std::unique_ptr<HostedText> SceneWidget::makeText() { return std::make_unique<TextWidget>(*this); }
 
 void SceneWidget::focusInEvent(QFocusEvent*) { scene_.input().keyboardChanged(true); }
 

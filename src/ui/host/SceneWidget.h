@@ -4,13 +4,14 @@
 #include <functional>
 #include <optional>
 
+#include "ui/engine/Host.h"
 #include "ui/engine/Scene.h"
 
 namespace tarnwick::ui {
 
 /// Shows a scene in a window of the toolkit: frames at the screen's rate, only while something moves, and
 /// only what changed is painted.
-class SceneWidget : public QWidget {
+class SceneWidget : public QWidget, public Host {
  public:
   SceneWidget(Scheduler& scheduler, Size size, View root);
 
@@ -20,8 +21,17 @@ class SceneWidget : public QWidget {
   /// Points that a smooth device, such as a touchpad, travels for what the event counts as one click of a
   /// wheel; nothing for a wheel, whose clicks scroll farther.
   std::function<std::optional<double>(const QWheelEvent&)> smoothPointsPerClick;
+  /// Bring the window the keyboard, and give it back.
+  std::function<void()> onTakeKeyboard, onGiveBackKeyboard;
+
+  void setCursor(Cursor cursor) override;
+  void takeKeyboard() override;
+  void giveBackKeyboard() override;
+  void dragFiles(const std::vector<FilePath>& files, Node& source) override;
+  std::unique_ptr<HostedText> makeText() override;
 
  protected:
+  friend class TextWidget;
   void paintEvent(QPaintEvent* event) override;
   void showEvent(QShowEvent* event) override;
   void resizeEvent(QResizeEvent* event) override;

@@ -110,6 +110,13 @@ void Painter::paint(Node& root, QImage& target, const Rect& area, Point origin) 
   draw(root, surface, 1);
 }
 
+QImage pictureOf(Node& node, double pixelRatio) {
+  const Size size = node.presentedSize;
+  QImage picture = Painter(pixelRatio).render(node, {0, 0, size.width, size.height}, pixelRatio);
+  picture.setDevicePixelRatio(pixelRatio);
+  return picture;
+}
+
 void Painter::draw(Node& node, Surface& surface, double opacity) {
   if (node.bounds.isEmpty() || !node.bounds.intersects(surface.clip)) return;
   opacity *= node.opacity;
@@ -241,7 +248,6 @@ void Painter::cutCorners(const Node& node, QPainter& painter, const QTransform& 
   painter.restore();
 }
 
-/// The content of a node, in its own coordinates and without its effects.
 QImage Painter::render(Node& node, const Rect& rect, double scale) {
   QImage image(std::max(1, int(std::ceil(rect.width * scale - 1e-6))),
                std::max(1, int(std::ceil(rect.height * scale - 1e-6))), QImage::Format_ARGB32_Premultiplied);

@@ -16,6 +16,9 @@ void paint(Scene& scene, QImage& target, const Rect& area, Point origin = {});
 /// The whole scene as a picture of its own, at its pixel ratio. Needs no window.
 QImage picture(Scene& scene);
 
+/// A view by itself, without the effects of those around it, as a picture of `pixelRatio` pixels a point.
+QImage pictureOf(Node& node, double pixelRatio);
+
 /// Draws presented nodes into a picture.
 class Painter {
  public:
@@ -23,6 +26,8 @@ class Painter {
   /// Clears and paints the part `area` (points) of the scene, whose corner lies at `origin` (pixels) of
   /// `target`.
   void paint(Node& root, QImage& target, const Rect& area, Point origin);
+  /// The content of a node, in its own coordinates and without its effects.
+  QImage render(Node& node, const Rect& rect, double scale);
 
  private:
   /// What is drawn on: from the scene's points to its pixels.
@@ -45,7 +50,6 @@ class Painter {
   void drawFocusRing(const Node& node, Surface& surface, double opacity);
   void drawInsideClip(Node& node, Surface& surface);
   void cutCorners(const Node& node, QPainter& painter, const QTransform& toPixels);
-  QImage render(Node& node, const Rect& rect, double scale);
 
   double ratio_;
 };

@@ -1,0 +1,145 @@
+#include "ui/host/TextWidget.h"
+
+#include <QPainter>
+#include <QTextBlock>
+#include <utility>
+
+#include "base/L10n.h"
+#include "ui/engine/Drawing.h"
+#include "ui/host/SceneWidget.h"
+#include "ui/paint/FontBook.h"
+
+namespace tarnwick::ui {
+
+/// Leaves to the scene what is the scene's: the background, menus, and the keys that move the focus.
+class TextWidget::Edit : public QPlainTextEdit {
+ public:
+  Edit(SceneWidget& scene, TextWidget& owner) : QPlainTextEdit(&scene), scene_(scene), owner_(owner) {
+    setFrameShape(QFrame::NoFrame);
+    setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    setContextMenuPolicy(Qt::NoContextMenu);
+    document()->setDocumentMargin(0);
+    viewport()->setAutoFillBackground(false);
+    setAutoFillBackground(false);
+    hide();
+  }
+
+ protected:
+  void keyPressEvent(QKeyEvent* event) override {
+    switch (event->key()) {
+      case Qt::Key_Tab:
+      case Qt::Key_Backtab:
+      case Qt::Key_Escape:
+      case Qt::Key_Menu:
+        return scene_.keyPressEvent(event);
+      default:
+        QPlainTextEdit::keyPressEvent(event);
+    }
+  }
+  void mousePressEvent(QMouseEvent* event) override {
+    if (event->button() == Qt::RightButton) return event->ignore();
+    QPlainTextEdit::mousePressEvent(event);
+    // A click alone does not bring the keyboard to the window.
+    scene_.takeKeyboard();
+  }
+  void focusInEvent(QFocusEvent* event) override {
+    QPlainTextEdit::focusInEvent(event);
+    if (owner_.onFocus) owner_.onFocus(true);
+  }
+  void focusOutEvent(QFocusEvent* event) override {
+    QPlainTextEdit::focusOutEvent(event);
+    if (owner_.onFocus) owner_.onFocus(false);
+  }
+  bool focusNextPrevChild(bool) override { return false; }
+
+ private:
+  SceneWidget& scene_;
+  TextWidget& owner_;
+};
+
+TextWidget::TextWidget(SceneWidget& scene) : scene_(scene), edit_(new Edit(scene, *this)) {
+  QObject::connect(edit_, &QPlainTextEdit::textChanged, edit_, [this] {
+    if (onText) onText(edit_->toPlainText().toStdString());
+  });
+}
+
+TextWidget::~TextWidget() {
+  onText = nullptr;
+  onFocus = nullptr;
+  const bool focused = edit_->hasFocus();
+  // It may be in the middle of an event.
+  edit_->hide();
+  edit_->deleteLater();
+  if (focused) scene_.giveBackKeyboard();
+}
+
+void TextWidget::setText(const std::string& text) {
+  const QString wanted = QString::fromStdString(text);
+  if (edit_->toPlainText() == wanted) return;
+  const QSignalBlocker quiet(edit_);
+  edit_->setPlainText(wanted);
+}
+
+void TextWidget::setLook(const Font& font, Color color) {
+  if (font_ == font && color_ == color) return;
+  font_ = font;
+  color_ = color;
+  edit_->setFont(fontBook::face(font).font);
+  QPalette palette = edit_->palette();
+  palette.setColor(QPalette::Text, toQt(color));
+  palette.setColor(QPalette::Base, Qt::transparent);
+  edit_->setPalette(palette);
+}
+
+void TextWidget::place(const Rect& frame, bool shown) {
+  const QRect rect = toQt(frame).toRect();
+  if (edit_->geometry() != rect) edit_->setGeometry(rect);
+  if (shown == !edit_->isHidden()) return;
+  if (!shown && edit_->hasFocus()) {
+    scene_.setFocus();
+    returnsToFocus_ = true;
+  }
+  edit_->setVisible(shown);
+  if (shown && std::exchange(returnsToFocus_, false) && scene_.hasFocus()) edit_->setFocus();
+}
+
+QImage TextWidget::picture(double scale) {
+  QImage image(edit_->size() * scale, QImage::Format_ARGB32_Premultiplied);
+  image.fill(Qt::transparent);
+  image.setDevicePixelRatio(scale);
+  edit_->render(&image, {}, {}, QWidget::DrawChildren);
+  image.setDevicePixelRatio(1);
+  return image;
+}
+
+void TextWidget::setFocused(bool focused) {
+  returnsToFocus_ = focused && edit_->isHidden();
+  if (focused == edit_->hasFocus()) return;
+  if (!focused) return scene_.setFocus();
+  edit_->isHidden() ? scene_.setFocus() : edit_->setFocus();
+  scene_.takeKeyboard();
+}
+
+std::vector<MenuItem> TextWidget::menu() {
+  const bool selected = edit_->textCursor().hasSelection();
+  const auto item = [](std::string title, std::function<void()> action, bool enabled) {
+    return MenuItem{.title = std::move(title), .action = std::move(action), .enabled = enabled};
+  };
+  return {item(
+              tr("Undo", "Annuler"), [e = edit_] { e->undo(); }, edit_->document()->isUndoAvailable()),
+          item(
+              tr("Redo", "Rétablir"), [e = edit_] { e->redo(); }, edit_->document()->isRedoAvailable()),
+          MenuItem::separator(),
+          item(
+              tr("Cut", "Couper"), [e = edit_] { e->cut(); }, selected),
+          item(
+              tr("Copy", "Copier"), [e = edit_] { e->copy(); }, selected),
+          item(
+              tr("Paste", "Coller"), [e = edit_] { e->paste(); }, edit_->canPaste()),
+          item(
+              tr("Select all", "Tout sélectionner"), [e = edit_] { e->selectAll(); },
+              !edit_->document()->isEmpty())};
+}
+
+}  // namespace tarnwick::ui
