@@ -22,6 +22,7 @@ PanelContent::Surface presentedSurface(const ui::Scene& scene) {
   if (frame && shape && scene.isVisible(surfaceId)) {
     surface.outline = ui::outline(*shape, frame->size()).translated(frame->x, frame->y);
   }
+  surface.floating = scene.floating().value_or(Rect{});
   return surface;
 }
 
@@ -71,7 +72,12 @@ std::unique_ptr<NotchPanel> AppDelegate::makePanel(NotchModel& model) {
                                       notchRootView(
                                           model, [] {}, display_->hasRoomForShadow()));
   auto panel = display_->makePanel({*content, [content] { return presentedSurface(content->scene()); }});
-  content->onFrame = [panel = panel.get()] { panel->surfaceChanged(); };
+  content->onFrame = [&model, content, panel = panel.get()] {
+    model.floating = content->scene().floating();
+    panel->surfaceChanged();
+  };
+  content->onTakeKeyboard = [panel = panel.get()] { panel->becomeKey(); };
+  content->onGiveBackKeyboard = [panel = panel.get()] { panel->resignKey(); };
   content->smoothPointsPerClick = [panel = panel.get()](const QWheelEvent& event) {
     return panel->smoothPointsPerClick(event);
   };

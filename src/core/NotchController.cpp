@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 #include "platform/HapticPerformer.h"
 #include "platform/NotificationCenter.h"
@@ -93,6 +94,10 @@ void NotchController::listen() {
     layout();
     checkFullscreen();
   }));
+  // However the body is closed, who had the keyboard before gets it back.
+  subscriptions_.push_back(model_.observe([this] {
+    if (std::exchange(wasExpanded_, model_.isExpanded) && !model_.isExpanded) panel_->resignKey();
+  }));
   subscriptions_.push_back(desktop_.windows.observe([this] { checkFullscreen(); }));
   fullscreenCheck_ = desktop_.scheduler.post([this] { checkFullscreen(); });
   subscriptions_.push_back(desktop_.notifications.observe(
@@ -158,7 +163,6 @@ bool NotchController::actOnSwipe() {
     if (swipe_.y < -verticalSwipe) {
       if (model_.isExpanded) {
         model_.collapse();
-        panel_->resignKey();
         haptics_.tap();
       }
       return true;

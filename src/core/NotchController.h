@@ -61,6 +61,7 @@ class NotchController {
   bool swipeHandled_ = false;
 
   Task calendarStart_, fullscreenCheck_;
+  bool wasExpanded_ = false;
   std::vector<Subscription> subscriptions_;
 };
 

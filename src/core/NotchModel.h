@@ -43,6 +43,8 @@ class NotchModel : public ObservableObject {
   /// Files are being dragged near the notch, which shows the expanded layout for them.
   Observed<bool> isDraggingFiles{*this};
   Observed<bool> isDropTargeted{*this};
+  /// What floats beside the surface, such as an open menu, in the panel's coordinates. It counts as surface.
+  Observed<std::optional<Rect>> floating{*this};
   /// Another program fills the screen.
   Observed<bool> hiddenForFullscreen{*this};
   Observed<std::optional<Transient>> transient{*this};

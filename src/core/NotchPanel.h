@@ -42,8 +42,8 @@ class NotchPanel {
 
   /// The pointer, in the panel's coordinates.
   virtual Pointer& pointer() = 0;
-  /// The part in which the window takes the pointer and drops; clicks elsewhere reach what lies below.
-  /// Nothing: it ignores the pointer altogether.
+  /// The part in which the window takes the pointer and drops, besides what floats beside the surface; clicks
+  /// elsewhere reach what lies below. Nothing: it ignores the pointer altogether.
   virtual void setPointerArea(const std::optional<Rect>& area) = 0;
 
   /// Gives the keyboard back to the window that had it before, if the panel has it or has asked for it.

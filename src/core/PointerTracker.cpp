@@ -24,6 +24,8 @@ Rect surfaceRect(Size panel, Size surface) {
   return {(panel.width - surface.width) / 2, -2, surface.width, surface.height + 2};
 }
 Rect hoverArea(const Rect& surface) { return surface.grownBy(3, 3); }
+/// The way to it from the surface counts as well.
+Rect floatingArea(const Rect& floating) { return floating.grownBy(4, 8); }
 Rect dragCatchArea(const Rect& surface) { return surface.grownBy(140, 110); }
 Rect dragKeepArea(const Rect& surface) { return surface.grownBy(220, 180); }
 
@@ -62,13 +64,8 @@ PointerTracker::PointerState PointerTracker::pointerState() const {
 }
 
 PointerTracker::NotchState PointerTracker::notchState() const {
-  return {model_.size(),
-          model_.isExpanded,
-          model_.isHovering,
-          model_.isDraggingFiles,
-          model_.isDropTargeted,
-          model_.showcase,
-          model_.settings.expandOnHover};
+  return {model_.size(),          model_.floating,       model_.isExpanded, model_.isHovering,
+          model_.isDraggingFiles, model_.isDropTargeted, model_.showcase,   model_.settings.expandOnHover};
 }
 
 void PointerTracker::trackMouse() {
@@ -85,7 +82,8 @@ void PointerTracker::trackMouse() {
 
   const double now = scheduler_.uptime();
   const Rect surface = surfaceRect(panel_.size(), notch.size);
-  inside_ = contains(hoverArea(surface), pointer.position);
+  inside_ = contains(hoverArea(surface), pointer.position) ||
+            (notch.floating && contains(floatingArea(*notch.floating), pointer.position));
   const bool draggingFiles = followFileDrag(pointer, surface, now);
   if (inside_) {
     pointerIsInside(pointer, now);
@@ -140,10 +138,7 @@ bool PointerTracker::followFileDrag(const PointerState& pointer, const Rect& sur
 void PointerTracker::pointerIsOutside(double now) {
   enteredAt_.reset();
   if (now - lastInside_ > hoverLinger) model_.setHovering(false);
-  if (model_.isExpanded && now - lastInside_ > bodyLinger && !model_.isDraggingFiles) {
-    model_.collapse();
-    panel_.resignKey();
-  }
+  if (model_.isExpanded && now - lastInside_ > bodyLinger && !model_.isDraggingFiles) model_.collapse();
 }
 
 void PointerTracker::pointerIsInside(const PointerState& pointer, double now) {

@@ -38,6 +38,7 @@ class PointerTracker {
   };
   struct NotchState {
     Size size;
+    std::optional<Rect> floating;
     bool isExpanded = false, isHovering = false, isDraggingFiles = false, isDropTargeted = false;
     bool showcase = false, expandOnHover = false;
     friend bool operator==(const NotchState&, const NotchState&) = default;

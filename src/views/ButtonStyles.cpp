@@ -26,6 +26,7 @@ ButtonStyle pressScaleStyle() {
 ButtonStyle notchButtonStyle(double size, double hoverScale) {
   return [=](View label, bool pressed, bool hovering) {
     return label.frame({.width = size, .height = size})
+        .contentShape(Circle())
         .background(Circle().fill(white(byPointer(pressed, hovering, 0.22, 0.12, 0))))
         .scaleEffect(byPointer(pressed, hovering, 0.86, hoverScale, 1))
         .animation(spring(0.26, 0.6), hovering)
@@ -37,6 +38,7 @@ ButtonStyle notchPillButtonStyle() {
   return [](View label, bool pressed, bool hovering) {
     return label.padding(Edge::horizontal, 12)
         .padding(Edge::vertical, 6)
+        .contentShape(Capsule())
         .background(Capsule().fill(white(byPointer(pressed, hovering, 0.24, 0.16, 0.08))))
         .scaleEffect(pressed ? 0.94 : 1)
         .animation(spring(0.25, 0.7), hovering)

@@ -76,6 +76,11 @@ View surface(NotchModel& model, Namespace names, const std::function<void()>& op
       .contentShape(shape)
       .accessibility(expanded ? Role::none : Role::button,
                      expanded ? "" : tr("Open Tarnwick", "Ouvrir Tarnwick"))
+      .onKey([&model, expanded](const KeyEvent& event) {
+        if (!expanded || event.key != Key::escape) return false;
+        model.collapse();
+        return true;
+      })
       .onTap([&model] { withAnimation(notchOpen, [&] { model.expand(); }); }, !expanded)
       .id(surfaceId);
 }

@@ -93,7 +93,7 @@ View tabBar(NotchModel& model, Namespace names) {
     buttons.push_back(tabButton(tab, icon(tab, model.claude, selected, names), selected, height,
                                 [&model, tab] { model.select(tab); }));
   }
-  return HStack({.spacing = spacing}, buttons);
+  return HStack({.spacing = spacing}, buttons).arrowKeys(Axis::horizontal);
 }
 
 }  // namespace tarnwick

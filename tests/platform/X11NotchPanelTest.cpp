@@ -25,6 +25,7 @@ TestDesktop& desktop() { return TestDesktop::shared(); }
 class Content : public QWidget {
  public:
   QRect surface{370, 0, 200, 32};
+  Rect floating;
   int presses = 0, scrolls = 0;
   QLineEdit editor{this};
 
@@ -34,6 +35,7 @@ class Content : public QWidget {
     PanelContent::Surface presented{
         {double(surface.x()), double(surface.y()), double(surface.width()), double(surface.height())}, {}};
     presented.outline.addRect(surface);
+    presented.floating = floating;
     return presented;
   }
 
@@ -113,6 +115,9 @@ TEST_F(X11NotchPanelTest, FollowsTheScreenInItsOwnCoordinates) {
     return waitUntil([&] { return desktop().shapeBounds(window(), XCB_SHAPE_SK_INPUT) == pixels; });
   };
   EXPECT_TRUE(takesPointerIn({370, 0, 200, 32}));
+  content.floating = {600, 40, 50, 60};
+  panel.surfaceChanged();
+  EXPECT_TRUE(takesPointerIn({370, 0, 280, 100})) << "these are their bounds";
   panel.setPointerArea(std::nullopt);
   EXPECT_TRUE(takesPointerIn({}));
 

@@ -23,6 +23,8 @@ struct PanelContent {
     Rect frame;
     /// Empty while it cannot be seen.
     QPainterPath outline;
+    /// What floats beside it at the moment; empty: nothing.
+    Rect floating;
   };
 
   /// It has the panel's size, and must outlive the panel's use of it; the panel becomes its parent.

@@ -9,6 +9,7 @@
 #include <QWheelEvent>
 #include <QWindow>
 #include <cmath>
+#include <utility>
 
 namespace tarnwick {
 namespace {
@@ -85,13 +86,15 @@ void X11NotchPanel::setPointerArea(const std::optional<Rect>& area) {
 }
 
 void X11NotchPanel::surfaceChanged() {
+  const Rect floating = surface_().floating;
+  if (floating != std::exchange(floating_, floating)) applyPointerArea();
   if (connection_.isXWayland() || !compositor_.isRunning()) applySurface();
 }
 
 void X11NotchPanel::applySurface() {
   if (connection_.isXWayland()) {
     // Clicks on the empty part of a window never reach Wayland windows below it, whatever its shape.
-    const QRect surface = roundedOut(surface_().frame, 1) & content_.rect();
+    const QRect surface = roundedOut(surface_().frame.united(floating_), 1) & content_.rect();
     // Before its first layout there is nothing to cover.
     const QRect part = surface.isEmpty() ? QRect(content_.width() / 2, 0, 1, 1) : surface;
     const QRect place = part.translated(int(frame_.x), int(frame_.y));
@@ -103,8 +106,8 @@ void X11NotchPanel::applySurface() {
     setBoundingShape(std::nullopt);
   } else {
     const double ratio = screens_.ratioAt(frame_);
-    setBoundingShape(
-        QRegion(QTransform::fromScale(ratio, ratio).map(surface_().outline).toFillPolygon().toPolygon()));
+    const QPainterPath outline = QTransform::fromScale(ratio, ratio).map(surface_().outline);
+    setBoundingShape(QRegion(outline.toFillPolygon().toPolygon()) | roundedOut(floating_, ratio));
   }
 }
 
@@ -114,8 +117,8 @@ void X11NotchPanel::applyPointerArea() {
     // Where the content begins beside the window, under XWayland.
     const Point content{double(content_.x()), double(content_.y())};
     const double ratio = screens_.ratioAt(frame_);
-    pixels = roundedOut(pointerArea_->movedBy(content), ratio) &
-             roundedOut({0, 0, double(window_.width()), double(window_.height())}, ratio);
+    for (const Rect& part : {*pointerArea_, floating_}) pixels |= roundedOut(part.movedBy(content), ratio);
+    pixels &= roundedOut({0, 0, double(window_.width()), double(window_.height())}, ratio);
   }
   if (inputShape_ == pixels) return;
   inputShape_ = pixels;

@@ -61,6 +61,7 @@ class X11NotchPanel : public QObject, public HostingPanel {
   Rect frame_;
   /// In the content's coordinates.
   std::optional<Rect> pointerArea_;
+  Rect floating_;
   /// In physical pixels of the window, as the server has them; no bounding shape: the whole window.
   std::optional<QRegion> inputShape_, boundingShape_;
   Subscription compositorChanges_;
