@@ -10,6 +10,7 @@ struct Date {
   double secondsSince1970 = 0;
 
   static constexpr Date distantPast() { return {-std::numeric_limits<double>::infinity()}; }
+  static constexpr Date distantFuture() { return {std::numeric_limits<double>::infinity()}; }
   /// The current time of the system clock.
   static Date systemNow();
 

@@ -1,10 +1,12 @@
 #pragma once
 #include <functional>
 #include <memory>
+#include <optional>
 #include <vector>
 
 #include "base/Date.h"
 #include "base/ObservableObject.h"
+#include "ui/Beat.h"
 #include "ui/View.h"
 
 namespace tarnwick::ui {
@@ -40,8 +42,7 @@ struct DynamicBody {
   /// Makes the local state, when the place is first shown.
   std::function<std::shared_ptr<void>()> makeState;
   std::function<View(const std::shared_ptr<void>& state, Date now)> body;
-  /// Seconds between two automatic renewals; 0: none.
-  double interval = 0;
+  std::optional<Beat> beat = {};
 };
 /// A view made anew whenever something changes that its body has read: an `Observed` property or a `State`.
 View dynamic(DynamicBody body);
@@ -61,5 +62,9 @@ View observing(std::function<View()> body);
 /// be seen it costs nothing.
 View timeline(double interval, bool paused, std::function<View(Date now)> body);
 View everySecond(std::function<View(Date now)> body);
+
+/// A view that counts down to `end`: `body` is called with the whole seconds that are left, the one that has
+/// begun included, anew at each second before `end`, the last time with 0.
+View countdown(Date end, std::function<View(int seconds)> body);
 
 }  // namespace tarnwick::ui

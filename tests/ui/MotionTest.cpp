@@ -227,6 +227,21 @@ TEST(Motion, timelinesTickOnlyWhileTheyCanBeSeen) {
   EXPECT_EQ(made, stopped);
 }
 
+TEST(Motion, aCountdownTicksOnItsOwnSecondsAndEnds) {
+  VirtualScheduler clock;
+  const Date end = clock.now() + 2.7;
+  Stage stage(countdown(end, [](int left) { return Text(std::to_string(left)); }), {400, 300}, 1, &clock);
+  std::string seen;
+  for (int i = 0; i < 8; ++i) {
+    seen += stage.inspect.texts().at(0);
+    stage.play(0.5);
+  }
+  EXPECT_EQ(seen, "33221100");
+  const int before = clock.wakeUps();
+  stage.play(5);
+  EXPECT_EQ(clock.wakeUps(), before);
+}
+
 TEST(Motion, repaintsOnlyWhatChanged) {
   int ticks = 0;
   Stage stage([&] {

@@ -1,5 +1,7 @@
 #include "ui/Dynamic.h"
 
+#include <algorithm>
+#include <cmath>
 #include <memory>
 #include <utility>
 
@@ -25,7 +27,7 @@ class DynamicElement : public WrapperElement {
   std::unique_ptr<ElementState> makeState() const override {
     return std::make_unique<DynamicState>(body_.makeState ? body_.makeState() : nullptr);
   }
-  double interval() const override { return body_.interval; }
+  std::optional<Beat> beat() const override { return body_.beat; }
   void build(Node& node, const Views&, Content& content) const override {
     content.show({body_.body(node.state<DynamicState>().local, node.scene.now())});
   }
@@ -44,9 +46,18 @@ View observing(std::function<View()> body) {
 
 View timeline(double interval, bool paused, std::function<View(Date)> body) {
   return dynamic({.body = [body = std::move(body)](const auto&, Date now) { return body(now); },
-                  .interval = paused ? 0 : interval});
+                  .beat = paused ? std::nullopt : std::optional(Beat{interval})});
 }
 
 View everySecond(std::function<View(Date)> body) { return timeline(1, false, std::move(body)); }
+
+View countdown(Date end, std::function<View(int)> body) {
+  const auto left = [end](Date now) {
+    // A beat may come a little early.
+    constexpr double margin = 0.02;
+    return int(std::clamp(std::ceil(end - now - margin), 0.0, 1e9));
+  };
+  return dynamic({.body = [=](const auto&, Date now) { return body(left(now)); }, .beat = Beat{1, end, end}});
+}
 
 }  // namespace tarnwick::ui

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "base/Geometry.h"
+#include "ui/Beat.h"
 #include "ui/Environment.h"
 #include "ui/View.h"
 
@@ -93,8 +94,8 @@ class Element {
   /// The same for what depends on sizes and places: called after each layout, which is done again when
   /// something is shown.
   virtual void buildForLayout(Node&, Content&) const {}
-  /// Seconds between two renewals of the node by the clock, while it can be seen; 0: none.
-  virtual double interval() const { return 0; }
+  /// Has the node renewed by the clock, while it can be seen.
+  virtual std::optional<Beat> beat() const { return std::nullopt; }
 
   /// Whether it may need another size than `before`, which it takes over from.
   virtual bool affectsLayout(const Element&) const { return true; }

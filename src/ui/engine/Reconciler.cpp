@@ -173,7 +173,7 @@ void Reconciler::update(Node& node, const View& view, Context context) {
 }
 
 void Reconciler::updateContent(Node& node, const Context& context) {
-  if (node.element->interval() > 0)
+  if (node.element->beat())
     scene_.timelineViews_.insert(&node);
   else if (scene_.timelineViews_.erase(&node))
     scene_.timelines_.stop(node);

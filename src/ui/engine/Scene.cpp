@@ -179,7 +179,7 @@ void Scene::finishLeaving(Node& node) {
 void Scene::updateTimelines() {
   for (Node* node : timelineViews_) {
     if (node->visible || node->isNew)
-      timelines_.run(*node, node->element->interval());
+      timelines_.run(*node, *node->element->beat());
     else
       timelines_.stop(*node);
   }

@@ -11,16 +11,19 @@ constexpr double patience = 0.02;
 /// A timer that is a little early would find the beat before.
 constexpr double margin = 0.001;
 
-double beatAfter(double time, double interval) {
-  return (std::floor((time + margin) / interval) + 1) * interval;
+/// Never, once it is over.
+Date beatAfter(Date now, const Beat& beat) {
+  const double number = std::floor((now - beat.origin + margin) / beat.interval) + 1;
+  const Date next = beat.origin + number * beat.interval;
+  return next > beat.end + margin ? Date::distantFuture() : next;
 }
 
 }  // namespace
 
-void Timelines::run(Node& node, double interval) {
+void Timelines::run(Node& node, const Beat& beat) {
   const auto found = entries_.find(&node);
-  if (found != entries_.end() && found->second.interval == interval) return;
-  entries_[&node] = {interval, beatAfter(scheduler_.now().secondsSince1970, interval)};
+  if (found != entries_.end() && found->second.beat == beat) return;
+  entries_[&node] = {beat, beatAfter(scheduler_.now(), beat)};
   schedule();
 }
 
@@ -29,27 +32,27 @@ void Timelines::stop(Node& node) {
 }
 
 void Timelines::schedule() {
-  if (entries_.empty()) {
+  Date first = Date::distantFuture();
+  for (const auto& [node, entry] : entries_) first = std::min(first, entry.due);
+  if (first == Date::distantFuture()) {
     next_ = {};
     return;
   }
-  double first = INFINITY;
-  for (const auto& [node, entry] : entries_) first = std::min(first, entry.due);
-  double together = first;
+  Date together = first;
   for (const auto& [node, entry] : entries_) {
     if (entry.due <= first + patience) together = std::max(together, entry.due);
   }
-  next_ = scheduler_.after(std::max(0.0, together - scheduler_.now().secondsSince1970) + margin,
-                           [this] { beat(); });
+  next_ = scheduler_.after(std::max(0.0, together - scheduler_.now()) + margin, [this] { beat(); });
 }
 
 void Timelines::beat() {
-  const double now = scheduler_.now().secondsSince1970;
+  const Date now = scheduler_.now();
   std::vector<Node*> nodes;
   for (auto& [node, entry] : entries_) {
     // A clock that was set back puts the beat too far away.
-    if (entry.due > now && entry.due <= now + entry.interval) continue;
-    entry.due = beatAfter(now, entry.interval);
+    if (entry.due > now && entry.due <= now + entry.beat.interval) continue;
+    if (entry.due == Date::distantFuture() && beatAfter(now, entry.beat) == entry.due) continue;
+    entry.due = beatAfter(now, entry.beat);
     nodes.push_back(node);
   }
   schedule();
