@@ -41,6 +41,7 @@ NotchController::NotchController(const Desktop& desktop, const PanelFactory& mak
       haptics_(model_.settings, desktop_.haptics),
       tracker_(desktop_.scheduler, model_, *panel_, haptics_) {
   panel_->onScroll = [this](const ScrollEvent& event) { return handleScroll(event); };
+  panel_->onResize = [this] { tracker_.wake(); };
   panel_->onDragEnter = [this] { dragEntered(); };
   panel_->onDragExit = [this] { dragExited(); };
   panel_->onDropFiles = [this](const std::vector<FilePath>& files) { filesDropped(files); };

@@ -49,6 +49,8 @@ class NotchPanel {
   /// Gives the keyboard back to the window that had it before, if the panel has it or has asked for it.
   virtual void resignKey() = 0;
 
+  /// Its size has become another one.
+  std::function<void()> onResize;
   /// Answers true when it consumed the event; otherwise the content below the pointer scrolls.
   std::function<bool(const ScrollEvent&)> onScroll;
   /// Files are being dragged over the window.

@@ -84,6 +84,11 @@ TEST_F(NotchControllerTest, LooksAtThePointerWhereThePanelGoesNext) {
   desktop.screens.set({notched});
   pass(1);
   EXPECT_FALSE(model().isHovering);
+  const double before = panel->pointerArea->x;
+  panel->panelSize.width += 100;
+  panel->onResize();
+  pass(1);
+  EXPECT_EQ(panel->pointerArea->x, before + 50) << "the surface stays in the middle";
 }
 
 TEST_F(NotchControllerTest, NoticesFullScreenWindows) {

@@ -122,9 +122,12 @@ TEST_F(X11NotchPanelTest, FollowsTheScreenInItsOwnCoordinates) {
   EXPECT_TRUE(takesPointerIn({}));
 
   // On the right monitor a point is two pixels wide.
-  content.resize(400, 300);
-  content.surface = {100, 0, 200, 32};
   panel.moveTo(desktop().screens().all()[1]);
+  int resizes = 0;
+  panel.onResize = [&] { ++resizes; };
+  content.resize(400, 300);
+  EXPECT_EQ(resizes, 1);
+  content.surface = {100, 0, 200, 32};
   content.update();
   panel.surfaceChanged();
   panel.setPointerArea(Rect{100, 0, 200, 32});

@@ -12,7 +12,7 @@ class MemoryPanel : public NotchPanel {
   explicit MemoryPanel(Pointer& pointer) : pointer_(pointer) {}
 
   void moveTo(const Screen& to) override { screen = to; }
-  Size size() const override { return {940, 380}; }
+  Size size() const override { return panelSize; }
   void orderFrontRegardless() override { shown = true; }
   Pointer& pointer() override { return pointer_; }
   void setPointerArea(const std::optional<Rect>& area) override {
@@ -21,6 +21,7 @@ class MemoryPanel : public NotchPanel {
   }
   void resignKey() override { resignations += std::exchange(key, false); }
 
+  Size panelSize{940, 380};
   std::optional<Screen> screen;
   bool shown = false;
   bool key = false;

@@ -27,7 +27,7 @@ struct PanelContent {
     Rect floating;
   };
 
-  /// It has the panel's size, and must outlive the panel's use of it; the panel becomes its parent.
+  /// Its size is the panel's. It must outlive the panel's use of it; the panel becomes its parent.
   QWidget& widget;
   std::function<Surface()> surface;
 };

@@ -55,6 +55,7 @@ X11NotchPanel::X11NotchPanel(X11Connection& connection, const X11Screens& screen
   window_.onCrossing = [this] { pointer_.noteActivity(); };
   // Wheel events pass the native window before any widget sees them.
   window_.windowHandle()->installEventFilter(this);
+  content_.installEventFilter(this);
   compositorChanges_ = compositor_.observe([this] { applySurface(); });
   applyPointerArea();
 }
@@ -64,7 +65,12 @@ X11NotchPanel::~X11NotchPanel() { content_.setParent(nullptr); }
 Size X11NotchPanel::size() const { return {double(content_.width()), double(content_.height())}; }
 
 void X11NotchPanel::moveTo(const Screen& screen) {
-  frame_ = {std::round(screen.frame.midX() - size().width / 2), std::round(screen.frame.y), size().width,
+  screen_ = screen.frame;
+  place();
+}
+
+void X11NotchPanel::place() {
+  frame_ = {std::round(screen_.midX() - size().width / 2), std::round(screen_.y), size().width,
             size().height};
   pointer_.setOrigin(frame_.origin());
   if (!connection_.isXWayland()) {
@@ -154,7 +160,14 @@ void X11NotchPanel::resignKey() {
   focus_.giveBack();
 }
 
-bool X11NotchPanel::eventFilter(QObject*, QEvent* event) {
+bool X11NotchPanel::eventFilter(QObject* watched, QEvent* event) {
+  if (watched == &content_) {
+    if (event->type() == QEvent::Resize) {
+      place();
+      if (onResize) onResize();
+    }
+    return false;
+  }
   return event->type() == QEvent::Wheel && scroll(static_cast<const QWheelEvent&>(*event));
 }
 

@@ -40,6 +40,7 @@ class X11NotchPanel : public QObject, public HostingPanel {
  private:
   const ScrollDevices::Traits& traitsOf(const QWheelEvent& event);
   bool scroll(const QWheelEvent& event);
+  void place();
   void applySurface();
   void applyPointerArea();
   void setBoundingShape(const std::optional<QRegion>& region);
@@ -57,8 +58,8 @@ class X11NotchPanel : public QObject, public HostingPanel {
   ScrollDevices scrollDevices_;
   ScrollGesture scrollGesture_;
 
-  /// Of the content, in global points.
-  Rect frame_;
+  /// Of the screen and of the content, in global points.
+  Rect screen_, frame_;
   /// In the content's coordinates.
   std::optional<Rect> pointerArea_;
   Rect floating_;
