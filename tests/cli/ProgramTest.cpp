@@ -195,7 +195,7 @@ TEST(Program, EndsSoonAndSilentlyWithoutAWorkingBus) {
        std::initializer_list<std::function<void(int)>>{nullptr, oneByteAtATime, flood, [](int) {}}) {
     expectSilence({"--hook"}, at(FakeBus(treat).address()));
   }
-  const auto closed = ChildProcess::run({"sh", "-c", "exec \"$0\" --hook <&- >&- 2>&-", program},
+  const auto closed = ChildProcess::run({"sh", "-c", "exec timeout 5 \"$0\" --hook <&- >&- 2>&-", program},
                                         at(FakeBus(nullptr).address()));
   EXPECT_EQ(closed.status, 0);
   EXPECT_LT(closed.duration, startingTime + 500ms);
