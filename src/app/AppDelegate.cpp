@@ -58,12 +58,12 @@ void AppDelegate::applicationDidFinishLaunching() {
     audioDevices_.connect();
     processes_.allowStarting();
     systemBus_.open();
-    sessionBus_.open();
+    calendars_.connect();
   });
 }
 
 void AppDelegate::applicationWillTerminate() {
-  if (controller_) controller_->model().notes.flush();
+  if (controller_) controller_->model().flush();
 }
 
 std::unique_ptr<NotchPanel> AppDelegate::makePanel(NotchModel& model) {

@@ -41,7 +41,8 @@ class AppDelegate {
 
   QtScheduler scheduler_;
   const std::unique_ptr<DisplayServer> display_;
-  DBusNotificationCenter notifications_{scheduler_};
+  MessageBus sessionBus_{scheduler_, sessionBusAddress};
+  DBusNotificationCenter notifications_{sessionBus_};
   XdgFolders folders_;
   JsonUserDefaults defaults_{folders_};
   CanberraSoundPlayer sounds_{scheduler_};
@@ -55,7 +56,6 @@ class AppDelegate {
   BacklightBrightness brightness_{systemBus_};
   UPowerSources powerSources_{systemBus_};
   BluezDevices bluetooth_{systemBus_};
-  MessageBus sessionBus_{scheduler_, sessionBusAddress};
   EvolutionCalendars calendars_{scheduler_, sessionBus_, hasCalendars(folders_),
                                 [] { return loadCalendarReader(moduleFolder()); }};
   std::unique_ptr<NotchController> controller_;

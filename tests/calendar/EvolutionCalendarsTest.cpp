@@ -142,12 +142,28 @@ TEST_F(CalendarReaderTest, AsksForWhatItWouldHaveToKnow) {
   EXPECT_TRUE(reading.unknownZones.empty());
 }
 
+TEST_F(CalendarReaderTest, HasBounds) {
+  const std::string real = written("real", "DTSTART:20260311T150000");
+  const char* const rules[] = {"RRULE:FREQ=SECONDLY", "RRULE:FREQ=MINUTELY\r\nDURATION:P20000D",
+                               "RRULE:FREQ=SECONDLY;COUNT=2000000000",
+                               "RRULE:FREQ=SECONDLY;BYMONTH=2;BYMONTHDAY=30"};
+  for (const char* rule : rules) {
+    const double start = Date::systemNow().secondsSince1970;
+    const CalendarReading reading =
+        read({written("all the time", std::string("DTSTART:19800101T000000\r\n") + rule), real});
+    EXPECT_LE(reading.events.size(), 5000u) << rule;
+    EXPECT_EQ(reading.events.back().identifier, "real") << rule;
+    EXPECT_LT(Date::systemNow().secondsSince1970 - start, 5) << rule;
+  }
+}
+
 class EvolutionCalendarsTest : public testing::Test {
  protected:
   EvolutionCalendarsTest() {
     calendars.requestAccess([this](bool granted) { access = granted; });
     subscription = calendars.observe([this] { ++changes; });
     bus.open();
+    calendars.connect();
   }
 
   static bool waitUntil(const std::function<bool()>& condition) {
@@ -200,7 +216,7 @@ class EvolutionCalendarsTest : public testing::Test {
   Date from = today;
   QtScheduler scheduler;
   MessageBus bus{scheduler, sessionBusAddress};
-  EvolutionCalendars calendars{scheduler, bus, true, [] { return loadCalendarReader(TARNWICK_MODULES); }};
+  EvolutionCalendars calendars{scheduler, bus, true, [] { return loadCalendarReader(TARNWICK_MODULES); }, 0.1};
   Subscription subscription;
   std::optional<bool> access;
   int changes = 0;

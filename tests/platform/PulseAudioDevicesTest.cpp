@@ -40,8 +40,8 @@ class PulseAudioDevicesTest : public testing::Test {
   }
 
   AudioDaemon daemon;
-  PulseAudioDevices devices{TestDesktop::shared().scheduler,
-                            [] { return loadPulseModule(TARNWICK_MODULES); }};
+  PulseAudioDevices devices{TestDesktop::shared().scheduler, [] { return loadPulseModule(TARNWICK_MODULES); },
+                            0.1};
   std::vector<AudioDevice> known;
 };
 
@@ -177,7 +177,11 @@ struct FakeDaemon {
     ~Client() override {
       if (daemon.client == this) daemon.client = nullptr;
     }
-    void connect() override { ++daemon.connections; }
+    void connect() override {
+      ++daemon.connections;
+      isNew = true;
+    }
+    bool closes() { return !daemon.isThere && std::exchange(isNew, false); }
     void fetch() override {
       ++daemon.fetches;
       asked = daemon.state();
@@ -189,16 +193,22 @@ struct FakeDaemon {
 
     FakeDaemon& daemon;
     std::optional<PulseSnapshot> asked;
+    bool isNew = false;
   };
 
   PulseSnapshot state() const {
-    return {{{.scope = output, .key = "sink", .name = "Sink", .volume = volume}}, "sink", ""};
+    return {{{.scope = output, .key = "sink", .name = "Sink", .volume = volume},
+             {.scope = output, .key = "screen", .name = "Screen", .isUnplugged = true}},
+            defaultOutput,
+            ""};
   }
   PulseClientMaker maker() {
     return [this] { return std::make_unique<Client>(*this); };
   }
 
   Client* client = nullptr;
+  std::string defaultOutput = "sink";
+  bool isThere = true;
   uint32_t volume = PulseClient::fullVolume / 2;
   int connections = 0;
   int fetches = 0;
@@ -270,4 +280,32 @@ TEST_F(PulseEchoTest, ABurstIsReportedOnceAFrame) {
   pass();
   if (fake.client->asked) fake.client->answer();
   EXPECT_EQ(volume(), 19900.0 / PulseClient::fullVolume) << "the last one is not lost";
+}
+
+TEST_F(PulseEchoTest, AnUnpluggedOutputIsListedOnlyAsTheDefault) {
+  EXPECT_THAT(devices.all(), SizeIs(1));
+  fake.defaultOutput = "screen";
+  fake.client->onChange();
+  fake.client->answer();
+  EXPECT_THAT(devices.all(), SizeIs(2));
+}
+
+TEST_F(PulseEchoTest, ADaemonThatIsNotThereIsLookedForLessAndLess) {
+  const auto connectionsWithin = [&](double seconds) {
+    const int before = fake.connections;
+    for (double passed = 0; passed < seconds; ++passed) {
+      if (fake.client->closes()) fake.client->onClosed();
+      scheduler.advance(1);
+    }
+    return fake.connections - before;
+  };
+  fake.isThere = false;
+  EXPECT_EQ(connectionsWithin(6), 1);
+  EXPECT_LE(connectionsWithin(3600), 50);
+  fake.isThere = true;
+  EXPECT_EQ(connectionsWithin(81), 1) << "it is back";
+  fake.client->onChange();
+  fake.client->answer();
+  fake.isThere = false;
+  EXPECT_EQ(connectionsWithin(6), 1) << "another failure";
 }

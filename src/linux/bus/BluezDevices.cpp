@@ -54,6 +54,7 @@ BluezDevices::BluezDevices(MessageBus& bus) : service_(bus, bluez) {
     batteries_.clear();
   };
   service_.onSignal = [this](const QDBusMessage& signal) { receive(signal); };
+  service_.follow();
 }
 
 void BluezDevices::fetch() {

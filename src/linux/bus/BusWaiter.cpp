@@ -1,18 +1,10 @@
 #include "linux/bus/BusWaiter.h"
 
 namespace tarnwick {
-namespace {
-
-constexpr double retryInterval = 5;
-
-}  // namespace
-
 void BusWaiter::wait(std::function<std::string()> address, std::function<void()> then) {
   address_ = std::move(address);
   then_ = std::move(then);
-  retry_ = scheduler_.every(retryInterval, [this] {
-    if (!probe_ || probe_->descriptor() < 0) look();
-  });
+  backoff_.succeeded();
   look();
 }
 
@@ -23,7 +15,7 @@ void BusWaiter::look() {
   // Over other transports the library has to find out for itself.
   if (addresses.empty() && !address.empty()) return answered();
   probe_ = std::make_unique<BusConnection>(addresses, BusConnection::Peer::anybody);
-  if (probe_->descriptor() < 0) return;
+  if (probe_->descriptor() < 0) return backoff_.retry([this] { look(); });
   notifier_ = std::make_unique<QSocketNotifier>(probe_->descriptor(), QSocketNotifier::Read);
   QObject::connect(notifier_.get(), &QSocketNotifier::activated, notifier_.get(), [this] { proceed(); });
 }
@@ -32,11 +24,12 @@ void BusWaiter::proceed() {
   probe_->proceed();
   if (probe_->state() == BusConnection::State::silent) return;
   notifier_->setEnabled(false);
-  if (probe_->state() == BusConnection::State::answers) answered();
+  if (probe_->state() == BusConnection::State::answers) return answered();
+  backoff_.retry([this] { look(); });
 }
 
 void BusWaiter::answered() {
-  retry_.cancel();
+  backoff_.succeeded();
   answer_ = scheduler_.post([this] {
     notifier_.reset();
     probe_.reset();

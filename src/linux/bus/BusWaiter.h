@@ -4,6 +4,7 @@
 #include <memory>
 #include <string>
 
+#include "base/Backoff.h"
 #include "base/Scheduler.h"
 #include "dbus/BusConnection.h"
 
@@ -13,10 +14,12 @@ namespace tarnwick {
 /// waits on the thread that all its connections share, and one that is silent would silence the others.
 class BusWaiter {
  public:
-  explicit BusWaiter(Scheduler& scheduler) : scheduler_(scheduler) {}
+  /// @param retrySeconds see `Backoff`
+  explicit BusWaiter(Scheduler& scheduler, double retrySeconds = 5)
+      : scheduler_(scheduler), backoff_(scheduler, retrySeconds) {}
 
   /// Calls `then` once, in a later turn of the loop, when the bus at that address answers. One that is not
-  /// there is looked for every few seconds. Replaces an earlier wait.
+  /// there is looked for again and again. Replaces an earlier wait.
   void wait(std::function<std::string()> address, std::function<void()> then);
 
  private:
@@ -29,7 +32,8 @@ class BusWaiter {
   std::function<void()> then_;
   std::unique_ptr<BusConnection> probe_;
   std::unique_ptr<QSocketNotifier> notifier_;
-  Task retry_, answer_;
+  Backoff backoff_;
+  Task answer_;
 };
 
 }  // namespace tarnwick

@@ -1,18 +1,18 @@
 #include "linux/bus/DBusNotificationCenter.h"
 
 #include <QDBusArgument>
-#include <QDBusMetaType>
 #include <chrono>
-
-#include "linux/bus/MessageBus.h"
 
 namespace tarnwick {
 namespace {
 
 constexpr auto busName = "dev.tarnwick.Tarnwick";
 constexpr auto signalPath = "/dev/tarnwick";
-constexpr double retryInterval = 5;
 constexpr auto longestWait = std::chrono::milliseconds(500);
+
+/// Far above what the programs of ours send.
+constexpr int mostEntries = 32;
+constexpr qsizetype longestPayload = 1 << 16;
 
 QDBusMessage nameRequest() {
   constexpr unsigned doNotQueue = 4;
@@ -27,12 +27,16 @@ StringMap payload(const QDBusMessage& message) {
   if (message.signature() != "a{ss}") return {};
   const auto argument = arguments.first().value<QDBusArgument>();
   StringMap map;
+  int entries = 0;
+  qsizetype length = 0;
   argument.beginMap();
   while (!argument.atEnd()) {
     QString key, value;
     argument.beginMapEntry();
     argument >> key >> value;
     argument.endMapEntry();
+    length += key.size() + value.size();
+    if (++entries > mostEntries || length > longestPayload) return {};
     map[key.toStdString()] = value.toStdString();
   }
   argument.endMap();
@@ -41,85 +45,32 @@ StringMap payload(const QDBusMessage& message) {
 
 }  // namespace
 
-/// A connection on its way; closed when nobody takes it.
-struct DBusNotificationCenter::Attempt {
-  ~Attempt() {
-    if (bus) QDBusConnection::disconnectFromBus(bus->name());
-  }
-  /// Blocks for as long as the bus takes to answer.
-  void run() {
-    if (!address.isEmpty()) bus = QDBusConnection::connectToBus(address, name);
-    if (bus && bus->isConnected()) {
-      constexpr unsigned primaryOwner = 1, alreadyOwner = 4;
-      const QDBusMessage reply = bus->call(nameRequest());
-      const unsigned result = reply.arguments().value(0).toUInt();
-      nameIsTaken =
-          reply.type() == QDBusMessage::ReplyMessage && result != primaryOwner && result != alreadyOwner;
-    }
-  }
-
-  QString address, name;
-  std::optional<QDBusConnection> bus;
-  bool nameIsTaken = false;
-};
-
-DBusNotificationCenter::DBusNotificationCenter(Scheduler& scheduler) : scheduler_(scheduler) {
+DBusNotificationCenter::DBusNotificationCenter(MessageBus& bus) : bus_(bus) {
   // A second overlay must not even show itself; but a bus that hangs must not keep the first one from it.
-  BusConnection probe(parseBusAddresses(sessionBusAddress()), BusConnection::Peer::anybody);
-  if (probe.wait(longestWait) != BusConnection::State::answers) {
-    awaitBus();
-    return;
+  if (bus_.openWithin(longestWait)) {
+    nameAnswered(bus_.connection()->call(nameRequest(), QDBus::Block, static_cast<int>(longestWait.count())));
   }
-  const auto attempt = nextAttempt();
-  attempt->run();
-  adopt(*attempt);
+  connect(&bus_, &MessageBus::opened, this, &DBusNotificationCenter::opened);
 }
 
-DBusNotificationCenter::~DBusNotificationCenter() {
-  if (bus_) QDBusConnection::disconnectFromBus(bus_->name());
-}
-
-std::shared_ptr<DBusNotificationCenter::Attempt> DBusNotificationCenter::nextAttempt() {
-  // A connection's name cannot be used again while the dead one is being taken apart.
-  static int number = 0;
-  const auto attempt = std::make_shared<Attempt>();
-  attempt->address = QString::fromStdString(sessionBusAddress());
-  attempt->name = QString("tarnwick-%1").arg(++number);
-  return attempt;
-}
-
-void DBusNotificationCenter::awaitBus() {
-  waiter_.wait(sessionBusAddress, [this] {
-    const auto attempt = nextAttempt();
-    connecting_ = scheduler_.background([attempt] { attempt->run(); }, [this, attempt] { adopt(*attempt); });
-  });
-}
-
-void DBusNotificationCenter::adopt(Attempt& attempt) {
-  if (!attempt.bus || !attempt.bus->isConnected()) return retryLater();
-  bus_ = std::exchange(attempt.bus, std::nullopt);
-  bus_->connect(QString(), "/org/freedesktop/DBus/Local", "org.freedesktop.DBus.Local", "Disconnected", this,
-                SLOT(disconnected()));
+void DBusNotificationCenter::opened() {
+  bus_.call(nameRequest(), this, [this](const QDBusMessage& reply) { nameAnswered(reply); });
   for (const auto& [notification, receivers] : receivers_) listen(notification);
-  anotherOverlayRuns_ = attempt.nameIsTaken;
+}
+
+void DBusNotificationCenter::nameAnswered(const QDBusMessage& reply) {
+  constexpr unsigned primaryOwner = 1, alreadyOwner = 4;
+  const unsigned result = reply.arguments().value(0).toUInt();
+  anotherOverlayRuns_ =
+      reply.type() == QDBusMessage::ReplyMessage && result != primaryOwner && result != alreadyOwner;
   if (anotherOverlayRuns_ && onAnotherOverlay) onAnotherOverlay();
 }
 
-void DBusNotificationCenter::disconnected() {
-  if (bus_) QDBusConnection::disconnectFromBus(bus_->name());
-  bus_.reset();
-  retryLater();
-}
-
-void DBusNotificationCenter::retryLater() {
-  retry_ = scheduler_.after(retryInterval, [this] { awaitBus(); });
-}
-
 void DBusNotificationCenter::listen(const std::string& name) {
-  if (!bus_) return;
+  if (!bus_.connection()) return;
   const size_t dot = name.rfind('.');
-  bus_->connect(QString(), signalPath, QString::fromStdString(name.substr(0, dot)),
-                QString::fromStdString(name.substr(dot + 1)), this, SLOT(receive(QDBusMessage)));
+  bus_.connection()->connect(QString(), signalPath, QString::fromStdString(name.substr(0, dot)),
+                             QString::fromStdString(name.substr(dot + 1)), this, SLOT(receive(QDBusMessage)));
 }
 
 Subscription DBusNotificationCenter::observe(const std::string& name, Receiver receive) {

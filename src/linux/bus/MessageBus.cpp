@@ -2,11 +2,20 @@
 
 #include <QDBusPendingCallWatcher>
 #include <QDBusPendingReply>
+#include <climits>
 
 namespace tarnwick {
 namespace {
 
-constexpr double retryInterval = 5;
+/// As long as it takes.
+constexpr int forever = INT_MAX;
+constexpr int usualPatience = -1;
+
+/// Cannot be used again while the dead one is being taken apart.
+QString nextConnectionName() {
+  static int number = 0;
+  return QString("tarnwick-%1").arg(++number);
+}
 
 }  // namespace
 
@@ -21,14 +30,23 @@ void MessageBus::open() {
   waiter_.wait(address_, [this] { connect(); });
 }
 
+bool MessageBus::openWithin(std::chrono::milliseconds patience) {
+  const std::string address = address_();
+  if (BusConnection(parseBusAddresses(address), BusConnection::Peer::anybody).wait(patience) ==
+      BusConnection::State::answers) {
+    adopt(QDBusConnection::connectToBus(QString::fromStdString(address), nextConnectionName()));
+  } else {
+    open();
+  }
+  return connection_.has_value();
+}
+
 void MessageBus::openLater() {
-  retry_ = scheduler_.after(retryInterval, [this] { open(); });
+  backoff_.retry([this] { open(); });
 }
 
 void MessageBus::connect() {
-  // A connection's name cannot be used again while the dead one is being taken apart.
-  static int attempt = 0;
-  const QString name = QString("tarnwick-services-%1").arg(++attempt);
+  const QString name = nextConnectionName();
   // Whatever becomes of this object meanwhile, a connection that nobody takes is closed.
   const std::shared_ptr<std::optional<QDBusConnection>> made(
       new std::optional<QDBusConnection>, [name](std::optional<QDBusConnection>* connection) {
@@ -37,14 +55,19 @@ void MessageBus::connect() {
       });
   connecting_ = scheduler_.background([name, address = QString::fromStdString(address_()),
                                        made] { *made = QDBusConnection::connectToBus(address, name); },
-                                      [this, made] {
-                                        if (!*made || !(*made)->isConnected()) return openLater();
-                                        connection_ = std::exchange(*made, std::nullopt);
-                                        connection_->connect(QString(), "/org/freedesktop/DBus/Local",
-                                                             "org.freedesktop.DBus.Local", "Disconnected",
-                                                             this, SLOT(disconnected()));
-                                        Q_EMIT opened();
-                                      });
+                                      [this, made] { adopt(std::exchange(*made, std::nullopt)); });
+}
+
+void MessageBus::adopt(std::optional<QDBusConnection> made) {
+  connection_ = std::move(made);
+  if (!connection_ || !connection_->isConnected()) {
+    close();
+    return openLater();
+  }
+  backoff_.succeeded();
+  connection_->connect(QString(), "/org/freedesktop/DBus/Local", "org.freedesktop.DBus.Local", "Disconnected",
+                       this, SLOT(disconnected()));
+  Q_EMIT opened();
 }
 
 void MessageBus::disconnected() {
@@ -58,22 +81,25 @@ void MessageBus::close() {
   connection_.reset();
 }
 
-void MessageBus::call(const QDBusMessage& message, QObject* receiver, Reply then,
-                      std::function<void()> failed) {
+void MessageBus::call(const QDBusMessage& message, QObject* receiver, Reply then, Failure failed) {
   if (!connection_) return;
-  auto* watcher = new QDBusPendingCallWatcher(connection_->asyncCall(message), receiver);
+  auto* watcher = new QDBusPendingCallWatcher(
+      connection_->asyncCall(message, failed ? usualPatience : forever), receiver);
   QObject::connect(watcher, &QDBusPendingCallWatcher::finished, receiver,
                    [watcher, then = std::move(then), failed = std::move(failed)] {
                      watcher->deleteLater();
                      if (!watcher->isError()) return then(watcher->reply());
-                     if (failed) failed();
+                     if (failed) failed(watcher->reply());
                    });
 }
 
 BusService::BusService(MessageBus& bus, QString name, bool starts)
-    : bus_(bus), name_(std::move(name)), starts_(starts) {
-  connect(&bus, &MessageBus::opened, this, &BusService::busOpened);
-  connect(&bus, &MessageBus::lost, this, [this] { onVanish(); });
+    : bus_(bus), name_(std::move(name)), starts_(starts) {}
+
+void BusService::follow() {
+  connect(&bus_, &MessageBus::opened, this, &BusService::busOpened);
+  connect(&bus_, &MessageBus::lost, this, [this] { onVanish(); });
+  if (bus_.connection()) busOpened();
 }
 
 void BusService::listen(const QString& path, const QString& interface, const QString& member,
@@ -101,7 +127,7 @@ void BusService::ownerChanged(const QString&, const QString& before, const QStri
 void BusService::received(const QDBusMessage& message) { onSignal(message); }
 
 void BusService::call(const QString& path, const QString& interface, const QString& method,
-                      const QVariantList& arguments, MessageBus::Reply then, std::function<void()> failed) {
+                      const QVariantList& arguments, MessageBus::Reply then, MessageBus::Failure failed) {
   QDBusMessage message = QDBusMessage::createMethodCall(name_, path, interface, method);
   message.setArguments(arguments);
   message.setAutoStartService(starts_);

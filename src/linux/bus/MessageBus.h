@@ -2,6 +2,7 @@
 #include <QDBusConnection>
 #include <QDBusMessage>
 #include <QObject>
+#include <chrono>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -16,26 +17,37 @@ namespace tarnwick {
 /// Where the system's bus listens.
 std::string systemBusAddress();
 
-/// A connection to a bus, which the adapters of services there share. A bus that is not there is looked for
-/// every few seconds.
+/// A connection to a bus, which all adapters of what is there share. A bus that is not there, or no more, is
+/// looked for again and again.
 class MessageBus : public QObject {
   Q_OBJECT
 
  public:
   using Reply = std::function<void(const QDBusMessage&)>;
+  /// Takes the error.
+  using Failure = Reply;
 
   /// @param address asked for whenever it is connected to: the library is never left to look for itself, as
   /// it would ask for a bus to be launched
-  MessageBus(Scheduler& scheduler, std::string (*address)()) : scheduler_(scheduler), address_(address) {}
+  /// @param retrySeconds see `Backoff`
+  MessageBus(Scheduler& scheduler, std::string (*address)(), double retrySeconds = 5)
+      : scheduler_(scheduler),
+        address_(address),
+        backoff_(scheduler, retrySeconds),
+        waiter_(scheduler, retrySeconds) {}
   ~MessageBus() override;
 
   /// Begins to connect; nothing waits for that.
   void open();
+  /// Connects, and waits so long at most for a bus that does not answer; then that goes on as with `open`.
+  /// @return whether the bus is open
+  bool openWithin(std::chrono::milliseconds patience);
   /// None while there is none.
   std::optional<QDBusConnection>& connection() { return connection_; }
   /// Calls a method, and then `then` with the answer or `failed`, unless `receiver` has been destroyed by
-  /// then. Without a connection nothing happens.
-  void call(const QDBusMessage& message, QObject* receiver, Reply then, std::function<void()> failed = {});
+  /// then. Where nobody wants to know of a failure, the answer may come as late as it likes. Without a
+  /// connection nothing happens.
+  void call(const QDBusMessage& message, QObject* receiver, Reply then, Failure failed = {});
 
  Q_SIGNALS:
   void opened();
@@ -46,14 +58,16 @@ class MessageBus : public QObject {
 
  private:
   void connect();
+  void adopt(std::optional<QDBusConnection> made);
   void openLater();
   void close();
 
   Scheduler& scheduler_;
   std::string (*const address_)();
   std::optional<QDBusConnection> connection_;
-  BusWaiter waiter_{scheduler_};
-  Task connecting_, retry_;
+  Backoff backoff_;
+  BusWaiter waiter_;
+  Task connecting_;
 };
 
 /// One service of a bus, followed through its coming and going. Nothing here waits for it.
@@ -70,13 +84,15 @@ class BusService : public QObject {
   /// One of the signals that were asked for.
   std::function<void(const QDBusMessage&)> onSignal;
 
-  /// Asks for a signal, before the bus is opened. An empty path stands for every object, a first argument for
+  /// Asks for a signal, before `follow`. An empty path stands for every object, a first argument for
   /// those signals only that begin with it.
   void listen(const QString& path, const QString& interface, const QString& member,
               const QString& firstArgument = {});
+  /// Begins to follow the service, now or as soon as the bus is open.
+  void follow();
   /// Calls a method, and then `then` with the answer, or `failed`.
   void call(const QString& path, const QString& interface, const QString& method,
-            const QVariantList& arguments, MessageBus::Reply then, std::function<void()> failed = {});
+            const QVariantList& arguments, MessageBus::Reply then, MessageBus::Failure failed = {});
 
  private Q_SLOTS:
   void busOpened();

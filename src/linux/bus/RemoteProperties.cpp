@@ -16,6 +16,7 @@ RemoteProperties::RemoteProperties(MessageBus& bus, const QString& service, QStr
   service_.onAppear = [this] { fetch(); };
   service_.onVanish = [this] { adopt({}); };
   service_.onSignal = [this](const QDBusMessage& signal) { receive(signal); };
+  service_.follow();
 }
 
 void RemoteProperties::fetch() {

@@ -8,8 +8,8 @@ namespace tarnwick {
 
 /// What the components of a calendar mean for a span of time.
 struct CalendarReading {
-  /// All occurrences that overlap the span, and those that end as it begins. They have the event's own
-  /// identifier, and no colour.
+  /// All occurrences that overlap the span, and those that end as it begins; but within bounds of number and
+  /// time, whatever a rule makes of them. They have the event's own identifier, and no colour.
   std::vector<CalendarEvent> events;
   /// The events that repeat, by their identifiers.
   std::vector<std::string> repeating;

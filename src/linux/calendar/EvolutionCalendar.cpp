@@ -7,7 +7,6 @@
 namespace tarnwick {
 namespace {
 
-constexpr double retryInterval = 60;
 /// After the service has died: it may be about to be replaced.
 constexpr double restartDelay = 1;
 /// A change of many events is one change.
@@ -16,6 +15,7 @@ constexpr double day = 86400;
 
 constexpr auto calendarInterface = "org.gnome.evolution.dataserver.Calendar";
 constexpr auto viewInterface = "org.gnome.evolution.dataserver.CalendarView";
+constexpr const char* viewSignals[] = {"ObjectsAdded", "ObjectsModified", "ObjectsRemoved"};
 constexpr auto busInterface = "org.freedesktop.DBus";
 constexpr auto busPath = "/org/freedesktop/DBus";
 
@@ -41,13 +41,14 @@ struct EvolutionCalendar::Reading {
 };
 
 EvolutionCalendar::EvolutionCalendar(Scheduler& scheduler, MessageBus& bus, ReadCalendar* readCalendar,
-                                     QString identifier)
-    : scheduler_(scheduler), bus_(bus), readCalendar_(readCalendar), identifier_(std::move(identifier)) {}
+                                     QString identifier, double retrySeconds)
+    : scheduler_(scheduler),
+      bus_(bus),
+      readCalendar_(readCalendar),
+      identifier_(std::move(identifier)),
+      backoff_(scheduler, retrySeconds) {}
 
-EvolutionCalendar::~EvolutionCalendar() {
-  unwatch();
-  if (!path_.isEmpty()) callCalendar("Close", {}, [](const QDBusMessage&) {});
-}
+EvolutionCalendar::~EvolutionCalendar() { close(); }
 
 void EvolutionCalendar::setColor(const Color& color) {
   if (color == color_) return;
@@ -67,39 +68,50 @@ void EvolutionCalendar::follow(Date from, Date to) {
 }
 
 void EvolutionCalendar::open() {
+  close();
   answers_ = std::make_unique<QObject>();
   busName_ = service;
-  path_.clear();
+  settling_ = Task();
+  reading_ = Task();
   isReading_ = stale_ = false;
   call(
       "/org/gnome/evolution/dataserver/CalendarFactory", "org.gnome.evolution.dataserver.CalendarFactory",
       "OpenCalendar", {identifier_}, [this](const QDBusMessage& reply) { opened(reply); },
-      [this] { reopenAfter(retryInterval); });
+      [this](const QDBusMessage&) { failed(); });
 }
 
 void EvolutionCalendar::opened(const QDBusMessage& reply) {
+  path_ = reply.arguments().value(0).toString();
   busName_ = reply.arguments().value(1).toString();
-  const QString path = reply.arguments().value(0).toString();
   bus_.connection()->connect(busInterface, busPath, busInterface, "NameOwnerChanged", {busName_}, "sss", this,
                              SLOT(ownerChanged(QString, QString, QString)));
-  call(
-      path, calendarInterface, "Open", {},
-      [this, path](const QDBusMessage&) {
-        path_ = path;
-        watch();
-      },
-      [this] { reopenAfter(retryInterval); });
+  callCalendar("Open", {}, [this](const QDBusMessage&) { watch(); });
 }
 
-void EvolutionCalendar::reopenAfter(double seconds) {
-  reopening_ = scheduler_.after(seconds, [this] {
-    unwatch();
-    open();
-  });
+void EvolutionCalendar::failed() {
+  // Nothing that is still on its way counts.
+  answers_ = std::make_unique<QObject>();
+  backoff_.retry([this] { open(); });
 }
 
 void EvolutionCalendar::ownerChanged(const QString&, const QString&, const QString& now) {
-  if (now.isEmpty()) reopenAfter(restartDelay);
+  if (!now.isEmpty()) return;
+  path_.clear();
+  view_.clear();
+  restarting_ = scheduler_.after(restartDelay, [this] { open(); });
+}
+
+/// The service keeps what was opened until it is closed.
+void EvolutionCalendar::close() {
+  if (!view_.isEmpty() && bus_.connection()) {
+    for (const char* signal : viewSignals) {
+      bus_.connection()->disconnect(QString(), view_, viewInterface, signal, this, SLOT(changed()));
+    }
+    tell(view_, viewInterface, "Dispose");
+  }
+  if (!path_.isEmpty()) tell(path_, calendarInterface, "Close");
+  view_.clear();
+  path_.clear();
 }
 
 void EvolutionCalendar::watch() {
@@ -111,23 +123,13 @@ void EvolutionCalendar::watch() {
 
 void EvolutionCalendar::watching(const QString& view) {
   view_ = view;
-  for (const char* signal : {"ObjectsAdded", "ObjectsModified", "ObjectsRemoved"}) {
+  for (const char* signal : viewSignals) {
     bus_.connection()->connect(QString(), view_, viewInterface, signal, this, SLOT(changed()));
   }
-  const auto ignore = [](const QDBusMessage&) {};
   constexpr unsigned withoutWhatIsThere = 0;
-  call(view_, viewInterface, "SetFlags", {withoutWhatIsThere}, ignore, {});
-  call(view_, viewInterface, "Start", {}, ignore, {});
+  tell(view_, viewInterface, "SetFlags", {withoutWhatIsThere});
+  tell(view_, viewInterface, "Start");
   changed();
-}
-
-void EvolutionCalendar::unwatch() {
-  if (view_.isEmpty() || !bus_.connection()) return;
-  for (const char* signal : {"ObjectsAdded", "ObjectsModified", "ObjectsRemoved"}) {
-    bus_.connection()->disconnect(QString(), view_, viewInterface, signal, this, SLOT(changed()));
-  }
-  call(view_, viewInterface, "Dispose", {}, [](const QDBusMessage&) {}, {});
-  view_.clear();
 }
 
 void EvolutionCalendar::changed() {
@@ -190,13 +192,14 @@ void EvolutionCalendar::complete(std::shared_ptr<Reading> reading) {
           reading->components.push_back(reply.arguments().value(0).toString().toStdString());
           answered();
         },
-        answered);
+        [answered](const QDBusMessage&) { answered(); });
   }
   if (reading->missingAnswers == 0) finish(*reading);
 }
 
 void EvolutionCalendar::finish(const Reading& reading) {
   isReading_ = false;
+  backoff_.succeeded();
   if (std::exchange(stale_, false)) changed();
   events_ = reading.result.events;
   for (CalendarEvent& event : events_) {
@@ -208,15 +211,26 @@ void EvolutionCalendar::finish(const Reading& reading) {
 
 void EvolutionCalendar::call(const QString& path, const char* interface, const char* method,
                              const QVariantList& arguments, MessageBus::Reply then,
-                             std::function<void()> failed) {
+                             MessageBus::Failure otherwise) {
   QDBusMessage message = QDBusMessage::createMethodCall(busName_, path, interface, method);
   message.setArguments(arguments);
-  bus_.call(message, answers_.get(), std::move(then), std::move(failed));
+  bus_.call(message, answers_.get(), std::move(then), std::move(otherwise));
 }
 
 void EvolutionCalendar::callCalendar(const char* method, const QVariantList& arguments,
                                      MessageBus::Reply then) {
-  call(path_, calendarInterface, method, arguments, std::move(then), [this] { reopenAfter(retryInterval); });
+  call(path_, calendarInterface, method, arguments, std::move(then),
+       [this](const QDBusMessage&) { failed(); });
+}
+
+/// Calls a method whose answer does not matter.
+void EvolutionCalendar::tell(const QString& path, const char* interface, const char* method,
+                             const QVariantList& arguments) {
+  if (!bus_.connection()) return;
+  QDBusMessage message = QDBusMessage::createMethodCall(busName_, path, interface, method);
+  message.setArguments(arguments);
+  message.setAutoStartService(false);
+  bus_.connection()->send(message);
 }
 
 }  // namespace tarnwick

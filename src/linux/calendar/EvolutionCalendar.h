@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "base/Backoff.h"
 #include "base/Scheduler.h"
 #include "linux/bus/MessageBus.h"
 #include "linux/calendar/CalendarReader.h"
@@ -22,7 +23,9 @@ class EvolutionCalendar : public QObject {
   static constexpr auto service = "org.gnome.evolution.dataserver.Calendar8";
 
   /// All of these must outlive it, while the bus is connected.
-  EvolutionCalendar(Scheduler& scheduler, MessageBus& bus, ReadCalendar* readCalendar, QString identifier);
+  /// @param retrySeconds see `Backoff`
+  EvolutionCalendar(Scheduler& scheduler, MessageBus& bus, ReadCalendar* readCalendar, QString identifier,
+                    double retrySeconds);
   ~EvolutionCalendar() override;
 
   /// `events` has another answer.
@@ -42,17 +45,19 @@ class EvolutionCalendar : public QObject {
 
   void open();
   void opened(const QDBusMessage& reply);
-  void reopenAfter(double seconds);
+  void failed();
+  void close();
+  void tell(const QString& path, const char* interface, const char* method,
+            const QVariantList& arguments = {});
   void watch();
   void watching(const QString& view);
-  void unwatch();
   void read();
   void ask(const QString& query, std::shared_ptr<Reading> reading);
   void expand(std::shared_ptr<Reading> reading);
   void complete(std::shared_ptr<Reading> reading);
   void finish(const Reading& reading);
   void call(const QString& path, const char* interface, const char* method, const QVariantList& arguments,
-            MessageBus::Reply then, std::function<void()> failed);
+            MessageBus::Reply then, MessageBus::Failure otherwise);
   void callCalendar(const char* method, const QVariantList& arguments, MessageBus::Reply then);
 
   Scheduler& scheduler_;
@@ -62,12 +67,13 @@ class EvolutionCalendar : public QObject {
   Color color_;
   Date from_, to_;
 
-  /// Where the service has it; empty while it is not open.
+  /// Where the service has it; empty while it has not.
   QString busName_, path_;
   QString view_;
   /// Receiver of the answers; another one with each opening, so that no answer is about an earlier one.
   std::unique_ptr<QObject> answers_;
-  Task settling_, reading_, reopening_;
+  Backoff backoff_;
+  Task settling_, reading_, restarting_;
   bool isReading_ = false;
   bool stale_ = false;
   std::vector<CalendarEvent> events_;

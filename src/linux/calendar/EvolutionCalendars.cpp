@@ -1,6 +1,7 @@
 #include "linux/calendar/EvolutionCalendars.h"
 
 #include <QDBusArgument>
+#include <QDBusError>
 #include <QDBusObjectPath>
 #include <algorithm>
 #include <cstdio>
@@ -12,10 +13,8 @@
 namespace tarnwick {
 namespace {
 
-constexpr double retryInterval = 60;
 /// A change of many sources is one change.
 constexpr double settleTime = 0.1;
-constexpr double dayCheckInterval = 30;
 
 constexpr auto service = "org.gnome.evolution.dataserver.Sources5";
 constexpr auto managerPath = "/org/gnome/evolution/dataserver/SourceManager";
@@ -80,8 +79,12 @@ bool hasCalendars(const Folders& folders) {
 }
 
 EvolutionCalendars::EvolutionCalendars(Scheduler& scheduler, MessageBus& bus, bool starts,
-                                       std::function<ReadCalendar*()> load)
-    : scheduler_(scheduler), bus_(bus), load_(std::move(load)), sources_(bus, service, starts) {
+                                       std::function<ReadCalendar*()> load, double retrySeconds)
+    : scheduler_(scheduler),
+      bus_(bus),
+      load_(std::move(load)),
+      retrySeconds_(retrySeconds),
+      sources_(bus, service, starts) {
   sources_.listen(managerPath, objectManager, "InterfacesAdded");
   sources_.listen(managerPath, objectManager, "InterfacesRemoved");
   sources_.listen("", "org.freedesktop.DBus.Properties", "PropertiesChanged", sourceInterface);
@@ -92,6 +95,11 @@ EvolutionCalendars::EvolutionCalendars(Scheduler& scheduler, MessageBus& bus, bo
     calendars_.clear();
     setAccess(false);
   });
+}
+
+void EvolutionCalendars::connect() {
+  isConnected_ = true;
+  sources_.follow();
 }
 
 void EvolutionCalendars::requestAccess(std::function<void(bool)> then) {
@@ -105,7 +113,7 @@ void EvolutionCalendars::lookAgainAfter(double seconds) {
 }
 
 void EvolutionCalendars::look() {
-  if (!onAccess_) return;
+  if (!onAccess_ || !isConnected_) return;
   sources_.call(
       managerPath, objectManager, "GetManagedObjects", {},
       [this](const QDBusMessage& reply) {
@@ -120,9 +128,11 @@ void EvolutionCalendars::look() {
         }
         setSources(colors);
       },
-      [this] {
+      [this](const QDBusMessage& error) {
         setAccess(false);
-        lookAgainAfter(retryInterval);
+        // The bus tells when there is one.
+        if (error.errorName() != QDBusError::errorString(QDBusError::ServiceUnknown))
+          lookAgainAfter(retrySeconds_);
       });
 }
 
@@ -143,7 +153,7 @@ void EvolutionCalendars::update() {
   for (const auto& [identifier, color] : colors_) {
     auto& calendar = calendars_[identifier];
     if (!calendar) {
-      calendar = std::make_unique<EvolutionCalendar>(scheduler_, bus_, read_, identifier);
+      calendar = std::make_unique<EvolutionCalendar>(scheduler_, bus_, read_, identifier, retrySeconds_);
       calendar->onChange = [this] { publish(); };
       if (followed_) calendar->follow(followed_->first, followed_->second);
     }
@@ -165,20 +175,8 @@ void EvolutionCalendars::publish() {
 
 void EvolutionCalendars::setAccess(bool access) {
   access_ = access;
-  if (access) {
-    day_ = startOfDay(scheduler_.now());
-    dayTimer_ = scheduler_.every(dayCheckInterval, [this] { checkDay(); });
-  } else {
-    dayTimer_.cancel();
-    known_.clear();
-  }
+  if (!access) known_.clear();
   if (onAccess_) onAccess_(access);
-}
-
-/// Whoever asked for the events of the next days means others on a new day.
-void EvolutionCalendars::checkDay() {
-  const Date day = startOfDay(scheduler_.now());
-  if (std::exchange(day_, day) != day) changes_.notifyObservers();
 }
 
 std::vector<CalendarEvent> EvolutionCalendars::events(Date from, Date to) {

@@ -27,7 +27,12 @@ class EvolutionCalendars : public Calendars {
   /// @param bus the session's
   /// @param starts whether the service is started where it does not run; else it is waited for
   /// @param load called once, off the main thread, when there is a calendar
-  EvolutionCalendars(Scheduler& scheduler, MessageBus& bus, bool starts, std::function<ReadCalendar*()> load);
+  /// @param retrySeconds before what has failed is asked for again
+  EvolutionCalendars(Scheduler& scheduler, MessageBus& bus, bool starts, std::function<ReadCalendar*()> load,
+                     double retrySeconds = 60);
+
+  /// Begins to look for the service; until then, there is no answer.
+  void connect();
 
   void requestAccess(std::function<void(bool)> then) override;
   bool hasAccess() const override { return access_; }
@@ -46,13 +51,14 @@ class EvolutionCalendars : public Calendars {
   void update();
   void publish();
   void setAccess(bool access);
-  void checkDay();
 
   Scheduler& scheduler_;
   MessageBus& bus_;
   const std::function<ReadCalendar*()> load_;
+  const double retrySeconds_;
   std::function<void(bool)> onAccess_;
   bool access_ = false;
+  bool isConnected_ = false;
   BusService sources_;
   Colors colors_;
   ReadCalendar* read_ = nullptr;
@@ -61,8 +67,7 @@ class EvolutionCalendars : public Calendars {
   std::optional<std::pair<Date, Date>> followed_;
   std::vector<CalendarEvent> known_;
   ObservableObject changes_;
-  Task loading_, looking_, dayTimer_;
-  Date day_;
+  Task loading_, looking_;
 };
 
 }  // namespace tarnwick

@@ -8,7 +8,6 @@
 namespace tarnwick {
 namespace {
 
-constexpr double retryInterval = 5;
 /// Between two looks at the devices: nobody sees more than one change in a frame.
 constexpr double frame = 1.0 / 60;
 
@@ -17,7 +16,7 @@ bool sameDevices(const PulseSnapshot& a, const PulseSnapshot& b) {
          std::equal(a.devices.begin(), a.devices.end(), b.devices.begin(), b.devices.end(),
                     [](const PulseDevice& x, const PulseDevice& y) {
                       return x.scope == y.scope && x.key == y.key && x.name == y.name &&
-                             x.transport == y.transport;
+                             x.transport == y.transport && x.isUnplugged == y.isUnplugged;
                     });
 }
 
@@ -30,8 +29,9 @@ PulseClientMaker loadPulseModule(const std::string& folder) {
   return [make] { return std::unique_ptr<PulseClient>(make()); };
 }
 
-PulseAudioDevices::PulseAudioDevices(Scheduler& scheduler, std::function<PulseClientMaker()> load)
-    : scheduler_(scheduler), load_(std::move(load)) {}
+PulseAudioDevices::PulseAudioDevices(Scheduler& scheduler, std::function<PulseClientMaker()> load,
+                                     double retrySeconds)
+    : scheduler_(scheduler), load_(std::move(load)), backoff_(scheduler, retrySeconds) {}
 
 void PulseAudioDevices::connect() {
   const auto loaded = std::make_shared<PulseClientMaker>();
@@ -43,7 +43,6 @@ void PulseAudioDevices::connect() {
 }
 
 void PulseAudioDevices::openClient() {
-  retry_.cancel();
   fetching_ = stale_ = false;
   pendingWrites_ = 0;
   client_ = makeClient_();
@@ -55,8 +54,8 @@ void PulseAudioDevices::openClient() {
 }
 
 void PulseAudioDevices::closed() {
-  retry_ = scheduler_.every(retryInterval, [this] { openClient(); });
-  pause_.cancel();
+  backoff_.retry([this] { openClient(); });
+  pause_ = Task();
   adopt({});
 }
 
@@ -71,6 +70,7 @@ void PulseAudioDevices::refresh() {
 
 void PulseAudioDevices::received(const PulseSnapshot& snapshot) {
   fetching_ = false;
+  backoff_.succeeded();
   pause_ = scheduler_.after(frame, [this] {
     pause_ = Task();
     if (stale_) refresh();
@@ -115,6 +115,7 @@ std::vector<AudioDevice> PulseAudioDevices::all() const {
   std::vector<AudioDevice> devices;
   for (const PulseDevice& device : state_.devices) {
     const bool isOutput = device.scope == AudioScope::output;
+    if (device.isUnplugged && device.key != (isOutput ? state_.defaultOutput : state_.defaultInput)) continue;
     devices.push_back({id({device.scope, device.key}), device.name, device.transport, isOutput, !isOutput});
   }
   return devices;

@@ -4,6 +4,7 @@
 #include <string>
 #include <utility>
 
+#include "base/Backoff.h"
 #include "base/Scheduler.h"
 #include "linux/sound/PulseClient.h"
 
@@ -13,11 +14,13 @@ namespace tarnwick {
 PulseClientMaker loadPulseModule(const std::string& folder);
 
 /// The devices of PulseAudio, or of PipeWire in its place. A daemon that is not there (yet, or for a while)
-/// has no devices; it is looked for every few seconds. One device is one sink or one source.
+/// has no devices; it is looked for again and again. One device is one sink or one source. One to which
+/// nothing is plugged in is left out, unless it is the default all the same.
 class PulseAudioDevices : public AudioDevices {
  public:
   /// @param load answers what makes the clients, or nothing when that is missing; called off the main thread
-  PulseAudioDevices(Scheduler& scheduler, std::function<PulseClientMaker()> load);
+  /// @param retrySeconds see `Backoff`
+  PulseAudioDevices(Scheduler& scheduler, std::function<PulseClientMaker()> load, double retrySeconds = 5);
 
   /// Begins to look for the daemon; until then there are no devices.
   void connect();
@@ -69,7 +72,7 @@ class PulseAudioDevices : public AudioDevices {
   /// Runs for a frame's time after each answer.
   Task pause_;
   Task loading_;
-  Task retry_;
+  Backoff backoff_;
 };
 
 }  // namespace tarnwick

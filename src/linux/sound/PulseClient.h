@@ -20,6 +20,8 @@ struct PulseDevice {
   /// See `PulseClient::fullVolume`.
   uint32_t volume = 0;
   bool muted = false;
+  /// Each of its sockets is known to be empty.
+  bool isUnplugged = false;
 };
 
 /// All that the audio daemon told at one time.

@@ -2,6 +2,7 @@
 #include <pulse/glib-mainloop.h>
 #include <pulse/pulseaudio.h>
 
+#include <algorithm>
 #include <map>
 #include <string_view>
 #include <utility>
@@ -38,13 +39,20 @@ AudioTransport transportOf(const Info& info, bool isHardware, bool isNetwork) {
 }
 
 template<typename Info>
+bool isUnplugged(const Info& info) {
+  const auto isEmpty = [](const auto* port) { return port->available == PA_PORT_AVAILABLE_NO; };
+  return info.n_ports > 0 && std::all_of(info.ports, info.ports + info.n_ports, isEmpty);
+}
+
+template<typename Info>
 PulseDevice describe(const Info& info, AudioScope scope, bool isHardware, bool isNetwork) {
   return {.scope = scope,
           .key = info.name,
           .name = info.description && *info.description ? info.description : info.name,
           .transport = transportOf(info, isHardware, isNetwork),
           .volume = pa_cvolume_max(&info.volume),
-          .muted = info.mute != 0};
+          .muted = info.mute != 0,
+          .isUnplugged = isUnplugged(info)};
 }
 
 class LibpulseClient : public PulseClient {
