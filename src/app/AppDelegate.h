@@ -42,7 +42,7 @@ class AppDelegate {
   QtScheduler scheduler_;
   const std::unique_ptr<DisplayServer> display_;
   MessageBus sessionBus_{scheduler_, sessionBusAddress};
-  DBusNotificationCenter notifications_{sessionBus_};
+  DBusNotificationCenter notifications_{scheduler_, sessionBus_};
   XdgFolders folders_;
   JsonUserDefaults defaults_{folders_};
   CanberraSoundPlayer sounds_{scheduler_};

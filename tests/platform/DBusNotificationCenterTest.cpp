@@ -46,13 +46,13 @@ class DBusNotificationCenterTest : public testing::Test {
 
 bool anotherRuns() {
   MessageBus bus(TestDesktop::shared().scheduler, sessionBusAddress);
-  return DBusNotificationCenter(bus).anotherOverlayRuns();
+  return DBusNotificationCenter(TestDesktop::shared().scheduler, bus).anotherOverlayRuns();
 }
 
 }  // namespace
 
 TEST_F(DBusNotificationCenterTest, DeliversEachNameToItsReceiversAndWrongShapesEmpty) {
-  DBusNotificationCenter center(bus);
+  DBusNotificationCenter center(scheduler, bus);
   std::vector<StringMap> events, showcases;
   const auto first =
       center.observe(eventNotification, [&](const StringMap& payload) { events.push_back(payload); });
@@ -79,20 +79,41 @@ TEST_F(DBusNotificationCenterTest, DeliversEachNameToItsReceiversAndWrongShapesE
   EXPECT_EQ(showcases, (std::vector<StringMap>{{{"cmd", "begin"}}}));
 }
 
+TEST_F(DBusNotificationCenterTest, AFloodLeavesTimeForTheRest) {
+  DBusNotificationCenter center(scheduler, bus);
+  std::vector<std::string> received;
+  int turns = 0;
+  const Task timer = scheduler.every(0.005, [&] { ++turns; });
+  const auto subscription = center.observe(eventNotification, [&](const StringMap& payload) {
+    received.push_back(payload.at("number"));
+    for (const double end = scheduler.uptime() + 0.002; scheduler.uptime() < end;) {
+    }
+  });
+  Sender sender;
+  std::vector<std::string> sent;
+  for (int i = 0; i < 200; ++i) {
+    sent.push_back(std::to_string(i));
+    sender.send("event", {map({{"number", QString::number(i)}})});
+  }
+  EXPECT_TRUE(waitUntil([&] { return received.size() == sent.size(); }));
+  EXPECT_EQ(received, sent);
+  EXPECT_GT(turns, 20);
+}
+
 TEST_F(DBusNotificationCenterTest, OneOverlayASession) {
-  auto first = std::make_unique<DBusNotificationCenter>(bus);
+  auto first = std::make_unique<DBusNotificationCenter>(scheduler, bus);
   EXPECT_FALSE(first->anotherOverlayRuns());
   EXPECT_TRUE(anotherRuns());
 }
 
 TEST_F(DBusNotificationCenterTest, DoesNotWaitForABusThatHangs) {
   TestDesktop& desktop = TestDesktop::shared();
-  DBusNotificationCenter first(bus);
+  DBusNotificationCenter first(scheduler, bus);
   ASSERT_FALSE(first.anotherOverlayRuns());
   const auto process = static_cast<pid_t>(desktop.busProcess());
   ::kill(process, SIGSTOP);
   MessageBus other(scheduler, sessionBusAddress);
-  DBusNotificationCenter second(other);
+  DBusNotificationCenter second(scheduler, other);
   EXPECT_FALSE(second.anotherOverlayRuns()) << "not known yet";
   bool told = false, received = false;
   second.onAnotherOverlay = [&] { told = true; };
@@ -110,7 +131,7 @@ TEST_F(DBusNotificationCenterTest, DoesNotWaitForABusThatHangs) {
 TEST_F(DBusNotificationCenterTest, PicksUpABusThatComesLater) {
   const QByteArray address = qgetenv("DBUS_SESSION_BUS_ADDRESS");
   qputenv("DBUS_SESSION_BUS_ADDRESS", "unix:path=/nonexistent/bus");
-  DBusNotificationCenter center(bus);
+  DBusNotificationCenter center(scheduler, bus);
   EXPECT_FALSE(center.anotherOverlayRuns());
   int received = 0;
   const auto subscription = center.observe(eventNotification, [&](const StringMap&) { ++received; });

@@ -13,6 +13,9 @@ constexpr auto longestWait = std::chrono::milliseconds(500);
 /// Far above what the programs of ours send.
 constexpr int mostEntries = 32;
 constexpr qsizetype longestPayload = 1 << 16;
+/// More than this may wait only of a flood.
+constexpr size_t mostWaiting = 20'000, longestWaiting = 16 << 20;
+constexpr double frame = 1.0 / 60;
 
 QDBusMessage nameRequest() {
   constexpr unsigned doNotQueue = 4;
@@ -45,7 +48,8 @@ StringMap payload(const QDBusMessage& message) {
 
 }  // namespace
 
-DBusNotificationCenter::DBusNotificationCenter(MessageBus& bus) : bus_(bus) {
+DBusNotificationCenter::DBusNotificationCenter(Scheduler& scheduler, MessageBus& bus)
+    : scheduler_(scheduler), bus_(bus) {
   // A second overlay must not even show itself; but a bus that hangs must not keep the first one from it.
   if (bus_.openWithin(longestWait)) {
     nameAnswered(bus_.connection()->call(nameRequest(), QDBus::Block, static_cast<int>(longestWait.count())));
@@ -82,13 +86,41 @@ Subscription DBusNotificationCenter::observe(const std::string& name, Receiver r
 }
 
 void DBusNotificationCenter::receive(const QDBusMessage& message) {
-  const auto entry = receivers_.find((message.interface() + '.' + message.member()).toStdString());
+  Received received{(message.interface() + '.' + message.member()).toStdString(), payload(message), 0};
+  for (const auto& [key, value] : received.payload) received.length += key.size() + value.size();
+  if (waiting_.size() == mostWaiting || waitingLength_ + received.length > longestWaiting) return;
+  waitingLength_ += received.length;
+  waiting_.push_back(std::move(received));
+  if (!pause_) deliver();
+}
+
+void DBusNotificationCenter::deliver() {
+  pause_ = Task();
+  while (!waiting_.empty()) {
+    const double start = scheduler_.uptime();
+    if (start - frameStart_ > frame) {
+      frameStart_ = start;
+      spent_ = 0;
+    }
+    if (spent_ > frame / 2) {
+      pause_ = scheduler_.after(frame / 2, [this] { deliver(); });
+      return;
+    }
+    const Received next = std::move(waiting_.front());
+    waiting_.pop_front();
+    waitingLength_ -= next.length;
+    deliver(next.name, next.payload);
+    spent_ += scheduler_.uptime() - start;
+  }
+}
+
+void DBusNotificationCenter::deliver(const std::string& name, const StringMap& payload) {
+  const auto entry = receivers_.find(name);
   if (entry == receivers_.end()) return;
-  const StringMap map = payload(message);
   std::erase_if(entry->second, [](const auto& receiver) { return receiver.expired(); });
   const auto receivers = entry->second;  // a receiver may add or remove others
   for (const auto& weak : receivers) {
-    if (const auto receiver = weak.lock()) (*receiver)(map);
+    if (const auto receiver = weak.lock()) (*receiver)(payload);
   }
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 #include <QDBusMessage>
 #include <QObject>
+#include <deque>
 #include <functional>
 #include <map>
 #include <memory>
@@ -13,14 +14,15 @@ namespace tarnwick {
 
 /// Notifications as signals on the session bus: "dev.tarnwick.event" is the signal `event` of the interface
 /// `dev.tarnwick`, its payload one argument of type a{ss}; one that is larger than any of ours counts as of
-/// another shape. Without a bus nothing arrives; one that appears later, or again, is picked up.
+/// another shape. A flood of them takes at most half of the time. Without a bus nothing arrives; one that
+/// appears later, or again, is picked up.
 class DBusNotificationCenter : public QObject, public NotificationCenter {
   Q_OBJECT
 
  public:
   /// Opens the session's bus, and asks for the name that marks the running overlay. Waits for the bus for
   /// half a second at most; when it takes longer, all that follows happens as soon as it answers.
-  explicit DBusNotificationCenter(MessageBus& bus);
+  DBusNotificationCenter(Scheduler& scheduler, MessageBus& bus);
 
   /// True when another process of this session has the name already, as far as the bus has answered.
   bool anotherOverlayRuns() const { return anotherOverlayRuns_; }
@@ -38,10 +40,25 @@ class DBusNotificationCenter : public QObject, public NotificationCenter {
   void opened();
   void nameAnswered(const QDBusMessage& reply);
   void listen(const std::string& name);
+  void deliver();
+  void deliver(const std::string& name, const StringMap& payload);
 
+  Scheduler& scheduler_;
   MessageBus& bus_;
   bool anotherOverlayRuns_ = false;
   std::map<std::string, std::vector<std::weak_ptr<Receiver>>> receivers_;
+
+  struct Received {
+    std::string name;
+    StringMap payload;
+    size_t length;
+  };
+  /// What waits for its turn, and how long all of it is.
+  std::deque<Received> waiting_;
+  size_t waitingLength_ = 0;
+  /// When the present frame began, and how much of it went into receivers.
+  double frameStart_ = 0, spent_ = 0;
+  Task pause_;
 };
 
 }  // namespace tarnwick
