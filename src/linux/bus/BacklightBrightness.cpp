@@ -60,6 +60,7 @@ BacklightBrightness::BacklightBrightness(MessageBus& bus, std::string folder)
   // The session may have come to the foreground.
   loginDaemon_.onSignal = [this](const QDBusMessage&) { tryWriting(); };
   loginDaemon_.listen({}, "org.freedesktop.DBus.Properties", "PropertiesChanged", session);
+  loginDaemon_.follow();
 }
 
 std::optional<long> BacklightBrightness::present() {
@@ -114,7 +115,7 @@ void BacklightBrightness::write(long raw) {
         if (wanted_ && *wanted_ != raw) return write(*wanted_);
         wanted_.reset();
       },
-      [this] {
+      [this](const QDBusMessage&) {
         writing_ = false;
         setWritable(false);
       });
