@@ -84,7 +84,7 @@ def play_role(name, initial):
         print(json.dumps(words), flush=True)
 
     class Player(dbus.service.Object):
-        deaf = False
+        deaf = initial.get("deaf", False)
         state = {"PlaybackStatus": "Stopped", "Position": dbus.Int64(0),
                  "Metadata": dbus.Dictionary({}, signature="sv"), **properties_from(initial)}
 
@@ -155,7 +155,6 @@ def play_role(name, initial):
             player.set(properties_from({"metadata": track, "status": "Playing"}))
         for number in range(order.get("names", 0)):
             names.append(dbus.service.BusName(f"{ROOT}.{name}{number}", bus))
-        player.deaf = order.get("deaf", player.deaf)
         if "invalidate" in order:
             player.state.update(properties_from(order["invalidate"]))
             player.PropertiesChanged(PLAYER, dbus.Dictionary({}, signature="sv"), ["Metadata"])

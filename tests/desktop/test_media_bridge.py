@@ -313,10 +313,9 @@ class MediaBridge(unittest.TestCase):
         self.assertTrue(other.calls.empty())
 
     def test_commands_that_a_player_ignores_are_told_to_have_had_no_effect(self):
-        player = self.player(position=10, status="Paused")
+        player = self.player(position=10, status="Paused", deaf=True)
         self.start_bridge()
         state = self.wait_for_line(lambda line: "pid" in line and "desktopEntry" in line and line["elapsed"] == 10)
-        player.tell(deaf=True)
         for command in "cmd 2", "seek 90.0":
             self.command(command)
             player.next_call()

@@ -1,6 +1,7 @@
 #include "ui/host/TextWidget.h"
 
 #include <QPainter>
+#include <QPointer>
 #include <QTextBlock>
 #include <utility>
 
@@ -14,7 +15,7 @@ namespace tarnwick::ui {
 /// Leaves to the scene what is the scene's: the background, menus, and the keys that move the focus.
 class TextWidget::Edit : public QPlainTextEdit {
  public:
-  Edit(SceneWidget& scene, TextWidget& owner) : QPlainTextEdit(&scene), scene_(scene), owner_(owner) {
+  Edit(SceneWidget& scene, TextWidget& owner) : QPlainTextEdit(&scene), scene_(scene), owner_(&owner) {
     setFrameShape(QFrame::NoFrame);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
@@ -23,6 +24,14 @@ class TextWidget::Edit : public QPlainTextEdit {
     viewport()->setAutoFillBackground(false);
     setAutoFillBackground(false);
     hide();
+  }
+
+  /// Goes as soon as it is in no event of its own any more, and tells nobody anything until then.
+  void release() {
+    owner_ = nullptr;
+    disconnect();
+    hide();
+    deleteLater();
   }
 
  protected:
@@ -45,17 +54,17 @@ class TextWidget::Edit : public QPlainTextEdit {
   }
   void focusInEvent(QFocusEvent* event) override {
     QPlainTextEdit::focusInEvent(event);
-    if (owner_.onFocus) owner_.onFocus(true);
+    if (owner_ && owner_->onFocus) owner_->onFocus(true);
   }
   void focusOutEvent(QFocusEvent* event) override {
     QPlainTextEdit::focusOutEvent(event);
-    if (owner_.onFocus) owner_.onFocus(false);
+    if (owner_ && owner_->onFocus) owner_->onFocus(false);
   }
   bool focusNextPrevChild(bool) override { return false; }
 
  private:
   SceneWidget& scene_;
-  TextWidget& owner_;
+  TextWidget* owner_;
 };
 
 TextWidget::TextWidget(SceneWidget& scene) : scene_(scene), edit_(new Edit(scene, *this)) {
@@ -65,12 +74,8 @@ TextWidget::TextWidget(SceneWidget& scene) : scene_(scene), edit_(new Edit(scene
 }
 
 TextWidget::~TextWidget() {
-  onText = nullptr;
-  onFocus = nullptr;
   const bool focused = edit_->hasFocus();
-  // It may be in the middle of an event.
-  edit_->hide();
-  edit_->deleteLater();
+  edit_->release();
   if (focused) scene_.giveBackKeyboard();
 }
 
@@ -122,23 +127,48 @@ void TextWidget::setFocused(bool focused) {
 }
 
 std::vector<MenuItem> TextWidget::menu() {
+  // A menu may outlive the editor.
+  const QPointer<QPlainTextEdit> e(edit_);
   const bool selected = edit_->textCursor().hasSelection();
   const auto item = [](std::string title, std::function<void()> action, bool enabled) {
     return MenuItem{.title = std::move(title), .action = std::move(action), .enabled = enabled};
   };
   return {item(
-              tr("Undo", "Annuler"), [e = edit_] { e->undo(); }, edit_->document()->isUndoAvailable()),
+              tr("Undo", "Annuler"),
+              [e] {
+                if (e) e->undo();
+              },
+              edit_->document()->isUndoAvailable()),
           item(
-              tr("Redo", "Rétablir"), [e = edit_] { e->redo(); }, edit_->document()->isRedoAvailable()),
+              tr("Redo", "Rétablir"),
+              [e] {
+                if (e) e->redo();
+              },
+              edit_->document()->isRedoAvailable()),
           MenuItem::separator(),
           item(
-              tr("Cut", "Couper"), [e = edit_] { e->cut(); }, selected),
+              tr("Cut", "Couper"),
+              [e] {
+                if (e) e->cut();
+              },
+              selected),
           item(
-              tr("Copy", "Copier"), [e = edit_] { e->copy(); }, selected),
+              tr("Copy", "Copier"),
+              [e] {
+                if (e) e->copy();
+              },
+              selected),
           item(
-              tr("Paste", "Coller"), [e = edit_] { e->paste(); }, edit_->canPaste()),
+              tr("Paste", "Coller"),
+              [e] {
+                if (e) e->paste();
+              },
+              edit_->canPaste()),
           item(
-              tr("Select all", "Tout sélectionner"), [e = edit_] { e->selectAll(); },
+              tr("Select all", "Tout sélectionner"),
+              [e] {
+                if (e) e->selectAll();
+              },
               !edit_->document()->isEmpty())};
 }
 
