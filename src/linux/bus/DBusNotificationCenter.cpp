@@ -32,18 +32,20 @@ StringMap payload(const QDBusMessage& message) {
   StringMap map;
   int entries = 0;
   qsizetype length = 0;
+  bool tooMuch = false;
   argument.beginMap();
-  while (!argument.atEnd()) {
+  while (!tooMuch && !argument.atEnd()) {
     QString key, value;
     argument.beginMapEntry();
     argument >> key >> value;
     argument.endMapEntry();
     length += key.size() + value.size();
-    if (++entries > mostEntries || length > longestPayload) return {};
-    map[key.toStdString()] = value.toStdString();
+    tooMuch = ++entries > mostEntries || length > longestPayload;
+    if (!tooMuch) map[key.toStdString()] = value.toStdString();
   }
+  // Without this the library would keep the message for ever.
   argument.endMap();
-  return map;
+  return tooMuch ? StringMap() : map;
 }
 
 }  // namespace
