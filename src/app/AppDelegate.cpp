@@ -49,7 +49,8 @@ void AppDelegate::applicationDidFinishLaunching() {
                         .brightness = brightness_,
                         .powerSources = powerSources_,
                         .bluetooth = bluetooth_,
-                        .calendars = calendars_};
+                        .calendars = calendars_,
+                        .appearance = appearance_};
   controller_ =
       std::make_unique<NotchController>(desktop, [this](NotchModel& model) { return makePanel(model); });
   // What takes long to load must not keep the notch waiting, whose window needs some turns of the loop to
@@ -59,6 +60,7 @@ void AppDelegate::applicationDidFinishLaunching() {
     processes_.allowStarting();
     systemBus_.open();
     calendars_.connect();
+    appearance_.connect();
   });
 }
 

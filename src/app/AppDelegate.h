@@ -6,6 +6,7 @@
 #include "linux/bus/BluezDevices.h"
 #include "linux/bus/DBusNotificationCenter.h"
 #include "linux/bus/MessageBus.h"
+#include "linux/bus/PortalAppearance.h"
 #include "linux/bus/UPowerSources.h"
 #include "linux/calendar/EvolutionCalendars.h"
 #include "linux/display/DisplayServer.h"
@@ -56,6 +57,7 @@ class AppDelegate {
   BacklightBrightness brightness_{systemBus_};
   UPowerSources powerSources_{systemBus_};
   BluezDevices bluetooth_{systemBus_};
+  PortalAppearance appearance_{sessionBus_};
   EvolutionCalendars calendars_{scheduler_, sessionBus_, hasCalendars(folders_),
                                 [] { return loadCalendarReader(moduleFolder()); }};
   std::unique_ptr<NotchController> controller_;

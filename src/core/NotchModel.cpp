@@ -31,7 +31,8 @@ bool updatesInPlace(const std::optional<Transient>& shown, const Transient& next
 }  // namespace
 
 NotchModel::NotchModel(const Desktop& desktop)
-    : settings(desktop.defaults),
+    : appearance(desktop.appearance),
+      settings(desktop.defaults),
       claude(desktop.scheduler, desktop.sounds),
       media({desktop.scheduler, desktop.folders, desktop.processes, desktop.applications, desktop.images,
              desktop.log}),

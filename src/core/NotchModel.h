@@ -23,6 +23,7 @@
 namespace tarnwick {
 
 struct Desktop;
+class DesktopAppearance;
 
 /// The state of the notch: what it shows, how large its surface is, and the services that it shows. The
 /// controller writes what the pointer does, the services report into it, the views draw it.
@@ -52,6 +53,7 @@ class NotchModel : public ObservableObject {
   /// The demonstration drives the model: the pointer and real sessions do not.
   bool showcase = false;
 
+  const DesktopAppearance& appearance;
   AppSettings settings;
   ClaudeService claude;
   MediaService media;

@@ -7,6 +7,7 @@ class AudioDevices;
 class BluetoothDevices;
 class Calendars;
 class ChildProcesses;
+class DesktopAppearance;
 class DisplayBrightness;
 class Folders;
 class HapticPerformer;
@@ -42,6 +43,7 @@ struct Desktop {
   PowerSources& powerSources;
   BluetoothDevices& bluetooth;
   Calendars& calendars;
+  const DesktopAppearance& appearance;
 };
 
 }  // namespace tarnwick

@@ -11,6 +11,7 @@
 #include <QFile>
 
 #include "linux/bus/BluezDevices.h"
+#include "linux/bus/PortalAppearance.h"
 #include "linux/bus/UPowerSources.h"
 #include "linux/calendar/EvolutionCalendar.h"
 #include "platform/TestDesktop.h"
@@ -46,8 +47,10 @@ class SystemServicesTest : public testing::Test {
   }
 
   std::unique_ptr<Child> startMock(const QString& name, const QString& service) {
-    auto mock =
-        std::make_unique<Child>("/usr/bin/python3", QStringList{"-m", "dbusmock", "--template", name});
+    return startMock(QStringList{"--template", name}, service);
+  }
+  std::unique_ptr<Child> startMock(const QStringList& arguments, const QString& service) {
+    auto mock = std::make_unique<Child>("/usr/bin/python3", QStringList{"-m", "dbusmock"} + arguments);
     EXPECT_TRUE(waitUntil([&] {
       const QDBusMessage reply = send("org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus",
                                       "NameHasOwner", {service});
@@ -311,6 +314,46 @@ TEST_F(BluezDevicesTest, IsSilentAboutWhatARestartedServiceKnows) {
   waitUntilOpen();
   connectDevice("AA:AA:AA:AA:AA:AA");
   EXPECT_THAT(told(), ElementsAre("connected Buds"));
+}
+
+TEST_F(SystemServicesTest, FollowsTheDesktopsAppearance) {
+  constexpr auto portal = "org.freedesktop.portal.Desktop", path = "/org/freedesktop/portal/desktop",
+                 settings = "org.freedesktop.portal.Settings", mockInterface = "org.freedesktop.DBus.Mock";
+  const auto mock = startMock(QStringList{"--system", portal, path, settings}, portal);
+  const auto add = [&](const char* name, const char* takes, const char* gives, const QString& code) {
+    send(portal, path, mockInterface, "AddMethod", {settings, name, takes, gives, code});
+  };
+  add("ReadAll", "as", "a{sa{sv}}",
+      "ret = {args[0][0]: {'accent-color': (1.0, 0.5, 0.25), 'color-scheme': dbus.UInt32(1)}}");
+  PortalAppearance appearance(systemBus);
+  appearance.connect();
+  systemBus.open();
+  EXPECT_TRUE(waitUntil([&] { return appearance.prefersDark.get(); }));
+  EXPECT_EQ(appearance.accentColor.get(), (Color{1, 0.5, 0.25}));
+
+  const struct {
+    const char *space, *key, *value;
+    std::optional<Color> accent;
+    bool dark;
+  } changes[] = {
+      {"org.freedesktop.appearance", "accent-color", "(0.0, 0.0, 1.0)", Color{0, 0, 1}, true},
+      {"org.freedesktop.appearance", "color-scheme", "dbus.UInt32(2)", Color{0, 0, 1}, false},
+      {"org.gnome.desktop.interface", "color-scheme", "dbus.UInt32(1)", Color{0, 0, 1}, false},
+      {"org.freedesktop.appearance", "accent-color", "(-1.0, 0.0, 0.0)", std::nullopt, false},
+      {"org.freedesktop.appearance", "accent-color", "(1.0, 1.0, 1.0)", Color{1, 1, 1}, false},
+      {"org.freedesktop.appearance", "accent-color", "'blue'", std::nullopt, false},
+      {"org.freedesktop.appearance", "color-scheme", "dbus.UInt32(1)", std::nullopt, true},
+  };
+  for (const auto& each : changes) {
+    add("Change", "", "",
+        QString("self.EmitSignal('%1', 'SettingChanged', 'ssv', ['%2', '%3', %4])")
+            .arg(settings, each.space, each.key, each.value));
+    send(portal, path, settings, "Change", {});
+    EXPECT_TRUE(waitUntil([&] {
+      return appearance.accentColor.get() == each.accent && appearance.prefersDark == each.dark;
+    })) << each.key
+        << ' ' << each.value;
+  }
 }
 
 /// A calendar service that opens no calendar.

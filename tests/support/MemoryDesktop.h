@@ -10,6 +10,7 @@
 #include "platform/BluetoothDevices.h"
 #include "platform/Calendars.h"
 #include "platform/Desktop.h"
+#include "platform/DesktopAppearance.h"
 #include "platform/DisplayBrightness.h"
 #include "platform/Folders.h"
 #include "platform/HapticPerformer.h"
@@ -293,6 +294,7 @@ struct MemoryDesktop {
   MemoryPowerSources powerSources;
   MemoryBluetoothDevices bluetooth;
   MemoryCalendars calendars;
+  DesktopAppearance appearance;
 
   Desktop ports{.scheduler = scheduler,
                 .notifications = notifications,
@@ -311,7 +313,8 @@ struct MemoryDesktop {
                 .brightness = brightness,
                 .powerSources = powerSources,
                 .bluetooth = bluetooth,
-                .calendars = calendars};
+                .calendars = calendars,
+                .appearance = appearance};
 };
 
 }  // namespace tarnwick
