@@ -5,7 +5,7 @@
 #include <QCoreApplication>
 
 #include "platform/AudioDaemon.h"
-#include "support/VirtualScheduler.h"
+#include "showcase/memory/VirtualScheduler.h"
 
 using namespace tarnwick;
 using testing::ElementsAre;

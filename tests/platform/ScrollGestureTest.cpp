@@ -3,7 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "support/VirtualScheduler.h"
+#include "showcase/memory/VirtualScheduler.h"
 
 using namespace tarnwick;
 using testing::ElementsAre;

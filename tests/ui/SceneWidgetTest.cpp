@@ -9,7 +9,7 @@
 #include <QPlainTextEdit>
 #include <QWheelEvent>
 
-#include "support/VirtualScheduler.h"
+#include "showcase/memory/VirtualScheduler.h"
 #include "ui/Button.h"
 #include "ui/Dynamic.h"
 #include "ui/TextEditor.h"

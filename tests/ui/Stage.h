@@ -4,7 +4,7 @@
 
 #include "base/ObservableObject.h"
 #include "base/Observed.h"
-#include "support/VirtualScheduler.h"
+#include "showcase/memory/VirtualScheduler.h"
 #include "ui/Dynamic.h"
 #include "ui/engine/Inspector.h"
 #include "ui/engine/Scene.h"

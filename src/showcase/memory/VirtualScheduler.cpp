@@ -1,4 +1,4 @@
-#include "support/VirtualScheduler.h"
+#include "showcase/memory/VirtualScheduler.h"
 
 #include <algorithm>
 #include <cmath>

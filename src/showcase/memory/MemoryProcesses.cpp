@@ -1,4 +1,4 @@
-#include "support/MemoryProcesses.h"
+#include "showcase/memory/MemoryProcesses.h"
 
 #include <algorithm>
 #include <cstdio>

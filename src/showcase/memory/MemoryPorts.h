@@ -1,0 +1,309 @@
+#pragma once
+#include <map>
+#include <string>
+#include <variant>
+#include <vector>
+
+#include "base/UserDefaults.h"
+#include "platform/Applications.h"
+#include "platform/AudioDevices.h"
+#include "platform/BluetoothDevices.h"
+#include "platform/Calendars.h"
+#include "platform/Desktop.h"
+#include "platform/DesktopAppearance.h"
+#include "platform/DisplayBrightness.h"
+#include "platform/Folders.h"
+#include "platform/HapticPerformer.h"
+#include "platform/ImageDecoder.h"
+#include "platform/MediaKeys.h"
+#include "platform/NotificationCenter.h"
+#include "platform/Pointer.h"
+#include "platform/PowerSources.h"
+#include "platform/Screens.h"
+#include "platform/SoundPlayer.h"
+#include "platform/SystemLog.h"
+#include "platform/WindowList.h"
+#include "showcase/memory/MemoryProcesses.h"
+#include "showcase/memory/VirtualScheduler.h"
+
+namespace tarnwick {
+
+/// Delivers at once what a test posts.
+class MemoryNotificationCenter : public NotificationCenter {
+ public:
+  Subscription observe(const std::string& name, std::function<void(const StringMap&)> receive) override;
+  void post(const std::string& name, const StringMap& payload);
+
+ private:
+  std::multimap<std::string, std::weak_ptr<std::function<void(const StringMap&)>>> observers_;
+};
+
+/// Values of every type that a real store might hold.
+class MemoryUserDefaults : public UserDefaults {
+ public:
+  std::optional<bool> boolean(const std::string& key) const override;
+  std::optional<std::vector<std::string>> strings(const std::string& key) const override;
+  void set(const std::string& key, bool value) override;
+  void set(const std::string& key, const std::vector<std::string>& value) override;
+
+  std::map<std::string, std::variant<bool, double, std::string, std::vector<std::string>>> values;
+  /// The key of each write, in order.
+  std::vector<std::string> writes;
+};
+
+class MemoryScreens : public Screens {
+ public:
+  std::vector<Screen> all() const override { return screens_; }
+  Subscription observe(std::function<void()> onChange) override {
+    return changes_.observe(std::move(onChange));
+  }
+  void set(std::vector<Screen> screens);
+
+ private:
+  std::vector<Screen> screens_;
+  ObservableObject changes_;
+};
+
+/// A pointer that a test moves. It reports activity exactly as the port says: only while somebody wants it.
+class MemoryPointer : public Pointer {
+ public:
+  std::optional<Point> position() const override { return position_; }
+  bool buttonDown() const override { return buttonDown_; }
+  int dragChangeCount() const override { return dragChangeCount_; }
+  std::optional<std::vector<std::string>> dragTypes() const override { return dragTypes_; }
+  Subscription observe(std::function<void()> onActivity) override {
+    return activity_.observe(std::move(onActivity));
+  }
+  void setWantsActivity(bool wants) override { wantsActivity_ = wants; }
+
+  bool wantsActivity() const { return wantsActivity_; }
+  void move(std::optional<Point> position);
+  void press();
+  void release();
+  /// The held button starts a drag that offers these types; none: the types are not known yet.
+  void startDrag(std::optional<std::vector<std::string>> types);
+  void tellDragTypes(std::vector<std::string> types);
+  /// Says that something may have happened.
+  void report();
+
+ private:
+  std::optional<Point> position_ = Point{-10'000, -10'000};
+  bool buttonDown_ = false;
+  int dragChangeCount_ = 0;
+  std::optional<std::vector<std::string>> dragTypes_;
+  bool wantsActivity_ = false;
+  ObservableObject activity_;
+};
+
+class MemoryWindowList : public WindowList {
+ public:
+  std::optional<std::vector<WindowInfo>> onScreen() override { return windows; }
+  int64_t ownProcess() const override { return 4242; }
+  Subscription observe(std::function<void()> onChange) override {
+    return changes_.observe(std::move(onChange));
+  }
+
+  void set(std::optional<std::vector<WindowInfo>> changed) {
+    windows = std::move(changed);
+    changes_.notifyObservers();
+  }
+
+  std::optional<std::vector<WindowInfo>> windows = std::vector<WindowInfo>{};
+
+ private:
+  ObservableObject changes_;
+};
+
+class MemorySoundPlayer : public SoundPlayer {
+ public:
+  void play(Sound sound) override { played.push_back(sound); }
+  std::vector<Sound> played;
+};
+
+class MemoryHapticPerformer : public HapticPerformer {
+ public:
+  void performAlignment() override { ++taps; }
+  int taps = 0;
+};
+
+/// Devices that a test plugs in, and whose levels it changes as another program would.
+class MemoryAudioDevices : public AudioDevices {
+ public:
+  struct Levels {
+    double volume = 0;
+    bool muted = false;
+  };
+
+  std::vector<AudioDevice> all() const override { return devices_; }
+  uint32_t defaultDevice(AudioScope scope) const override { return defaults_.at(scope); }
+  void setDefaultDevice(AudioScope scope, uint32_t id) override { defaultWrites.emplace_back(scope, id); }
+  std::optional<double> volume(uint32_t id, AudioScope scope) const override;
+  void setVolume(uint32_t id, AudioScope scope, double volume) override {
+    levels[{id, scope}].volume = volume;
+  }
+  std::optional<bool> isMuted(uint32_t id, AudioScope scope) const override;
+  void setMuted(uint32_t id, AudioScope scope, bool muted) override { levels[{id, scope}].muted = muted; }
+  Subscription observe(std::function<void()> onChange) override { return changes_.observe(onChange); }
+  Subscription observeLevels(uint32_t id, AudioScope scope, std::function<void()> onChange) override;
+
+  void plug(std::vector<AudioDevice> devices, uint32_t output, uint32_t input);
+  void turn(uint32_t id, AudioScope scope, Levels to);
+
+  std::map<std::pair<uint32_t, AudioScope>, Levels> levels;
+  std::vector<std::pair<AudioScope, uint32_t>> defaultWrites;
+  /// How often listeners to levels were attached.
+  int attachments = 0;
+
+ private:
+  std::vector<AudioDevice> devices_;
+  std::map<AudioScope, uint32_t> defaults_{{AudioScope::output, 0}, {AudioScope::input, 0}};
+  ObservableObject changes_;
+  std::map<std::pair<uint32_t, AudioScope>, ObservableObject> levelChanges_;
+};
+
+/// Keys that a test presses, and that another program may hold.
+class MemoryMediaKeys : public MediaKeys {
+ public:
+  bool isTrusted(const std::vector<MediaKey>&) override { return trusted; }
+  void requestTrust() override { ++requests; }
+  std::optional<Subscription> tap(const std::vector<MediaKey>& keys, Handler handler) override;
+  Subscription observe(std::function<void()> onChange) override {
+    return changes_.observe(std::move(onChange));
+  }
+
+  /// @return whether the key was caught and swallowed
+  bool send(const MediaKeyEvent& event);
+  /// Says that keys have moved or may have come free.
+  void tellChange() { changes_.notifyObservers(); }
+
+  bool trusted = true;
+  int requests = 0;
+
+ private:
+  struct Tap {
+    std::vector<MediaKey> keys;
+    Handler handler;
+  };
+  std::vector<std::weak_ptr<Tap>> taps_;
+  ObservableObject changes_;
+};
+
+class MemoryDisplayBrightness : public DisplayBrightness {
+ public:
+  std::optional<double> current() override { return value; }
+  void set(double brightness) override { value = brightness; }
+  Subscription observe(std::function<void()> onChange) override {
+    return changes_.observe(std::move(onChange));
+  }
+
+  void plug(std::optional<double> brightness) {
+    value = brightness;
+    changes_.notifyObservers();
+  }
+
+  std::optional<double> value = 0.5;
+
+ private:
+  ObservableObject changes_;
+};
+
+/// A battery and a charger that a test sets.
+class MemoryPowerSources : public PowerSources {
+ public:
+  std::optional<std::vector<PowerSource>> all() const override { return sources_; }
+  bool isLowPowerModeEnabled() const override { return lowPowerMode_; }
+  Subscription observe(std::function<void()> onChange) override {
+    return changes_.observe(std::move(onChange));
+  }
+  Subscription observeLowPowerMode(std::function<void()> onChange) override {
+    return modeChanges_.observe(std::move(onChange));
+  }
+
+  void set(std::optional<std::vector<PowerSource>> sources);
+  void setLowPowerMode(bool on);
+
+ private:
+  std::optional<std::vector<PowerSource>> sources_;
+  bool lowPowerMode_ = false;
+  ObservableObject changes_;
+  ObservableObject modeChanges_;
+};
+
+class MemoryBluetoothDevices : public BluetoothDevices {
+ public:
+  Subscription observe(Receiver receive) override;
+  void tell(BluetoothEvent event, const BluetoothDevice& device);
+
+ private:
+  std::vector<std::weak_ptr<Receiver>> receivers_;
+};
+
+/// Calendars that a test fills. Access is not given before the test does.
+class MemoryCalendars : public Calendars {
+ public:
+  void requestAccess(std::function<void(bool)> then) override { answer_ = std::move(then); }
+  bool hasAccess() const override { return access_; }
+  std::vector<CalendarEvent> events(Date from, Date to) override;
+  Subscription observe(std::function<void()> onChange) override {
+    return changes_.observe(std::move(onChange));
+  }
+
+  bool isAsked() const { return answer_ != nullptr; }
+  void setAccess(bool access);
+  void set(std::vector<CalendarEvent> events);
+
+ private:
+  std::vector<CalendarEvent> events_;
+  std::function<void(bool)> answer_;
+  bool access_ = false;
+  ObservableObject changes_;
+};
+
+/// A whole desktop in memory but for its folders, with a clock that stands still until somebody moves it.
+struct MemoryPorts {
+  /// `folders` must outlive the rest.
+  explicit MemoryPorts(Folders& folders) : givenFolders(folders) {}
+
+  Folders& givenFolders;
+  VirtualScheduler scheduler;
+  MemoryNotificationCenter notifications;
+  MemoryUserDefaults defaults;
+  MemoryScreens screens;
+  MemoryPointer pointer;
+  MemoryWindowList windows;
+  MemorySoundPlayer sounds;
+  MemoryHapticPerformer haptics;
+  MemoryChildProcesses processes;
+  MemoryApplications applications;
+  MemoryImageDecoder images;
+  MemorySystemLog log;
+  MemoryAudioDevices audioDevices;
+  MemoryMediaKeys mediaKeys;
+  MemoryDisplayBrightness brightness;
+  MemoryPowerSources powerSources;
+  MemoryBluetoothDevices bluetooth;
+  MemoryCalendars calendars;
+  DesktopAppearance appearance;
+
+  Desktop ports{.scheduler = scheduler,
+                .notifications = notifications,
+                .defaults = defaults,
+                .folders = givenFolders,
+                .screens = screens,
+                .windows = windows,
+                .sounds = sounds,
+                .haptics = haptics,
+                .processes = processes,
+                .applications = applications,
+                .images = images,
+                .log = log,
+                .audioDevices = audioDevices,
+                .mediaKeys = mediaKeys,
+                .brightness = brightness,
+                .powerSources = powerSources,
+                .bluetooth = bluetooth,
+                .calendars = calendars,
+                .appearance = appearance};
+};
+
+}  // namespace tarnwick
