@@ -3,7 +3,7 @@
 #include "Check.h"
 #include "base/Utf8.h"
 #include "cli/HookEvent.h"
-#include "cli/Text.h"
+#include "base/Characters.h"
 #include "dbus/BusMessage.h"
 #include "json/JsonValue.h"
 

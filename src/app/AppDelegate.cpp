@@ -53,6 +53,10 @@ void AppDelegate::applicationDidFinishLaunching() {
                         .appearance = appearance_};
   controller_ =
       std::make_unique<NotchController>(desktop, [this](NotchModel& model) { return makePanel(model); });
+  showcase_.emplace(controller_->model(), scheduler_, folders_);
+  controller_->onShowcaseCommand = [this](const std::string& command, const std::string& argument) {
+    showcase_->handle(command, argument);
+  };
   // What takes long to load must not keep the notch waiting, whose window needs some turns of the loop to
   // show.
   loading_ = scheduler_.after(loadDelay, [this] {

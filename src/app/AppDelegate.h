@@ -1,5 +1,6 @@
 #pragma once
 #include <memory>
+#include <optional>
 
 #include "core/NotchController.h"
 #include "linux/bus/BacklightBrightness.h"
@@ -21,6 +22,7 @@
 #include "linux/process/StandardErrorLog.h"
 #include "linux/sound/CanberraSoundPlayer.h"
 #include "linux/sound/PulseAudioDevices.h"
+#include "showcase/Showcase.h"
 
 namespace tarnwick {
 
@@ -61,6 +63,7 @@ class AppDelegate {
   EvolutionCalendars calendars_{scheduler_, sessionBus_, hasCalendars(folders_),
                                 [] { return loadCalendarReader(moduleFolder()); }};
   std::unique_ptr<NotchController> controller_;
+  std::optional<Showcase> showcase_;
   Task loading_;
 };
 

@@ -42,6 +42,8 @@ class ClaudeService : public ObservableObject {
   /// Applies one hook event. Without a session identifier it is filed under "default"; an event of an unknown
   /// name is ignored.
   void handle(const StringMap& event);
+  /// Forgets all sessions.
+  void clear() { sessions = {}; }
   /// Forgets all sessions that neither work nor wait.
   void clearFinished();
 

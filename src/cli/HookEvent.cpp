@@ -4,7 +4,7 @@
 #include <array>
 #include <span>
 
-#include "cli/Text.h"
+#include "base/Characters.h"
 #include "json/JsonReader.h"
 
 namespace tarnwick {

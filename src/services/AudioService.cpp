@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "base/DisplayText.h"
+#include "base/L10n.h"
 
 namespace tarnwick {
 namespace {
@@ -39,7 +40,7 @@ void AudioService::attachListeners() {
     listenedOutput_ = outputID;
     outputListener_ = devices_.observeLevels(outputID, AudioScope::output, [this] {
       readLevels();
-      if (onVolumeChange) onVolumeChange();
+      if (onVolumeChange && !frozen) onVolumeChange();
     });
   }
   if (listenedInput_ != inputID) {
@@ -79,6 +80,27 @@ void AudioService::setInputVolume(double value) {
 void AudioService::setInputMuted(bool value) {
   devices_.setMuted(inputID, AudioScope::input, value);
   inputMuted = value;
+}
+
+void AudioService::showcaseFill() {
+  frozen = true;
+  outputs = std::vector<AudioDevice>{
+      {9001, "AirPods Pro", AudioTransport::bluetooth, true, false},
+      {9002, tr("MacBook Pro Speakers", "Haut-parleurs MacBook Pro"), AudioTransport::builtIn, true, false},
+      {9003, "Studio Display", AudioTransport::display, true, false}};
+  inputs = std::vector<AudioDevice>{
+      {9004, tr("MacBook Pro Microphone", "Micro MacBook Pro"), AudioTransport::builtIn, false, true}};
+  outputID = 9001;
+  inputID = 9004;
+  volume = 0.58;
+  muted = false;
+  inputVolume = 0.72;
+  inputMuted = false;
+}
+
+void AudioService::showcaseEnd() {
+  frozen = false;
+  reload();
 }
 
 }  // namespace tarnwick

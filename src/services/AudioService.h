@@ -48,6 +48,12 @@ class AudioService : public ObservableObject {
   void selectOutput(uint32_t id) { devices_.setDefaultDevice(AudioScope::output, id); }
   void selectInput(uint32_t id) { devices_.setDefaultDevice(AudioScope::input, id); }
 
+  /// Devices for the demonstration, until its end.
+  void showcaseFill();
+  /// Makes one of them the default one, by its place among the outputs.
+  void showcaseSelect(size_t index) { outputID = outputs->at(index).id; }
+  void showcaseEnd();
+
  private:
   void attachListeners();
   void readLevels();

@@ -108,7 +108,7 @@ void CalendarService::awaitNextTick() {
   }
   next_ = {};
   // Where an event makes room, another may move up.
-  if (next) next_ = scheduler_.at(*next, [this] { frozen ? tick() : reload(); });
+  if (next) next_ = scheduler_.at(*next, [this] { reload(); });
 }
 
 void CalendarService::announce(const CalendarItem& item, double secondsUntilStart) const {
@@ -125,6 +125,8 @@ void CalendarService::announce(const CalendarItem& item, double secondsUntilStar
 void CalendarService::showcaseFill() {
   frozen = true;
   authorized = true;
+  next_.cancel();
+  midnight_.cancel();
   const Date day = startOfDay(scheduler_.now());
   const auto at = [day](double hours) { return day + hours * 3600; };
   events = std::vector<CalendarItem>{

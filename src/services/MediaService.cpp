@@ -101,7 +101,7 @@ void MediaService::readOutput() {
       [reader = reader_, bytes, update] { *update = reader->read(*bytes); },
       [this, update] {
         if (!*update) return process_->awaitOutput();
-        if (!frozen) withAnimation(notchOpen, [&] { apply(**update); });
+        take(std::move(**update));
         pace_ = ports_.scheduler.after(paceSeconds, [this] { process_->awaitOutput(); });
       });
 }
@@ -115,24 +115,36 @@ void MediaService::bridgeEnded() {
   });
 }
 
-void MediaService::apply(const MediaUpdate& update) {
-  const MediaLine& line = update.line;
+void MediaService::take(MediaUpdate update) {
+  // What it lacks is as it was.
+  if (!update.artwork) update.artwork = std::move(live_.artwork);
+  if (!update.application) update.application = std::move(live_.application);
+  live_ = std::move(update);
+  liveSince_ = live_.line.timestamp ? Date{*live_.line.timestamp} : ports_.scheduler.now();
+  leadWhenLive_ = clockLead();
+  if (!frozen) withAnimation(notchOpen, [this] { showLive(); });
+}
+
+void MediaService::showLive() {
+  const MediaLine& line = live_.line;
   title = line.title;
   artist = line.artist;
   album = line.album;
   duration = line.duration;
-  setPosition(line.elapsed, line.timestamp ? Date{*line.timestamp} : ports_.scheduler.now());
+  setPosition(line.elapsed, liveSince_);
+  leadAtTimestamp_ = leadWhenLive_;
   rate = line.rate;
   playing = line.playing;
   canRaise_ = line.canRaise;
-  if (update.artwork) {
-    artwork = update.artwork->image;
-    accent = update.artwork->accent;
-  }
-  if (update.application) {
-    appBundleURL = update.application->bundle;
-    appIcon = update.application->icon;
-  }
+  artwork = live_.artwork->image;
+  accent = live_.artwork->accent;
+  appBundleURL = live_.application->bundle;
+  appIcon = live_.application->icon;
+}
+
+void MediaService::showcaseEnd() {
+  frozen = false;
+  withAnimation(notchOpen, [this] { showLive(); });
 }
 
 void MediaService::send(const std::string& command) {

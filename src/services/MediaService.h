@@ -53,6 +53,7 @@ class MediaService : public ObservableObject {
   Observed<std::optional<FilePath>> appBundleURL{*this};
   Observed<std::optional<Image>> appIcon{*this};
   /// The demonstration's tracks stay on screen: what the bridge says is not shown.
+  /// Set by `showcaseBegin` and `showcaseEnd`.
   bool frozen = false;
 
   /// A track is there and runs.
@@ -70,6 +71,9 @@ class MediaService : public ObservableObject {
   /// Brings the program that plays forward, or starts it where that cannot be done.
   void openSourceApp();
 
+  /// From now on the demonstration says what plays, until its end: then it is what plays by then.
+  void showcaseBegin() { frozen = true; }
+  void showcaseEnd();
   /// A track of the demonstration; any number will do.
   void showcaseTrack(int index);
   void showcasePlaying(bool plays);
@@ -83,11 +87,16 @@ class MediaService : public ObservableObject {
   /// How far the wall clock is ahead of the one that nobody sets and that sleeps when the machine does.
   double clockLead() const { return ports_.scheduler.now().secondsSince1970 - ports_.scheduler.uptime(); }
   void readOutput();
-  void apply(const MediaUpdate& update);
+  void take(MediaUpdate update);
+  void showLive();
   void bridgeEnded();
   void send(const std::string& command);
 
   const Ports ports_;
+  /// What the bridge has told, and when; whole.
+  MediaUpdate live_{{}, MediaArtwork{}, Application{}};
+  Date liveSince_;
+  double leadWhenLive_ = 0;
   const AppSettings* settings_ = nullptr;
   Subscription settingsSubscription_;
   /// What the bridge was told last.

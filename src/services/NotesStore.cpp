@@ -2,6 +2,7 @@
 
 #include <filesystem>
 #include <mutex>
+#include <utility>
 
 #include "base/AtomicFile.h"
 #include "base/Utf8.h"
@@ -70,6 +71,10 @@ NotesStore::NotesStore(Scheduler& scheduler, const Folders& folders)
 NotesStore::~NotesStore() { flush(); }
 
 void NotesStore::setText(std::string text) {
+  if (saved_) {
+    text_ = std::move(text);
+    return;
+  }
   // Captured before the assignment: what an observer makes of it has a save of its own.
   pause_ = scheduler_.after(saveDelay, [this, version = ++version_, text] {
     (void)scheduler_.background([file = file_, version, text] { file->write(version, text); }, {});
@@ -79,7 +84,19 @@ void NotesStore::setText(std::string text) {
 
 void NotesStore::flush() {
   pause_.cancel();
-  file_->write(version_, text_);
+  file_->write(version_, saved_ ? *saved_ : text_.get());
+}
+
+void NotesStore::showcaseBegin() {
+  if (!saved_) {
+    flush();
+    saved_ = text_.get();
+  }
+  text_ = {};
+}
+
+void NotesStore::showcaseEnd() {
+  if (saved_) text_ = *std::exchange(saved_, std::nullopt);
 }
 
 }  // namespace tarnwick

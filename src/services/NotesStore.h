@@ -1,6 +1,7 @@
 #pragma once
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "base/Observed.h"
@@ -24,6 +25,10 @@ class NotesStore : public ObservableObject {
   /// Writes now what would be written soon.
   void flush();
 
+  /// An empty pad for the demonstration, until its end. Meanwhile nothing but the user's text is written.
+  void showcaseBegin();
+  void showcaseEnd();
+
  private:
   class File;
 
@@ -31,6 +36,8 @@ class NotesStore : public ObservableObject {
   /// Shared with the work in the background.
   std::shared_ptr<File> file_;
   Observed<std::string> text_{*this};
+  /// The user's text, while a demonstration has taken its place.
+  std::optional<std::string> saved_;
   /// How often a text was assigned.
   uint64_t version_ = 0;
   Task pause_;

@@ -8,7 +8,6 @@
 namespace tarnwick {
 namespace {
 
-constexpr double angle = 35 * std::numbers::pi / 180;
 /// In a cover of 300 points: how far the ring lies inside the edges, and how wide it is.
 constexpr double ringInset = 70, ringWidth = 10, ringOpacity = 0.35;
 
@@ -24,7 +23,8 @@ uint32_t pixel(const Color& color) {
 
 }  // namespace
 
-Image sampleArtwork(int size, const std::array<Color, 3>& colors, bool withRing) {
+Image sampleArtwork(int size, const std::array<Color, 3>& colors, bool withRing, double degrees) {
+  const double angle = degrees * std::numbers::pi / 180;
   auto pixels = std::make_shared<std::vector<uint32_t>>();
   pixels->reserve(static_cast<size_t>(size) * static_cast<size_t>(size));
   const double middle = size / 2.0;

@@ -6,6 +6,7 @@
 #include <memory>
 #include <string_view>
 #include <unordered_set>
+#include <utility>
 
 namespace tarnwick {
 namespace {
@@ -42,9 +43,10 @@ TrayStore::TrayStore(Scheduler& scheduler, UserDefaults& defaults) : defaults_(d
                              [](const FilePath& file) { return !exists(file); });
       },
       [this, gone] {
-        items.mutate([&](auto& all) {
+        const auto leaveOut = [&](auto& all) {
           return std::erase_if(all, [&](const FilePath& file) { return gone->contains(file); }) > 0;
-        });
+        };
+        saved_ ? (void)leaveOut(*saved_) : items.mutate(leaveOut);
       });
 }
 
@@ -63,6 +65,17 @@ void TrayStore::clear() {
   save();
 }
 
-void TrayStore::save() { defaults_.set(key, items.get()); }
+void TrayStore::showcaseBegin() {
+  if (!saved_) saved_ = items.get();
+  items = {};
+}
+
+void TrayStore::showcaseEnd() {
+  if (saved_) items = *std::exchange(saved_, std::nullopt);
+}
+
+void TrayStore::save() {
+  if (!saved_) defaults_.set(key, items.get());
+}
 
 }  // namespace tarnwick

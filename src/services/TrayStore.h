@@ -1,4 +1,5 @@
 #pragma once
+#include <optional>
 #include <vector>
 
 #include "base/FilePath.h"
@@ -25,10 +26,17 @@ class TrayStore : public ObservableObject {
   void remove(const FilePath& file);
   void clear();
 
+  /// An empty shelf for the demonstration, until its end. Meanwhile nothing is stored: the user's files stay
+  /// as they are there.
+  void showcaseBegin();
+  void showcaseEnd();
+
  private:
   void save();
 
   UserDefaults& defaults_;
+  /// The user's files, while a demonstration has taken their place.
+  std::optional<std::vector<FilePath>> saved_;
   Task looking_;
 };
 

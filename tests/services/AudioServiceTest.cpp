@@ -112,15 +112,15 @@ TEST_F(AudioServiceTest, WritesWithinBoundsAndMirrorsAtOnce) {
   EXPECT_EQ(volumeChanges, 0) << "own writes are no news";
 }
 
-TEST_F(AudioServiceTest, StandsStillWhileFrozen) {
+TEST_F(AudioServiceTest, TheDemonstrationKeepsItsDevices) {
   audio.start();
-  audio.frozen = true;
-  devices.plug({}, 0, 0);
+  audio.showcaseFill();
   devices.turn(3, AudioScope::output, {0.9, true});
-  EXPECT_THAT(*audio.outputs, ElementsAre(speakers, headset));
-  EXPECT_EQ(audio.volume, 0.5);
-  audio.frozen = false;
-  audio.reload();
+  devices.plug({}, 0, 0);
+  EXPECT_EQ(audio.outputs->size(), 3u);
+  EXPECT_EQ(audio.volume, 0.58);
+  EXPECT_EQ(volumeChanges, 0) << "nothing that is shown has changed";
+  audio.showcaseEnd();
   EXPECT_THAT(*audio.outputs, IsEmpty());
 }
 

@@ -305,7 +305,7 @@ TEST_F(MediaServiceTest, CommandsToThePlayer) {
 TEST_F(MediaServiceTest, ADemonstrationIsNotDisturbedAndLeavesNothing) {
   start();
   bridgeTells(R"({"title":"Real","artworkId":1,"artwork":")" + redCover + R"("})");
-  media.frozen = true;
+  media.showcaseBegin();
   for (const int index : {-3, 0, 1, 7}) {
     desktop.scheduler.advance(1);
     media.showcaseTrack(index);
@@ -327,8 +327,8 @@ TEST_F(MediaServiceTest, ADemonstrationIsNotDisturbedAndLeavesNothing) {
   EXPECT_DOUBLE_EQ(position(), at);
   EXPECT_DOUBLE_EQ(position(2), at + 2);
 
-  media.frozen = false;
-  bridgeTells(R"({"title":"Real again","artworkId":1})");
+  media.showcaseEnd();
+  EXPECT_EQ(media.title.get(), "Meanwhile");
   EXPECT_EQ(media.artwork.get()->pixels->front(), 0xffff0000) << "the real cover is back";
 }
 

@@ -1,4 +1,4 @@
-#include "cli/Text.h"
+#include "base/Characters.h"
 
 #include <gtest/gtest.h>
 
@@ -12,7 +12,7 @@ std::string repeated(std::string_view text, size_t count) {
   return result;
 }
 
-TEST(Text, CutsBetweenCharactersThatAUserSees) {
+TEST(Characters, CutsBetweenCharactersThatAUserSees) {
   // A letter, an accent beside it, a line break, a joined family, a flag, conjoining letters, a joined
   // syllable.
   for (const std::string_view character :
@@ -25,7 +25,7 @@ TEST(Text, CutsBetweenCharactersThatAUserSees) {
   }
 }
 
-TEST(Text, BoundsTheBytesOfACutBetweenCodePoints) {
+TEST(Characters, BoundsTheBytesOfACutBetweenCodePoints) {
   const std::string marked = "a" + repeated("\u0301", 1000);
   EXPECT_EQ(firstCharacters(marked, 200, 100), "a" + repeated("\u0301", 49));
   EXPECT_EQ(firstCharacters("aaaa", 200, 3), "aaa");

@@ -1,4 +1,4 @@
-#include "cli/Text.h"
+#include "base/Characters.h"
 
 #include <utf8proc.h>
 
