@@ -4,7 +4,13 @@
 
 namespace tarnwick::L10n {
 
-std::optional<std::string> forced;
+namespace {
+
+const ObservableObject owner;
+
+}  // namespace
+
+Observed<std::optional<std::string>> forced{owner};
 
 namespace {
 
@@ -23,9 +29,12 @@ std::string_view preferredLanguage() {
 
 }  // namespace
 
-std::string language() { return forced ? *forced : std::string(preferredLanguage()); }
+std::string language() { return forced->value_or(std::string(preferredLanguage())); }
 
-bool isFrench() { return forced ? forced->starts_with("fr") : preferredLanguage().starts_with("fr"); }
+bool isFrench() {
+  const auto& language = *forced;
+  return (language ? std::string_view(*language) : preferredLanguage()).starts_with("fr");
+}
 
 const char* locale() { return isFrench() ? "fr_FR" : "en_US"; }
 

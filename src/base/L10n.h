@@ -3,13 +3,16 @@
 #include <string>
 #include <string_view>
 
+#include "base/Observed.h"
+
 namespace tarnwick {
 
 /// The language of the interface. Ask each time a text is made: the answer may change while the program runs.
 namespace L10n {
 
-/// Overrides the user's language when set (demonstration mode). An empty override means English.
-extern std::optional<std::string> forced;
+/// Overrides the user's language when set (demonstration mode). An empty override means English. Views that
+/// have asked for the language follow it.
+extern Observed<std::optional<std::string>> forced;
 
 /// The active language code: `forced`, else the first of the user's preferred languages (LANGUAGE, LC_ALL,
 /// LC_MESSAGES, LANG in the order of gettext), else "en".

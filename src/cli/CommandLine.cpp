@@ -40,6 +40,8 @@ const char* const helpText =
     "  --uninstall-hooks             remove them again\n"
     "  --hook                        relay one hook event from standard input to the overlay\n"
     "  --demo                        play a short scripted session in the overlay\n"
+    "  --showcase COMMAND [ARGUMENT] drive the demonstration in the running overlay, from \"begin\"\n"
+    "                                to \"end\"; the README lists the commands\n"
     "  --help                        show this text\n"
     "  --version                     show the version\n";
 

@@ -147,7 +147,7 @@ void Showcase::end() {
   model_.notes.showcaseEnd();
   model_.media.showcaseEnd();
   model_.showcase = false;
-  L10n::forced.reset();
+  L10n::forced = std::nullopt;
   // In the user's own language again.
   model_.calendar.showcaseEnd();
   model_.audio.showcaseEnd();

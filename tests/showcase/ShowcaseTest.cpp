@@ -17,7 +17,7 @@ using testing::IsEmpty;
 
 class ShowcaseTest : public testing::Test {
  protected:
-  ~ShowcaseTest() override { L10n::forced.reset(); }
+  ~ShowcaseTest() override { L10n::forced = std::nullopt; }
 
   void tell(const std::string& command, const std::string& argument = "") {
     showcase.handle(command, argument);
@@ -70,7 +70,7 @@ TEST_F(ShowcaseTest, GivesEverythingBackAsItIsByThen) {
   EXPECT_EQ(model.media.title.get(), "");
   EXPECT_THAT(*model.calendar.events, IsEmpty());
   EXPECT_FALSE(model.showcase || model.isExpanded || model.isHovering || model.isDraggingFiles);
-  EXPECT_FALSE(L10n::forced);
+  EXPECT_FALSE(*L10n::forced);
   model.notes.setText("mine again");
   model.tray.remove(mine);
   pass(1);

@@ -4,7 +4,7 @@
 
 namespace tarnwick {
 
-ForcedLanguage::ForcedLanguage(const char* code) { L10n::forced = code; }
-ForcedLanguage::~ForcedLanguage() { L10n::forced.reset(); }
+ForcedLanguage::ForcedLanguage(const char* code) { L10n::forced = std::string(code); }
+ForcedLanguage::~ForcedLanguage() { L10n::forced = std::nullopt; }
 
 }  // namespace tarnwick

@@ -30,10 +30,12 @@ TEST(TabBar, SelectsAndNamesItsTabs) {
       {Tab::audio, "Sound", "Son"},   {Tab::claude, "Claude Code", "Claude Code"},
       {Tab::home, "Home", "Accueil"},
   };
+  NotchStage stage;
+  open(stage, Tab::home);
   for (const bool french : {false, true}) {
+    // What is shown already follows.
     const ForcedLanguage language(french ? "fr" : "en");
-    NotchStage stage;
-    open(stage, Tab::home);
+    stage.settle();
     for (const auto& c : tabs) {
       const auto button = stage.inspect.control(french ? c.french : c.english);
       ASSERT_TRUE(button) << c.english;
