@@ -15,6 +15,7 @@
 
 #include "app/AppDelegate.h"
 #include "app/OpenDisplay.h"
+#include "app/TakeSnapshots.h"
 #include "base/StandardDescriptors.h"
 #include "dbus/BusConnection.h"
 #include "dbus/SessionBusAddress.h"
@@ -108,10 +109,8 @@ void endByToolkit() {
 int main(int argc, char** argv) {
   tarnwick::openStandardDescriptors();
   // The last argument would be a switch without its folder, which means the overlay.
-  if (std::find(argv, argv + argc - 1, std::string_view("--snapshot")) != argv + argc - 1) {
-    std::fputs("Tarnwick: --snapshot cannot render pictures yet.\n", stderr);
-    return EXIT_FAILURE;
-  }
+  const auto snapshot = std::find(argv, argv + argc - 1, std::string_view("--snapshot"));
+  if (snapshot != argv + argc - 1) return tarnwick::takeSnapshots(snapshot[1]);
   const bool startedAnew = ::getenv(startedAnewVariable) != nullptr;
   ::unsetenv(startedAnewVariable);
   // Its answer comes while the display is being opened.

@@ -42,6 +42,8 @@ const char* const helpText =
     "  --demo                        play a short scripted session in the overlay\n"
     "  --showcase COMMAND [ARGUMENT] drive the demonstration in the running overlay, from \"begin\"\n"
     "                                to \"end\"; the README lists the commands\n"
+    "  --snapshot FOLDER             save pictures of fourteen scenes of the notch there; needs no\n"
+    "                                display\n"
     "  --help                        show this text\n"
     "  --version                     show the version\n";
 

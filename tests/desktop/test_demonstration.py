@@ -1,9 +1,11 @@
 """The demonstration in the real overlay."""
 
 import json
+import socket
+import subprocess
 import unittest
 
-from desktop import wait_until
+from desktop import PROGRAM, wait_until
 from desktop_test import EXPANDED, HIDDEN, DesktopTest
 
 WORKING = {"session_id": "showcase-1", "hook_event_name": "UserPromptSubmit", "prompt": "Go"}
@@ -47,6 +49,22 @@ class Demonstration(DesktopTest):
         self.desktop.run("--showcase", "end")
         self.desktop.wait_for_notch(*HIDDEN)
         self.assert_untouched()
+
+    def test_pictures_need_neither_display_nor_bus_nor_a_daemon_that_answers(self):
+        daemon = self.desktop.home / "daemon"
+        silent = socket.socket(socket.AF_UNIX)
+        silent.bind(str(daemon))
+        silent.listen()
+        self.addCleanup(silent.close)
+        for server in (daemon, self.desktop.home / "no-daemon"):
+            folder = self.desktop.home / "pictures" / server.name
+            environment = {"HOME": str(self.desktop.home), "PULSE_SERVER": f"unix:{server}"}
+            result = subprocess.run([PROGRAM, "--snapshot", folder], env=environment, capture_output=True, timeout=20)
+            self.assertEqual(result.returncode, 0, result.stderr)
+            self.assertEqual(len(list(folder.glob("*.png"))), 14)
+        result = self.desktop.run("--snapshot", str(daemon))
+        self.assertEqual(result.returncode, 1)
+        self.assertIn(b"could not write pictures", result.stderr)
 
 
 if __name__ == "__main__":

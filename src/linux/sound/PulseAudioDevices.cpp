@@ -38,7 +38,11 @@ void PulseAudioDevices::connect() {
   loading_ = scheduler_.background([loaded, load = load_] { *loaded = load(); },
                                    [this, loaded] {
                                      makeClient_ = *loaded;
-                                     if (makeClient_) openClient();
+                                     if (makeClient_) {
+                                       openClient();
+                                     } else {
+                                       answered();
+                                     }
                                    });
 }
 
@@ -57,6 +61,7 @@ void PulseAudioDevices::closed() {
   backoff_.retry([this] { openClient(); });
   pause_ = Task();
   adopt({});
+  answered();
 }
 
 void PulseAudioDevices::refresh() {
@@ -79,7 +84,12 @@ void PulseAudioDevices::received(const PulseSnapshot& snapshot) {
     stale_ = true;
   } else {
     adopt(snapshot);
+    answered();
   }
+}
+
+void PulseAudioDevices::answered() {
+  if (onAnswer) onAnswer();
 }
 
 void PulseAudioDevices::noteWrite() {

@@ -22,6 +22,9 @@ class PulseAudioDevices : public AudioDevices {
   /// @param retrySeconds see `Backoff`
   PulseAudioDevices(Scheduler& scheduler, std::function<PulseClientMaker()> load, double retrySeconds = 5);
 
+  /// The daemon has told its devices, or there is none.
+  std::function<void()> onAnswer;
+
   /// Begins to look for the daemon; until then there are no devices.
   void connect();
 
@@ -44,6 +47,7 @@ class PulseAudioDevices : public AudioDevices {
   void received(const PulseSnapshot& snapshot);
   void written();
   void adopt(PulseSnapshot snapshot);
+  void answered();
   void noteWrite();
 
   uint32_t id(const Key& key) const;
