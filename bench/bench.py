@@ -59,8 +59,9 @@ def hook_latency(desktop, events):
                      "dict:string:string:hook_event_name,PostToolUse,session_id,bench")
     hook, nothing, dbus_send = (statistics.median(map(float, line.split())) for line in output.splitlines())
     note = f"hook {hook:.2f} ms, empty program {nothing:.2f} ms, dbus-send {dbus_send:.2f} ms"
-    report("hook, start to end, against an empty static program", hook / nothing, "×", 2, note)
-    report("hook, start to end, against dbus-send", hook / dbus_send, "×", 0.5)
+    report("hook, start to end, against an empty static program", hook / nothing, "×", 1.7, note)
+    # Starting a process costs half of dbus-send on some machines, which neither can help.
+    report("the same beyond the empty program, against dbus-send", (hook - nothing) / (dbus_send - nothing), "×", 0.5)
 
 
 def hook_to_pixel(desktop, events):
@@ -173,7 +174,7 @@ def start_to_first_frame(desktop, events):
             times[kind].append(float(took))
             subprocess.run(["kill", "-KILL", process], check=True)
     overlay, window = (statistics.median(times[kind]) for kind in ("overlay", "window"))
-    report("overlay's start to its first pixel, against an empty window", overlay / window, "×", 1.6,
+    report("overlay's start to its first pixel, against an empty window", overlay / window, "×", 1.5,
            f"{overlay:.0f} ms, {window:.0f} ms")
     desktop.move_pointer(desktop.size[0] // 2, desktop.size[1] - 50)
 
@@ -217,13 +218,16 @@ def at_rest(desktop):
     window.kill()
     window.wait()
     wait_until(lambda: desktop.top().notch()[0] == 0, "the empty window to go")
+    # What is not there would be looked for again.
+    desktop.start_system_bus()
+    desktop.start_audio_daemon()
     overlay = desktop.start_overlay()
     time.sleep(3)
     memory, bridge = resident_megabytes(overlay.pid), sum(map(resident_megabytes, children(overlay)))
-    report("resident memory at rest, against an empty window", memory / window_memory, "×", 1.6,
+    report("resident memory at rest, against an empty window", memory / window_memory, "×", 1.25,
            f"{memory:.0f} MB, {window_memory:.0f} MB; the media bridge beside it {bridge:.0f} MB")
-    wake_ups, processor = usage_over(overlay, 20)
-    report("wake-ups a second at rest", wake_ups, "", 1.05)  # one a second, and the ends of the interval
+    wake_ups, processor = usage_over(overlay, 60)
+    report("wake-ups a second at rest", wake_ups, "", 0.1)
     report("processor at rest", processor, "% of a core", 0.1)
 
 
@@ -231,6 +235,7 @@ def with_one_session(desktop, events):
     prompt, end = events.file("prompt", "UserPromptSubmit", prompt="go"), events.file("end", "SessionEnd")
     measure(desktop, PROGRAMS / "spawn-times", 1, prompt, PROGRAM, "--hook")
     desktop.wait_for_notch(*CLAUDE)
+    time.sleep(2)  # past what its coming leaves to be done
     wake_ups, processor = usage_over(desktop.overlay, 20)
     report("processor with one working session", processor, "% of a core", 0.9)
     report("wake-ups a second with one working session", wake_ups, "", 30.5)  # 30, and the ends of the interval
@@ -250,7 +255,7 @@ def frames(desktop):
 
 
 def main():
-    print("Measuring; this takes about three minutes, and the machine should have nothing else to do.",
+    print("Measuring; this takes about four minutes, and the machine should have nothing else to do.",
           file=sys.stderr)
     with tempfile.TemporaryDirectory() as folder, Desktop() as desktop:
         events = Events(folder)

@@ -114,6 +114,23 @@ class Desktop:
         self.processes.append(process)
         return process
 
+    def start_audio_daemon(self):
+        """With one output, "speakers"."""
+        daemon = self.start(["pulseaudio", "-n", "--daemonize=no", "--exit-idle-time=-1", "--use-pid-file=no", "-L",
+                             "module-null-sink sink_name=speakers", "-L",
+                             "module-native-protocol-unix auth-anonymous=1"])
+        wait_until(lambda: "speakers" in self.control_audio("get-default-sink"), "the audio daemon")
+        return daemon
+
+    def control_audio(self, *arguments):
+        return subprocess.run(["pactl", *arguments], env=self.environment, capture_output=True, text=True,
+                              timeout=PATIENCE).stdout
+
+    def start_system_bus(self):
+        """Without any service. Programs that are started from now on see it."""
+        self.environment["DBUS_SYSTEM_BUS_ADDRESS"] = self._start_telling(
+            "--print-address", ["dbus-daemon", "--session", "--nofork"])
+
     def kill_display(self):
         del self.x
         self.display_server.kill()

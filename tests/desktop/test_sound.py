@@ -1,7 +1,6 @@
 """Sound and the keys for it: what other programs and the keyboard change shows in the wings."""
 
 import re
-import subprocess
 import unittest
 
 from Xlib import X
@@ -17,16 +16,8 @@ VOLUME_UP, VOLUME_DOWN, MUTE = 0x1008FF13, 0x1008FF11, 0x1008FF12
 
 
 class Sound(DesktopTest):
-    def start_daemon(self):
-        daemon = self.desktop.start(["pulseaudio", "-n", "--daemonize=no", "--exit-idle-time=-1",
-                                     "--use-pid-file=no", "-L", "module-null-sink sink_name=speakers", "-L",
-                                     "module-native-protocol-unix auth-anonymous=1"])
-        wait_until(lambda: "speakers" in self.control("get-default-sink"), "the audio daemon")
-        return daemon
-
     def control(self, *arguments):
-        return subprocess.run(["pactl", *arguments], env=self.desktop.environment, capture_output=True, text=True,
-                              timeout=30).stdout
+        return self.desktop.control_audio(*arguments)
 
     def volume(self):
         """In the daemon's units, of which 65536 are full volume."""
@@ -68,7 +59,7 @@ class Sound(DesktopTest):
         self.send(keysym, X.KeyPress, X.KeyRelease)
 
     def test_keys_change_the_volume_and_show_it(self):
-        self.start_daemon()
+        self.desktop.start_audio_daemon()
         self.desktop.start_overlay()
         self.wait_for_bar(32768, 35, 39)
         self.type(VOLUME_UP)
@@ -90,7 +81,7 @@ class Sound(DesktopTest):
         self.desktop.start_overlay()
         self.desktop.wait_for_notch(*HIDDEN)
         for _ in range(2):
-            daemon = self.start_daemon()
+            daemon = self.desktop.start_audio_daemon()
             self.wait_for_bar(65536, 70, 76)
             daemon.terminate()
             daemon.wait(30)
