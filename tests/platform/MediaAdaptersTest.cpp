@@ -285,7 +285,7 @@ TEST(DesktopApplications, BringsAnApplicationForwardOrStartsIt) {
 
   const auto window = desktop.startWindow("Player", QRect(300, 300, 200, 100));
   const xcb_window_t player = desktop.awaitWindow("Player");
-  ASSERT_TRUE(waitUntil([&] { return desktop.isManaged(player); }));
+  ASSERT_TRUE(waitUntil([&] { return desktop.focusedWindow() == player; })) << "as windows that are new are";
   X11Connection& x = desktop.connection();
   xcb_set_input_focus(x, XCB_INPUT_FOCUS_POINTER_ROOT, x.root(), XCB_CURRENT_TIME);
   xcb_flush(x);
