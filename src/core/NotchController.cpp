@@ -98,6 +98,7 @@ void NotchController::listen() {
   // However the body is closed, who had the keyboard before gets it back.
   subscriptions_.push_back(model_.observe([this] {
     if (std::exchange(wasExpanded_, model_.isExpanded) && !model_.isExpanded) panel_->resignKey();
+    model_.trayFiles.setOnShow(model_.presentation() == Presentation::expanded && model_.tab == Tab::tray);
   }));
   subscriptions_.push_back(desktop_.windows.observe([this] { checkFullscreen(); }));
   fullscreenCheck_ = desktop_.scheduler.post([this] { checkFullscreen(); });

@@ -41,6 +41,7 @@ NotchModel::NotchModel(const Desktop& desktop)
       bluetooth(desktop.bluetooth, desktop.scheduler),
       calendar(desktop.calendars, desktop.scheduler),
       tray(desktop.scheduler, desktop.defaults),
+      trayFiles(desktop.scheduler, desktop.fileIcons, desktop.fileManager, desktop.sharing),
       notes(desktop.scheduler, desktop.folders),
       scheduler_(desktop.scheduler) {
   claude.settings = &settings;
@@ -50,6 +51,7 @@ NotchModel::NotchModel(const Desktop& desktop)
   bluetooth.onTransient = [this](const Transient& value, double seconds) { return show(value, seconds); };
   bluetooth.onUpdate = [this](const Transient& value, double seconds) { return update(value, seconds); };
   calendar.onBanner = [this](const Banner& value, double seconds) { present(value, seconds); };
+  trayChanges_ = tray.observe([this] { trayFiles.keep(tray.items); });
 }
 
 Presentation NotchModel::whatToShow() const {

@@ -18,6 +18,7 @@
 #include "services/MediaService.h"
 #include "services/NotesStore.h"
 #include "services/PowerService.h"
+#include "services/TrayFiles.h"
 #include "services/TrayStore.h"
 
 namespace tarnwick {
@@ -62,6 +63,7 @@ class NotchModel : public ObservableObject {
   BluetoothService bluetooth;
   CalendarService calendar;
   TrayStore tray;
+  TrayFiles trayFiles;
   NotesStore notes;
 
   Presentation presentation() const { return presentation_.get(); }
@@ -96,6 +98,7 @@ class NotchModel : public ObservableObject {
   Scheduler& scheduler_;
   Task transientTask_;
   Task bannerTask_;
+  Subscription trayChanges_;
 };
 
 }  // namespace tarnwick

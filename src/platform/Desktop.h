@@ -8,7 +8,10 @@ class BluetoothDevices;
 class Calendars;
 class ChildProcesses;
 class DesktopAppearance;
+class DeviceSharing;
 class DisplayBrightness;
+class FileIcons;
+class FileManager;
 class Folders;
 class HapticPerformer;
 class ImageDecoder;
@@ -44,6 +47,9 @@ struct Desktop {
   BluetoothDevices& bluetooth;
   Calendars& calendars;
   const DesktopAppearance& appearance;
+  FileIcons& fileIcons;
+  FileManager& fileManager;
+  DeviceSharing& sharing;
 };
 
 }  // namespace tarnwick

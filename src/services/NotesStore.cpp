@@ -11,6 +11,8 @@ namespace tarnwick {
 namespace {
 
 constexpr double saveDelay = 0.4;
+/// After a write that failed.
+constexpr double retryDelay = 10;
 
 /// Gives the file a name of its own beside the notes: "notes.unreadable.txt", or with a number when that is
 /// taken. @return whether it is out of the way
@@ -41,24 +43,28 @@ class NotesStore::File {
     return error || isForeign_ ? "" : text;
   }
 
-  void write(uint64_t version, const std::string& text) {
+  /// @return whether there is nothing left to write of that version
+  bool write(uint64_t version, const std::string& text) {
     const std::lock_guard lock(mutex_);
-    if (version <= written_) return;
-    written_ = version;
+    if (version <= written_ || version < tried_) return true;
+    tried_ = version;
     if (isForeign_) {
       // The user sees an empty pad where there was something. Only once new notes are written does the old
       // file make room for them, and it is kept.
-      if (text.empty() || !setAside(path_)) return;
+      if (text.empty()) return true;
+      if (!setAside(path_)) return false;
       isForeign_ = false;
     }
-    writePrivateFile(path_, text);
+    if (writePrivateFile(path_, text)) return false;
+    written_ = version;
+    return true;
   }
 
  private:
   const std::string folder_;
   const std::string path_ = folder_ + "/notes.txt";
   std::mutex mutex_;
-  uint64_t written_ = 0;
+  uint64_t tried_ = 0, written_ = 0;
   /// It holds something that is not ours to replace: it could not be read, or is no text.
   bool isForeign_ = false;
 };
@@ -70,16 +76,21 @@ NotesStore::NotesStore(Scheduler& scheduler, const Folders& folders)
 
 NotesStore::~NotesStore() { flush(); }
 
-void NotesStore::setText(std::string text) {
-  if (saved_) {
-    text_ = std::move(text);
-    return;
-  }
-  // Captured before the assignment: what an observer makes of it has a save of its own.
-  pause_ = scheduler_.after(saveDelay, [this, version = ++version_, text] {
-    (void)scheduler_.background([file = file_, version, text] { file->write(version, text); }, {});
-  });
+void NotesStore::setText(SharedText text) {
+  // Before the assignment: what an observer makes of it has a save of its own.
+  if (!saved_) saveAfter(saveDelay, ++version_, text);
   text_ = std::move(text);
+}
+
+void NotesStore::saveAfter(double seconds, uint64_t version, const SharedText& text) {
+  pause_ = scheduler_.after(seconds, [=, this] {
+    const auto isSaved = std::make_shared<bool>(false);
+    writing_ = scheduler_.background(
+        [=, file = file_] { *isSaved = file->write(version, text); },
+        [=, this] {
+          if (!*isSaved && version == version_) saveAfter(retryDelay, version, text);
+        });
+  });
 }
 
 void NotesStore::flush() {

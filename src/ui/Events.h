@@ -26,8 +26,8 @@ struct PointerEvent {
   int clicks = 1;
 };
 
-/// The keys that views know by name; the others come as text.
-enum class Key { other, tab, enter, space, escape, left, right, up, down, home, end, pageUp, pageDown, menu };
+/// The keys that views know by name; the others come as text. `erase` is either of Delete and Backspace.
+enum class Key { other, tab, enter, space, escape, left, right, up, down, home, end, pageUp, pageDown, menu, erase };
 
 /// A key that went down, or repeats.
 struct KeyEvent {

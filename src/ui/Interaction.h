@@ -98,8 +98,10 @@ struct Interaction {
   /// Nothing in this view or below takes the pointer or the keyboard.
   bool disabled = false;
 
+  /// What keys and assistive technology do with it: what a click does, else what a double click does.
+  const std::function<void()>& action() const { return onTap ? onTap : onDoubleTap; }
   /// Whether the keyboard's focus may be on it: a control that does something.
-  bool takesFocus() const { return role != Role::none && (onTap || menu || (value && value->set)); }
+  bool takesFocus() const { return role != Role::none && (action() || menu || (value && value->set)); }
 };
 
 }  // namespace tarnwick::ui

@@ -3,6 +3,7 @@
 #include <optional>
 #include <string>
 
+#include "base/SharedText.h"
 #include "ui/Dynamic.h"
 
 namespace tarnwick::ui {
@@ -11,8 +12,8 @@ struct TextEditorOptions {
   /// What assistive technology calls it.
   std::string name;
   /// The text to show, in UTF-8, and what to do with it when the user has changed it.
-  std::string text;
-  std::function<void(const std::string& text)> changed = nullptr;
+  SharedText text;
+  std::function<void(const SharedText& text)> changed = nullptr;
   /// Follows the keyboard's focus, and moves it when it is set.
   std::optional<State<bool>> focus = {};
 };

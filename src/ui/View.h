@@ -224,17 +224,19 @@ View GeometryReader(std::function<View(Size)> body);
 /// what its content needs.
 View ScrollView(Axis axis, View content);
 
-/// A long vertical list with rows of one height, of which only those in view are built.
-struct LazyRows {
+/// A long list of items of one length along it, of which only those in view are built. Across it they are as
+/// large as the list.
+struct LazyItems {
   size_t count = 0;
-  double rowHeight = 0;
+  double length = 0;
   double spacing = 0;
-  /// Identity of a row; does not depend on its place.
+  /// Identity of an item; does not depend on its place.
   std::function<std::string(size_t)> key;
-  std::function<View(size_t)> row;
+  std::function<View(size_t)> item;
 };
-/// Belongs directly into a vertical `ScrollView`.
-View LazyVStack(LazyRows rows);
+/// They belong into a `ScrollView` of the same axis.
+View LazyVStack(LazyItems items);
+View LazyHStack(LazyItems items);
 
 /// Draws its content without adding anything: a place for decorators.
 View Group(View content);

@@ -35,10 +35,10 @@ View list(const ClaudeService& claude) {
   return ScrollView(Axis::vertical,
                     LazyVStack({
                         .count = sessions->size(),
-                        .rowHeight = sessionRowHeight,
+                        .length = sessionRowHeight,
                         .spacing = 2,
                         .key = [sessions](size_t row) { return (*sessions)[row].id; },
-                        .row =
+                        .item =
                             [sessions](size_t row) {
                               return sessionRow((*sessions)[row])
                                   .transition(notchContent(0.04 * double(row), UnitPoint::top));

@@ -2,7 +2,9 @@
 
 #include "ui/View.h"
 #include "views/ClaudeView.h"
+#include "views/NotesView.h"
 #include "views/Transitions.h"
+#include "views/TrayView.h"
 
 namespace tarnwick {
 
@@ -10,7 +12,7 @@ using namespace ui;
 
 namespace {
 
-/// The home, audio, tray and notes pages do not exist yet.
+
 View page(NotchModel& model) { return model.tab == Tab::claude ? claudeView(model.claude) : View(); }
 
 }  // namespace

@@ -128,10 +128,10 @@ TEST(Layout, buildsOnlyRowsInView) {
   size_t built = 0;
   const auto rows = [&] {
     return ScrollView(Axis::vertical, LazyVStack({.count = 1000,
-                                                  .rowHeight = 40,
+                                                  .length = 40,
                                                   .spacing = 2,
                                                   .key = [](size_t i) { return "row" + std::to_string(i); },
-                                                  .row =
+                                                  .item =
                                                       [&](size_t i) {
                                                         ++built;
                                                         return Text(std::to_string(i));

@@ -4,6 +4,18 @@
 
 namespace tarnwick {
 
+std::optional<uint64_t> MemoryFileIcons::version(const FilePath& file) {
+  asked.push_back(file);
+  const auto found = versions.find(file);
+  return found == versions.end() ? std::nullopt : std::optional(found->second);
+}
+
+std::optional<Image> MemoryFileIcons::icon(const FilePath& file) {
+  constexpr int side = 4;
+  const auto color = 0xff000000u | uint32_t(versions.at(file));
+  return Image{side, side, std::make_shared<std::vector<uint32_t>>(side * side, color)};
+}
+
 Subscription MemoryNotificationCenter::observe(const std::string& name,
                                                std::function<void(const StringMap&)> receive) {
   auto observer = std::make_shared<std::function<void(const StringMap&)>>(std::move(receive));

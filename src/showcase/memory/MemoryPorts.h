@@ -11,7 +11,10 @@
 #include "platform/Calendars.h"
 #include "platform/Desktop.h"
 #include "platform/DesktopAppearance.h"
+#include "platform/DeviceSharing.h"
 #include "platform/DisplayBrightness.h"
+#include "platform/FileIcons.h"
+#include "platform/FileManager.h"
 #include "platform/Folders.h"
 #include "platform/HapticPerformer.h"
 #include "platform/ImageDecoder.h"
@@ -259,6 +262,39 @@ class MemoryCalendars : public Calendars {
   ObservableObject changes_;
 };
 
+/// Files that somebody makes. Each has a plain square as its icon, whose colour is its version.
+class MemoryFileIcons : public FileIcons {
+ public:
+  std::optional<uint64_t> version(const FilePath& file) override;
+  std::optional<Image> icon(const FilePath& file) override;
+  void refresh() override {}
+
+  /// By path. What is not here is gone.
+  std::map<FilePath, uint64_t> versions;
+  /// Each look, in order.
+  std::vector<FilePath> asked;
+};
+
+class MemoryFileManager : public FileManager {
+ public:
+  void open(const FilePath& file) override { opened.push_back(file); }
+  void reveal(const FilePath& file) override { revealed.push_back(file); }
+
+  std::vector<FilePath> opened, revealed;
+};
+
+class MemoryDeviceSharing : public DeviceSharing {
+ public:
+  std::vector<SharingTarget> targets() override { return devices; }
+  void refresh() override {}
+  void send(const std::vector<FilePath>& files, const std::string& target) override {
+    sent.emplace_back(target, files);
+  }
+
+  std::vector<SharingTarget> devices;
+  std::vector<std::pair<std::string, std::vector<FilePath>>> sent;
+};
+
 /// A whole desktop in memory but for its folders, with a clock that stands still until somebody moves it.
 struct MemoryPorts {
   /// `folders` must outlive the rest.
@@ -284,6 +320,9 @@ struct MemoryPorts {
   MemoryBluetoothDevices bluetooth;
   MemoryCalendars calendars;
   DesktopAppearance appearance;
+  MemoryFileIcons fileIcons;
+  MemoryFileManager fileManager;
+  MemoryDeviceSharing sharing;
 
   Desktop ports{.scheduler = scheduler,
                 .notifications = notifications,
@@ -303,7 +342,10 @@ struct MemoryPorts {
                 .powerSources = powerSources,
                 .bluetooth = bluetooth,
                 .calendars = calendars,
-                .appearance = appearance};
+                .appearance = appearance,
+                .fileIcons = fileIcons,
+                .fileManager = fileManager,
+                .sharing = sharing};
 };
 
 }  // namespace tarnwick

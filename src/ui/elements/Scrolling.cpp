@@ -71,18 +71,18 @@ void ScrollElement::place(Node& node, Size size) const {
   scroll(node, {});
 }
 
-/// Which rows there are as views.
+/// Which items there are as views.
 struct LazyState : ElementState {
   bool known = false;
   size_t first = 0, count = 0;
 };
 
-/// Rows of one height, of which those in view are built.
+/// Items of one length, of which those in view are built.
 class LazyElement : public Element {
  public:
-  explicit LazyElement(LazyRows rows) : rows_(std::move(rows)) {}
-  static constexpr ElementKind itsKind{"LazyVStack"};
-  const ElementKind& kind() const override { return itsKind; }
+  LazyElement(Axis axis, LazyItems items) : axis_(axis), items_(std::move(items)) {}
+  static constexpr ElementKind verticalKind{"LazyVStack"}, horizontalKind{"LazyHStack"};
+  const ElementKind& kind() const override { return vertical() ? verticalKind : horizontalKind; }
   bool equals(const Element&) const override { return false; }
   std::unique_ptr<ElementState> makeState() const override { return std::make_unique<LazyState>(); }
   void build(Node& node, const Views&, Content& content) const override {
@@ -93,11 +93,13 @@ class LazyElement : public Element {
   void place(Node& node, Size size) const override;
 
  private:
-  /// The rows that can be seen in the scroll view around `node`, and some beyond.
+  bool vertical() const { return axis_ == Axis::vertical; }
+  /// The items that can be seen in the scroll view around `node`, and some beyond.
   std::pair<size_t, size_t> rangeInView(const Node& node) const;
   Views views(const Node& node) const;
 
-  LazyRows rows_;
+  Axis axis_;
+  LazyItems items_;
 };
 
 void LazyElement::buildForLayout(Node& node, Content& content) const {
@@ -116,32 +118,36 @@ void LazyElement::buildForLayout(Node& node, Content& content) const {
 }
 
 Measured LazyElement::measure(Node&, Proposal proposal) const {
-  const double count = double(rows_.count);
-  const double height = count == 0 ? 0 : count * rows_.rowHeight + (count - 1) * rows_.spacing;
-  return {{proposal.width.value_or(0), height}};
+  const double count = double(items_.count);
+  const double length = count == 0 ? 0 : count * items_.length + (count - 1) * items_.spacing;
+  if (vertical()) return {{proposal.width.value_or(0), length}};
+  return {{length, proposal.height.value_or(0)}};
 }
 
 void LazyElement::place(Node& node, Size size) const {
   const size_t first = node.state<LazyState>().first;
-  for (const auto& row : node.children) {
-    const double y = double(first + size_t(row->slot)) * (rows_.rowHeight + rows_.spacing);
-    row->place({0, y, size.width, rows_.rowHeight});
+  for (const auto& item : node.children) {
+    const double start = double(first + size_t(item->slot)) * (items_.length + items_.spacing);
+    item->place(vertical() ? Rect{0, start, size.width, items_.length}
+                           : Rect{start, 0, items_.length, size.height});
   }
 }
 
 std::pair<size_t, size_t> LazyElement::rangeInView(const Node& node) const {
-  double top = 0;
+  const auto along = [this](Point point) { return vertical() ? point.y : point.x; };
+  double start = 0;
   const Node* window = node.parent;
   for (const Node* below = &node; window && window->element->kind() != ScrollElement::itsKind;
        below = window, window = window->parent) {
-    top -= below->frame.y;
+    start -= along(below->frame.origin());
   }
-  if (!window || rows_.count == 0) return {0, 0};
-  top += window->element->scrolled(*window).y;
-  const double step = rows_.rowHeight + rows_.spacing;
+  if (!window || items_.count == 0) return {0, 0};
+  start += along(window->element->scrolled(*window));
+  const double length = vertical() ? window->frame.height : window->frame.width;
+  const double step = items_.length + items_.spacing;
   constexpr double beyond = 2;
-  const double first = std::max(0.0, std::floor(top / step) - beyond);
-  const double last = std::min(double(rows_.count), std::ceil((top + window->frame.height) / step) + beyond);
+  const double first = std::max(0.0, std::floor(start / step) - beyond);
+  const double last = std::min(double(items_.count), std::ceil((start + length) / step) + beyond);
   if (last <= first) return {0, 0};
   return {size_t(first), size_t(last - first)};
 }
@@ -149,8 +155,8 @@ std::pair<size_t, size_t> LazyElement::rangeInView(const Node& node) const {
 Views LazyElement::views(const Node& node) const {
   const auto& [known, first, count] = node.state<LazyState>();
   Views views;
-  for (size_t i = first; i < std::min(first + count, rows_.count); ++i) {
-    views.push_back(rows_.row(i).id(rows_.key(i)));
+  for (size_t i = first; i < std::min(first + count, items_.count); ++i) {
+    views.push_back(items_.item(i).id(items_.key(i)));
   }
   return views;
 }
@@ -161,6 +167,12 @@ View ScrollView(Axis axis, View content) {
   return View(std::make_shared<ScrollElement>(axis), {std::move(content)});
 }
 
-View LazyVStack(LazyRows rows) { return View(std::make_shared<LazyElement>(std::move(rows))); }
+View LazyVStack(LazyItems items) {
+  return View(std::make_shared<LazyElement>(Axis::vertical, std::move(items)));
+}
+
+View LazyHStack(LazyItems items) {
+  return View(std::make_shared<LazyElement>(Axis::horizontal, std::move(items)));
+}
 
 }  // namespace tarnwick::ui

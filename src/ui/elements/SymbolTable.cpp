@@ -32,6 +32,7 @@ constexpr Entry table[] = {
     {"checkmark", {0xe5ca}},                         // check
     {"checkmark.circle.fill", {0xe86c}},             // check_circle
     {"chevron.down", {0xe5cf}},                      // expand_more
+    {"doc.fill", {0xe24d}},                          // insert_drive_file
     {"dot.radiowaves.left.and.right", {0xe51e}},     // sensors
     {"forward.fill", {0xe01f}},                      // fast_forward
     {"gearshape.fill", {0xe8b8}},                    // settings

@@ -61,7 +61,7 @@ class TextEditorElement : public Element {
 
  private:
   std::shared_ptr<Editor> editor_;
-  std::string text_;
+  SharedText text_;
 };
 
 bool TextEditorElement::presented(Node& node, bool undisturbed) const {
@@ -70,7 +70,7 @@ bool TextEditorElement::presented(Node& node, bool undisturbed) const {
   if (!editor_->hosted) {
     editor_->hosted = host->makeText();
     HostedText& hosted = *editor_->hosted;
-    hosted.onText = [editor = editor_.get()](const std::string& text) {
+    hosted.onText = [editor = editor_.get()](const SharedText& text) {
       if (editor->options.changed) editor->options.changed(text);
     };
     hosted.onFocus = [editor = editor_.get(), weak = WeakNode(node)](bool focused) {

@@ -6,6 +6,7 @@
 
 #include "base/Color.h"
 #include "base/Geometry.h"
+#include "base/SharedText.h"
 #include "ui/Font.h"
 #include "ui/Menu.h"
 
@@ -17,7 +18,7 @@ class HostedText {
   virtual ~HostedText() = default;
 
   /// In UTF-8. The text that it has already changes nothing.
-  virtual void setText(const std::string& text) = 0;
+  virtual void setText(const SharedText& text) = 0;
   virtual void setLook(const Font& font, Color color) = 0;
   /// Where it is, in points of the scene; to be seen there or, while something is in the way, not.
   virtual void place(const Rect& frame, bool shown) = 0;
@@ -29,7 +30,7 @@ class HostedText {
   virtual std::vector<MenuItem> menu() = 0;
 
   /// The user has changed the text.
-  std::function<void(const std::string& text)> onText;
+  std::function<void(const SharedText& text)> onText;
   /// It has come by the keyboard's focus, or lost it.
   std::function<void(bool focused)> onFocus;
 };

@@ -238,7 +238,7 @@ std::vector<Scene::Control> Scene::controls() const {
     if (!node.visible || (interaction && interaction->disabled)) return;
     if (interaction && interaction->role != Role::none) {
       controls.push_back({node.serial, interaction->role, interaction->accessibilityName,
-                          interaction->checked, node.presentedInScene(), interaction->onTap,
+                          interaction->checked, node.presentedInScene(), interaction->action(),
                           interaction->value, interaction->takesFocus(), &node == input_.focused()});
     }
     for (const auto& child : node.children) collect(*child);

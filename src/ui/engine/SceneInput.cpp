@@ -153,8 +153,8 @@ void SceneInput::setCursor(Cursor cursor) {
 /// What a key does to a control by itself.
 bool SceneInput::operate(Node& control, Key key) {
   const auto interaction = control.attributes.interaction;
-  if ((key == Key::enter || key == Key::space) && interaction->onTap) {
-    interaction->onTap();
+  if ((key == Key::enter || key == Key::space) && interaction->action()) {
+    interaction->action()();
     return true;
   }
   if (!interaction->value || !interaction->value->set) return false;

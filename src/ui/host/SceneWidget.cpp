@@ -44,7 +44,8 @@ Key keyOf(int key) {
       {Qt::Key_Enter, Key::enter},   {Qt::Key_Space, Key::space},       {Qt::Key_Escape, Key::escape},
       {Qt::Key_Left, Key::left},     {Qt::Key_Right, Key::right},       {Qt::Key_Up, Key::up},
       {Qt::Key_Down, Key::down},     {Qt::Key_Home, Key::home},         {Qt::Key_End, Key::end},
-      {Qt::Key_PageUp, Key::pageUp}, {Qt::Key_PageDown, Key::pageDown}, {Qt::Key_Menu, Key::menu}};
+      {Qt::Key_PageUp, Key::pageUp}, {Qt::Key_PageDown, Key::pageDown}, {Qt::Key_Menu, Key::menu},
+      {Qt::Key_Delete, Key::erase},  {Qt::Key_Backspace, Key::erase}};
   const auto found = std::ranges::find(keys, key, &std::pair<Qt::Key, Key>::first);
   return found == std::end(keys) ? Key::other : found->second;
 }

@@ -69,7 +69,8 @@ class TextWidget::Edit : public QPlainTextEdit {
 
 TextWidget::TextWidget(SceneWidget& scene) : scene_(scene), edit_(new Edit(scene, *this)) {
   QObject::connect(edit_, &QPlainTextEdit::textChanged, edit_, [this] {
-    if (onText) onText(edit_->toPlainText().toStdString());
+    text_ = edit_->toPlainText().toStdString();
+    if (onText) onText(text_);
   });
 }
 
@@ -79,11 +80,11 @@ TextWidget::~TextWidget() {
   if (focused) scene_.giveBackKeyboard();
 }
 
-void TextWidget::setText(const std::string& text) {
-  const QString wanted = QString::fromStdString(text);
-  if (edit_->toPlainText() == wanted) return;
+void TextWidget::setText(const SharedText& text) {
+  if (text_ == text) return;
+  text_ = text;
   const QSignalBlocker quiet(edit_);
-  edit_->setPlainText(wanted);
+  edit_->setPlainText(QString::fromStdString(text));
 }
 
 void TextWidget::setLook(const Font& font, Color color) {

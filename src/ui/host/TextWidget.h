@@ -14,7 +14,7 @@ class TextWidget : public HostedText {
   explicit TextWidget(SceneWidget& scene);
   ~TextWidget() override;
 
-  void setText(const std::string& text) override;
+  void setText(const SharedText& text) override;
   void setLook(const Font& font, Color color) override;
   void place(const Rect& frame, bool shown) override;
   QImage picture(double scale) override;
@@ -27,6 +27,8 @@ class TextWidget : public HostedText {
   Edit* const edit_;
   std::optional<Font> font_;
   Color color_;
+  /// What it shows, as last told or heard.
+  SharedText text_;
   /// It has the focus as soon as it is to be seen again, if nothing else of the window has it then.
   bool returnsToFocus_ = false;
 };
