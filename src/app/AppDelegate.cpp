@@ -50,7 +50,10 @@ void AppDelegate::applicationDidFinishLaunching() {
                         .powerSources = powerSources_,
                         .bluetooth = bluetooth_,
                         .calendars = calendars_,
-                        .appearance = appearance_};
+                        .appearance = appearance_,
+                        .fileIcons = fileIcons_,
+                        .fileManager = fileManager_,
+                        .sharing = sharing_};
   controller_ =
       std::make_unique<NotchController>(desktop, [this](NotchModel& model) { return makePanel(model); });
   showcase_.emplace(controller_->model(), scheduler_, folders_);

@@ -6,12 +6,15 @@
 #include "linux/bus/BacklightBrightness.h"
 #include "linux/bus/BluezDevices.h"
 #include "linux/bus/DBusNotificationCenter.h"
+#include "linux/bus/DesktopDeviceSharing.h"
+#include "linux/bus/DesktopFileManager.h"
 #include "linux/bus/MessageBus.h"
 #include "linux/bus/PortalAppearance.h"
 #include "linux/bus/UPowerSources.h"
 #include "linux/calendar/EvolutionCalendars.h"
 #include "linux/display/DisplayServer.h"
 #include "linux/files/DesktopApplications.h"
+#include "linux/files/DesktopFileIcons.h"
 #include "linux/files/JsonUserDefaults.h"
 #include "linux/files/QtImageDecoder.h"
 #include "linux/files/XdgFolders.h"
@@ -62,6 +65,9 @@ class AppDelegate {
   PortalAppearance appearance_{sessionBus_};
   EvolutionCalendars calendars_{scheduler_, sessionBus_, hasCalendars(folders_),
                                 [] { return loadCalendarReader(moduleFolder()); }};
+  DesktopFileIcons fileIcons_{appearance_};
+  DesktopFileManager fileManager_{sessionBus_};
+  DesktopDeviceSharing sharing_{sessionBus_};
   std::unique_ptr<NotchController> controller_;
   std::optional<Showcase> showcase_;
   Task loading_;

@@ -1,5 +1,6 @@
 #pragma once
 #include <optional>
+#include <string>
 
 #include "base/Color.h"
 #include "base/Observed.h"
@@ -14,6 +15,8 @@ class DesktopAppearance : public ObservableObject {
   Observed<std::optional<Color>> accentColor{*this};
   /// Windows should be dark.
   Observed<bool> prefersDark{*this};
+  /// The name of the icon theme; empty: not told.
+  Observed<std::string> iconTheme{*this};
 };
 
 }  // namespace tarnwick

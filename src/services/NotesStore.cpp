@@ -85,11 +85,11 @@ void NotesStore::setText(SharedText text) {
 void NotesStore::saveAfter(double seconds, uint64_t version, const SharedText& text) {
   pause_ = scheduler_.after(seconds, [=, this] {
     const auto isSaved = std::make_shared<bool>(false);
-    writing_ = scheduler_.background(
-        [=, file = file_] { *isSaved = file->write(version, text); },
-        [=, this] {
-          if (!*isSaved && version == version_) saveAfter(retryDelay, version, text);
-        });
+    writing_ = scheduler_.background([=, file = file_] { *isSaved = file->write(version, text); },
+                                     [=, this] {
+                                       if (!*isSaved && version == version_)
+                                         saveAfter(retryDelay, version, text);
+                                     });
   });
 }
 

@@ -24,8 +24,8 @@ struct FileLook {
   friend bool operator==(const FileLook&, const FileLook&) = default;
 };
 
-/// The files of the tray as the desktop knows them: how they look, and what can be done with them. Nothing waits
-/// for a folder that does not answer, and what lies elsewhere is seen all the same.
+/// The files of the tray as the desktop knows them: how they look, and what can be done with them. Nothing
+/// waits for a folder that does not answer, and what lies elsewhere is seen all the same.
 class TrayFiles {
  public:
   /// The arguments must outlive it.

@@ -11,9 +11,21 @@ namespace tarnwick {
 using namespace ui;
 
 namespace {
-
-
-View page(NotchModel& model) { return model.tab == Tab::claude ? claudeView(model.claude) : View(); }
+/// The home and audio pages do not exist yet.
+View page(NotchModel& model) {
+  switch (model.tab.get()) {
+    case Tab::home:
+    case Tab::audio:
+      return {};
+    case Tab::claude:
+      return claudeView(model.claude);
+    case Tab::tray:
+      return trayView(model);
+    case Tab::notes:
+      return notesView(model.notes);
+  }
+  return {};
+}
 
 }  // namespace
 

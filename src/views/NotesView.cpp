@@ -17,8 +17,10 @@ View editor(NotesStore& notes, State<bool> focused) {
   return observing([&notes, focused] {
     View placeholder;
     if (notes.text().empty()) {
-      placeholder =
-          Text(tr("Quick note…", "Note rapide…")).foreground(white(0.3)).allowsHitTesting(false).id("placeholder");
+      placeholder = Text(tr("Quick note…", "Note rapide…"))
+                        .foreground(white(0.3))
+                        .allowsHitTesting(false)
+                        .id("placeholder");
     }
     return ZStack(UnitPoint::topLeading,
                   {TextEditor({.name = tr("Notes", "Notes"),

@@ -27,9 +27,9 @@ View icon(const FileLook& look, bool hovering) {
 }
 
 View removeButton(const std::string& name, std::function<void()> remove) {
-  const View cross = ZStack(UnitPoint::center, {Circle().fill(black(0.75)).padding(1),
-                                                Symbol("xmark.circle.fill").font({14})});
-  return Button({.name = name, .label = cross.contentShape(Circle()), .action = std::move(remove)})
+  // The cross is cut out of the disc: something dark has to be behind it.
+  const View disc = Symbol("xmark.circle.fill").font({14}).background(Circle().fill(black(0.8)).padding(2));
+  return Button({.name = name, .label = disc.contentShape(Circle()), .action = std::move(remove)})
       .transition(Transition::scale(0.00001).combined(Transition::opacity()));
 }
 
@@ -71,9 +71,8 @@ View trayItem(const FilePath& file, TrayStore& tray, TrayFiles& files) {
         .onHover(hovering)
         .onDoubleTap([file, &files] { files.open(file); })
         .onKey(Key::erase, remove)
-        .dragsFiles([file, isGone = look.isGone] {
-          return isGone ? std::vector<FilePath>() : std::vector{file};
-        })
+        .dragsFiles(
+            [file, isGone = look.isGone] { return isGone ? std::vector<FilePath>() : std::vector{file}; })
         .contextMenu([file, &tray, &files] { return menu(file, tray, files, files.look(file).isGone); })
         .accessibility(Role::button,
                        look.isGone ? name + tr(", file not found", ", fichier introuvable") : name)

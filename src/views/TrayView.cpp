@@ -14,27 +14,27 @@ using namespace ui;
 
 namespace {
 
-constexpr Animation listChange = spring(0.35, 0.7), clearing = spring(0.35, 0.8), targeting = spring(0.3, 0.7);
+constexpr Animation listChange = spring(0.35, 0.7), clearing = spring(0.35, 0.8),
+                    targeting = spring(0.3, 0.7);
 /// Of the border, in points.
 constexpr double dash = 6, gap = 5;
 
 View dropZone(bool active, bool targeted) {
   const Shape shape = RoundedRectangle(16);
-  const View line = shape.stroke(white(), {.width = 1.5,
-                                           .inside = true,
-                                           .dash = {dash, gap},
-                                           .dashPhase = active ? 2 * (dash + gap) : 0});
+  const View line = shape.stroke(
+      white(),
+      {.width = 1.5, .inside = true, .dash = {dash, gap}, .dashPhase = active ? 2 * (dash + gap) : 0});
   // It marches as long as files are about, but does not keep lighting up.
   const Animation march = active ? easeInOut(0.6).repeatingForever() : easeOut(0.2);
-  return ZStack(UnitPoint::center, {shape.fill(white(targeted ? 0.08 : 0.02)),
-                                    Group(line.animation(march, active))
-                                        .opacity(active ? 0.56 : 0.14)
-                                        .animation(easeOut(0.2), active)});
+  return ZStack(
+      UnitPoint::center,
+      {shape.fill(white(targeted ? 0.08 : 0.02)),
+       Group(line.animation(march, active)).opacity(active ? 0.56 : 0.14).animation(easeOut(0.2), active)});
 }
 
 View invitation(bool active, bool targeted) {
-  const std::string text = targeted ? tr("Drop to add", "Lâche pour ajouter")
-                                    : tr("Drop files here", "Dépose des fichiers ici");
+  const std::string text =
+      targeted ? tr("Drop to add", "Lâche pour ajouter") : tr("Drop files here", "Dépose des fichiers ici");
   return VStack({.spacing = 8},
                 {
                     Symbol("tray.and.arrow.down.fill")
@@ -72,9 +72,8 @@ View sendButton(const TrayStore& tray, TrayFiles& files) {
   const auto items = [&tray, &files] {
     std::vector<MenuItem> menu;
     for (const SharingTarget& target : files.targets()) {
-      menu.push_back({.title = target.name, .action = [&tray, &files, id = target.id] {
-                        files.send(tray.items, id);
-                      }});
+      menu.push_back(
+          {.title = target.name, .action = [&tray, &files, id = target.id] { files.send(tray.items, id); }});
     }
     return menu;
   };
@@ -95,9 +94,10 @@ View clearButton(TrayStore& tray) {
 }
 
 View files(NotchModel& model) {
-  return HStack({}, {shelf(model.tray, model.trayFiles),
-                     VStack({.spacing = 4}, {sendButton(model.tray, model.trayFiles), clearButton(model.tray)})
-                         .padding(Edge::trailing, 8)})
+  return HStack({},
+                {shelf(model.tray, model.trayFiles),
+                 VStack({.spacing = 4}, {sendButton(model.tray, model.trayFiles), clearButton(model.tray)})
+                     .padding(Edge::trailing, 8)})
       .frame({.maxWidth = infinity, .maxHeight = infinity});
 }
 

@@ -78,6 +78,57 @@ std::vector<Exhibit> compact() {
           indicator(Transient::device("Souris sans fil", "magicmouse", {}, false))};
 }
 
+/// A name that ends in a mark is that of a file that has gone.
+Exhibit tray(std::vector<std::string> names, int drag = 0, std::string hovered = {}) {
+  return [=](NotchStage& s) {
+    std::vector<FilePath> files;
+    for (std::string name : names) {
+      const bool gone = name.ends_with('!');
+      if (gone) name.pop_back();
+      files.push_back("/files/" + name);
+      if (!gone) s.desktop.fileIcons.versions[files.back()] = 0x7fa6d9 + 0x200040 * files.size();
+    }
+    s.model.tray.add(files);
+    if (drag == 0) s.model.expand(Tab::tray);
+    s.model.tab = Tab::tray;
+    s.model.setDraggingFiles(drag > 0);
+    s.settle();
+    s.model.isDropTargeted = drag > 1;
+    s.settle();
+    if (!hovered.empty()) s.inspect.hover(*s.inspect.text(hovered));
+  };
+}
+
+Exhibit notes(std::string text, bool focused) {
+  return [=](NotchStage& s) {
+    s.model.notes.setText(text);
+    s.model.expand(Tab::notes);
+    s.settle();
+    if (focused) s.inspect.tap(s.inspect.kind("TextEditor").at(0));
+  };
+}
+
+std::vector<Exhibit> pages() {
+  const std::vector<std::string> few{"Report.pdf", "gone.txt!", "photo.jpg"};
+  std::vector<std::string> many{"A rather long name that goes on and on until the end.tar.gz",
+                                "Überblick.odt"};
+  for (int i = 1; i < 9; ++i) many.push_back("file " + std::to_string(i) + ".png");
+  return {tray({}),
+          tray({}, 1),
+          tray({}, 2),
+          tray(few),
+          tray(few, 1),
+          tray(few, 2),
+          tray(few, 0, "Report.pdf"),
+          tray(many),
+          notes("", false),
+          notes("", true),
+          notes(tr("Call the plumber\nGas meter 4711\n\nMilk, bread, the good coffee",
+                   "Rappeler le plombier\nCompteur à gaz 4711\n\nDu lait, du pain, un café à l’œuf"),
+                false),
+          notes("שלום עולם\n" + std::string(300, 'w') + " and so on", true)};
+}
+
 std::vector<Exhibit> opened() {
   const auto charged = [](NotchStage& s) {
     fillSessions(s);
@@ -91,8 +142,7 @@ std::vector<Exhibit> opened() {
           open(Tab::claude, [](NotchStage&) {}),
           open(Tab::claude, fillSessions),
           open(Tab::claude, charged, 200),
-          open(Tab::home, playMusic),
-          open(Tab::notes, work)};
+          open(Tab::home, playMusic)};
 }
 
 /// The exhibits in two columns, on something like a wallpaper.
@@ -132,6 +182,7 @@ int main(int argc, char** argv) {
       const QString name = QString("%1/%3-%4-%2.png").arg(argv[1]).arg(ratio).arg("%1", language);
       hang(compact(), {480, 44}, ratio, name.arg("compact"));
       hang(opened(), {600, 200}, ratio, name.arg("opened"));
+      hang(pages(), {600, 200}, ratio, name.arg("tray-notes"));
     }
   }
 }

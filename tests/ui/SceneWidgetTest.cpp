@@ -200,7 +200,7 @@ TEST(SceneWidget, scrollsWithTheFingersOrByTheClicksOfAWheel) {
 TEST(SceneWidget, hostsTheToolkitsEditorInPlaceAtRestAndAsAPictureOnItsWay) {
   VirtualScheduler scheduler;
   struct : ObservableObject {
-    Observed<std::string> text{*this, "written"};
+    Observed<SharedText> text{*this, "written"};
     Observed<double> opacity{*this, 1};
     Observed<bool> shown{*this, true};
   } state;
@@ -253,7 +253,7 @@ TEST(SceneWidget, hostsTheToolkitsEditorInPlaceAtRestAndAsAPictureOnItsWay) {
   EXPECT_EQ(std::exchange(keyboard, ""), "take ");
   EXPECT_TRUE(focus.get());
   press(Qt::Key_A, "a");
-  EXPECT_EQ(state.text.get(), "awritten");
+  EXPECT_EQ(state.text->get(), "awritten");
   state.text = "rewritten";
   frame();
   EXPECT_EQ(edit->toPlainText(), "rewritten");

@@ -15,6 +15,10 @@ constexpr auto appearance = "org.freedesktop.appearance";
 constexpr auto accentColorKey = "accent-color";
 constexpr auto colorSchemeKey = "color-scheme";
 constexpr uint dark = 1;
+/// Where desktops keep the name of their icon theme.
+constexpr struct {
+  const char *group, *key;
+} iconThemes[] = {{"org.kde.kdeglobals.Icons", "Theme"}, {"org.gnome.desktop.interface", "icon-theme"}};
 
 /// Red, green and blue; a value outside of 0…1 says that there is no accent colour.
 std::optional<Color> color(const QVariant& value) {
@@ -45,12 +49,19 @@ PortalAppearance::PortalAppearance(MessageBus& sessionBus) : portal_(sessionBus,
 }
 
 void PortalAppearance::fetch() {
-  portal_.call(path, settings, "ReadAll", {QStringList{appearance}}, [this](const QDBusMessage& reply) {
-    if (reply.signature() != "a{sa{sv}}") return;
-    const auto all = qdbus_cast<QMap<QString, QVariantMap>>(reply.arguments().value(0));
-    const QVariantMap values = all[appearance];
-    for (const char* key : {accentColorKey, colorSchemeKey}) adopt(key, values[key]);
-  });
+  portal_.call(path, settings, "ReadAll", {QStringList{appearance, iconThemes[0].group, iconThemes[1].group}},
+               [this](const QDBusMessage& reply) {
+                 if (reply.signature() != "a{sa{sv}}") return;
+                 const auto all = qdbus_cast<QMap<QString, QVariantMap>>(reply.arguments().value(0));
+                 const QVariantMap values = all[appearance];
+                 for (const char* key : {accentColorKey, colorSchemeKey}) adopt(key, values[key]);
+                 for (const auto& [group, key] : iconThemes) {
+                   const QString name = all[group][key].toString();
+                   if (name.isEmpty()) continue;
+                   iconTheme = name.toStdString();
+                   break;
+                 }
+               });
 }
 
 void PortalAppearance::adopt(const QString& key, const QVariant& value) {

@@ -36,6 +36,12 @@ std::optional<FilePath> fileOfUri(std::string_view uri) {
   return path;
 }
 
+std::string uriOfFile(const FilePath& file) {
+  // What RFC 3986 lets stand in a path, but for the semicolon.
+  constexpr const char* plain = "!$&'()*+,-./:=@_~";
+  return "file://" + QByteArray::fromStdString(file).toPercentEncoding(plain).toStdString();
+}
+
 std::vector<FilePath> filesOfUriList(std::string_view text) {
   std::vector<FilePath> files;
   while (!text.empty()) {

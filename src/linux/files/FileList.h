@@ -11,6 +11,9 @@ namespace tarnwick {
 /// machine. Its bytes stay what they are, whatever their encoding.
 std::optional<FilePath> fileOfUri(std::string_view uri);
 
+/// The address of a file, escaped as GLib does: thumbnails are known by it.
+std::string uriOfFile(const FilePath& file);
+
 /// The files of this machine in a text of the type text/uri-list, in its order. All else is left
 /// out.
 std::vector<FilePath> filesOfUriList(std::string_view text);

@@ -8,8 +8,6 @@
 namespace tarnwick {
 namespace {
 
-/// Twice as large as the notch shows a cover at pixel ratio 2, for whoever magnifies it.
-constexpr int largestSide = 400;
 constexpr qint64 largestFile = 8 << 20;
 /// A progressive JPEG has about ten scans. Each takes as long as the whole picture, in however few bytes.
 constexpr qsizetype mostScans = 100;
@@ -27,7 +25,9 @@ QByteArray formatOf(std::string_view bytes) {
 
 bool hasTooManyScans(const QByteArray& bytes) { return bytes.count("\xff\xda") > mostScans; }
 
-std::optional<Image> readFrom(const QByteArray& bytes, const QByteArray& format, qint64 mostPixels) {
+}  // namespace
+
+std::optional<Image> QtImageDecoder::read(const QByteArray& bytes, const QByteArray& format) const {
   if (format.isEmpty() || (format == "jpeg" && hasTooManyScans(bytes))) return std::nullopt;
   QBuffer device;
   device.setData(bytes);
@@ -36,10 +36,10 @@ std::optional<Image> readFrom(const QByteArray& bytes, const QByteArray& format,
   reader.setAutoTransform(true);
   const QSize size = reader.size();
   const bool isDrawing = format == "svg";
-  if (size.isEmpty() || (!isDrawing && qint64{size.width()} * size.height() > mostPixels))
+  if (size.isEmpty() || (!isDrawing && qint64{size.width()} * size.height() > mostPixels_))
     return std::nullopt;
-  if (size.width() > largestSide || size.height() > largestSide || isDrawing) {
-    const QSize target = size.scaled(largestSide, largestSide, Qt::KeepAspectRatio).expandedTo(QSize(1, 1));
+  if (size.width() > longestSide_ || size.height() > longestSide_ || isDrawing) {
+    const QSize target = size.scaled(longestSide_, longestSide_, Qt::KeepAspectRatio).expandedTo(QSize(1, 1));
     reader.setScaledSize(target);
   }
   QImage picture = reader.read();
@@ -54,11 +54,8 @@ std::optional<Image> readFrom(const QByteArray& bytes, const QByteArray& format,
   return Image{picture.width(), picture.height(), std::move(pixels)};
 }
 
-}  // namespace
-
 std::optional<Image> QtImageDecoder::decode(std::string_view bytes) const {
-  return readFrom(QByteArray::fromRawData(bytes.data(), static_cast<qsizetype>(bytes.size())),
-                  formatOf(bytes), mostPixels_);
+  return read(QByteArray::fromRawData(bytes.data(), static_cast<qsizetype>(bytes.size())), formatOf(bytes));
 }
 
 std::optional<Image> QtImageDecoder::decodeFile(const std::string& path) const {
@@ -67,7 +64,7 @@ std::optional<Image> QtImageDecoder::decodeFile(const std::string& path) const {
   if (!std::filesystem::is_regular_file(path, error) || !file.open(QIODevice::ReadOnly)) return std::nullopt;
   const QByteArray bytes = file.read(largestFile);
   const std::string_view view(bytes.constData(), static_cast<size_t>(bytes.size()));
-  return readFrom(bytes, path.ends_with(".svg") ? "svg" : formatOf(view), mostPixels_);
+  return read(bytes, path.ends_with(".svg") ? "svg" : formatOf(view));
 }
 
 }  // namespace tarnwick

@@ -30,6 +30,9 @@ void drawText(QPainter& painter, const std::string& text, const QFont& font, Col
   double y = 0;
   for (const QString& paragraph : QString::fromStdString(text).split('\n')) {
     QTextLayout layout(paragraph, font);
+    QTextOption option(paragraph.isRightToLeft() ? Qt::AlignRight : Qt::AlignLeft);
+    option.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
+    layout.setTextOption(option);
     layout.beginLayout();
     for (QTextLine line = layout.createLine(); line.isValid() && y < size.height;
          line = layout.createLine()) {
@@ -112,7 +115,10 @@ View TextEditor(TextEditorOptions options) {
                         editor->options = options;
                         if (options.focus) editor->wantsFocus = *options.focus;
                         const auto focus = [editor](bool focused) {
-                          if (editor->hosted) editor->hosted->setFocused(focused);
+                          if (editor->hosted)
+                            editor->hosted->setFocused(focused);
+                          else if (editor->options.focus)
+                            editor->options.focus->set(focused);
                         };
                         return View(std::make_shared<TextEditorElement>(editor))
                             .onTap([focus] { focus(true); })

@@ -205,10 +205,11 @@ Node* SceneInput::updateHover() {
     if (std::ranges::find(before, node, &WeakNode::get) == before.end())
       calls.emplace_back(node->attributes.interaction, true);
   }
-  // In a menu the focus goes with the pointer.
+  // In a menu the focus goes with the pointer; when the menu has gone it is elsewhere already.
   const auto isItem = [](const Interaction& i) { return i.role == Role::menuItem; };
   Node* const item = first(inside, isItem);
-  if (item != first(before, isItem))
+  const Node* const focused = focus_.node();
+  if (item != first(before, isItem) && (item || (focused && isItem(*focused->attributes.interaction))))
     focus_.moveTo(item && item->attributes.interaction->takesFocus() ? item : nullptr, false);
   for (const auto& [interaction, hovering] : calls) {
     if (interaction && interaction->onHover) interaction->onHover(hovering);

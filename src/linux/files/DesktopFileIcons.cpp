@@ -1,0 +1,94 @@
+#include "linux/files/DesktopFileIcons.h"
+
+#include <sys/stat.h>
+
+#include <QMimeDatabase>
+#include <algorithm>
+#include <cerrno>
+#include <filesystem>
+#include <functional>
+
+#include "linux/files/Thumbnail.h"
+#include "linux/files/XdgFolders.h"
+
+namespace tarnwick {
+namespace {
+
+constexpr int wantedPixels = 92;
+
+std::vector<std::string> iconNames(const FilePath& file, bool isFolder) {
+  if (isFolder) return {"folder", "inode-directory"};
+  const QMimeDatabase database;
+  const QMimeType type = database.mimeTypeForFile(QString::fromStdString(file));
+  std::vector<std::string> names{type.iconName().toStdString()};
+  // What a kind is a special case of has an icon of its own more often.
+  for (const QString& ancestor : type.allAncestors()) {
+    names.push_back(database.mimeTypeForName(ancestor).iconName().toStdString());
+    if (ancestor == "text/plain" || ancestor == "application/octet-stream") break;
+  }
+  names.insert(std::min(names.begin() + 1, names.end()), type.genericIconName().toStdString());
+  names.insert(names.end(), {"text-x-generic", "unknown"});
+  return names;
+}
+
+}  // namespace
+
+void DesktopFileIcons::refresh() {
+  const std::string told = appearance_.iconTheme;
+  const std::string name = told.empty() ? iconThemeOfFiles() : told;
+  const std::lock_guard lock(mutex_);
+  if (name == themeName_) return;
+  themeName_ = name;
+  theme_.reset();
+  loaded_.clear();
+}
+
+std::optional<uint64_t> DesktopFileIcons::version(const FilePath& file) {
+  struct stat status;
+  if (::stat(file.c_str(), &status) != 0) {
+    // What may not be looked at, or does not answer, is there all the same.
+    if (errno == ENOENT || errno == ENOTDIR) return std::nullopt;
+    status = {};
+  }
+  std::string theme;
+  {
+    const std::lock_guard lock(mutex_);
+    theme = themeName_;
+  }
+  const auto thumbnail = thumbnailOf(file, status.st_mtim.tv_sec);
+  return std::hash<std::string>()(theme + '\n' + thumbnail.value_or("") + '\n' +
+                                  std::to_string(status.st_mtim.tv_sec) + '\n' +
+                                  std::to_string(status.st_ino));
+}
+
+std::optional<Image> DesktopFileIcons::icon(const FilePath& file) {
+  struct stat status;
+  if (::stat(file.c_str(), &status) == 0) {
+    if (const auto thumbnail = thumbnailOf(file, status.st_mtim.tv_sec)) {
+      if (auto picture = images_.decodeFile(*thumbnail)) return picture;
+    }
+  }
+  return iconOfKind(file);
+}
+
+std::optional<Image> DesktopFileIcons::iconOfKind(const FilePath& file) {
+  std::error_code error;
+  const auto names = iconNames(file, std::filesystem::is_directory(file, error));
+  std::shared_ptr<const IconTheme> theme;
+  {
+    const std::lock_guard lock(mutex_);
+    if (!theme_) theme_ = std::make_shared<IconTheme>(themeName_, iconFolders());
+    theme = theme_;
+  }
+  const auto path = theme->find(names, wantedPixels);
+  if (!path) return std::nullopt;
+  {
+    const std::lock_guard lock(mutex_);
+    if (const auto found = loaded_.find(*path); found != loaded_.end()) return found->second;
+  }
+  auto picture = images_.decodeFile(*path);
+  const std::lock_guard lock(mutex_);
+  return loaded_.emplace(*path, std::move(picture)).first->second;
+}
+
+}  // namespace tarnwick
