@@ -59,7 +59,7 @@ class AppDelegate {
   StandardErrorLog log_;
   PulseAudioDevices audioDevices_{scheduler_, [] { return loadPulseModule(moduleFolder()); }};
   MessageBus systemBus_{scheduler_, systemBusAddress};
-  BacklightBrightness brightness_{systemBus_};
+  BacklightBrightness brightness_{scheduler_, systemBus_};
   UPowerSources powerSources_{systemBus_};
   BluezDevices bluetooth_{systemBus_};
   PortalAppearance appearance_{sessionBus_};

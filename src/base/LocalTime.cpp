@@ -40,4 +40,14 @@ std::string shortTime(Date date) {
   return text;
 }
 
+int dayOfMonth(Date date) { return localTime(date).tm_mday; }
+
+std::string weekdayName(Date date) {
+  static constexpr const char* names[][2] = {
+      {"Sunday", "Dimanche"}, {"Monday", "Lundi"},    {"Tuesday", "Mardi"},  {"Wednesday", "Mercredi"},
+      {"Thursday", "Jeudi"},  {"Friday", "Vendredi"}, {"Saturday", "Samedi"}};
+  const auto& [english, french] = names[localTime(date).tm_wday];
+  return tr(english, french);
+}
+
 }  // namespace tarnwick

@@ -11,4 +11,9 @@ Date startOfDay(Date date, int daysLater = 0);
 /// The time of day in the local time zone, in the short style of the active language: "3:00 PM" or "15:00".
 std::string shortTime(Date date);
 
+/// In the local time zone: 1…31.
+int dayOfMonth(Date date);
+/// The day of the week in the active language, in full and capitalised.
+std::string weekdayName(Date date);
+
 }  // namespace tarnwick

@@ -1,6 +1,7 @@
 #include "core/HUDService.h"
 
 #include <algorithm>
+#include <cmath>
 
 #include "platform/Desktop.h"
 #include "platform/Screens.h"
@@ -104,7 +105,9 @@ bool HUDService::changeBrightness(double change, bool down) {
   const std::optional<double> current = brightness_.current();
   if (!current) return false;
   if (down) {
-    const double next = std::clamp(*current + change, 0.0, 1.0);
+    // However coarse the display, a key does something.
+    const double size = std::max(std::abs(change), brightness_.unit());
+    const double next = std::clamp(*current + std::copysign(size, change), 0.0, 1.0);
     brightness_.set(next);
     model_.show(Transient::hud(HUDKind::brightness, next), indicatorSeconds);
   }

@@ -136,7 +136,9 @@ void NotchController::handleShowcase(const StringMap& payload) {
 
 bool NotchController::handleScroll(const ScrollEvent& event) {
   if (model_.isExpanded && model_.tab != Tab::home) return false;
-  if (!event.precise || event.momentum) return true;
+  // A wheel makes no gestures: it turns the content.
+  if (!event.precise) return !model_.isExpanded;
+  if (event.momentum) return true;
   if (event.phase == ScrollEvent::Phase::began || event.phase == ScrollEvent::Phase::mayBegin) {
     swipe_ = {};
     swipeHandled_ = false;

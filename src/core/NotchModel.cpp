@@ -32,6 +32,7 @@ bool updatesInPlace(const std::optional<Transient>& shown, const Transient& next
 
 NotchModel::NotchModel(const Desktop& desktop)
     : appearance(desktop.appearance),
+      brightness(desktop.brightness),
       settings(desktop.defaults),
       claude(desktop.scheduler, desktop.sounds),
       media({desktop.scheduler, desktop.folders, desktop.processes, desktop.applications, desktop.images,

@@ -25,6 +25,7 @@ namespace tarnwick {
 
 struct Desktop;
 class DesktopAppearance;
+class DisplayBrightness;
 
 /// The state of the notch: what it shows, how large its surface is, and the services that it shows. The
 /// controller writes what the pointer does, the services report into it, the views draw it.
@@ -55,6 +56,7 @@ class NotchModel : public ObservableObject {
   bool showcase = false;
 
   const DesktopAppearance& appearance;
+  DisplayBrightness& brightness;
   AppSettings settings;
   ClaudeService claude;
   MediaService media;

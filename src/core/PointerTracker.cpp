@@ -71,19 +71,21 @@ PointerTracker::NotchState PointerTracker::notchState() const {
 void PointerTracker::trackMouse() {
   const NotchState notch = notchState();
   if (notch.showcase) {
-    inside_ = false;
+    inside_ = holding_ = false;
     setPointerArea(std::nullopt);
     sleep();
     return;
   }
   const PointerState pointer = pointerState();
   const bool moved = pointer.position != pointerSeen_.position;
-  pointerSeen_ = pointer;
 
   const double now = scheduler_.uptime();
   const Rect surface = surfaceRect(panel_.size(), notch.size);
-  inside_ = contains(hoverArea(surface), pointer.position) ||
-            (notch.floating && contains(floatingArea(*notch.floating), pointer.position));
+  const bool overSurface = contains(hoverArea(surface), pointer.position) ||
+                           (notch.floating && contains(floatingArea(*notch.floating), pointer.position));
+  holding_ = holdsGesture(pointer, overSurface);
+  inside_ = overSurface || holding_;
+  pointerSeen_ = pointer;
   const bool draggingFiles = followFileDrag(pointer, surface, now);
   if (inside_) {
     pointerIsInside(pointer, now);
@@ -102,6 +104,14 @@ void PointerTracker::trackMouse() {
   } else {
     sleep();
   }
+}
+
+bool PointerTracker::holdsGesture(const PointerState& pointer, bool overSurface) const {
+  // What leaves the window as a drag between programs is none of the body's gestures any more.
+  if (!model_.isExpanded || !pointer.buttonDown || pointer.dragChangeCount != dragChangeCount_) return false;
+  // A quick hand presses and leaves within the same tick.
+  const bool begins = !pointerSeen_.buttonDown && (overSurface || inside_);
+  return holding_ || begins;
 }
 
 /// @return whether a drag of files is in progress, wherever it is

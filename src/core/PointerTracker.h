@@ -52,6 +52,7 @@ class PointerTracker {
   void pointerIsInside(const PointerState& pointer, double now);
   void pointerIsOutside(double now);
   void setPointerArea(const std::optional<Rect>& area);
+  bool holdsGesture(const PointerState& pointer, bool overSurface) const;
 
   bool timeCouldChangeSomething() const;
   void tickAt(double index);
@@ -76,6 +77,9 @@ class PointerTracker {
 
   bool asleep_ = false;
   bool inside_ = false;
+  /// A button is held that went down in the open body, and drags something there: until it is released, that
+  /// counts as inside wherever the pointer is.
+  bool holding_ = false;
   /// As the last tick found them.
   PointerState pointerSeen_;
   NotchState notchSeen_;

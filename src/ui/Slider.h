@@ -24,6 +24,8 @@ struct SliderOptions {
   std::function<void(double)> changed;
   /// Called with the last one, when the pointer lets go: for what takes effect only then.
   std::function<void(double)> ended;
+  /// Called when it never does: the value of before holds.
+  std::function<void()> cancelled;
 };
 /// A value that is set by the pointer, a click included, by keys and by assistive technology. While it is
 /// dragged it shows where to, whatever becomes of `value` meanwhile.

@@ -1,7 +1,9 @@
 #include "views/ExpandedBody.h"
 
 #include "ui/View.h"
+#include "views/AudioView.h"
 #include "views/ClaudeView.h"
+#include "views/HomeView.h"
 #include "views/NotesView.h"
 #include "views/Transitions.h"
 #include "views/TrayView.h"
@@ -11,12 +13,12 @@ namespace tarnwick {
 using namespace ui;
 
 namespace {
-/// The home and audio pages do not exist yet.
-View page(NotchModel& model) {
-  switch (model.tab.get()) {
+View page(NotchModel& model, Namespace names) {
+  switch (model.tab) {
     case Tab::home:
+      return homeView(model, names);
     case Tab::audio:
-      return {};
+      return audioView(model);
     case Tab::claude:
       return claudeView(model.claude);
     case Tab::tray:
@@ -29,8 +31,8 @@ View page(NotchModel& model) {
 
 }  // namespace
 
-View expandedBody(NotchModel& model) {
-  const View shown = ZStack(UnitPoint::top, {page(model)})
+View expandedBody(NotchModel& model, Namespace names) {
+  const View shown = ZStack(UnitPoint::top, {page(model, names)})
                          .frame({.maxWidth = infinity, .maxHeight = infinity, .align = UnitPoint::top})
                          .id(std::string(rawValue(model.tab)))
                          .transition(tabSlide(model.tabDirection));

@@ -48,9 +48,9 @@ View banner(const NotchModel& model) {
       .transition(notchContent(0.06, UnitPoint::top));
 }
 
-View body(NotchModel& model) {
+View body(NotchModel& model, Namespace names) {
   if (model.presentation() != Presentation::expanded) return {};
-  return expandedBody(model)
+  return expandedBody(model, names)
       .padding(Edge::top, model.notchSize->height)
       .id("expanded")
       .transition(notchContent(0.07, UnitPoint::top));
@@ -64,7 +64,7 @@ View surface(NotchModel& model, Namespace names, const std::function<void()>& op
   const bool expanded = presentation == Presentation::expanded;
   const bool casts = roomForShadow && (expanded || presentation == Presentation::banner);
   const bool hidden = presentation == Presentation::idle && !model.hasNotch && !model.isHovering;
-  return ZStack(UnitPoint::top, {topStrip(model, names, openSettings), banner(model), body(model)})
+  return ZStack(UnitPoint::top, {topStrip(model, names, openSettings), banner(model), body(model, names)})
       .padding(Edge::horizontal, notchFlare)
       .foreground(white())
       .frame({.width = size.width, .height = size.height, .align = UnitPoint::top})

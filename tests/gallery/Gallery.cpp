@@ -35,6 +35,66 @@ void playMusic(NotchStage& s) {
   s.model.media.accent = Color{0.95, 0.4, 0.5};
 }
 
+/// A track with a cover, and some appointments.
+void playTrack(NotchStage& s) {
+  s.model.media.showcaseTrack(0);
+  s.model.calendar.showcaseFill();
+}
+
+void pauseTrack(NotchStage& s) {
+  playTrack(s);
+  s.model.media.showcasePlaying(false);
+}
+
+/// Everything is longer than there is room for.
+void longNames(NotchStage& s) {
+  s.model.media.showcaseTrack(1);
+  s.model.media.title = "Symphony No. 9 in D minor, Op. 125 \"Choral\": IV. Presto – Allegro assai";
+  s.model.media.artist = "Wiener Philharmoniker, Wiener Singverein & Herbert von Karajan";
+  s.model.media.duration = 4503;
+  s.model.calendar.frozen = s.model.calendar.authorized = true;
+  std::vector<CalendarItem> events;
+  const Date now = s.scheduler.now();
+  const Color tints[] = {colors::green, colors::purple, colors::red, colors::teal};
+  for (int i = 0; i < 4; ++i) {
+    events.push_back({.id = std::to_string(i),
+                      .title = "Quarterly planning with everybody " + std::to_string(i),
+                      .start = now + 43000 * i,
+                      .end = now + 43000 * i + 3600,
+                      .allDay = i == 3,
+                      .color = tints[i]});
+  }
+  s.model.calendar.events = events;
+}
+
+void withoutCalendar(NotchStage& s) {
+  s.model.settings.calendarEnabled = false;
+  playTrack(s);
+}
+
+void plugDevices(NotchStage& s) {
+  s.model.audio.outputs = std::vector<AudioDevice>{
+      {1, "Headphones", AudioTransport::bluetooth, true, false},
+      {2, tr("Built-in Audio Analog Stereo", "Audio interne Stéréo analogique"), AudioTransport::builtIn,
+       true, false},
+      {3, "Dell U2723QE HDMI / DisplayPort 3 Output with a long name", AudioTransport::display, true, false},
+      {4, "Scarlett 2i2", AudioTransport::usb, true, true}};
+  s.model.audio.inputs = std::vector<AudioDevice>{
+      {5, tr("Built-in Microphone", "Microphone interne"), AudioTransport::builtIn, false, true},
+      {4, "Scarlett 2i2", AudioTransport::usb, true, true}};
+  s.model.audio.outputID = 1;
+  s.model.audio.inputID = 5;
+  s.model.audio.volume = 0.58;
+  s.model.audio.inputVolume = 1;
+}
+
+void muteDevices(NotchStage& s) {
+  plugDevices(s);
+  s.model.audio.outputID = 3;
+  s.model.audio.muted = s.model.audio.inputMuted = true;
+  s.desktop.brightness.value = std::nullopt;
+}
+
 /// A finished session, one at rest, one with long texts and one that waits.
 void fillSessions(NotchStage& s) {
   s.hook("d", "UserPromptSubmit", {{"cwd", "/x/tarnwick"}});
@@ -58,6 +118,30 @@ Exhibit open(Tab tab, Exhibit prepare, double scrolled = 0) {
     s.settle();
     if (const auto row = s.inspect.text("website")) s.inspect.scroll(*row, {0, -scrolled});
   };
+}
+
+/// With the pointer over the control, or its menu open.
+Exhibit over(const char* control, Exhibit prepare, bool pressed = false) {
+  return [=](NotchStage& s) {
+    prepare(s);
+    const auto found = s.inspect.control(control);
+    s.inspect.hover(*found);
+    if (pressed) s.inspect.tap(*found);
+  };
+}
+
+std::vector<Exhibit> homeAndAudio() {
+  const auto nothing = [](NotchStage&) {};
+  return {open(Tab::home, playTrack),
+          open(Tab::home, pauseTrack),
+          open(Tab::home, nothing),
+          open(Tab::home, longNames),
+          open(Tab::home, withoutCalendar),
+          over("Position", open(Tab::home, playTrack)),
+          open(Tab::audio, plugDevices),
+          open(Tab::audio, muteDevices),
+          over("Volume", open(Tab::audio, plugDevices)),
+          open(Tab::audio, nothing)};
 }
 
 std::vector<Exhibit> compact() {
@@ -141,8 +225,7 @@ std::vector<Exhibit> opened() {
           banner("calendar", colors::blue, std::string(100, 'W'), std::string(100, 'w')),
           open(Tab::claude, [](NotchStage&) {}),
           open(Tab::claude, fillSessions),
-          open(Tab::claude, charged, 200),
-          open(Tab::home, playMusic)};
+          open(Tab::claude, charged, 200)};
 }
 
 /// The exhibits in two columns, on something like a wallpaper.
@@ -183,6 +266,7 @@ int main(int argc, char** argv) {
       hang(compact(), {480, 44}, ratio, name.arg("compact"));
       hang(opened(), {600, 200}, ratio, name.arg("opened"));
       hang(pages(), {600, 200}, ratio, name.arg("tray-notes"));
+      hang(homeAndAudio(), {600, 200}, ratio, name.arg("home-audio"));
     }
   }
 }

@@ -86,7 +86,7 @@ class BacklightTest : public testing::Test {
   TemporaryFolder sysfs;
   std::unique_ptr<Child> daemon;
   MessageBus systemBus{TestDesktop::shared().scheduler, systemBusAddress};
-  BacklightBrightness brightness{systemBus, sysfs.path() + "/backlight"};
+  BacklightBrightness brightness{TestDesktop::shared().scheduler, systemBus, sysfs.path() + "/backlight"};
 };
 
 /// What the panel that it finds can be seen to be at, once the login daemon has let it be written to.
@@ -117,7 +117,7 @@ TEST_F(BacklightTest, FindsTheBuiltInPanel) {
   for (const auto& c : better) {
     panel(c.name, c.type, 100, value, c.connector, c.enabled);
     panel("zz_monitor", "raw", 100, 99, "card0-DP-2");
-    BacklightBrightness fresh(systemBus, sysfs.path() + "/backlight");
+    BacklightBrightness fresh(TestDesktop::shared().scheduler, systemBus, sysfs.path() + "/backlight");
     EXPECT_EQ(settled(fresh), static_cast<double>(value) / 100) << c.name;
     unplug("zz_monitor");
     value += 10;
@@ -143,7 +143,7 @@ TEST_F(BacklightTest, SetsThePanelThroughTheLoginDaemon) {
   for (const auto& c : cases) {
     unplug("panel");
     panel("panel", "firmware", c.maximum, c.before);
-    BacklightBrightness own(systemBus, sysfs.path() + "/backlight");
+    BacklightBrightness own(TestDesktop::shared().scheduler, systemBus, sysfs.path() + "/backlight");
     ASSERT_TRUE(settled(own));
     own.set(c.to);
     EXPECT_EQ(own.current(), static_cast<double>(c.after) / static_cast<double>(c.maximum)) << "at once";

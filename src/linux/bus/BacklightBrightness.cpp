@@ -1,5 +1,7 @@
 #include "linux/bus/BacklightBrightness.h"
 
+#include "linux/bus/BacklightWatch.h"
+
 #include <algorithm>
 #include <cmath>
 #include <filesystem>
@@ -50,8 +52,11 @@ std::optional<BacklightBrightness::Panel> BacklightBrightness::findPanel() const
   return best ? std::optional(found) : std::nullopt;
 }
 
-BacklightBrightness::BacklightBrightness(MessageBus& bus, std::string folder)
-    : bus_(bus), loginDaemon_(bus, "org.freedesktop.login1"), folder_(std::move(folder)) {
+BacklightBrightness::BacklightBrightness(Scheduler& scheduler, MessageBus& bus, std::string folder)
+    : bus_(bus),
+      loginDaemon_(bus, "org.freedesktop.login1"),
+      folder_(std::move(folder)),
+      pace_(scheduler, [this] { write(); }) {
   loginDaemon_.onAppear = [this] { tryWriting(); };
   loginDaemon_.onVanish = [this] {
     writing_ = false;
@@ -86,34 +91,37 @@ std::optional<double> BacklightBrightness::current() {
 void BacklightBrightness::set(double brightness) {
   const auto now = present();
   if (!now || !writable_) return;
-  const double next = std::clamp(brightness, 0.0, 1.0);
-  const auto maximum = static_cast<double>(panel_->maximum);
-  long raw = std::lround(next * maximum);
-  // A step that is less than one unit is one unit.
-  const double before = static_cast<double>(*now) / maximum;
-  if (raw == *now && next > before) ++raw;
-  if (raw == *now && next < before) --raw;
+  const long raw = std::lround(std::clamp(brightness, 0.0, 1.0) * static_cast<double>(panel_->maximum));
   if (raw == *now) return;
   wanted_ = raw;
-  if (!writing_) write(raw);
+  pace_.request();
+}
+
+Subscription BacklightBrightness::follow(std::function<void()> onChange) {
+  if (!present()) return {};
+  return Subscription(std::make_shared<BacklightWatch>(folder_ + '/' + panel_->name, std::move(onChange)));
 }
 
 void BacklightBrightness::tryWriting() {
   if (writable_ || writing_ || !bus_.connection()) return;
-  if (const auto raw = present()) write(*raw);
+  wanted_ = present();
+  write();
 }
 
-void BacklightBrightness::write(long raw) {
+/// Gives the panel what is wanted, unless it is just being given something: then what is wanted when that is
+/// done.
+void BacklightBrightness::write() {
+  if (writing_ || !wanted_) return;
   writing_ = true;
+  const long raw = *wanted_;
   loginDaemon_.call(
       "/org/freedesktop/login1/session/auto", session, "SetBrightness",
       {"backlight", QString::fromStdString(panel_->name), static_cast<uint>(raw)},
       [this, raw](const QDBusMessage&) {
         writing_ = false;
         setWritable(true);
-        // What was wanted meanwhile goes out in one.
-        if (wanted_ && *wanted_ != raw) return write(*wanted_);
-        wanted_.reset();
+        if (wanted_ == raw) wanted_.reset();
+        if (wanted_) pace_.request();
       },
       [this](const QDBusMessage&) {
         writing_ = false;

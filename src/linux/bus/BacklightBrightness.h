@@ -2,6 +2,7 @@
 #include <optional>
 #include <string>
 
+#include "base/OncePerFrame.h"
 #include "linux/bus/MessageBus.h"
 #include "platform/DisplayBrightness.h"
 
@@ -13,13 +14,15 @@ namespace tarnwick {
 class BacklightBrightness : public DisplayBrightness {
  public:
   /// @param folder of the backlight class
-  explicit BacklightBrightness(MessageBus& bus, std::string folder = "/sys/class/backlight");
+  BacklightBrightness(Scheduler& scheduler, MessageBus& bus, std::string folder = "/sys/class/backlight");
 
   std::optional<double> current() override;
   void set(double brightness) override;
+  double unit() const override { return panel_ ? 1.0 / static_cast<double>(panel_->maximum) : 0; }
   Subscription observe(std::function<void()> onChange) override {
     return changes_.observe(std::move(onChange));
   }
+  Subscription follow(std::function<void()> onChange) override;
 
  private:
   struct Panel {
@@ -32,7 +35,7 @@ class BacklightBrightness : public DisplayBrightness {
   /// Raw units.
   std::optional<long> present();
   void tryWriting();
-  void write(long raw);
+  void write();
   void setWritable(bool writable);
 
   MessageBus& bus_;
@@ -43,6 +46,7 @@ class BacklightBrightness : public DisplayBrightness {
   /// What is wanted, until the kernel has it. Raw units.
   std::optional<long> wanted_;
   bool writing_ = false;
+  OncePerFrame pace_;
   ObservableObject changes_;
 };
 

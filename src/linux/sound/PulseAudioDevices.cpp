@@ -10,6 +10,8 @@ namespace {
 
 /// Between two looks at the devices: nobody sees more than one change in a frame.
 constexpr double frame = 1.0 / 60;
+/// A daemon may confirm a write before its devices show it. So long after the last one nobody looks.
+constexpr double rest = 0.1;
 
 bool sameDevices(const PulseSnapshot& a, const PulseSnapshot& b) {
   return a.defaultOutput == b.defaultOutput && a.defaultInput == b.defaultInput &&
@@ -60,13 +62,14 @@ void PulseAudioDevices::openClient() {
 void PulseAudioDevices::closed() {
   backoff_.retry([this] { openClient(); });
   pause_ = Task();
+  unsent_.clear();
   adopt({});
   answered();
 }
 
 void PulseAudioDevices::refresh() {
   stale_ = true;
-  if (fetching_ || pendingWrites_ > 0 || pause_) return;
+  if (fetching_ || pendingWrites_ > 0 || !unsent_.empty() || pause_) return;
   stale_ = false;
   fetching_ = true;
   answerOutdated_ = false;
@@ -76,10 +79,8 @@ void PulseAudioDevices::refresh() {
 void PulseAudioDevices::received(const PulseSnapshot& snapshot) {
   fetching_ = false;
   backoff_.succeeded();
-  pause_ = scheduler_.after(frame, [this] {
-    pause_ = Task();
-    if (stale_) refresh();
-  });
+  // Not before what has been written meanwhile has come to rest.
+  if (!pause_) pauseFor(frame);
   if (answerOutdated_) {
     stale_ = true;
   } else {
@@ -92,14 +93,30 @@ void PulseAudioDevices::answered() {
   if (onAnswer) onAnswer();
 }
 
-void PulseAudioDevices::noteWrite() {
-  ++pendingWrites_;
-  answerOutdated_ = true;
+void PulseAudioDevices::written() {
+  if (--pendingWrites_ > 0) return;
+  if (!unsent_.empty()) return sending_.request();
+  // Whether it was carried out shows in the next answer.
+  stale_ = true;
+  pauseFor(rest);
 }
 
-void PulseAudioDevices::written() {
-  // Whether it was carried out shows in the next answer.
-  if (--pendingWrites_ == 0) refresh();
+void PulseAudioDevices::pauseFor(double seconds) {
+  pause_ = scheduler_.after(seconds, [this] {
+    pause_ = Task();
+    if (stale_) refresh();
+  });
+}
+
+void PulseAudioDevices::sendVolumes() {
+  if (pendingWrites_ > 0) return;
+  for (const auto& [scope, key] : std::exchange(unsent_, {})) {
+    const PulseDevice* device = find(id({scope, key}), scope);
+    if (!device) continue;
+    ++pendingWrites_;
+    client_->setVolume(scope, key, device->volume);
+  }
+  if (pendingWrites_ == 0 && stale_) refresh();
 }
 
 void PulseAudioDevices::adopt(PulseSnapshot snapshot) {
@@ -169,8 +186,9 @@ void PulseAudioDevices::setVolume(uint32_t wanted, AudioScope scope, double volu
   PulseDevice* device = find(wanted, scope);
   if (!device) return;
   device->volume = static_cast<uint32_t>(std::lround(std::clamp(volume, 0.0, 1.0) * PulseClient::fullVolume));
-  noteWrite();
-  client_->setVolume(scope, device->key, device->volume);
+  answerOutdated_ = true;
+  unsent_.insert({scope, device->key});
+  sending_.request();
 }
 
 std::optional<bool> PulseAudioDevices::isMuted(uint32_t wanted, AudioScope scope) const {
@@ -182,7 +200,8 @@ void PulseAudioDevices::setMuted(uint32_t wanted, AudioScope scope, bool muted) 
   PulseDevice* device = find(wanted, scope);
   if (!device) return;
   device->muted = muted;
-  noteWrite();
+  answerOutdated_ = true;
+  ++pendingWrites_;
   client_->setMuted(scope, device->key, muted);
 }
 

@@ -1,10 +1,12 @@
 #pragma once
 #include <map>
 #include <memory>
+#include <set>
 #include <string>
 #include <utility>
 
 #include "base/Backoff.h"
+#include "base/OncePerFrame.h"
 #include "base/Scheduler.h"
 #include "linux/sound/PulseClient.h"
 
@@ -45,10 +47,11 @@ class PulseAudioDevices : public AudioDevices {
   void closed();
   void refresh();
   void received(const PulseSnapshot& snapshot);
+  void sendVolumes();
   void written();
+  void pauseFor(double seconds);
   void adopt(PulseSnapshot snapshot);
   void answered();
-  void noteWrite();
 
   uint32_t id(const Key& key) const;
   const PulseDevice* find(uint32_t id, AudioScope scope) const;
@@ -71,9 +74,12 @@ class PulseAudioDevices : public AudioDevices {
   bool stale_ = false;
   /// Writes that the daemon has not confirmed.
   int pendingWrites_ = 0;
+  /// Devices whose volume is to be written, as it is then: one that is on its way is not overtaken.
+  std::set<Key> unsent_;
+  OncePerFrame sending_{scheduler_, [this] { sendVolumes(); }};
   /// There was a write after the answer had been asked for: it would undo what the user just did.
   bool answerOutdated_ = false;
-  /// Runs for a frame's time after each answer.
+  /// Runs for a frame's time after each answer, and until what was written has come to rest.
   Task pause_;
   Task loading_;
   Backoff backoff_;

@@ -1,4 +1,5 @@
 #pragma once
+#include <cmath>
 #include <map>
 #include <string>
 #include <variant>
@@ -194,20 +195,31 @@ class MemoryMediaKeys : public MediaKeys {
 class MemoryDisplayBrightness : public DisplayBrightness {
  public:
   std::optional<double> current() override { return value; }
-  void set(double brightness) override { value = brightness; }
+  void set(double brightness) override { value = std::round(brightness / least) * least; }
+  double unit() const override { return least; }
   Subscription observe(std::function<void()> onChange) override {
     return changes_.observe(std::move(onChange));
+  }
+  Subscription follow(std::function<void()> onChange) override {
+    return turns_.observe(std::move(onChange));
   }
 
   void plug(std::optional<double> brightness) {
     value = brightness;
     changes_.notifyObservers();
   }
+  /// Changes it as another program would.
+  void turn(double to) {
+    value = to;
+    turns_.notifyObservers();
+  }
+  bool isFollowed() const { return turns_.isObserved(); }
 
   std::optional<double> value = 0.5;
+  double least = 1.0 / 1024;
 
  private:
-  ObservableObject changes_;
+  ObservableObject changes_, turns_;
 };
 
 /// A battery and a charger that a test sets.

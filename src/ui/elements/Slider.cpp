@@ -45,6 +45,10 @@ View Slider(SliderOptions options) {
         dragged.set(std::nullopt);
         if (last && o.ended) o.ended(*last);
       };
+      const auto cancel = [=] {
+        dragged.set(std::nullopt);
+        if (o.cancelled) o.cancelled();
+      };
       const auto set = [=](double wanted) {
         if (o.changed) o.changed(wanted);
         if (o.ended) o.ended(wanted);
@@ -52,7 +56,7 @@ View Slider(SliderOptions options) {
       const std::string percent = std::to_string(std::lround(fraction * 100)) + " %";
       return o.style(fraction, hovering || dragged.get())
           .onHover(hovering)
-          .onDrag({.changed = drag, .ended = end, .cancelled = [=] { dragged.set(std::nullopt); }})
+          .onDrag({.changed = drag, .ended = end, .cancelled = cancel})
           .accessibility(Role::slider, o.name)
           .accessibilityValue({.now = value,
                                .least = o.least,

@@ -71,6 +71,14 @@ void SceneInput::released(Point point, PointerButton button, Modifiers modifiers
 }
 
 bool SceneInput::scrolled(Point point, Point delta, bool wheel) {
+  const auto adjustable = hitTest::at(scene_.root(), point, [](const Node& node) {
+    const auto& interaction = node.attributes.interaction;
+    return interaction && interaction->value && interaction->value->set;
+  });
+  if (!adjustable.empty()) {
+    turn(*adjustable.front(), delta.x + delta.y);
+    return true;
+  }
   const Point turned = delta.x == 0 ? Point{delta.y, 0} : Point{0, delta.x};
   for (const Point way : {delta, wheel ? turned : delta}) {
     const auto found = hitTest::at(scene_.root(), point,
@@ -95,6 +103,17 @@ bool SceneInput::key(const KeyEvent& event) {
   if (event.key == Key::tab && !event.modifiers.control && !event.modifiers.alt)
     return focus_.step(!event.modifiers.shift);
   return event.modifiers == Modifiers{} && ((focused && operate(*focused, event.key)) || focus_.move(event));
+}
+
+/// A click of the wheel is a step of the control.
+void SceneInput::turn(Node& control, double distance) {
+  const WeakNode turned = control;
+  // Of several turns at once each begins where the one before has led to.
+  scene_.commit(std::nullopt);
+  if (!turned) return;
+  const auto interaction = turned->attributes.interaction;
+  const AdjustableValue& value = *interaction->value;
+  value.set(std::clamp(value.now + distance / pointsPerClick * value.step, value.least, value.most));
 }
 
 /// First to the view with the focus and those around it, then to all others from the front to the back.

@@ -24,7 +24,10 @@ class SceneInput {
   void released(Point point, PointerButton button = PointerButton::primary, Modifiers modifiers = {});
   /// Something else has taken the pointer: what a press began ends without effect.
   void cancelled() { gestures_.cancel(); }
-  /// Scrolls the innermost content at `point` that has a way to go. What no content can follow along one axis
+  /// Points that a click of a wheel scrolls.
+  static constexpr double pointsPerClick = 48;
+  /// Turns the control at `point` that can be set to a value, up and to the right for more. Else it scrolls
+  /// the innermost content at `point` that has a way to go. What no content can follow along one axis
   /// a `wheel`, which has but one, scrolls along the other. @return false where there is nothing to scroll.
   bool scrolled(Point point, Point delta, bool wheel = false);
 
@@ -50,6 +53,7 @@ class SceneInput {
   bool openMenu(Node* focused, const KeyEvent& event);
   bool offer(const KeyEvent& event, Node* focused);
   bool operate(Node& control, Key key);
+  void turn(Node& control, double distance);
 
   Scene& scene_;
   std::optional<Point> pointer_;

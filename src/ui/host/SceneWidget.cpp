@@ -50,9 +50,6 @@ Key keyOf(int key) {
   return found == std::end(keys) ? Key::other : found->second;
 }
 
-/// Points that one notch of a wheel scrolls.
-constexpr double wheelStep = 48;
-
 }  // namespace
 
 SceneWidget::SceneWidget(Scheduler& scheduler, Size size, View root)
@@ -144,8 +141,8 @@ void SceneWidget::leaveEvent(QEvent*) { scene_.input().left(); }
 
 void SceneWidget::wheelEvent(QWheelEvent* event) {
   const std::optional<double> smoothStep = smoothPointsPerClick ? smoothPointsPerClick(*event) : std::nullopt;
-  const QPointF delta =
-      QPointF(event->angleDelta()) / QWheelEvent::DefaultDeltasPerStep * smoothStep.value_or(wheelStep);
+  const QPointF delta = QPointF(event->angleDelta()) / QWheelEvent::DefaultDeltasPerStep *
+                        smoothStep.value_or(SceneInput::pointsPerClick);
   event->setAccepted(scene_.input().scrolled(fromQt(event->position()), {delta.x(), delta.y()}, !smoothStep));
 }
 
