@@ -74,13 +74,17 @@ TEST_F(HUDServiceTest, ChangesTheBrightnessByKeys) {
     double before;
     MediaKeyEvent press;
     double after;
+    double unit = 1.0 / 1024;
   } cases[] = {{0.5, {.key = brightnessUp}, 0.5625},
                {0.5, {.key = brightnessDown, .shift = true, .alt = true}, 0.484375},
+               {0.5, {.key = brightnessUp}, 0.625, 0.125},
+               {0.5, {.key = brightnessDown}, 0.375, 0.125},
                {0.03, {.key = brightnessDown}, 0},
                {0.99, {.key = brightnessUp}, 1}};
   start();
   for (auto c : cases) {
     desktop.brightness.value = c.before;
+    desktop.brightness.least = c.unit;
     for (const bool down : {true, false}) {
       c.press.down = down;
       EXPECT_TRUE(keys.send(c.press));

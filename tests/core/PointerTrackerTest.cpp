@@ -138,6 +138,44 @@ TEST_F(PointerTrackerTest, ClosesAfterThePointerHasLeft) {
   EXPECT_FALSE(model.isExpanded) << "and has closed";
 }
 
+TEST_F(PointerTrackerTest, StaysOpenForADragThatBeganInTheBody) {
+  constexpr Point inBody{470, 150};
+  const struct {
+    const char* what;
+    Point press;
+    std::function<void()> then;
+    bool stays;
+  } cases[] = {
+      {"a drag in the body", inBody, [] {}, true},
+      {"one that began elsewhere", farAway, [] {}, false},
+      {"one that has become a drag between programs", inBody, [this] { desktop.pointer.startDrag(text); },
+       false},
+      {"a body that was closed by other means", inBody,
+       [this] { model.collapse(), pass(2 * tick), model.expand(); }, false},
+  };
+  for (const auto& c : cases) {
+    moveTo(onNotch);
+    model.expand();
+    moveTo(inBody, 5);
+    if (!(c.press == inBody)) moveTo(c.press, tick);
+    desktop.pointer.press();
+    // Out within the same tick.
+    desktop.pointer.move(farAway);
+    pass(2 * tick);
+    c.then();
+    pass(3);
+    EXPECT_EQ(model.isExpanded, c.stays) << c.what;
+    desktop.pointer.move(std::nullopt);
+    pass(1);
+    EXPECT_EQ(model.isExpanded, c.stays) << c.what << ", where nobody sees the pointer";
+    desktop.pointer.release();
+    pass(0.13 + 2 * tick);
+    EXPECT_FALSE(model.isExpanded) << c.what;
+    EXPECT_FALSE(model.isHovering) << c.what;
+    EXPECT_TRUE(asleep()) << c.what;
+  }
+}
+
 TEST_F(PointerTrackerTest, FollowsAFileDrag) {
   desktop.pointer.press();
   desktop.pointer.startDrag(files);

@@ -121,7 +121,9 @@ TEST_F(PulseAudioDevicesTest, ChangesLevels) {
   const std::string volume = daemon.ask({"get-sink-volume", "speakers"});
   EXPECT_NE(volume.find("50%"), std::string::npos) << volume;
   EXPECT_NE(volume.find("25%"), std::string::npos) << "the balance stays: " << volume;
-  EXPECT_NE(daemon.ask({"get-source-volume", "microphone"}).find("75%"), std::string::npos);
+  EXPECT_TRUE(waitUntil([&] {
+    return daemon.ask({"get-source-volume", "microphone"}).find("75%") != std::string::npos;
+  }));
   EXPECT_EQ(reports, 0) << "the echo of own writes is no news";
 }
 
@@ -186,7 +188,10 @@ struct FakeDaemon {
       ++daemon.fetches;
       asked = daemon.state();
     }
-    void setVolume(AudioScope, const std::string&, uint32_t volume) override { daemon.volume = volume; }
+    void setVolume(AudioScope, const std::string&, uint32_t volume) override {
+      ++daemon.volumeWrites;
+      daemon.volume = volume;
+    }
     void setMuted(AudioScope, const std::string&, bool) override {}
     void setDefault(AudioScope, const std::string&) override {}
     void answer() { onSnapshot(*std::exchange(asked, std::nullopt)); }
@@ -212,6 +217,7 @@ struct FakeDaemon {
   uint32_t volume = PulseClient::fullVolume / 2;
   int connections = 0;
   int fetches = 0;
+  int volumeWrites = 0;
 };
 
 class PulseEchoTest : public testing::Test {
@@ -245,15 +251,19 @@ TEST_F(PulseEchoTest, OlderAnswersDoNotUndoAWrite) {
   fake.client->answer();
   pass();
   EXPECT_EQ(volume(), 0.75);
-  devices.setVolume(1, output, 1);
+  devices.setMuted(1, output, false);
   fake.client->onChange();
   fake.client->onWritten();
   pass();
   EXPECT_FALSE(fake.client->asked) << "the second write is still on its way";
   fake.client->onWritten();
+  pass();
+  EXPECT_FALSE(fake.client->asked) << "what it has confirmed need not show yet";
+  fake.client->onChange();
+  scheduler.advance(0.1);
   ASSERT_TRUE(fake.client->asked);
   fake.client->answer();
-  EXPECT_EQ(volume(), 1);
+  EXPECT_EQ(volume(), 0.75);
   EXPECT_EQ(reports, 0);
 }
 
@@ -261,9 +271,34 @@ TEST_F(PulseEchoTest, WhatTheDaemonMadeOfAWriteCounts) {
   devices.setVolume(1, output, 0.75);
   fake.volume = PulseClient::fullVolume / 8;  // it refused, or rounds
   fake.client->onWritten();
+  scheduler.advance(0.1);
   fake.client->answer();
   EXPECT_EQ(volume(), 0.125);
   EXPECT_EQ(reports, 1);
+}
+
+TEST_F(PulseEchoTest, ADragIsWrittenAtMostOnceAFrameAndNeverJumpsBack) {
+  const int fetchesBefore = fake.fetches;
+  const auto drag = [&](int confirmEvery) {
+    const int before = fake.volumeWrites;
+    for (int i = 1; i <= 1000; ++i) {  // in a second
+      devices.setVolume(1, output, i / 1000.0);
+      if (i % confirmEvery == 0 && fake.volumeWrites > before + i / confirmEvery - 1) fake.client->onWritten();
+      fake.client->onChange();
+      if (fake.client->asked) fake.client->answer();
+      EXPECT_NEAR(volume(), i / 1000.0, 1e-5);
+      scheduler.advance(0.001);
+    }
+    return fake.volumeWrites - before;
+  };
+  EXPECT_EQ(drag(1001), 1) << "a daemon that does not confirm is not pressed";
+  fake.client->onWritten();
+  scheduler.advance(0.02);
+  EXPECT_EQ(fake.volume, uint32_t(PulseClient::fullVolume)) << "the last of them is not lost";
+  fake.client->onWritten();
+  EXPECT_LE(drag(1), 61);
+  EXPECT_EQ(fake.fetches, fetchesBefore) << "nobody needs to look meanwhile";
+  EXPECT_EQ(reports, 0);
 }
 
 TEST_F(PulseEchoTest, ABurstIsReportedOnceAFrame) {
