@@ -18,6 +18,8 @@ struct Banner {
   std::string subtitle;
   /// When present, the mascot is drawn in this mood instead of the icon.
   std::optional<CrabMood> crab;
+  /// What exactly it is about, such as a command: shown beside the subtitle, as far as there is room.
+  std::string detail = {};
 
   friend bool operator==(const Banner&, const Banner&) = default;
 };

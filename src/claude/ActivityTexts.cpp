@@ -28,6 +28,8 @@ constexpr std::array toolLabels{
     ToolLabel{"Agent", "Delegating", "Délègue"},
 };
 
+constexpr std::string_view permissionPhrase = "permission to use ";
+
 std::string labelOf(const std::string& tool) {
   const auto it = std::find_if(toolLabels.begin(), toolLabels.end(),
                                [&](const ToolLabel& label) { return label.tool == tool; });
@@ -49,14 +51,29 @@ std::string ClaudeService::describe(const std::optional<std::string>& tool,
   return text;
 }
 
+bool ClaudeService::namesTool(std::string_view message) {
+  return message.find(permissionPhrase) != message.npos;
+}
+
 std::string ClaudeService::translate(std::string_view message) {
-  constexpr std::string_view phrase = "permission to use ";
-  const size_t found = message.find(phrase);
-  if (found != std::string_view::npos) {
-    return tr("Permission needed: ", "Permission demandée : ").append(message.substr(found + phrase.size()));
+  if (namesTool(message)) {
+    const size_t tool = message.find(permissionPhrase) + permissionPhrase.size();
+    return tr("Permission needed: ", "Permission demandée : ").append(message.substr(tool));
   }
   if (message.empty()) return tr("Waiting for you", "Attend ta réponse");
   return std::string(message);
+}
+
+std::string ClaudeService::describeRequest(const std::string& tool,
+                                           const std::optional<std::string>& question) {
+  if (tool == "AskUserQuestion" && question) return tr("Question: ", "Question : ") + *question;
+  if (tool.empty()) return translate("");
+  return tr("Permission needed: ", "Permission demandée : ") + tool;
+}
+
+std::string ClaudeService::describeFailure(const std::string& error) {
+  if (error.empty()) return tr("Stopped by an error", "Arrêté par une erreur");
+  return tr("Stopped by an error: ", "Arrêté par une erreur : ") + error;
 }
 
 std::string ClaudeService::format(double seconds) {

@@ -1,6 +1,7 @@
 #include "claude/ClaudeService.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "base/DisplayText.h"
 #include "base/L10n.h"
@@ -99,12 +100,16 @@ ClaudeService::Tally ClaudeService::tally() const {
   return tally;
 }
 
-void ClaudeService::announce(const char* icon, Color tint, const Session& session, CrabMood crab,
-                             double seconds, Sound sound) const {
+void ClaudeService::announce(const char* icon, Color tint, const Session& session,
+                             std::optional<CrabMood> crab, double seconds, Sound sound) const {
   if (onBanner) {
-    onBanner(
-        {.icon = icon, .tint = tint, .title = session.project, .subtitle = session.activity, .crab = crab},
-        seconds);
+    onBanner({.icon = icon,
+              .tint = tint,
+              .title = session.project,
+              .subtitle = session.activity,
+              .crab = crab,
+              .detail = session.request.value_or("")},
+             seconds);
   }
   if (!settings || settings->claudeSounds) sounds_.play(sound);
 }
@@ -125,6 +130,7 @@ void ClaudeService::handle(const StringMap& event) {
   session.project = folder.empty() ? "Claude Code" : displayText(lastPathComponent(folder));
   session.updatedAt = now;
   session.restingSince.reset();
+  const auto requested = std::exchange(session.request, std::nullopt);
 
   if (name == "SessionStart") {
     // Only its being there is news.
@@ -137,6 +143,12 @@ void ClaudeService::handle(const StringMap& event) {
     if (isAtRest(session)) session.startedAt = now;
     session.phase = Phase::working;
     session.activity = describe(textOf(event, "tool_name"), textOf(event, "tool_detail"));
+  } else if (name == "PermissionRequest") {
+    // Without a banner or a sound: the user may be looking at the dialog. A notification follows after some
+    // seconds.
+    session.phase = Phase::waiting;
+    session.activity = describeRequest(textOf(event, "tool_name").value_or(""), textOf(event, "question"));
+    session.request = textOf(event, "tool_detail").value_or("");
   } else if (name == "PostToolUse") {
     session.phase = Phase::working;
     session.activity = thinking();
@@ -144,13 +156,20 @@ void ClaudeService::handle(const StringMap& event) {
     const std::string message = valueOf(event, "message").value_or("");
     if (isIdleReminder(event, message)) return;
     session.phase = Phase::waiting;
-    session.activity = translate(displayText(message));
+    if (requested && valueOf(event, "notification_type") == "permission_prompt") session.request = requested;
+    // Newer ones say only that a permission is needed, which the request has said better.
+    if (!session.request || namesTool(message)) session.activity = translate(displayText(message));
     announce("hand.raised.fill", colors::yellow, session, CrabMood::waiting, 8, Sound::message);
   } else if (name == "Stop") {
     session.phase = Phase::done;
     session.finishedAt = now;
     session.activity = tr("Done in ", "Terminé en ") + format(now - session.startedAt);
     announce("checkmark.circle.fill", colors::green, session, CrabMood::happy, 5, Sound::complete);
+  } else if (name == "StopFailure") {
+    session.phase = Phase::waiting;
+    const std::string said = textOf(event, "last_assistant_message").value_or("");
+    session.activity = said.empty() ? describeFailure(textOf(event, "error").value_or("")) : said;
+    announce("exclamationmark.triangle.fill", colors::red, session, std::nullopt, 8, Sound::batteryLow);
   } else {
     return;
   }

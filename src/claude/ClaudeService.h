@@ -50,8 +50,14 @@ class ClaudeService : public ObservableObject {
   /// What a call of `tool` is doing, in one line.
   static std::string describe(const std::optional<std::string>& tool,
                               const std::optional<std::string>& detail);
+  /// Whether the message of a notification says which tool wants a permission.
+  static bool namesTool(std::string_view message);
   /// What a notification asks for, from its message.
   static std::string translate(std::string_view message);
+  /// What a call of `tool` waits for: a permission, or the answer to the question that it asks.
+  static std::string describeRequest(const std::string& tool, const std::optional<std::string>& question);
+  /// Why a session had to stop, from Claude Code's name for the error.
+  static std::string describeFailure(const std::string& error);
   /// A duration in seconds as "7s" or "2m14s".
   static std::string format(double seconds);
 
@@ -65,8 +71,8 @@ class ClaudeService : public ObservableObject {
   Tally tally() const;
   void prune();
   void awaitNextAge();
-  void announce(const char* icon, Color tint, const Session& session, CrabMood crab, double seconds,
-                Sound sound) const;
+  void announce(const char* icon, Color tint, const Session& session, std::optional<CrabMood> crab,
+                double seconds, Sound sound) const;
 
   Scheduler& scheduler_;
   SoundPlayer& sounds_;

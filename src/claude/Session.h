@@ -26,6 +26,9 @@ struct Session {
   Date updatedAt;
   /// Since when it rests because nothing was heard of it.
   std::optional<Date> restingSince;
+  /// What exactly the tool would do for which it waits for permission, as far as that is known; none while it
+  /// does not wait for one.
+  std::optional<std::string> request = {};
 
   friend bool operator==(const Session&, const Session&) = default;
 };

@@ -11,10 +11,15 @@ namespace tarnwick {
 namespace {
 
 constexpr std::string_view toolInput = "tool_input";
-constexpr std::array<std::string_view, 8> eventKeys{
-    "hook_event_name", "session_id", "cwd", "tool_name", "message", "notification_type", "prompt", toolInput};
+constexpr std::array<std::string_view, 10> eventKeys{
+    "hook_event_name", "session_id", "cwd",
+    "tool_name",       "message",    "notification_type",
+    "prompt",          "error",      "last_assistant_message",
+    toolInput};
 constexpr std::array<std::string_view, 6> detailKeys{"command",     "file_path", "pattern",
                                                      "description", "url",       "query"};
+/// The key of the first question in the map, whose place in the event is tool_input.questions[0].question.
+constexpr const char* question = "question";
 constexpr size_t textLimit = 200;
 constexpr size_t detailLimit = 120;
 // Far above what any real text of that many characters takes.
@@ -43,6 +48,7 @@ class EventHandler : public JsonHandler {
   }
   void beginArray() override {
     forgetValue();
+    isQuestion_ = false;
     ++depth_;
   }
   void endContainer() override {
@@ -54,14 +60,17 @@ class EventHandler : public JsonHandler {
     if (!isEnd) return;
     if (depth_ == 1) key_ = known(eventKeys, text_);
     if (depth_ == 2) detailKey_ = known(detailKeys, text_);
+    if (depth_ == 2) areQuestions_ = isToolInput_ && text_ == "questions";
+    if (depth_ == 4) isQuestion_ = areQuestions_ && text_ == question && !map_.contains(question);
     text_.clear();
   }
   void string(std::string_view part, bool isEnd) override {
-    if (isCopied() || isDetail()) collect(part);
+    if (isCopied() || isDetail() || isQuestion()) collect(part);
     if (!isEnd) return;
     forgetValue();
     if (isCopied()) map_[std::string(key_)] = firstCharacters(text_, textLimit, byteLimit);
     if (isDetail()) detail() = firstCharacters(text_, detailLimit, byteLimit);
+    if (isQuestion()) map_[question] = firstCharacters(text_, textLimit, byteLimit);
     text_.clear();
   }
   void number(std::string_view, bool) override { forgetValue(); }
@@ -76,6 +85,7 @@ class EventHandler : public JsonHandler {
 
   bool isCopied() const { return depth_ == 1 && !key_.empty() && key_ != toolInput; }
   bool isDetail() const { return depth_ == 2 && isToolInput_ && !detailKey_.empty(); }
+  bool isQuestion() const { return depth_ == 4 && isQuestion_; }
   std::optional<std::string>& detail() {
     return details_[static_cast<size_t>(std::ranges::find(detailKeys, detailKey_) - detailKeys.begin())];
   }
@@ -84,7 +94,10 @@ class EventHandler : public JsonHandler {
 
   void forgetValue() {
     if (isCopied()) map_.erase(std::string(key_));
-    if (depth_ == 1 && key_ == toolInput) details_ = {};
+    if (depth_ == 1 && key_ == toolInput) {
+      details_ = {};
+      map_.erase(question);
+    }
     if (isDetail()) detail().reset();
   }
 
@@ -94,6 +107,9 @@ class EventHandler : public JsonHandler {
   bool isObject_ = false;
   /// Whether the object at depth 2 is the tool's input.
   bool isToolInput_ = false;
+  /// Whether what is read at depth 3 are the tool's questions, and the value at depth 4 the text of the
+  /// first.
+  bool areQuestions_ = false, isQuestion_ = false;
   /// The keys whose values are being read at depth 1 and 2, when they are of those above.
   std::string_view key_, detailKey_;
   /// What has come of the text that is being read.

@@ -70,6 +70,8 @@ class View {
   View padding(Edge edges, double length) const;
   /// The largest size of that ratio (width to height) that fits what is offered.
   View aspectRatio(double ratio) const;
+  /// In a stack it gets what it wants before the others share what is left.
+  View prioritized() const;
   /// Another view behind this one, offered this one's size.
   View background(View behind, UnitPoint align = UnitPoint::center) const;
   /// Another view before this one, offered this one's size.

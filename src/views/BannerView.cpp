@@ -18,6 +18,19 @@ View badge(const Banner& banner, bool appeared) {
       .scaleEffect(appeared ? 1 : 0.4);
 }
 
+View subtitle(const Banner& banner) {
+  View detail;
+  if (!banner.detail.empty()) {
+    detail = Text(banner.detail)
+                 .font({11, Weight::regular, Design::monospaced})
+                 .foreground(white(0.85))
+                 .truncated(Truncation::middle)
+                 .tooltip(banner.detail);
+  }
+  return HStack({.spacing = 8, .align = Align::firstTextBaseline},
+                {Text(banner.subtitle).font({12}).foreground(white(0.65)).prioritized(), detail});
+}
+
 }  // namespace
 
 View bannerView(const Banner& banner) {
@@ -28,7 +41,7 @@ View bannerView(const Banner& banner) {
                       VStack({.spacing = 2, .align = Align::leading},
                              {
                                  Text(banner.title).font({14, Weight::semibold}),
-                                 Text(banner.subtitle).font({12}).foreground(white(0.65)),
+                                 subtitle(banner),
                              }),
                       Spacer(),
                   })

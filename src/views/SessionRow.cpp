@@ -39,6 +39,14 @@ View texts(const Session& session) {
                    .truncated(Truncation::middle)
                    .contentTransition(ContentTransition::opacity);
   }
+  if (const std::string request = session.request.value_or(""); !request.empty()) {
+    activity =
+        HStack({.spacing = 8}, {activity.prioritized(), Text(request)
+                                                            .font({11, Weight::regular, Design::monospaced})
+                                                            .foreground(white(0.85))
+                                                            .truncated(Truncation::middle)
+                                                            .tooltip(request)});
+  }
   const View project = Text(session.project).font({13, Weight::semibold, Design::rounded});
   return VStack({.spacing = 1, .align = Align::leading}, {project, activity});
 }

@@ -73,6 +73,81 @@ TEST_F(ClaudeServiceTest, AWholePieceOfWork) {
   EXPECT_THAT(desktop.sounds.played, ElementsAre(Sound::message, Sound::complete));
 }
 
+TEST_F(ClaudeServiceTest, WaitsForWhatIsRequestedAndKeepsTheBetterText) {
+  struct Case {
+    const char* what;
+    StringMap request;
+    std::string activity;
+    std::optional<std::string> detail;
+    StringMap notification;
+    std::string announced;
+    std::string announcedDetail;
+  };
+  const StringMap permission{{"notification_type", "permission_prompt"},
+                             {"message", "Claude needs your permission"}};
+  const StringMap bash{{"tool_name", "Bash"}, {"tool_detail", "npm test"}};
+  const Case cases[] = {
+      {"a tool", bash, "Permission needed: Bash", "npm test", permission, "Permission needed: Bash",
+       "npm test"},
+      {"a notification that names a tool",
+       bash,
+       "Permission needed: Bash",
+       "npm test",
+       {{"notification_type", "permission_prompt"}, {"message", "Claude needs your permission to use Edit"}},
+       "Permission needed: Edit",
+       "npm test"},
+      {"about something else",
+       bash,
+       "Permission needed: Bash",
+       "npm test",
+       {{"notification_type", "auth"}, {"message", "Log in"}},
+       "Log in",
+       ""},
+      {"a question",
+       {{"tool_name", "AskUserQuestion"}, {"question", "Which colour?"}},
+       "Question: Which colour?",
+       "",
+       permission,
+       "Question: Which colour?",
+       ""},
+      {"no names", {}, "Waiting for you", "", permission, "Waiting for you", ""},
+  };
+  for (const Case& one : cases) {
+    SCOPED_TRACE(one.what);
+    banners.clear();
+    desktop.sounds.played.clear();
+    send("PreToolUse", bash);
+    send("PermissionRequest", one.request);
+    EXPECT_EQ(session().phase, Phase::waiting);
+    EXPECT_EQ(session().activity, one.activity);
+    EXPECT_EQ(session().request, one.detail);
+    EXPECT_TRUE(banners.empty() && desktop.sounds.played.empty()) << "the user may be looking at it";
+    send("Notification", one.notification);
+    ASSERT_EQ(banners.size(), 1u);
+    EXPECT_EQ(banners[0].first.subtitle, one.announced);
+    EXPECT_EQ(banners[0].first.detail, one.announcedDetail);
+    EXPECT_THAT(desktop.sounds.played, ElementsAre(Sound::message));
+    send("PostToolUse");
+    EXPECT_FALSE(session().request);
+  }
+}
+
+TEST_F(ClaudeServiceTest, WaitsWhenAnErrorHasStoppedIt) {
+  send("UserPromptSubmit");
+  send("StopFailure", {{"error", "billing_error"}, {"last_assistant_message", "Credit balance is too low"}});
+  EXPECT_EQ(session().phase, Phase::waiting);
+  ASSERT_EQ(banners.size(), 1u);
+  EXPECT_EQ(banners[0].first, (Banner{.id = banners[0].first.id,
+                                      .icon = "exclamationmark.triangle.fill",
+                                      .tint = colors::red,
+                                      .title = "Claude Code",
+                                      .subtitle = "Credit balance is too low"}));
+  EXPECT_EQ(banners[0].second, 8);
+  EXPECT_THAT(desktop.sounds.played, ElementsAre(Sound::batteryLow));
+  send("StopFailure", {{"error", "server_error"}});
+  EXPECT_EQ(session().activity, "Stopped by an error: server_error");
+}
+
 TEST_F(ClaudeServiceTest, ToolsRestartTheClockOnlyOfSessionsAtRest) {
   const Date start = desktop.scheduler.now();
   send("SessionStart");

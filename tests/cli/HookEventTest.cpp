@@ -52,6 +52,17 @@ TEST(HookEvent, IsReducedToAFlatMap) {
   for (const Case& one : cases) EXPECT_EQ(read(one.json), one.map) << one.json;
 }
 
+TEST(HookEvent, TakesTheFirstQuestion) {
+  const std::pair<const char*, StringMap> cases[] = {
+      {R"({"questions":[{"header":"a","question":"b","options":[{"question":"c"}]},{"question":"d"}]})",
+       {{"question", "b"}}},
+      {R"({"questions":[{"options":[{"question":"c"}]}],"question":"d"})", {}},
+      {R"({"other":[{"question":"a"}],"questions":["question",["question"],{"question":7}]})", {}},
+      {R"({"questions":[{"question":"a"}]},"tool_input":{})", {}},
+  };
+  for (const auto& [input, map] : cases) EXPECT_EQ(read(R"({"tool_input":)"s + input + "}"), map) << input;
+}
+
 TEST(HookEvent, TakesTheToolDetailFromTheFirstKeyThatHoldsAString) {
   struct Case {
     const char* input;

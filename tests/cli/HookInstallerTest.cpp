@@ -52,8 +52,8 @@ std::string installedHooks(const std::string& stop = "", const std::string& othe
   const std::string group = R"({"hooks":[)" + ours + "]}",
                     tool = R"({"hooks":[)" + ours + R"(],"matcher":"*"})";
   return R"({"SessionStart":[)" + group + R"(],"UserPromptSubmit":[)" + group + R"(],"PreToolUse":[)" + tool +
-         R"(],"PostToolUse":[)" + tool + R"(],"Notification":[)" + group + R"(],"Stop":[)" + stop + group +
-         R"(],"SessionEnd":[)" + group + "]" + others + "}";
+         R"(],"PermissionRequest":[)" + tool + R"(],"PostToolUse":[)" + tool + R"(],"Notification":[)" + group +
+         R"(],"Stop":[)" + stop + group + R"(],"StopFailure":[)" + group + R"(],"SessionEnd":[)" + group + "]" + others + "}";
 }
 
 TEST_F(HookInstallerTest, CreatesTheFileAndItsFolder) {

@@ -106,8 +106,17 @@ void fillSessions(NotchStage& s) {
           {"tool_name", "Bash"},
           {"tool_detail", "npm run build -- --mode production --report --verbose && npm test"}});
   s.play(75);
+  s.hook("q", "PermissionRequest",
+         {{"cwd", "/x/atlas"},
+          {"tool_name", "AskUserQuestion"},
+          {"question", "Which colour shall the sea have?"}});
+  s.hook(
+      "p", "PermissionRequest",
+      {{"cwd", "/x/website"}, {"tool_name", "Bash"}, {"tool_detail", "rm -rf build && npm ci && npm test"}});
   s.hook("p", "Notification",
-         {{"cwd", "/x/website"}, {"message", "Claude needs your permission to use Bash"}});
+         {{"cwd", "/x/website"},
+          {"notification_type", "permission_prompt"},
+          {"message", "Claude needs your permission"}});
   s.model.dismissBanner();
 }
 
@@ -223,6 +232,14 @@ std::vector<Exhibit> opened() {
                  CrabMood::happy),
           banner("battery.25percent", colors::red, tr("Low battery", "Batterie faible"), "10 %"),
           banner("calendar", colors::blue, std::string(100, 'W'), std::string(100, 'w')),
+          [](NotchStage& s) {
+            fillSessions(s);
+            s.hook("p", "Notification", {{"cwd", "/x/website"}, {"notification_type", "permission_prompt"}});
+          },
+          [](NotchStage& s) {
+            s.hook("p", "StopFailure",
+                   {{"cwd", "/x/website"}, {"last_assistant_message", "Credit balance is too low"}});
+          },
           open(Tab::claude, [](NotchStage&) {}),
           open(Tab::claude, fillSessions),
           open(Tab::claude, charged, 200)};

@@ -31,6 +31,11 @@ TEST(Layout, placesViews) {
          return HStack({}, {box(50, 20, "a"), Spacer(), box(30, 20, "b")});
        },
        {{"a", {0, 140, 50, 20}}, {"b", {370, 140, 30, 20}}}},
+      {"what has priority gets what it wants first",
+       [] {
+         return HStack({}, {filling("a"), filling("b").frame({.maxWidth = 300}).prioritized()});
+       },
+       {{"a", {0, 0, 100, 300}}, {"b", {100, 0, 300, 300}}}},
       {"a column aligns at the leading edge",
        [] {
          return VStack({.spacing = 4, .align = Align::leading}, {box(50, 20, "a"), box(30, 40, "b")})

@@ -2,6 +2,7 @@
 #include <cmath>
 #include <functional>
 
+#include "ui/Description.h"
 #include "ui/View.h"
 #include "ui/engine/Node.h"
 
@@ -37,6 +38,14 @@ class SpacerElement : public Element {
   Measured measure(Node& node, Proposal proposal) const override;
 };
 
+/// Its stack knows it by its kind.
+class PriorityElement : public Element {
+ public:
+  static constexpr ElementKind itsKind{"Priority"};
+  const ElementKind& kind() const override { return itsKind; }
+  bool equals(const Element&) const override { return true; }
+};
+
 struct StackElement::Share {
   Node* node;
   Measured measured;
@@ -44,7 +53,8 @@ struct StackElement::Share {
 };
 
 /// Offers what is left in equal parts, the least flexible child first, so that the flexible ones get the
-/// rest. Spacers come last: they take what nobody else wants.
+/// rest. Those with priority come before, and are offered all; spacers come last: they take what nobody else
+/// wants.
 std::vector<StackElement::Share> StackElement::shares(Node& node, Proposal proposal) const {
   const bool horizontal = axis_ == Axis::horizontal;
   const auto along = [=](Size size) { return horizontal ? size.width : size.height; };
@@ -72,6 +82,10 @@ std::vector<StackElement::Share> StackElement::shares(Node& node, Proposal propo
   const auto spacers = std::stable_partition(order.begin(), order.end(), std::not_fn(isSpacer));
   std::stable_sort(order.begin(), spacers,
                    [](const Share* a, const Share* b) { return a->most - a->least < b->most - b->least; });
+  const auto hasPriority = [](const Share* share) {
+    return share->node->element->kind() == PriorityElement::itsKind;
+  };
+  std::stable_partition(order.begin(), spacers, hasPriority);
   // What the inflexible rest needs at the least is kept for it.
   double reserved = 0;
   for (const Share* share : order) reserved += share->least;
@@ -79,7 +93,8 @@ std::vector<StackElement::Share> StackElement::shares(Node& node, Proposal propo
   for (Share* share : order) {
     if (waiting == 0) waiting = order.end() - spacers;
     reserved -= share->least;
-    const double part = std::max(share->least, std::min((left) / double(waiting), left - reserved));
+    const double fair = hasPriority(share) ? left : left / double(waiting);
+    const double part = std::max(share->least, std::min(fair, left - reserved));
     share->measured = share->node->measure(offer(std::max(0.0, part)));
     left -= along(share->measured.size);
     --waiting;
@@ -158,6 +173,8 @@ View HStack(StackOptions options, ViewList children) {
 View VStack(StackOptions options, ViewList children) {
   return View(std::make_shared<StackElement>(Axis::vertical, options), std::move(children.views));
 }
+
+View View::prioritized() const { return inside(std::make_shared<PriorityElement>()); }
 
 View Spacer() { return View(std::make_shared<SpacerElement>()); }
 
