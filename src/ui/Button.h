@@ -1,5 +1,6 @@
 #pragma once
 #include <functional>
+#include <optional>
 #include <string>
 
 #include "ui/View.h"
@@ -16,6 +17,8 @@ struct ButtonOptions {
   /// Without one: the label alone. What it returns takes the pointer.
   ButtonStyle style;
   std::function<void()> action;
+  /// Of a button that chooses: whether it is the chosen one, for assistive technology.
+  std::optional<bool> checked = {};
 };
 /// A control that acts when it is clicked.
 View Button(ButtonOptions options);

@@ -44,8 +44,8 @@ View deviceRow(const AudioDevice& device, bool selected, Color accent, std::func
                            .contentShape(RoundedRectangle(9))
                            .animation(easeOut(0.15), hovering);
                      },
-                 .action = std::move(action)})
-      .accessibilityChecked(selected);
+                 .action = std::move(action),
+                 .checked = selected});
 }
 
 }  // namespace tarnwick

@@ -51,6 +51,32 @@ View time(const std::string& text, bool hovering) {
 
 double finite(double seconds) { return std::isfinite(seconds) ? seconds : 0; }
 
+View bar(MediaService& media, double elapsed, double length, State<bool> hovering,
+         State<std::optional<double>> scrub) {
+  const auto seek = [&media, scrub](double seconds) {
+    scrub.set(std::nullopt);
+    media.seek(seconds);
+  };
+  return Slider({.name = tr("Position", "Position"),
+                 .value = elapsed,
+                 .most = std::max(length, 1.0),
+                 .step = keySeconds,
+                 .text = trackTime(elapsed),
+                 .style = barStyle(media.accent),
+                 .changed = [scrub](double seconds) { scrub.set(seconds); },
+                 .ended = seek,
+                 .cancelled = [scrub] { scrub.set(std::nullopt); }})
+      .onHover(hovering)
+      // Within what has no end there is nowhere to go.
+      .allowsHitTesting(length > 0);
+}
+
+/// When the seconds change.
+std::optional<Beat> beat(const MediaService& media) {
+  if (!media.playing) return std::nullopt;
+  return Beat{redrawInterval, *media.timestamp - std::fmod(finite(media.elapsed), 1)};
+}
+
 }  // namespace
 
 std::string trackTime(double seconds) {
@@ -65,29 +91,15 @@ std::string trackTime(double seconds) {
 View scrubber(MediaService& media) {
   return stateful(false, [&media](State<bool> hovering) {
     return stateful(std::optional<double>(), [&media, hovering](State<std::optional<double>> scrub) {
-      return timeline(redrawInterval, !media.playing, [&media, hovering, scrub](Date now) {
+      const auto body = [&media, hovering, scrub](const auto&, Date now) {
         const double length = std::max(0.0, finite(media.duration));
         const double elapsed = scrub.get().value_or(finite(media.currentElapsed(now)));
-        const std::string text = trackTime(elapsed), rest = "-" + trackTime(length - elapsed);
-        const View bar = Slider({.name = tr("Position", "Position"),
-                                 .value = elapsed,
-                                 .most = std::max(length, 1.0),
-                                 .step = keySeconds,
-                                 .text = text,
-                                 .style = barStyle(media.accent),
-                                 .changed = [scrub](double seconds) { scrub.set(seconds); },
-                                 .ended =
-                                     [&media, scrub](double seconds) {
-                                       scrub.set(std::nullopt);
-                                       media.seek(seconds);
-                                     },
-                                 .cancelled = [scrub] { scrub.set(std::nullopt); }})
-                             .onHover(hovering)
-                             // Within what has no end there is nowhere to go.
-                             .allowsHitTesting(length > 0);
-        return VStack({.spacing = 4}, {bar, HStack({}, {time(text, hovering), Spacer(), time(rest, hovering)})
-                                                .animation(spring(0.28, 0.7), hovering.get())});
-      });
+        const View times = HStack({}, {time(trackTime(elapsed), hovering), Spacer(),
+                                       time("-" + trackTime(length - elapsed), hovering)});
+        return VStack({.spacing = 4}, {bar(media, elapsed, length, hovering, scrub),
+                                       times.animation(spring(0.28, 0.7), hovering.get())});
+      };
+      return dynamic({.body = body, .beat = beat(media)});
     });
   });
 }

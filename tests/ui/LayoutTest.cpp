@@ -45,7 +45,8 @@ TEST(Layout, placesViews) {
        {{"a", {300, 236, 50, 20}}, {"b", {300, 260, 30, 40}}}},
       {"nothing takes no place and no spacing",
        [] {
-         return HStack({.spacing = 10}, {box(50, 20, "a"), View(), box(30, 20, "b"), Spacer()});
+         return HStack({.spacing = 10}, {box(50, 20, "a"), View(), observing([] { return View(); }),
+                                         box(30, 20, "b"), Spacer()});
        },
        {{"b", {60, 140, 30, 20}}}},
       {"a sideways list is as high as its content, and scrolls what is wider",

@@ -62,7 +62,9 @@ std::vector<StackElement::Share> StackElement::shares(Node& node, Proposal propo
     return horizontal ? Proposal{length, proposal.height} : Proposal{proposal.width, length};
   };
   std::vector<Share> shares;
-  for (const auto& child : node.children) shares.push_back({child.get(), {}, 0, 0});
+  for (const auto& child : node.children) {
+    if (!child->element->isNothing(*child)) shares.push_back({child.get(), {}, 0, 0});
+  }
 
   const std::optional<double> available = horizontal ? proposal.width : proposal.height;
   if (!available) {

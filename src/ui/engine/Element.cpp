@@ -1,5 +1,6 @@
 #include "ui/engine/Element.h"
 
+#include <algorithm>
 #include <cmath>
 
 #include "ui/engine/Node.h"
@@ -20,6 +21,11 @@ Measured Element::measure(Node& node, Proposal proposal) const {
 Measured WrapperElement::measure(Node& node, Proposal proposal) const {
   Node* child = node.firstChild();
   return child ? child->measure(proposal) : Measured{};
+}
+
+bool WrapperElement::isNothing(const Node& node) const {
+  return std::ranges::all_of(node.children,
+                             [](const auto& child) { return child->element->isNothing(*child); });
 }
 
 void Element::place(Node& node, Size size) const {

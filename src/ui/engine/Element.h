@@ -106,6 +106,8 @@ class Element {
   virtual Measured measure(Node& node, Proposal proposal) const;
   /// Gives every child all of `size`.
   virtual void place(Node& node, Size size) const;
+  /// Whether there is nothing to be seen of it now: then a stack leaves no gap for it.
+  virtual bool isNothing(const Node&) const { return false; }
   /// Called with each frame, when the node has been put into its place. `undisturbed`: it is seen just as it
   /// was laid out, moved at most. @return whether it has to be drawn again.
   virtual bool presented(Node&, bool) const { return false; }
@@ -138,6 +140,7 @@ class Element {
 /// Stands for its child, and is nothing without one.
 class WrapperElement : public Element {
  public:
+  bool isNothing(const Node& node) const override;
   Measured measure(Node& node, Proposal proposal) const override;
 };
 
