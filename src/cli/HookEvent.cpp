@@ -38,6 +38,10 @@ class EventHandler : public JsonHandler {
       map_["tool_detail"] = std::move(*detail);
       break;
     }
+    // Only of a failure the answer is the news; nobody else needs to hear it.
+    if (const auto name = map_.find("hook_event_name"); name == map_.end() || name->second != "StopFailure") {
+      map_.erase("last_assistant_message");
+    }
     return std::move(map_);
   }
 

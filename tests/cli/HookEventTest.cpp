@@ -42,6 +42,9 @@ TEST(HookEvent, IsReducedToAFlatMap) {
        {{"hook_event_name", "Stop"}}},
       {R"({"prompt":"","\u0070rompt2":"x"})", {{"prompt", ""}}},
       {R"({"\u0063wd":"a\n\"\\\/\u00e9\ud83d\ude00\u0000z"})", {{"cwd", "a\n\"\\/é😀\0z"s}}},
+      {R"({"last_assistant_message":"No credit","error":"e","hook_event_name":"StopFailure"})",
+       {{"hook_event_name", "StopFailure"}, {"error", "e"}, {"last_assistant_message", "No credit"}}},
+      {R"({"last_assistant_message":"All done","hook_event_name":"Stop"})", {{"hook_event_name", "Stop"}}},
       // Known keys count at the top level only.
       {R"({"other":{"prompt":"x","tool_input":{"command":"x"}},"list":[{"cwd":"x"}]})", {}},
       // Of a key given twice the last value counts.
