@@ -10,6 +10,8 @@ import threading
 import time
 from pathlib import Path
 
+from Xlib import X
+
 sys.path.insert(0, str(Path(__file__).resolve().parents[1] / "tests/desktop"))
 from desktop import BUILD, BUS_NAME, PROGRAM, Desktop, wait_until  # noqa: E402
 
@@ -229,6 +231,7 @@ def at_rest(desktop):
     wake_ups, processor = usage_over(overlay, 60)
     report("wake-ups a second at rest", wake_ups, "", 0.1)
     report("processor at rest", processor, "% of a core", 0.1)
+    return window_memory
 
 
 def with_one_session(desktop, events):
@@ -262,19 +265,88 @@ def frames(desktop):
            1.25)
 
 
+def pages(desktop):
+    """Pages that move by themselves, on the demonstration's content, which no pointer disturbs."""
+    def costs(what, *commands):
+        for command in commands:
+            desktop.run("--showcase", *command)
+        time.sleep(3)
+        report(what, usage_over(desktop.overlay, 10)[1], "% of a core", 2.5)
+
+    desktop.run("--showcase", "begin", "en")
+    for number in range(12):
+        desktop.run("--showcase", "trayadd", f"{number}.pdf")
+    costs("processor with the home page open while playing", ("play",), ("expand", "home"))
+    costs("processor with the tray open, its border marching", ("tab", "tray"), ("drag",))
+    desktop.run("--showcase", "end")
+    desktop.wait_for_notch(*HIDDEN)
+
+
+def typing(desktop):
+    """From a key's press to its first pixel in the notes."""
+    desktop.open_page("notes")
+    middle = desktop.size[0] // 2
+    desktop.move_pointer(middle, 100)
+    desktop.click()
+    keycode = desktop.x.keysym_to_keycode(ord("m"))
+    times = []
+    for number in range(60):
+        time.sleep(0.2)
+        # The line being written, without the caret's blinking: where the next letter will stand.
+        before = desktop.picture(middle - 250, 40, 500, 100).data
+        pressed = time.monotonic()
+        desktop.x.xtest_fake_input(X.KeyPress, keycode)
+        desktop.x.sync()
+        while desktop.picture(middle - 250, 40, 500, 100).data == before:
+            if time.monotonic() - pressed > 5:
+                sys.exit("typing shows nothing")
+        times.append((time.monotonic() - pressed) * 1000)
+        desktop.x.xtest_fake_input(X.KeyRelease, keycode)
+        desktop.x.sync()
+    report("a key typed in the notes to its pixel, 95th percentile", percentile(times, 95), "ms", 25,
+           f"median {statistics.median(times):.1f} ms")
+    desktop.move_pointer(middle, desktop.size[1] - 50)
+    desktop.wait_for_notch(*HIDDEN)
+
+
+def settings(desktop, window_memory):
+    nothing = Path(desktop.home) / "nothing"
+    nothing.touch()
+    middle = (desktop.size[0] // 2, desktop.size[1] // 2)
+    took = float(measure(desktop, PROGRAMS / "pixel-time", *middle, 20, 20, nothing, PROGRAM, "--settings").split()[0])
+    report("settings, from the command to the window's first frame", took, "ms", 250)
+    time.sleep(3)
+    memory = resident_megabytes(desktop.overlay.pid)
+    report("resident memory after every page and the settings, against an empty window", memory / window_memory, "×",
+           2, f"{memory:.0f} MB")
+
+
+def snapshots(desktop):
+    times = []
+    for _ in range(5):
+        began = time.monotonic()
+        desktop.run("--snapshot", str(Path(desktop.home) / "snapshots"))
+        times.append((time.monotonic() - began) * 1000)
+    report("fourteen snapshots, process start to end", statistics.median(times), "ms", 1000)
+
+
 def main():
-    print("Measuring; this takes about four minutes, and the machine should have nothing else to do.",
+    print("Measuring; this takes about six minutes, and the machine should have nothing else to do.",
           file=sys.stderr)
     with tempfile.TemporaryDirectory() as folder, Desktop() as desktop:
         events = Events(folder)
         start_to_first_frame(desktop, events)
-        at_rest(desktop)
+        window_memory = at_rest(desktop)
         with_one_session(desktop, events)
         hook_latency(desktop, events)
         measure(desktop, PROGRAMS / "spawn-times", 1, events.file("end", "SessionEnd"), PROGRAM, "--hook")
         usual = hook_to_pixel(desktop, events)
         flood(desktop)
         behind_a_flood(desktop, usual)
+        pages(desktop)
+        typing(desktop)
+        settings(desktop, window_memory)
+        snapshots(desktop)
         frames(desktop)
     width = max(len(row[0]) for row in rows)
     print(f"\n{'what':{width}}  {'measured':>18}  {'budget':>18}  ok   ")

@@ -22,6 +22,10 @@ BUILD = Path(os.environ.get("TARNWICK_BUILD", Path(__file__).resolve().parents[2
 PROGRAM = BUILD / "bin/Tarnwick"
 BUS_NAME = "dev.tarnwick.Tarnwick"
 
+# Sizes of the surface on a screen without a camera notch and without panels, in points.
+HOVERED = (220, 29)
+EXPANDED = (560, 162)
+
 # Long enough for sanitizers on a busy machine: a bound on failing, not a time that passing takes.
 PATIENCE = 30
 
@@ -263,6 +267,18 @@ class Desktop:
     def click(self, button=1):
         self.press(button)
         self.release(button)
+
+    def open_page(self, tab):
+        """Opens the notch by a tap and selects a tab: home, audio, claude, tray or notes."""
+        middle = self.size[0] // 2
+        self.move_pointer(middle, 10)
+        self.wait_for_notch(*HOVERED)
+        self.click()
+        self.wait_for_notch(*EXPANDED)
+        number = ("home", "audio", "claude", "tray", "notes").index(tab)
+        # The bar begins 20 points within the surface's left edge; its buttons are 31 wide, one apart.
+        self.move_pointer(middle - EXPANDED[0] // 2 + 20 + 32 * number + 15, 12)
+        self.click()
 
     # Small helpers
 

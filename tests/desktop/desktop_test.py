@@ -4,13 +4,13 @@ import os
 import unittest
 from pathlib import Path
 
-from desktop import BUILD, Desktop
+from desktop import BUILD, EXPANDED, HOVERED, Desktop
 
-# Sizes of the surface on a screen without a camera notch and without panels, in points.
-HOVERED = (220, 29)
+__all__ = ["BUILD", "EXPANDED", "HOVERED", "Desktop"]
+
+# More sizes of the surface.
 CLAUDE = (290, 24)
 BANNER = (400, 84)
-EXPANDED = (560, 162)
 HIDDEN = (0, 0)
 
 
