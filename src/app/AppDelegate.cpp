@@ -1,6 +1,6 @@
 #include "app/AppDelegate.h"
 
-#include <QCoreApplication>
+#include <QGuiApplication>
 
 #include "ui/engine/Drawing.h"
 #include "ui/host/SceneWidget.h"
@@ -56,6 +56,14 @@ void AppDelegate::applicationDidFinishLaunching() {
                         .sharing = sharing_};
   controller_ =
       std::make_unique<NotchController>(desktop, [this](NotchModel& model) { return makePanel(model); });
+  settings_.emplace(SettingsContext{.model = controller_->model(),
+                                    .hud = controller_->hud(),
+                                    .loginItem = loginItem_,
+                                    .pages = settingsPages_,
+                                    .hooks = hooks_,
+                                    .appearance = appearance_,
+                                    .scheduler = scheduler_,
+                                    .quit = [] { QCoreApplication::quit(); }});
   showcase_.emplace(controller_->model(), scheduler_, folders_);
   controller_->onShowcaseCommand = [this](const std::string& command, const std::string& argument) {
     showcase_->handle(command, argument);
@@ -75,11 +83,16 @@ void AppDelegate::applicationWillTerminate() {
   if (controller_) controller_->model().flush();
 }
 
+void AppDelegate::openSettings() {
+  // It would lie before the window.
+  controller_->model().collapse();
+  settings_->show(QGuiApplication::primaryScreen());
+}
+
 std::unique_ptr<NotchPanel> AppDelegate::makePanel(NotchModel& model) {
-  // The settings window does not exist yet.
   auto* content = new ui::SceneWidget(scheduler_, panelSize,
                                       notchRootView(
-                                          model, [] {}, display_->hasRoomForShadow()));
+                                          model, [this] { openSettings(); }, display_->hasRoomForShadow()));
   auto panel = display_->makePanel({*content, [content] { return presentedSurface(content->scene()); }});
   content->onFrame = [&model, content, panel = panel.get()] {
     model.floating = content->scene().floating();

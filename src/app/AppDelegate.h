@@ -2,6 +2,7 @@
 #include <memory>
 #include <optional>
 
+#include "app/HookProgram.h"
 #include "core/NotchController.h"
 #include "linux/bus/BacklightBrightness.h"
 #include "linux/bus/BluezDevices.h"
@@ -13,8 +14,10 @@
 #include "linux/bus/UPowerSources.h"
 #include "linux/calendar/EvolutionCalendars.h"
 #include "linux/display/DisplayServer.h"
+#include "linux/files/AutostartEntry.h"
 #include "linux/files/DesktopApplications.h"
 #include "linux/files/DesktopFileIcons.h"
+#include "linux/files/DesktopSettingsPages.h"
 #include "linux/files/JsonUserDefaults.h"
 #include "linux/files/QtImageDecoder.h"
 #include "linux/files/XdgFolders.h"
@@ -25,6 +28,7 @@
 #include "linux/process/StandardErrorLog.h"
 #include "linux/sound/CanberraSoundPlayer.h"
 #include "linux/sound/PulseAudioDevices.h"
+#include "settings/SettingsWindow.h"
 #include "showcase/Showcase.h"
 
 namespace tarnwick {
@@ -44,6 +48,7 @@ class AppDelegate {
 
  private:
   std::unique_ptr<NotchPanel> makePanel(NotchModel& model);
+  void openSettings();
 
   QtScheduler scheduler_;
   const std::unique_ptr<DisplayServer> display_;
@@ -70,6 +75,10 @@ class AppDelegate {
   DesktopDeviceSharing sharing_{sessionBus_};
   std::unique_ptr<NotchController> controller_;
   std::optional<Showcase> showcase_;
+  AutostartEntry loginItem_{folders_, commandPath()};
+  DesktopSettingsPages settingsPages_;
+  HookProgram hooks_{folders_.home(), commandPath()};
+  std::optional<SettingsWindow> settings_;
   Task loading_;
 };
 

@@ -20,6 +20,7 @@
 #include "dbus/BusConnection.h"
 #include "dbus/SessionBusAddress.h"
 #include "linux/bus/BusWaiter.h"
+#include "linux/process/Module.h"
 
 namespace {
 
@@ -48,11 +49,8 @@ void quitOnSignals(QApplication& application) {
 }
 
 /// The path of the command that users know: what started us, or its place beside this program.
-std::string commandPath(const char* argument) {
-  if (std::filesystem::path(argument).filename() == "Tarnwick") return argument;
-  std::error_code error;
-  const auto self = std::filesystem::read_symlink("/proc/self/exe", error);
-  return (self.parent_path() / "../../bin/Tarnwick").lexically_normal();
+std::string knownPath(const char* argument) {
+  return std::filesystem::path(argument).filename() == "Tarnwick" ? argument : tarnwick::commandPath();
 }
 
 /// Sets a variable that only the toolkit's start shall see, not the programs that we start.
@@ -127,7 +125,7 @@ int main(int argc, char** argv) {
   }
 
   // Unknown arguments mean the overlay, and mean nothing to the toolkit either.
-  std::string command = commandPath(argv[0]);
+  std::string command = knownPath(argv[0]);
   char* arguments[] = {command.data(), nullptr};
   int count = 1;
   const auto application = makeApplication(display->toolkitPlugin(), count, arguments);

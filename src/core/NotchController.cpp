@@ -82,10 +82,9 @@ void NotchController::startServices() {
   model_.media.start(model_.settings);
   model_.power.start(model_.settings);
   model_.bluetooth.start(model_.settings);
-  if (model_.settings.calendarEnabled) {
-    // Not now: it may have to ask the user for permission.
-    calendarStart_ = desktop_.scheduler.post([this] { model_.calendar.start(); });
-  }
+  // Not now: it may have to ask the user for permission.
+  calendarStart_ = desktop_.scheduler.post([this] { followCalendarSetting(); });
+  subscriptions_.push_back(model_.settings.observe([this] { followCalendarSetting(); }));
   model_.audio.start();
   hud_.emplace(model_, desktop_);
 }
@@ -106,6 +105,10 @@ void NotchController::listen() {
       eventNotification, [this](const StringMap& event) { handleEvent(event); }));
   subscriptions_.push_back(desktop_.notifications.observe(
       showcaseNotification, [this](const StringMap& payload) { handleShowcase(payload); }));
+}
+
+void NotchController::followCalendarSetting() {
+  model_.settings.calendarEnabled ? model_.calendar.start() : model_.calendar.stop();
 }
 
 void NotchController::checkFullscreen() {

@@ -28,6 +28,7 @@ class NotchController {
   NotchController(const Desktop& desktop, const PanelFactory& makePanel);
 
   NotchModel& model() { return model_; }
+  HUDService& hud() { return *hud_; }
 
   /// Takes the commands of the demonstration mode and their arguments; without it they are ignored.
   std::function<void(const std::string& command, const std::string& argument)> onShowcaseCommand;
@@ -37,6 +38,7 @@ class NotchController {
   void layout();
   void listen();
   void startServices();
+  void followCalendarSetting();
   void checkFullscreen();
 
   void handleEvent(const StringMap& event);

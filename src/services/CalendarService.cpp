@@ -4,6 +4,7 @@
 #include <charconv>
 #include <optional>
 #include <set>
+#include <utility>
 
 #include "base/DisplayText.h"
 #include "base/L10n.h"
@@ -51,7 +52,12 @@ std::vector<CalendarEvent> listed(std::vector<CalendarEvent> events) {
 }  // namespace
 
 void CalendarService::start() {
-  calendars_.requestAccess([this](bool granted) { accessChanged(granted); });
+  if (std::exchange(isStarted_, true)) return;
+  calendars_.requestAccess([this](bool granted) { accessChanged(isStarted_ && granted); });
+}
+
+void CalendarService::stop() {
+  if (std::exchange(isStarted_, false)) accessChanged(false);
 }
 
 void CalendarService::accessChanged(bool granted) {
@@ -136,7 +142,7 @@ void CalendarService::showcaseFill() {
 
 void CalendarService::showcaseEnd() {
   frozen = false;
-  authorized = calendars_.hasAccess();
+  authorized = isStarted_ && calendars_.hasAccess();
   if (!authorized) events = {};
   reload();
 }

@@ -42,8 +42,9 @@ class CalendarService : public ObservableObject {
   /// Asks to present a banner for a number of seconds.
   std::function<void(const Banner&, double)> onBanner;
 
-  /// Asks for access, and follows the calendars once it is given.
+  /// Asks for access, and follows the calendars once it is given, until `stop`.
   void start();
+  void stop();
   void reload();
 
   /// Events for the demonstration, until its end.
@@ -58,6 +59,7 @@ class CalendarService : public ObservableObject {
 
   Calendars& calendars_;
   Scheduler& scheduler_;
+  bool isStarted_ = false;
   /// The ids of the events that were announced, and when they start.
   std::map<std::string, Date> alerted_;
   Subscription changes_;

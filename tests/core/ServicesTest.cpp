@@ -19,6 +19,11 @@ TEST(Services, AreAllStarted) {
     desktop.scheduler.advance(4);
     EXPECT_EQ(desktop.processes.launches.size(), 1u) << "what follows the players";
     EXPECT_EQ(desktop.calendars.isAsked(), calendarEnabled);
+    model.settings.calendarEnabled = true;
+    desktop.calendars.setAccess(true);
+    EXPECT_TRUE(model.calendar.authorized);
+    model.settings.calendarEnabled = false;
+    EXPECT_FALSE(model.calendar.authorized) << "settings work at once";
 
     desktop.audioDevices.plug({{.id = 3, .name = "Speakers", .hasOutput = true}}, 3, 0);
     EXPECT_EQ(model.audio.outputs->size(), 1u);

@@ -44,6 +44,7 @@ std::optional<DesktopEntry> DesktopEntry::read(const std::string& path) {
       take(entry.exec, line, "Exec");
       take(entry.icon, line, "Icon");
       take(entry.windowClass, line, "StartupWMClass");
+      if (line == "Hidden=true" || line == "X-GNOME-Autostart-enabled=false") entry.isEnabled = false;
     }
   }
   return inMainGroup ? std::optional(entry) : std::nullopt;

@@ -17,6 +17,8 @@ struct DesktopEntry {
   std::string icon;
   /// What its windows call their class.
   std::string windowClass;
+  /// Neither hidden nor, for the session's start, switched off.
+  bool isEnabled = true;
 
   static std::optional<DesktopEntry> read(const std::string& path);
   /// The entry of that name in the first folder that has one.

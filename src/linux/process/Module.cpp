@@ -6,6 +6,12 @@
 
 namespace tarnwick {
 
+std::string commandPath() {
+  std::error_code error;
+  const auto program = std::filesystem::read_symlink("/proc/self/exe", error);
+  return (program.parent_path() / "../../bin/Tarnwick").lexically_normal();
+}
+
 std::string moduleFolder() {
   std::error_code error;
   const auto program = std::filesystem::read_symlink("/proc/self/exe", error);

@@ -3,6 +3,9 @@
 
 namespace tarnwick {
 
+/// The command that users know, beside this program: its absolute path, links resolved.
+std::string commandPath();
+
 /// The folder of the modules that go with the running program. They are adapters whose libraries take long to
 /// load or may be missing: they are loaded when they are first needed, and stay.
 std::string moduleFolder();

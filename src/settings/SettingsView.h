@@ -1,0 +1,67 @@
+#pragma once
+#include <QScrollArea>
+#include <functional>
+#include <initializer_list>
+#include <utility>
+#include <vector>
+
+#include "core/HUDService.h"
+#include "core/NotchModel.h"
+#include "platform/DesktopAppearance.h"
+#include "platform/HookSetup.h"
+#include "platform/LoginItem.h"
+#include "platform/SettingsPages.h"
+#include "settings/SettingsForm.h"
+#include "settings/SwitchRow.h"
+
+namespace tarnwick {
+
+/// What the settings window works on. All of it outlives the window.
+struct SettingsContext {
+  NotchModel& model;
+  HUDService& hud;
+  LoginItem& loginItem;
+  SettingsPages& pages;
+  HookSetup& hooks;
+  const DesktopAppearance& appearance;
+  Scheduler& scheduler;
+  /// Ends the program.
+  std::function<void()> quit;
+};
+
+/// The settings as a grouped form, which shows what is true: as it is made, as it changes and, of what
+/// nobody tells, whenever `refresh` is called.
+class SettingsView : public QScrollArea {
+ public:
+  explicit SettingsView(const SettingsContext& context);
+
+  /// Looks at the login item and the hooks again.
+  void refresh();
+
+ private:
+  SettingsCard& addSection(const QString& header);
+  void addToggle(SettingsCard& card, const QString& text, AppSettings::Flag& flag);
+  void addGeneral();
+  void addActivities();
+  void addKeys();
+  void addClaudeCode();
+
+  void followSettings();
+  void lookForTrust();
+  void changeHooks();
+
+  const SettingsContext context_;
+  QVBoxLayout* const form_;
+  std::vector<std::pair<SwitchRow*, AppSettings::Flag*>> toggles_;
+  SwitchRow* loginItem_ = nullptr;
+  std::vector<QWidget*> calendarAccess_;
+  QLabel* allowed_ = nullptr;
+  QLabel* keysCaption_ = nullptr;
+  QPushButton* allow_ = nullptr;
+  QPushButton* hooks_ = nullptr;
+  QLabel* hooksProblem_ = nullptr;
+  std::vector<Subscription> subscriptions_;
+  Task trust_;
+};
+
+}  // namespace tarnwick
