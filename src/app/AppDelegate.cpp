@@ -30,7 +30,11 @@ PanelContent::Surface presentedSurface(const ui::Scene& scene) {
 
 AppDelegate::AppDelegate(DisplayConnection& connection) : display_(connection.start(scheduler_)) {}
 
-void AppDelegate::applicationDidFinishLaunching() {
+void AppDelegate::openThere(bool settings) {
+  notifications_.post(openNotification, {{"window", settings ? "settings" : "notch"}});
+}
+
+void AppDelegate::applicationDidFinishLaunching(bool withSettings) {
   notifications_.onAnotherOverlay = [] { QCoreApplication::quit(); };
   const Desktop desktop{.scheduler = scheduler_,
                         .notifications = notifications_,
@@ -68,9 +72,11 @@ void AppDelegate::applicationDidFinishLaunching() {
   controller_->onShowcaseCommand = [this](const std::string& command, const std::string& argument) {
     showcase_->handle(command, argument);
   };
+  controller_->onOpenSettings = [this] { openSettings(); };
   // What takes long to load must not keep the notch waiting, whose window needs some turns of the loop to
   // show.
-  loading_ = scheduler_.after(loadDelay, [this] {
+  loading_ = scheduler_.after(loadDelay, [this, withSettings] {
+    if (withSettings) openSettings();
     audioDevices_.connect();
     processes_.allowStarting();
     systemBus_.open();

@@ -41,8 +41,10 @@ class AppDelegate {
 
   /// True when this session has an overlay already; then there must not be a second one.
   bool anotherOverlayRuns() const { return notifications_.anotherOverlayRuns(); }
-  /// Shows the notch and starts everything behind it.
-  void applicationDidFinishLaunching();
+  /// Asks that one to open the notch, or the settings window.
+  void openThere(bool settings);
+  /// Shows the notch and starts everything behind it; on request opens the settings window soon.
+  void applicationDidFinishLaunching(bool withSettings);
   /// Writes what is not written yet. The process may end at once then, whatever still runs.
   void applicationWillTerminate();
 

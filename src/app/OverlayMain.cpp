@@ -132,11 +132,13 @@ int main(int argc, char** argv) {
   quitOnSignals(*application);
 
   delegate = std::make_unique<tarnwick::AppDelegate>(*display);
+  const bool settings =
+      std::find(argv, argv + argc, std::string_view("--settings")) != argv + argc && !startedAnew;
   if (delegate->anotherOverlayRuns()) {
-    std::fputs("Tarnwick is running already.\n", stderr);
+    delegate->openThere(settings);
     return EXIT_SUCCESS;
   }
-  delegate->applicationDidFinishLaunching();
+  delegate->applicationDidFinishLaunching(settings);
   std::atexit(endByToolkit);
   tarnwick::QtScheduler scheduler;
   tarnwick::BusWaiter busWaiter(scheduler);

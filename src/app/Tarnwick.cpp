@@ -78,6 +78,7 @@ int main(int count, char** arguments) {
       ::puts("Tarnwick " TARNWICK_VERSION);
       return EXIT_SUCCESS;
     case Role::snapshot:
+    case Role::settings:
     case Role::application:
       return startOverlay(arguments);
   }

@@ -28,14 +28,16 @@ CommandLine CommandLine::parse(std::span<const char* const> arguments) {
   if (has("--demo")) return {Role::demo};
   if (has("--help")) return {Role::help};
   if (has("--version")) return {Role::version};
+  if (has("--settings")) return {Role::settings};
   return {};
 }
 
 const char* const helpText =
     "Usage: Tarnwick [option]\n"
     "Without an option, Tarnwick starts the overlay that shows running Claude Code sessions\n"
-    "at the top of the screen.\n"
+    "at the top of the screen, or opens it where it is running.\n"
     "\n"
+    "  --settings                    open the settings window; starts the overlay, too\n"
     "  --install-hooks               add Tarnwick's hooks to ~/.claude/settings.json\n"
     "  --uninstall-hooks             remove them again\n"
     "  --hook                        relay one hook event from standard input to the overlay\n"

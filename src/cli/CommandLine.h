@@ -5,7 +5,7 @@
 namespace tarnwick {
 
 /// What the program was started to do.
-enum class Role { hook, installHooks, uninstallHooks, snapshot, showcase, demo, help, version, application };
+enum class Role { hook, installHooks, uninstallHooks, snapshot, showcase, demo, help, version, settings, application };
 
 /// The role that the arguments select, and that role's values. Switches are whole arguments, matched exactly,
 /// anywhere in the list; unknown arguments are ignored.

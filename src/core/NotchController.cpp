@@ -16,6 +16,9 @@ constexpr Size pretendedNotch{190, 24};
 /// What is kept free at the top and is higher than this is no bar.
 constexpr double highestMenuBar = 100;
 
+/// How long, in seconds, a body that was not opened by the pointer waits for it.
+constexpr double pointerComesWithin = 8;
+
 constexpr double verticalSwipe = 14;
 constexpr double horizontalSwipe = 36;
 
@@ -105,6 +108,8 @@ void NotchController::listen() {
       eventNotification, [this](const StringMap& event) { handleEvent(event); }));
   subscriptions_.push_back(desktop_.notifications.observe(
       showcaseNotification, [this](const StringMap& payload) { handleShowcase(payload); }));
+  subscriptions_.push_back(desktop_.notifications.observe(
+      openNotification, [this](const StringMap& payload) { handleOpen(payload); }));
 }
 
 void NotchController::followCalendarSetting() {
@@ -135,6 +140,15 @@ void NotchController::handleShowcase(const StringMap& payload) {
   if (!onShowcaseCommand) return;
   onShowcaseCommand(valueOf(payload, "cmd").value_or(""), valueOf(payload, "arg").value_or(""));
   tracker_.wake();
+}
+
+void NotchController::handleOpen(const StringMap& payload) {
+  if (valueOf(payload, "window") == "settings") {
+    if (onOpenSettings) onOpenSettings();
+  } else if (!model_.showcase) {
+    model_.expand();
+    tracker_.awaitPointer(pointerComesWithin);
+  }
 }
 
 bool NotchController::handleScroll(const ScrollEvent& event) {

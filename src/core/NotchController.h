@@ -32,6 +32,8 @@ class NotchController {
 
   /// Takes the commands of the demonstration mode and their arguments; without it they are ignored.
   std::function<void(const std::string& command, const std::string& argument)> onShowcaseCommand;
+  /// Opens the settings window.
+  std::function<void()> onOpenSettings;
 
  private:
   std::optional<Screen> targetScreen() const;
@@ -43,6 +45,7 @@ class NotchController {
 
   void handleEvent(const StringMap& event);
   void handleShowcase(const StringMap& payload);
+  void handleOpen(const StringMap& payload);
 
   bool handleScroll(const ScrollEvent& event);
   bool actOnSwipe();

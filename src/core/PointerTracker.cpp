@@ -51,6 +51,11 @@ void PointerTracker::start() {
   trackMouse();
 }
 
+void PointerTracker::awaitPointer(double seconds) {
+  wake();
+  lastInside_ = scheduler_.uptime() + seconds;
+}
+
 PointerTracker::PointerState PointerTracker::pointerState() const {
   PointerState state{.position = pointer_.position(),
                      .buttonDown = pointer_.buttonDown(),

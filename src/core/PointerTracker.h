@@ -24,6 +24,8 @@ class PointerTracker {
 
   /// Looks for the first time, now. Until then the panel ignores the pointer.
   void start();
+  /// The body was opened while the pointer is elsewhere: it has that many seconds to come.
+  void awaitPointer(double seconds);
   /// Call it after a change of what the tracker depends on and cannot observe: the panel's place and the
   /// model's `showcase`.
   void wake();

@@ -27,5 +27,7 @@ class NotificationCenter {
 /// Names of the notifications.
 inline constexpr const char* eventNotification = "dev.tarnwick.event";
 inline constexpr const char* showcaseNotification = "dev.tarnwick.showcase";
+/// The program was started again. Its key "window" says what is wanted: "settings", or else the notch.
+inline constexpr const char* openNotification = "dev.tarnwick.open";
 
 }  // namespace tarnwick

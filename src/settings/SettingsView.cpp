@@ -1,6 +1,7 @@
 #include "settings/SettingsView.h"
 
 #include <QPointer>
+#include <utility>
 
 #include "base/L10n.h"
 #include "settings/SettingsTheme.h"
@@ -173,12 +174,13 @@ void SettingsView::refresh() {
 }
 
 void SettingsView::changeHooks() {
-  hooks_->setEnabled(false);
+  // Switched off, the button would hand the keyboard to its neighbour.
+  if (std::exchange(hooksChange_, true)) return;
   hooksProblem_->hide();
   context_.hooks.setInstalled(!context_.hooks.isInstalled(),
                               [view = QPointer(this)](const std::string& problem) {
                                 if (!view) return;
-                                view->hooks_->setEnabled(true);
+                                view->hooksChange_ = false;
                                 view->hooksProblem_->setText(QString::fromStdString(problem));
                                 view->hooksProblem_->setVisible(!problem.empty());
                                 view->refresh();

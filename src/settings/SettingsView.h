@@ -60,6 +60,8 @@ class SettingsView : public QScrollArea {
   QPushButton* allow_ = nullptr;
   QPushButton* hooks_ = nullptr;
   QLabel* hooksProblem_ = nullptr;
+  /// They are being added or removed.
+  bool hooksChange_ = false;
   std::vector<Subscription> subscriptions_;
   Task trust_;
 };

@@ -29,6 +29,8 @@ TEST(CommandLine, SelectsTheFirstRoleThatMatches) {
       {{"--demo", "--showcase", "begin"}, Role::showcase, "begin"},
       {{"--version", "--help"}, Role::help},
       {{"--version"}, Role::version},
+      {{"--settings", "--version"}, Role::version},
+      {{"--settings"}, Role::settings},
       // A switch without its value is passed over; only its first place counts.
       {{"--demo", "--snapshot"}, Role::demo},
       {{"--demo", "--showcase"}, Role::demo},

@@ -160,6 +160,28 @@ TEST_F(NotchControllerTest, HandsHookEventsToTheTracker) {
   EXPECT_TRUE(model().claude.sessions->empty()) << "stale ones are forgotten";
 }
 
+TEST_F(NotchControllerTest, OpensWhatAnotherStartAsksFor) {
+  start();
+  desktop.notifications.post(openNotification, {{"window", "settings"}});
+  int opened = 0;
+  controller->onOpenSettings = [&] { ++opened; };
+  desktop.notifications.post(openNotification, {{"window", "settings"}});
+  EXPECT_EQ(opened, 1);
+  EXPECT_FALSE(model().isExpanded);
+
+  desktop.notifications.post(openNotification, {});
+  pass(7.5);
+  EXPECT_TRUE(model().isExpanded) << "the pointer may come yet";
+  pass(1);
+  EXPECT_FALSE(model().isExpanded);
+  desktop.notifications.post(openNotification, {{"window", "notch"}});
+  desktop.pointer.move(Point{470, 10});
+  pass(1);
+  desktop.pointer.move(Point{-390, 900});
+  pass(0.5);
+  EXPECT_FALSE(model().isExpanded) << "it was there and has left";
+}
+
 TEST_F(NotchControllerTest, HandsOnDemonstrationCommands) {
   start();
   desktop.notifications.post(showcaseNotification, {{"cmd", "begin"}});

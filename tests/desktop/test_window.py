@@ -6,21 +6,19 @@ import unittest
 from Xlib import X
 
 from desktop import BUS_NAME, PROGRAM, wait_until
-from desktop_test import BANNER, CLAUDE, HIDDEN, HOVERED, DesktopTest
+from desktop_test import BANNER, CLAUDE, EXPANDED, HIDDEN, HOVERED, DesktopTest
 
 
 class Window(DesktopTest):
-    def test_asked_for_pictures_it_says_that_it_has_none(self):
-        result = self.desktop.run("--snapshot", "pictures")
-        self.assertEqual(result.returncode, 1)
-        self.assertIn(b"--snapshot", result.stderr)
-
     def test_there_is_one_overlay_and_a_signal_ends_it(self):
         overlay = self.desktop.start_overlay(arguments=["--unknown", "-platform", "offscreen"])
         self.hover_notch()
         self.desktop.wait_for_notch(*HOVERED)
+        self.leave_notch()
+        self.desktop.wait_for_notch(*HIDDEN)
         second = self.desktop.run()
-        self.assertEqual((second.returncode, second.stderr), (0, b"Tarnwick is running already.\n"))
+        self.assertEqual((second.returncode, second.stdout, second.stderr), (0, b"", b""))
+        self.desktop.wait_for_notch(*EXPANDED)  # it is opened instead
         overlay.terminate()
         self.assertEqual(overlay.wait(30), 0)
 

@@ -28,7 +28,7 @@ class DesktopSettings : public testing::Test {
 TEST_F(DesktopSettings, TheLoginItemStartsThisVeryProgram) {
   ::setenv("XDG_CONFIG_DIRS", (folders.root.path() + "/system").c_str(), 1);
   for (const char* name :
-       {"Tarnwick", "my apps/Tarnwick", R"(a "b" $HOME `c` 100%d \e/Tarnwick)", "é'/Tarnwick"}) {
+       {"Tarnwick", "my apps/Tarnwick", R"(a "b" $HOME `c` \e/Tarnwick)", "é'/Tarnwick"}) {
     const std::string path = program(name);
     AutostartEntry item(folders, path);
     const std::string file = folders.configuration() + "/autostart/dev.tarnwick.Tarnwick.desktop";

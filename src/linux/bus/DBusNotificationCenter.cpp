@@ -1,6 +1,7 @@
 #include "linux/bus/DBusNotificationCenter.h"
 
 #include <QDBusArgument>
+#include <QDBusMetaType>
 #include <chrono>
 
 namespace tarnwick {
@@ -23,6 +24,12 @@ QDBusMessage nameRequest() {
                                                 "org.freedesktop.DBus", "RequestName");
   request << QString(busName) << doNotQueue;
   return request;
+}
+
+/// The interface and the member that a notification is sent as.
+std::pair<QString, QString> signal(const std::string& name) {
+  const size_t dot = name.rfind('.');
+  return {QString::fromStdString(name.substr(0, dot)), QString::fromStdString(name.substr(dot + 1))};
 }
 
 StringMap payload(const QDBusMessage& message) {
@@ -74,9 +81,23 @@ void DBusNotificationCenter::nameAnswered(const QDBusMessage& reply) {
 
 void DBusNotificationCenter::listen(const std::string& name) {
   if (!bus_.connection()) return;
-  const size_t dot = name.rfind('.');
-  bus_.connection()->connect(QString(), signalPath, QString::fromStdString(name.substr(0, dot)),
-                             QString::fromStdString(name.substr(dot + 1)), this, SLOT(receive(QDBusMessage)));
+  const auto [interface, member] = signal(name);
+  bus_.connection()->connect(QString(), signalPath, interface, member, this, SLOT(receive(QDBusMessage)));
+}
+
+void DBusNotificationCenter::post(const std::string& name, const StringMap& payload) {
+  if (!bus_.connection()) return;
+  const auto [interface, member] = signal(name);
+  auto message = QDBusMessage::createSignal(signalPath, interface, member);
+  QMap<QString, QString> map;
+  for (const auto& [key, value] : payload) map[QString::fromStdString(key)] = QString::fromStdString(value);
+  qDBusRegisterMetaType<QMap<QString, QString>>();
+  message << QVariant::fromValue(map);
+  bus_.connection()->send(message);
+  // Answered once it has taken what came before.
+  const auto request = QDBusMessage::createMethodCall("org.freedesktop.DBus", "/org/freedesktop/DBus",
+                                                      "org.freedesktop.DBus", "GetId");
+  bus_.connection()->call(request, QDBus::Block, static_cast<int>(longestWait.count()));
 }
 
 Subscription DBusNotificationCenter::observe(const std::string& name, Receiver receive) {

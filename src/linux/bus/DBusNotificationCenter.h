@@ -29,6 +29,9 @@ class DBusNotificationCenter : public QObject, public NotificationCenter {
   /// The bus says so only later.
   std::function<void()> onAnotherOverlay;
 
+  /// Sends a notification, and waits half a second at most for the bus to take it.
+  void post(const std::string& name, const StringMap& payload);
+
   Subscription observe(const std::string& name, std::function<void(const StringMap&)> receive) override;
 
  private Q_SLOTS:
