@@ -99,7 +99,9 @@ std::unique_ptr<NotchPanel> AppDelegate::makePanel(NotchModel& model) {
   auto* content = new ui::SceneWidget(scheduler_, panelSize,
                                       notchRootView(
                                           model, [this] { openSettings(); }, display_->hasRoomForShadow()));
-  auto panel = display_->makePanel({*content, [content] { return presentedSurface(content->scene()); }});
+  auto panel = display_->makePanel(
+      {*content, [content] { return presentedSurface(content->scene()); },
+       [content](Point at, Point delta) { return content->scene().input().canScroll(at, delta); }});
   content->onFrame = [&model, content, panel = panel.get()] {
     model.floating = content->scene().floating();
     panel->surfaceChanged();

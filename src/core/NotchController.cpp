@@ -159,7 +159,9 @@ bool NotchController::handleScroll(const ScrollEvent& event) {
   if (event.phase == ScrollEvent::Phase::began || event.phase == ScrollEvent::Phase::mayBegin) {
     swipe_ = {};
     swipeHandled_ = false;
+    scrollsContent_ = model_.isExpanded && event.contentCanFollow;
   }
+  if (scrollsContent_) return false;
   // The fingers' own direction, whichever way the content is set to scroll.
   const double sign = event.directionInverted ? 1 : -1;
   swipe_ = swipe_ + Point{event.deltaX * sign, event.deltaY * sign};

@@ -22,6 +22,8 @@ struct ScrollEvent {
   bool directionInverted = false;
   /// In points; positive moves the content right and down.
   double deltaX = 0, deltaY = 0;
+  /// What lies below the pointer has a way to go there.
+  bool contentCanFollow = false;
 };
 
 /// The notch's window: undecorated, transparent, above everything, on every workspace, never activated by a

@@ -241,6 +241,8 @@ TEST_F(NotchControllerTest, SwipesOpenCloseAndSkip) {
   ScrollEvent wheel = begin(0, 100), inertia = step(0, 100);
   wheel.precise = false;
   inertia.momentum = true;
+  ScrollEvent scrolling = begin(0, -20), scrollingOn = step(0, -20);
+  scrolling.contentCanFollow = scrollingOn.contentCanFollow = true;
 
   const struct {
     const char* what;
@@ -274,6 +276,8 @@ TEST_F(NotchControllerTest, SwipesOpenCloseAndSkip) {
       {"askew, rather down", compact, {begin(40, 49)}, true, {}, 1},
       {"a mouse wheel", compact, {wheel}, false, {}, 0},
       {"a mouse wheel turns what is open", home, {wheel}, true, {}, 0},
+      {"content that follows, to its end", home, {scrolling, step(0, -60)}, true, {}, 0},
+      {"content under a swipe", home, {begin(0, -5), scrollingOn}, false, {}, 1},
       {"inertia", compact, {begin(0, 10), inertia}, false, {}, 0},
       {"inertia resets nothing", compact, {begin(0, 10), inertia, step(0, 5)}, true, {}, 1},
       {"another tab scrolls itself", notes, {begin(0, -100)}, true, {}, 0},
@@ -288,7 +292,8 @@ TEST_F(NotchControllerTest, SwipesOpenCloseAndSkip) {
       if (c.before != compact) model().expand(c.before == home ? Tab::home : Tab::notes);
       panel->key = true;
       for (const ScrollEvent& event : c.gesture) {
-        const bool isGesture = c.before == compact || (c.before == home && event.precise);
+        const bool isGesture =
+            c.before == compact || (c.before == home && event.precise && !c.gesture.front().contentCanFollow);
         EXPECT_EQ(panel->onScroll(event), isGesture) << c.what;
       }
       EXPECT_EQ(panel->resignations, c.before != compact && !c.expanded ? 1 : 0) << "the focus goes back";

@@ -219,11 +219,16 @@ TEST(HomeView, ShowsTheCalendarWhereItIsWanted) {
   for (int i = 0; i + 1 < 4; ++i) EXPECT_GT(opacity(i), opacity(i + 1)) << "a cascade";
   stage.settle();
   const Rect surface = stage.inspect.id("surface")->frame();
-  EXPECT_GT(stage.inspect.text("Event 3")->frame().bottom(), surface.bottom());
+  const auto bottom = [&](int i) {
+    return stage.inspect.text("Event " + std::to_string(i))->frame().bottom();
+  };
+  EXPECT_THAT(stage.inspect.texts(), Contains("+2"));
+  EXPECT_LT(bottom(1), surface.bottom() - 12);
+  const Rect first = stage.inspect.text("Event 0")->frame();
+  EXPECT_TRUE(stage.scene.input().canScroll({first.midX(), first.midY()}, {0, -10}));
   stage.inspect.scroll(*stage.inspect.text("Event 0"), {0, -500});
   stage.play(0.1);
-  EXPECT_LT(stage.inspect.text("Event 3")->frame().bottom(), surface.bottom() - 12)
-      << "what has no room can be scrolled to";
+  EXPECT_LT(bottom(3), surface.bottom() - 12) << "what has no room can be scrolled to";
   stage.model.calendar.authorized = false;
   stage.settle();
   EXPECT_THAT(stage.inspect.texts(),

@@ -30,6 +30,8 @@ struct PanelContent {
   /// Its size is the panel's. It must outlive the panel's use of it; the panel becomes its parent.
   QWidget& widget;
   std::function<Surface()> surface;
+  /// Whether what it shows at that point can be scrolled that way, in points.
+  std::function<bool(Point at, Point delta)> canFollow = [](Point, Point) { return false; };
 };
 
 /// The notch's window as its content sees it.

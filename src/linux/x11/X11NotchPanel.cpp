@@ -34,6 +34,7 @@ X11NotchPanel::X11NotchPanel(X11Connection& connection, const X11Screens& screen
       screens_(screens),
       content_(content.widget),
       surface_(std::move(content.surface)),
+      canFollow_(std::move(content.canFollow)),
       pointer_(connection, screens, scheduler),
       compositor_(connection),
       stacking_(connection, scheduler, static_cast<xcb_window_t>(window_.winId())),
@@ -185,11 +186,13 @@ std::optional<double> X11NotchPanel::smoothPointsPerClick(const QWheelEvent& eve
 bool X11NotchPanel::scroll(const QWheelEvent& event) {
   constexpr double anglePerClick = 120;
   const auto& traits = traitsOf(event);
-  const QPointF clicks = QPointF(event.angleDelta()) / anglePerClick;
+  const QPointF way = QPointF(event.angleDelta()) / anglePerClick * traits.pointsPerClick;
+  const QPointF place = event.position() - content_.pos();
   return scrollGesture_.step({.precise = smoothPointsPerClick(event).has_value(),
                               .directionInverted = traits.natural,
-                              .deltaX = clicks.x() * traits.pointsPerClick,
-                              .deltaY = clicks.y() * traits.pointsPerClick});
+                              .deltaX = way.x(),
+                              .deltaY = way.y(),
+                              .contentCanFollow = canFollow_({place.x(), place.y()}, {way.x(), way.y()})});
 }
 
 }  // namespace tarnwick

@@ -50,6 +50,7 @@ class X11NotchPanel : public QObject, public HostingPanel {
   const X11Screens& screens_;
   QWidget& content_;
   std::function<PanelContent::Surface()> surface_;
+  std::function<bool(Point, Point)> canFollow_;
   NotchWindow window_;
   X11Pointer pointer_;
   X11Compositor compositor_;

@@ -81,14 +81,22 @@ bool SceneInput::scrolled(Point point, Point delta, bool wheel) {
   }
   const Point turned = delta.x == 0 ? Point{delta.y, 0} : Point{0, delta.x};
   for (const Point way : {delta, wheel ? turned : delta}) {
-    const auto found = hitTest::at(scene_.root(), point,
-                                   [&](const Node& node) { return node.element->canScroll(node, way); });
-    if (found.empty()) continue;
-    found.front()->element->scroll(*found.front(), way);
+    Node* const content = scrollable(point, way);
+    if (!content) continue;
+    content->element->scroll(*content, way);
     scene_.scrolled();
     return true;
   }
   return false;
+}
+
+bool SceneInput::canScroll(Point point, Point delta) const { return scrollable(point, delta); }
+
+/// The innermost content there that has a way to go, or null.
+Node* SceneInput::scrollable(Point point, Point delta) const {
+  const auto found = hitTest::at(scene_.root(), point,
+                                 [&](const Node& node) { return node.element->canScroll(node, delta); });
+  return found.empty() ? nullptr : found.front();
 }
 
 bool SceneInput::key(const KeyEvent& event) {

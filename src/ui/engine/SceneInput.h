@@ -30,6 +30,8 @@ class SceneInput {
   /// the innermost content at `point` that has a way to go. What no content can follow along one axis
   /// a `wheel`, which has but one, scrolls along the other. @return false where there is nothing to scroll.
   bool scrolled(Point point, Point delta, bool wheel = false);
+  /// Whether there is content at `point` that has a way to go by `delta`.
+  bool canScroll(Point point, Point delta) const;
 
   /// A key went down. @return false when nobody has a use for it.
   bool key(const KeyEvent& event);
@@ -50,6 +52,7 @@ class SceneInput {
   void sceneMoved();
   Node* updateHover();
   void setCursor(Cursor cursor);
+  Node* scrollable(Point point, Point delta) const;
   bool openMenu(Node* focused, const KeyEvent& event);
   bool offer(const KeyEvent& event, Node* focused);
   bool operate(Node& control, Key key);
