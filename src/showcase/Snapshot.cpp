@@ -19,8 +19,8 @@ namespace {
 constexpr Size size{720, 230};
 constexpr double pixelRatio = 1.5;
 constexpr Color wallpaper{0.85, 0.85, 0.85};
-/// When everything has come to rest, and the bars of the equalizer are not level.
-constexpr double settlingSeconds = 1.05;
+/// When everything has come to rest, and what goes on moving is good to look at.
+constexpr double settlingSeconds = 1.55;
 constexpr double indicatorSeconds = 1.8;
 
 /// Nothing is read from disk or written to it.
