@@ -1,9 +1,13 @@
 #include "app/AppDelegate.h"
 
 #include <QGuiApplication>
+#include <QIcon>
+#include <QPixmap>
 
 #include "ui/engine/Drawing.h"
 #include "ui/host/SceneWidget.h"
+#include "ui/paint/Painter.h"
+#include "views/CrabView.h"
 #include "views/NotchRootView.h"
 
 namespace tarnwick {
@@ -24,6 +28,17 @@ PanelContent::Surface presentedSurface(const ui::Scene& scene) {
   }
   surface.floating = scene.floating().value_or(Rect{});
   return surface;
+}
+
+/// The mascot in its notch, for lists of windows.
+QIcon applicationIcon(Scheduler& scheduler) {
+  ui::Scene scene(
+      scheduler, {64, 64},
+      ui::ZStack(UnitPoint::center, {ui::RoundedRectangle(14).fill(black()),
+                                     crabView(CrabMood::idle).frame({.width = 48, .height = 30})}),
+      2);
+  scene.frame();
+  return QPixmap::fromImage(ui::picture(scene));
 }
 
 }  // namespace
@@ -60,14 +75,16 @@ void AppDelegate::applicationDidFinishLaunching(bool withSettings) {
                         .sharing = sharing_};
   controller_ =
       std::make_unique<NotchController>(desktop, [this](NotchModel& model) { return makePanel(model); });
-  settings_.emplace(SettingsContext{.model = controller_->model(),
-                                    .hud = controller_->hud(),
-                                    .loginItem = loginItem_,
-                                    .pages = settingsPages_,
-                                    .hooks = hooks_,
-                                    .appearance = appearance_,
-                                    .scheduler = scheduler_,
-                                    .quit = [] { QCoreApplication::quit(); }});
+  settings_.emplace(
+      SettingsContext{.model = controller_->model(),
+                      .hud = controller_->hud(),
+                      .loginItem = loginItem_,
+                      .pages = settingsPages_,
+                      .hooks = hooks_,
+                      .appearance = appearance_,
+                      .scheduler = scheduler_,
+                      .keysStayWithDesktop = qEnvironmentVariable("XDG_SESSION_TYPE") == "wayland",
+                      .quit = [] { QCoreApplication::quit(); }});
   showcase_.emplace(controller_->model(), scheduler_, folders_);
   controller_->onShowcaseCommand = [this](const std::string& command, const std::string& argument) {
     showcase_->handle(command, argument);
@@ -92,6 +109,7 @@ void AppDelegate::applicationWillTerminate() {
 void AppDelegate::openSettings() {
   // It would lie before the window.
   controller_->model().collapse();
+  if (QGuiApplication::windowIcon().isNull()) QGuiApplication::setWindowIcon(applicationIcon(scheduler_));
   settings_->show(QGuiApplication::primaryScreen());
 }
 

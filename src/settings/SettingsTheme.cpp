@@ -40,6 +40,7 @@ QPalette SettingsTheme::palette() const {
 
 QString SettingsTheme::styleSheet() const {
   return QString(R"(
+    * { font-family: Inter; font-size: 13px; outline: none; }
     QScrollArea, #form { background: %1; border: none; }
     QLabel { color: %4; }
     #header { color: %5; font-weight: 600; padding: 0 2px; }

@@ -152,19 +152,20 @@ void SettingsView::followSettings() {
 void SettingsView::lookForTrust() {
   const bool trusted = context_.hud.isTrusted();
   if (trusted && context_.model.settings.replaceHUD && !context_.hud.hasTap()) context_.hud.startTap(false);
-  const bool hasPage = context_.pages.has(SettingsPage::keyboard);
   allowed_->setVisible(trusted);
-  allow_->setVisible(!trusted && hasPage);
+  allow_->setVisible(!trusted && !context_.keysStayWithDesktop && context_.pages.has(SettingsPage::keyboard));
   keysCaption_->setText(
-      trusted
-          ? text("These keys change the level, with Alt+Shift in fine steps, and the notch shows it.",
-                 "Ces touches changent le niveau, finement avec Alt+Maj, et l'encoche l'affiche.")
+      trusted ? text("These keys change the level, with Alt+Shift in fine steps, and the notch shows it.",
+                     "Ces touches changent le niveau, finement avec Alt+Maj, et l'encoche l'affiche.")
+      : context_.keysStayWithDesktop
+          ? text("In a Wayland session the desktop keeps these keys to itself and shows its own display.",
+                 "Dans une session Wayland, le bureau garde ces touches pour lui et affiche son propre HUD.")
           : text(
-                "Another program holds these keys, usually the desktop, and shows its own display. Remove "
-                "its "
+                "Another program, usually the desktop, uses these keys and shows its own display. Remove its "
                 "shortcuts for them in the keyboard settings, and Tarnwick takes over.",
-                "Un autre programme tient ces touches, le plus souvent le bureau, et affiche son propre HUD. "
-                "Retirez-y leurs raccourcis dans les réglages du clavier, et Tarnwick prend le relais."));
+                "Un autre programme, le plus souvent le bureau, utilise ces touches et affiche son propre "
+                "HUD. "
+                "Retirez leurs raccourcis dans les réglages du clavier : Tarnwick prendra le relais."));
 }
 
 void SettingsView::refresh() {

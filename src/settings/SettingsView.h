@@ -25,6 +25,8 @@ struct SettingsContext {
   HookSetup& hooks;
   const DesktopAppearance& appearance;
   Scheduler& scheduler;
+  /// Nothing that the user could do would free the volume keys.
+  bool keysStayWithDesktop = false;
   /// Ends the program.
   std::function<void()> quit;
 };

@@ -23,9 +23,6 @@ class Window : public QWidget {
         appearance_(context.appearance.observe([this] { adoptAppearance(); })) {
     setAttribute(Qt::WA_DeleteOnClose);
     setWindowTitle(QString::fromStdString(tarnwick::tr("Tarnwick Settings", "Réglages Tarnwick")));
-    QFont font("Inter");
-    font.setPixelSize(13);
-    setFont(font);
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addWidget(view_);

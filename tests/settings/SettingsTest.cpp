@@ -80,8 +80,8 @@ class SettingsTest : public testing::Test {
   MemorySettingsPages pages;
   MemoryHookSetup hooks;
   int quits = 0;
-  SettingsWindow settings{
-      {model, hud, loginItem, pages, hooks, desktop.appearance, desktop.scheduler, [this] { ++quits; }}};
+  SettingsWindow settings{{model, hud, loginItem, pages, hooks, desktop.appearance, desktop.scheduler, false,
+                           [this] { ++quits; }}};
 };
 
 TEST_F(SettingsTest, EachSwitchIsItsPreference) {
@@ -140,6 +140,7 @@ TEST_F(SettingsTest, LooksAsTheDesktopIsSet) {
   EXPECT_LT(lightness(), 60);
   desktop.appearance.accentColor = Color{1, 0, 0.5};
   EXPECT_EQ(find<QCheckBox>("Calendar")->palette().color(QPalette::Highlight), QColor::fromRgbF(1, 0, 0.5));
+  EXPECT_EQ(find<QCheckBox>("Calendar")->font().family(), "Inter");
 }
 
 TEST_F(SettingsTest, TheLoginItemShowsWhatIsTrue) {
