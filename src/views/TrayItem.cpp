@@ -64,6 +64,9 @@ View trayItem(const FilePath& file, TrayStore& tray, TrayFiles& files) {
         .opacity(look.isGone ? dimmed : 1)
         .padding(inset)
         .contentShape(RoundedRectangle(12))
+        // Without what follows: the picture of the drag.
+        .dragsFiles(
+            [file, isGone = look.isGone] { return isGone ? std::vector<FilePath>() : std::vector{file}; })
         .background(RoundedRectangle(12).fill(white(hovering ? 0.09 : 0)))
         .overlay(ZStack(UnitPoint::topTrailing, {cross}), UnitPoint::topTrailing)
         .scaleEffect(hovering ? 1.05 : 1)
@@ -71,8 +74,6 @@ View trayItem(const FilePath& file, TrayStore& tray, TrayFiles& files) {
         .onHover(hovering)
         .onDoubleTap([file, &files] { files.open(file); })
         .onKey(Key::erase, remove)
-        .dragsFiles(
-            [file, isGone = look.isGone] { return isGone ? std::vector<FilePath>() : std::vector{file}; })
         .contextMenu([file, &tray, &files] { return menu(file, tray, files, files.look(file).isGone); })
         .accessibility(Role::button,
                        look.isGone ? name + tr(", file not found", ", fichier introuvable") : name)

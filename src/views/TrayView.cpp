@@ -19,17 +19,23 @@ constexpr Animation listChange = spring(0.35, 0.7), clearing = spring(0.35, 0.8)
 /// Of the border, in points.
 constexpr double dash = 6, gap = 5;
 
+View border(const Shape& shape, bool active) {
+  // What is just there has nowhere to march from.
+  return stateful(false, [=](State<bool> appeared) {
+    const bool marches = active && appeared;
+    const View line = shape.stroke(
+        white(),
+        {.width = 1.5, .inside = true, .dash = {dash, gap}, .dashPhase = marches ? 2 * (dash + gap) : 0});
+    return line.animation(marches ? easeInOut(0.6).repeatingForever() : easeOut(0.2), marches)
+        .onAppear([appeared] { appeared.set(true); });
+  });
+}
+
 View dropZone(bool active, bool targeted) {
   const Shape shape = RoundedRectangle(16);
-  const View line = shape.stroke(
-      white(),
-      {.width = 1.5, .inside = true, .dash = {dash, gap}, .dashPhase = active ? 2 * (dash + gap) : 0});
-  // It marches as long as files are about, but does not keep lighting up.
-  const Animation march = active ? easeInOut(0.6).repeatingForever() : easeOut(0.2);
-  return ZStack(
-      UnitPoint::center,
-      {shape.fill(white(targeted ? 0.08 : 0.02)),
-       Group(line.animation(march, active)).opacity(active ? 0.56 : 0.14).animation(easeOut(0.2), active)});
+  return ZStack(UnitPoint::center,
+                {shape.fill(white(targeted ? 0.08 : 0.02)),
+                 Group(border(shape, active)).opacity(active ? 0.56 : 0.14).animation(easeOut(0.2), active)});
 }
 
 View invitation(bool active, bool targeted) {

@@ -66,6 +66,22 @@ class DragSource : public OtherWindow {
   bool dragging_ = false;
 };
 
+/// Writes down what is dropped on it.
+class DropTarget : public OtherWindow {
+ public:
+  DropTarget() { setAcceptDrops(true); }
+
+ protected:
+  void dragEnterEvent(QDragEnterEvent* event) override {
+    event->acceptProposedAction();
+    say("entered");
+  }
+  void dropEvent(QDropEvent* event) override {
+    event->acceptProposedAction();
+    say(event->mimeData()->data("text/uri-list").simplified());
+  }
+};
+
 /// Tells what kind of window it is, and what strip at the top it keeps free, before it is shown.
 void declare(QWidget& widget, const char* kind, uint32_t top = 0) {
   xcb_connection_t* connection = qApp->nativeInterface<QNativeInterface::QX11Application>()->connection();
@@ -93,7 +109,7 @@ void declare(QWidget& widget, const char* kind, uint32_t top = 0) {
 int playRole(int argc, char** argv) {
   if (argc < 6) return -1;
   const std::string_view role = argv[1];
-  if (role != "--window" && role != "--unmanaged" && role != "--drag") return -1;
+  if (role != "--window" && role != "--unmanaged" && role != "--drag" && role != "--drop") return -1;
   // Other programs have their own idea of pixels; here it is the server's.
   qunsetenv("QT_SCREEN_SCALE_FACTORS");
   int count = 1;
@@ -105,6 +121,12 @@ int playRole(int argc, char** argv) {
     source.setWindowFlags(Qt::BypassWindowManagerHint);
     source.setGeometry(number(4), number(5), 100, 100);
     source.show();
+    return QApplication::exec();
+  }
+  if (role == "--drop") {
+    DropTarget target;
+    target.setGeometry(number(2), number(3), number(4), number(5));
+    target.show();
     return QApplication::exec();
   }
   OtherWindow window;

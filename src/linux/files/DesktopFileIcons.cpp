@@ -55,17 +55,22 @@ std::optional<uint64_t> DesktopFileIcons::version(const FilePath& file) {
     const std::lock_guard lock(mutex_);
     theme = themeName_;
   }
-  const auto thumbnail = thumbnailOf(file, status.st_mtim.tv_sec);
-  return std::hash<std::string>()(theme + '\n' + thumbnail.value_or("") + '\n' +
-                                  std::to_string(status.st_mtim.tv_sec) + '\n' +
-                                  std::to_string(status.st_ino));
+  std::string all = theme;
+  const auto add = [&](long long number) { all += '\n' + std::to_string(number); };
+  add(status.st_mtim.tv_sec);
+  add(static_cast<long long>(status.st_ino));
+  for (const std::string& thumbnail : thumbnailsOf(file)) {
+    if (::stat(thumbnail.c_str(), &status) == 0) add(status.st_mtim.tv_sec);
+  }
+  return std::hash<std::string>()(all);
 }
 
 std::optional<Image> DesktopFileIcons::icon(const FilePath& file) {
   struct stat status;
   if (::stat(file.c_str(), &status) == 0) {
-    if (const auto thumbnail = thumbnailOf(file, status.st_mtim.tv_sec)) {
-      if (auto picture = images_.decodeFile(*thumbnail)) return picture;
+    for (const std::string& thumbnail : thumbnailsOf(file)) {
+      if (!isThumbnailOf(thumbnail, status.st_mtim.tv_sec)) continue;
+      if (auto picture = images_.decodeFile(thumbnail)) return picture;
     }
   }
   return iconOfKind(file);

@@ -1,7 +1,7 @@
 #include "linux/files/Thumbnail.h"
 
 #include <QCryptographicHash>
-#include <QImageReader>
+#include <QImage>
 #include <QString>
 #include <filesystem>
 
@@ -11,28 +11,26 @@
 namespace tarnwick {
 namespace {
 
-/// 128 pixels are more than the tray shows.
+/// The first one has 128 pixels, which are more than the tray shows.
 constexpr const char* sizes[] = {"normal", "large", "x-large", "xx-large"};
-
-bool isOf(const std::string& thumbnail, std::time_t modified) {
-  QImageReader reader(QString::fromStdString(thumbnail), "png");
-  return reader.text("Thumb::MTime").section('.', 0, 0).toLongLong() == modified;
-}
 
 }  // namespace
 
-std::optional<std::string> thumbnailOf(const FilePath& file, std::time_t modified) {
-  const std::string uri = uriOfFile(file);
-  const QByteArray hash =
-      QCryptographicHash::hash(QByteArray(uri.data(), qsizetype(uri.size())), QCryptographicHash::Md5)
-          .toHex();
+std::vector<std::string> thumbnailsOf(const FilePath& file) {
+  const QByteArray uri = QByteArray::fromStdString(uriOfFile(file));
+  const std::string name = QCryptographicHash::hash(uri, QCryptographicHash::Md5).toHex().toStdString();
+  std::vector<std::string> found;
   std::error_code error;
   for (const char* size : sizes) {
-    const std::string path =
-        XdgFolders().caches() + "/thumbnails/" + size + "/" + hash.toStdString() + ".png";
-    if (std::filesystem::exists(path, error) && isOf(path, modified)) return path;
+    const std::string path = XdgFolders().caches() + "/thumbnails/" + size + "/" + name + ".png";
+    if (std::filesystem::exists(path, error)) found.push_back(path);
   }
-  return std::nullopt;
+  return found;
+}
+
+bool isThumbnailOf(const std::string& thumbnail, std::time_t modified) {
+  const QString time = QImage(QString::fromStdString(thumbnail), "png").text("Thumb::MTime");
+  return !time.isEmpty() && time.section('.', 0, 0).toLongLong() == modified;
 }
 
 }  // namespace tarnwick

@@ -32,8 +32,8 @@ bool NotchWindow::event(QEvent* event) {
 }
 
 void NotchWindow::dragEnterEvent(QDragEnterEvent* event) {
-  // Links come in lists of the same type.
-  if (filesOf(*event->mimeData()).empty()) return event->ignore();
+  // Links come in lists of the same type. What is dragged out of the tray has no business there.
+  if (event->source() || filesOf(*event->mimeData()).empty()) return event->ignore();
   event->setDropAction(Qt::CopyAction);
   event->accept();
   if (onDragEnter) onDragEnter();

@@ -3,6 +3,7 @@
 #include <xcb/xfixes.h>
 #include <xcb/xinput.h>
 
+#include <QGuiApplication>
 #include <algorithm>
 
 #include "linux/files/FileList.h"
@@ -24,6 +25,13 @@ void selectRawEvents(X11Connection& connection, uint32_t events) {
   } selection{{allMasterDevices, 1}, events};
   xcb_input_xi_select_events(connection, connection.root(), 1, &selection.head);
   xcb_flush(connection);
+}
+
+/// A window that the toolkit has made for this program.
+bool isOurs(xcb_window_t window) {
+  const auto* toolkit = qApp->nativeInterface<QNativeInterface::QX11Application>();
+  const xcb_setup_t* setup = xcb_get_setup(toolkit->connection());
+  return (window & ~setup->resource_id_mask) == setup->resource_id_base;
 }
 
 }  // namespace
@@ -107,7 +115,8 @@ void X11Pointer::handle(const xcb_generic_event_t& event) {
   } else if (connection_.xfixesEventBase() &&
              type == connection_.xfixesEventBase() + XCB_XFIXES_SELECTION_NOTIFY) {
     const auto& change = reinterpret_cast<const xcb_xfixes_selection_notify_event_t&>(event);
-    if (change.selection == connection_.atom(dragSelection) && change.owner != XCB_WINDOW_NONE) {
+    if (change.selection == connection_.atom(dragSelection) && change.owner != XCB_WINDOW_NONE &&
+        !isOurs(change.owner)) {
       dragStarted(change.selection_timestamp);
     }
   }

@@ -5,6 +5,7 @@
 #include <cmath>
 
 #include "ui/View.h"
+#include "ui/elements/DashedStroke.h"
 #include "ui/elements/ShapeElement.h"
 #include "ui/engine/Drawing.h"
 #include "ui/paint/RadialGradient.h"
@@ -101,6 +102,28 @@ QPainterPath trimmed(const QPainterPath& path, double from, double to) {
   return part;
 }
 
+/// Fills the shape. Between its corners it is a rectangle, which is filled several times as fast.
+void fill(QPainter& painter, const Shape& shape, Size size, const QBrush& brush) {
+  const QPainterPath path = ui::outline(shape, size);
+  const double corner = shape.cornerExtent();
+  const QTransform& toPixels = painter.deviceTransform();
+  // In rows of pixels.
+  const double top = std::ceil(toPixels.map(QPointF(0, corner)).y());
+  const double bottom = std::floor(toPixels.map(QPointF(0, size.height - corner)).y());
+  constexpr double worthIt = 16;
+  if (corner <= 0 || toPixels.type() > QTransform::TxScale || bottom - top < worthIt)
+    return painter.fillPath(path, brush);
+  const double from = (top - toPixels.dy()) / toPixels.m22(), to = (bottom - toPixels.dy()) / toPixels.m22();
+  painter.fillRect(QRectF(0, from, size.width, to - from), brush);
+  for (const QRectF& part :
+       {QRectF(-1, -1, size.width + 2, from + 1), QRectF(-1, to, size.width + 2, size.height - to + 1)}) {
+    painter.save();
+    painter.setClipRect(part, Qt::IntersectClip);
+    painter.fillPath(path, brush);
+    painter.restore();
+  }
+}
+
 }  // namespace
 
 Shape Rectangle() {
@@ -157,7 +180,7 @@ void ShapeElement::draw(DrawContext& context) const {
   QPainter& painter = context.painter;
   const QBrush paint = brush(paint_, values, context.size, painter);
   if (!stroke_) {
-    painter.fillPath(ui::outline(shape, context.size), paint);
+    fill(painter, shape, context.size, paint);
     return;
   }
   const double width = stroke_->width;
@@ -170,14 +193,10 @@ void ShapeElement::draw(DrawContext& context) const {
   }
   QPainterPath path = ui::outline(shape, size);
   if (from > 0 || to < 1) path = trimmed(path, from, to);
-  QPen pen(paint, width, Qt::SolidLine, Qt::FlatCap);
-  if (!stroke_->dash.empty()) {
-    QList<qreal> pattern;
-    for (const double length : stroke_->dash) pattern << length / width;
-    pen.setDashPattern(pattern);
-    pen.setDashOffset(phase / width);
-  }
-  painter.strokePath(path, pen);
+  if (stroke_->dash.empty())
+    painter.strokePath(path, QPen(paint, width, Qt::SolidLine, Qt::FlatCap));
+  else
+    strokeDashed(painter, path, paint, width, stroke_->dash, phase);
   painter.restore();
 }
 

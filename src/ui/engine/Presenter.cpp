@@ -158,7 +158,9 @@ bool Presenter::present(Node& node, const Outer& outer) {
   // moment.
   const bool seen =
       node.visible || (outer.visible && (node.effects.isMoving() || node.transition.isMoving()));
-  moving_ |= seen ? node.isMoving() : node.isSettling();
+  const bool settling = node.isSettling();
+  settling_ |= settling;
+  moving_ |= seen ? node.isMoving() : settling;
 
   const bool changed = redraw || inside;
   if (changed) node.group.reset();

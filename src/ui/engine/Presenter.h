@@ -12,6 +12,8 @@ class Presenter {
   Presenter(double now, std::function<void(const Rect&)> damage) : now_(now), damage_(std::move(damage)) {}
   void present(Node& root, const Rect& window);
   bool moving() const { return moving_; }
+  /// Something moves that will come to rest.
+  bool settling() const { return settling_; }
 
  private:
   struct Outer {
@@ -32,7 +34,7 @@ class Presenter {
 
   double now_;
   std::function<void(const Rect&)> damage_;
-  bool moving_ = false;
+  bool moving_ = false, settling_ = false;
 };
 
 }  // namespace tarnwick::ui

@@ -131,6 +131,7 @@ bool Scene::frame() {
   const double now = scheduler_.uptime();
   Presenter presenter(now, [this](const Rect& rect) { addDamage(rect); });
   presenter.present(*root_, {0, 0, size_.width, size_.height});
+  onlyRepeats_ = !presenter.settling();
   finishLeaving(*root_);
   updateTimelines();
   input_.sceneMoved();

@@ -40,6 +40,8 @@ class Scene : public transaction::Committer {
   /// Takes over pending changes and moves everything to the present. @return true while anything is in
   /// motion.
   bool frame();
+  /// Whether what was in motion then only repeats for ever.
+  bool onlyRepeats() const { return onlyRepeats_; }
   /// What has to be painted again since the last call, in points.
   std::vector<Rect> takeDamage();
   /// What is shown, as presented by the last frame.
@@ -135,6 +137,7 @@ class Scene : public transaction::Committer {
   unsigned renewals_ = 0;
   bool committing_ = false;
   /// A frame has been made.
+  bool onlyRepeats_ = false;
   bool shown_ = false;
   Host* host_ = nullptr;
   SceneInput input_;

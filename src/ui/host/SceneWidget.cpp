@@ -50,6 +50,9 @@ Key keyOf(int key) {
   return found == std::end(keys) ? Key::other : found->second;
 }
 
+/// Seconds between two frames of what repeats for ever.
+constexpr double endlessInterval = 1.0 / 30;
+
 }  // namespace
 
 SceneWidget::SceneWidget(Scheduler& scheduler, Size size, View root)
@@ -97,7 +100,9 @@ void SceneWidget::runFrame() {
     nextDue_ = std::max(nextDue_, began) + frameInterval();
     repaint(region & rect());
   }
-  if (moving) runFrameAt(std::max(began + frameInterval(), nextDue_ - frameInterval()));
+  // What never ends is not worth as much.
+  const double interval = std::max(frameInterval(), scene_.onlyRepeats() ? endlessInterval : 0);
+  if (moving) runFrameAt(std::max(began + interval, nextDue_ - frameInterval()));
 }
 
 void SceneWidget::showEvent(QShowEvent*) { runFrame(); }
@@ -194,6 +199,9 @@ void SceneWidget::dragFiles(const std::vector<FilePath>& files, Node& source) {
   drag->setPixmap(picture);
   drag->setHotSpot(QRectF(QPointF(), picture.deviceIndependentSize()).center().toPoint());
   drag->exec(Qt::CopyAction | Qt::MoveAction | Qt::LinkAction, Qt::CopyAction);
+  // Nobody was told of the pointer meanwhile.
+  const QPoint place = mapFromGlobal(QCursor::pos());
+  rect().contains(place) ? scene_.input().moved(fromQt(QPointF(place))) : scene_.input().left();
 }
 
 std::unique_ptr<HostedText> SceneWidget::makeText() { return std::make_unique<TextWidget>(*this); }
