@@ -14,6 +14,8 @@ namespace tarnwick {
 ///                                    prints "dragging", "accepted" where a drop would copy, and "dropped
 ///                                    ACTION"
 ///
+/// --drop X Y WIDTH HEIGHT            a window that prints the list of files that is dropped on it
+///
 /// @return the exit status; -1 when the arguments name no role
 int playRole(int argc, char** argv);
 

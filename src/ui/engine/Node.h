@@ -113,6 +113,11 @@ class Node {
     double scale = 0;
   };
   std::unique_ptr<Group> group;
+  /// The shadow that this picture casts, where its outline alone does not tell.
+  struct CastShadow : Group {
+    Color color;
+  };
+  std::unique_ptr<CastShadow> castShadow;
 
   Rect presentedFrame() const {
     const auto& f = frameMotion.presented();

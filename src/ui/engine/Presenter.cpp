@@ -163,7 +163,10 @@ bool Presenter::present(Node& node, const Outer& outer) {
   moving_ |= seen ? node.isMoving() : settling;
 
   const bool changed = redraw || inside;
-  if (changed) node.group.reset();
+  if (changed) {
+    node.group.reset();
+    node.castShadow.reset();
+  }
   if (!outer.covered && (wasVisible || node.visible)) {
     const auto damage = [&](const Rect& rect) {
       if (!rect.isEmpty()) damage_(intersection(rect.grownBy(outer.spread, outer.spread), outer.clip));

@@ -50,6 +50,7 @@ void Scene::setPixelRatio(double ratio) {
   const std::function<void(Node&)> apply = [&](Node& node) {
     node.pixelRatio = ratio;
     node.group.reset();
+    node.castShadow.reset();
     for (const auto& child : node.children) apply(*child);
     for (const auto& child : node.leaving) apply(*child);
   };

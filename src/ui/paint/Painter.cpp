@@ -362,18 +362,22 @@ void Painter::drawShadows(Node& node, Surface& surface, double opacity, bool ben
     const double reach = 3 * shadow.radius;
     const Rect rect =
         fromQt(node.transform.inverted().mapRect(toQt(node.contentBounds))).grownBy(reach, reach);
-    QImage picture = render(node, rect, reduced);
-    blurSlightly(picture, sigma);
-    QPainter tint(&picture);
-    tint.setCompositionMode(QPainter::CompositionMode_SourceIn);
-    tint.fillRect(picture.rect(), toQt(shadow.color));
-    tint.end();
+    auto& cast = node.castShadow;
+    if (!cast || cast->scale != reduced || !(cast->rect == rect) || !(cast->color == shadow.color)) {
+      QImage picture = render(node, rect, reduced);
+      blurSlightly(picture, sigma);
+      QPainter tint(&picture);
+      tint.setCompositionMode(QPainter::CompositionMode_SourceIn);
+      tint.fillRect(picture.rect(), toQt(shadow.color));
+      tint.end();
+      cast = std::make_unique<Node::CastShadow>(Node::CastShadow{{picture, rect, reduced}, shadow.color});
+    }
     surface.painter.setTransform(
         QTransform::fromScale(1 / reduced, 1 / reduced) *
         QTransform::fromTranslate(rect.x + shadow.offset.x, rect.y + shadow.offset.y) * node.transform *
         surface.toPixels);
     surface.painter.setOpacity(opacity);
-    surface.painter.drawImage(QPointF(0, 0), picture);
+    surface.painter.drawImage(QPointF(0, 0), cast->image);
   }
 }
 
