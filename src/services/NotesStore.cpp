@@ -39,7 +39,9 @@ class NotesStore::File {
     makePrivateFolder(folder_);
     std::string text;
     const std::error_code error = readFile(path_, text);
-    isForeign_ = error ? error != std::errc::no_such_file_or_directory : !isValidUtf8(text);
+    const bool isThere =
+        error != std::errc::no_such_file_or_directory && error != std::errc::not_a_directory;
+    isForeign_ = error ? isThere : !isValidUtf8(text);
     return error || isForeign_ ? "" : text;
   }
 
@@ -100,8 +102,9 @@ void NotesStore::flush() {
 
 void NotesStore::showcaseBegin() {
   if (!saved_) {
-    flush();
     saved_ = text_.get();
+    pause_.cancel();
+    if (!file_->write(version_, *saved_)) saveAfter(retryDelay, version_, *saved_);
   }
   text_ = {};
 }

@@ -125,13 +125,24 @@ TEST_F(NotesStoreTest, WhatIsNoTextIsKeptAside) {
   }
 }
 
-TEST_F(NotesStoreTest, AFolderThatCannotBeMadeCostsOnlyTheFile) {
-  desktop.folders.root.write("data/Tarnwick", "in the way");
-  NotesStore notes(desktop.scheduler, desktop.folders);
-  notes.setText("typed");
-  pass(1);
-  EXPECT_EQ(notes.text(), "typed");
-  EXPECT_EQ(contentsOf(folder), "in the way");
+TEST_F(NotesStoreTest, WhatCannotBeWrittenIsKeptAndTriedAgain) {
+  for (const bool withDemonstration : {false, true}) {
+    std::filesystem::remove_all(folder);
+    desktop.folders.root.write("data/Tarnwick", "in the way");
+    NotesStore notes(desktop.scheduler, desktop.folders);
+    notes.setText("typed");
+    if (withDemonstration) {
+      notes.showcaseBegin();
+      notes.setText("shown");
+    }
+    pass(1);
+    EXPECT_EQ(contentsOf(folder), "in the way");
+    std::filesystem::remove(folder);
+    pass(60);
+    EXPECT_EQ(saved(), "typed");
+    notes.showcaseEnd();
+    EXPECT_EQ(notes.text(), "typed");
+  }
 }
 
 }  // namespace
