@@ -37,6 +37,7 @@ std::string describe(Player* player, int64_t artworkId) {
   seconds("timestamp", player->positionDate());
   number("rate", player->rate());
   member("playing", player->status() == Player::Status::playing ? "true" : "false");
+  if (!player->canSeek()) member("canSeek", "false");
   if (player->process()) member("pid", std::to_string(player->process()));
   if (!player->desktopEntry().empty()) member("desktopEntry", jsonString(player->desktopEntry()));
   if (player->canRaise()) member("canRaise", "true");

@@ -152,6 +152,9 @@ void Player::apply(GVariant* properties) {
   if (const Owned<GVariant> rate{g_variant_lookup_value(properties, "Rate", G_VARIANT_TYPE_DOUBLE)}) {
     setRate(g_variant_get_double(rate.get()));
   }
+  if (const Owned<GVariant> can{g_variant_lookup_value(properties, "CanSeek", G_VARIANT_TYPE_BOOLEAN)}) {
+    setCanSeek(g_variant_get_boolean(can.get()));
+  }
   if (const Owned<GVariant> status{
           g_variant_lookup_value(properties, "PlaybackStatus", G_VARIANT_TYPE_STRING)}) {
     const std::string_view name = g_variant_get_string(status.get(), nullptr);
@@ -178,6 +181,12 @@ void Player::setRate(double rate) {
   if (!(std::abs(rate) <= highestRate) || rate == rate_) return;
   setPosition(positionNow());
   rate_ = rate;
+  onChange_();
+}
+
+void Player::setCanSeek(bool can) {
+  if (can == canSeek_) return;
+  canSeek_ = can;
   onChange_();
 }
 

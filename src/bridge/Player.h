@@ -38,6 +38,8 @@ class Player {
   uint32_t process() const { return process_; }
   /// Name of the program's desktop entry; may be empty.
   const std::string& desktopEntry() const { return desktopEntry_; }
+  /// Does not say that nobody can choose the position.
+  bool canSeek() const { return canSeek_; }
   /// Says that it can bring its window forward.
   bool canRaise() const { return canRaise_; }
 
@@ -64,6 +66,7 @@ class Player {
   void apply(GVariant* properties);
   void setStatus(Status status);
   void setRate(double rate);
+  void setCanSeek(bool can);
   void setPosition(int64_t position);
   void correctPosition(int64_t reported);
   void askPosition();
@@ -90,6 +93,7 @@ class Player {
   uint32_t process_ = 0;
   std::string desktopEntry_;
   bool canRaise_ = false;
+  bool canSeek_ = true;
   Timer poll_;
 };
 

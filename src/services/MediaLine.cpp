@@ -42,6 +42,8 @@ std::optional<MediaLine> MediaLine::parse(std::string_view line) {
   if (pid >= 1 && pid <= INT32_MAX) parsed.pid = static_cast<int32_t>(pid);
   parsed.desktopEntry = text("desktopEntry");
   parsed.canRaise = boolean("canRaise");
+  const auto* canSeek = memberOf<bool>(*object, "canSeek");
+  parsed.canSeek = !canSeek || *canSeek;
   return parsed;
 }
 

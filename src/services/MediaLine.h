@@ -27,6 +27,7 @@ struct MediaLine {
   std::string desktopEntry;
   /// The player can bring its window forward.
   bool canRaise = false;
+  bool canSeek = true;
 
   /// None when the line is no JSON object.
   static std::optional<MediaLine> parse(std::string_view line);

@@ -136,6 +136,7 @@ void MediaService::showLive() {
   rate = line.rate;
   playing = line.playing;
   canRaise_ = line.canRaise;
+  canSeek = line.canSeek;
   artwork = live_.artwork->image;
   accent = live_.artwork->accent;
   appBundleURL = live_.application->bundle;
@@ -183,6 +184,7 @@ void MediaService::showcaseTrack(int index) {
     rate = 1;
     playing = true;
     canRaise_ = false;
+    canSeek = true;
     const Image cover = sampleArtwork(300, track.colors, true);
     artwork = cover;
     accent = accentOf(cover);

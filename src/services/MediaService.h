@@ -43,6 +43,8 @@ class MediaService : public ObservableObject {
   Observed<Date> timestamp;
   /// Seconds of the track that are played in a second.
   Observed<double> rate{*this, 1};
+  /// The player lets others choose the position.
+  Observed<bool> canSeek{*this, true};
   /// What the player reports; see `isPlaying`.
   Observed<bool> playing{*this};
   /// The cover.

@@ -68,7 +68,7 @@ View bar(MediaService& media, double elapsed, double length, State<bool> hoverin
                  .cancelled = [scrub] { scrub.set(std::nullopt); }})
       .onHover(hovering)
       // Within what has no end there is nowhere to go.
-      .allowsHitTesting(length > 0);
+      .allowsHitTesting(length > 0 && media.canSeek);
 }
 
 /// When the seconds change.

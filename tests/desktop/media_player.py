@@ -52,13 +52,15 @@ class MediaPlayer:
 
 
 def properties_from(wanted):
-    """The protocol's properties from short names: status, position, rate, metadata (its keys without prefix)."""
+    """The protocol's properties from short names: status, position, can_seek, rate, metadata (its keys without prefix)."""
     import dbus
     found = {}
     if "status" in wanted:
         found["PlaybackStatus"] = wanted["status"]
     if "position" in wanted:
         found["Position"] = dbus.Int64(wanted["position"] * 1_000_000)
+    if "can_seek" in wanted:
+        found["CanSeek"] = dbus.Boolean(wanted["can_seek"])
     if "rate" in wanted:
         found["Rate"] = dbus.Double(wanted["rate"])
     if "metadata" in wanted:

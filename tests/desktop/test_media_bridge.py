@@ -137,6 +137,9 @@ class MediaBridge(unittest.TestCase):
                          {"title": "Song", "artist": "Ann, Bob", "album": "Record", "duration": 200, "rate": 1,
                           "playing": True, "artworkId": 0, "pid": player.pid, "desktopEntry": "test-player",
                           "canRaise": True})
+        self.assertNotIn("canSeek", line)
+        player.play(can_seek=False)
+        self.wait_for_line(canSeek=False, title="Song")
 
     def test_metadata_of_every_shape(self):
         self.start_bridge()

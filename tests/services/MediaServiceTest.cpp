@@ -216,6 +216,7 @@ TEST_F(MediaServiceTest, KnowsTheProgramThatPlays) {
   bridgeTells(R"({"pid":2147483647,"desktopEntry":"name","title":"Next"})");
   EXPECT_EQ(desktop.applications.namesAskedFor.size(), asked);
 
+  EXPECT_TRUE(media.canSeek);
   // A window is found, or the player brings its own, or it is started.
   const std::string raising = R"({"pid":42,"canRaise":true})";
   desktop.applications.withWindows = {*player.bundle};
@@ -226,7 +227,8 @@ TEST_F(MediaServiceTest, KnowsTheProgramThatPlays) {
   media.openSourceApp();
   EXPECT_EQ(desktop.processes.input, "raise\n");
   EXPECT_THAT(desktop.applications.started, IsEmpty());
-  bridgeTells(R"({"pid":42})");
+  bridgeTells(R"({"pid":42,"canSeek":false})");
+  EXPECT_FALSE(media.canSeek);
   media.openSourceApp();
   media.appBundleURL = std::nullopt;
   media.openSourceApp();

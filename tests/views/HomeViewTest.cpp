@@ -118,10 +118,13 @@ TEST(Scrubber, SeeksOnceAtTheEndOfADrag) {
   stage.inspect.scroll(*stage.inspect.control("Position"), {0, -48});
   EXPECT_THAT(stage.told(), testing::StartsWith("seek 4"));
 
-  stage.playFrom(50, 0);
-  stage.settle();
-  stage.inspect.tap(stage.onBar(0.5));
-  EXPECT_EQ(stage.told(), "") << "what has no end has no places";
+  for (const bool endless : {true, false}) {
+    stage.playFrom(50, endless ? 0 : 200);
+    stage.model.media.canSeek = endless;
+    stage.settle();
+    stage.inspect.tap(stage.onBar(0.5));
+    EXPECT_EQ(stage.told(), "") << (endless ? "what has no end has no places" : "the player does not seek");
+  }
 }
 
 TEST(Scrubber, RepaintsNothingElse) {
