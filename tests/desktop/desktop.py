@@ -272,7 +272,8 @@ class Desktop:
         """Opens the notch by a tap and selects a tab: home, audio, claude, tray or notes."""
         middle = self.size[0] // 2
         self.move_pointer(middle, 10)
-        self.wait_for_notch(*HOVERED)
+        # As wide as what it shows needs.
+        self.wait_for(lambda picture: picture.notch()[1] == HOVERED[1], "the hovered notch")
         self.click()
         self.wait_for_notch(*EXPANDED)
         number = ("home", "audio", "claude", "tray", "notes").index(tab)
