@@ -72,7 +72,9 @@ void AppDelegate::applicationDidFinishLaunching(bool withSettings) {
                         .appearance = appearance_,
                         .fileIcons = fileIcons_,
                         .fileManager = fileManager_,
-                        .sharing = sharing_};
+                        .sharing = sharing_,
+                        .foreignProcesses = foreignProcesses_,
+                        .growingFiles = growingFiles_};
   controller_ =
       std::make_unique<NotchController>(desktop, [this](NotchModel& model) { return makePanel(model); });
   settings_.emplace(

@@ -18,11 +18,13 @@
 #include "linux/files/DesktopApplications.h"
 #include "linux/files/DesktopFileIcons.h"
 #include "linux/files/DesktopSettingsPages.h"
+#include "linux/files/InotifyFiles.h"
 #include "linux/files/JsonUserDefaults.h"
 #include "linux/files/QtImageDecoder.h"
 #include "linux/files/XdgFolders.h"
 #include "linux/process/Module.h"
 #include "linux/process/NoHaptics.h"
+#include "linux/process/ProcProcesses.h"
 #include "linux/process/QtChildProcesses.h"
 #include "linux/process/QtScheduler.h"
 #include "linux/process/StandardErrorLog.h"
@@ -75,6 +77,8 @@ class AppDelegate {
   DesktopFileIcons fileIcons_{appearance_};
   DesktopFileManager fileManager_{sessionBus_};
   DesktopDeviceSharing sharing_{sessionBus_};
+  ProcProcesses foreignProcesses_;
+  InotifyFiles growingFiles_{scheduler_};
   std::unique_ptr<NotchController> controller_;
   std::optional<Showcase> showcase_;
   AutostartEntry loginItem_{folders_, commandPath()};

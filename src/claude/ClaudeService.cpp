@@ -1,6 +1,7 @@
 #include "claude/ClaudeService.h"
 
 #include <algorithm>
+#include <charconv>
 #include <utility>
 
 #include "base/DisplayText.h"
@@ -66,6 +67,17 @@ std::optional<std::string> textOf(const StringMap& event, const char* key) {
   return value ? std::optional(displayText(*value)) : std::nullopt;
 }
 
+std::optional<ForeignProcess> processOf(const StringMap& event) {
+  ForeignProcess process;
+  const auto isNumber = [&](const char* key, auto& number) {
+    const std::string text = valueOf(event, key).value_or("");
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+    return error == std::errc() && end == text.data() + text.size();
+  };
+  const bool isKnown = isNumber("process", process.number) && isNumber("process_namespace", process.space);
+  return isKnown ? std::optional(process) : std::nullopt;
+}
+
 std::string thinking() { return tr("Thinking…", "Réfléchit…"); }
 
 }  // namespace
@@ -108,7 +120,7 @@ void ClaudeService::announce(const char* icon, Color tint, const Session& sessio
               .title = session.project,
               .subtitle = session.activity,
               .crab = crab,
-              .detail = session.request.value_or("")},
+              .detail = session.request ? session.request->detail : ""},
              seconds);
   }
   if (!settings || settings->claudeSounds) sounds_.play(sound);
@@ -120,16 +132,15 @@ void ClaudeService::handle(const StringMap& event) {
   const std::string name = valueOf(event, "hook_event_name").value_or("");
   const Date now = scheduler_.now();
 
-  if (name == "SessionEnd") {
-    sessions.mutate([&](auto& all) { return all.erase(id) > 0; });
-    return;
-  }
+  if (name == "SessionEnd") return end(id);
 
   const auto known = sessions->find(id);
   Session session = known != sessions->end() ? known->second : Session{.id = id, .startedAt = now};
   session.project = folder.empty() ? "Claude Code" : displayText(lastPathComponent(folder));
   session.updatedAt = now;
   session.restingSince.reset();
+  session.process = processOf(event);
+  session.transcript = valueOf(event, "transcript_path").value_or("");
   const auto requested = std::exchange(session.request, std::nullopt);
 
   if (name == "SessionStart") {
@@ -147,8 +158,9 @@ void ClaudeService::handle(const StringMap& event) {
     // Without a banner or a sound: the user may be looking at the dialog. A notification follows after some
     // seconds.
     session.phase = Phase::waiting;
-    session.activity = describeRequest(textOf(event, "tool_name").value_or(""), textOf(event, "question"));
-    session.request = textOf(event, "tool_detail").value_or("");
+    session.request = {.tool = textOf(event, "tool_name").value_or(""),
+                       .detail = textOf(event, "tool_detail").value_or("")};
+    session.activity = describeRequest(session.request->tool, textOf(event, "question"));
   } else if (name == "PostToolUse") {
     session.phase = Phase::working;
     session.activity = thinking();
@@ -176,6 +188,38 @@ void ClaudeService::handle(const StringMap& event) {
   sessions.mutate([&](auto& all) {
     all[id] = std::move(session);
     forgetTheOldest(all);
+    return true;
+  });
+}
+
+void ClaudeService::end(const std::string& id) {
+  sessions.mutate([&](auto& all) { return all.erase(id) > 0; });
+}
+
+void ClaudeService::interrupt(const std::string& id) {
+  change(id, [this](Session& session) {
+    session.phase = Phase::idle;
+    session.activity = tr("Interrupted", "Interrompu");
+    session.restingSince = scheduler_.now();
+  });
+}
+
+void ClaudeService::resume(const std::string& id) {
+  change(id, [](Session& session) {
+    session.phase = Phase::working;
+    session.activity =
+        session.request ? describe(session.request->tool, session.request->detail) : thinking();
+  });
+}
+
+template<typename Change>
+void ClaudeService::change(const std::string& id, Change apply) {
+  sessions.mutate([&](auto& all) {
+    const auto found = all.find(id);
+    if (found == all.end()) return false;
+    apply(found->second);
+    found->second.updatedAt = scheduler_.now();
+    found->second.request.reset();
     return true;
   });
 }

@@ -42,6 +42,12 @@ class ClaudeService : public ObservableObject {
   /// Applies one hook event. Without a session identifier it is filed under "default"; an event of an unknown
   /// name is ignored.
   void handle(const StringMap& event);
+  /// The program of that session has ended: it is forgotten.
+  void end(const std::string& id);
+  /// The user has refused or interrupted what that session does: it rests.
+  void interrupt(const std::string& id);
+  /// What that session waits for was granted: it works again.
+  void resume(const std::string& id);
   /// Forgets all sessions.
   void clear() { sessions = {}; }
   /// Forgets all sessions that neither work nor wait.
@@ -69,6 +75,8 @@ class ClaudeService : public ObservableObject {
   };
 
   Tally tally() const;
+  template<typename Change>
+  void change(const std::string& id, Change apply);
   void prune();
   void awaitNextAge();
   void announce(const char* icon, Color tint, const Session& session, std::optional<CrabMood> crab,

@@ -3,6 +3,8 @@
 #include <string>
 
 #include "base/Date.h"
+#include "base/FilePath.h"
+#include "platform/ForeignProcesses.h"
 
 namespace tarnwick {
 
@@ -26,9 +28,18 @@ struct Session {
   Date updatedAt;
   /// Since when it rests because nothing was heard of it.
   std::optional<Date> restingSince;
-  /// What exactly the tool would do for which it waits for permission, as far as that is known; none while it
-  /// does not wait for one.
-  std::optional<std::string> request = {};
+  /// The tool's call for which it waits for permission; none while it does not wait for one.
+  struct Request {
+    std::string tool;
+    /// What exactly it would do, in one line; empty where that is not known.
+    std::string detail;
+    friend bool operator==(const Request&, const Request&) = default;
+  };
+  std::optional<Request> request = {};
+  /// The Claude Code process, where it has told.
+  std::optional<ForeignProcess> process = {};
+  /// What is said in the session, line by line as JSON; empty where it has not told.
+  FilePath transcript = {};
 
   friend bool operator==(const Session&, const Session&) = default;
 };

@@ -6,6 +6,7 @@
 #include <cerrno>
 #include <span>
 
+#include "cli/Caller.h"
 #include "cli/HookEvent.h"
 
 namespace tarnwick::HookCLI {
@@ -29,9 +30,10 @@ std::string_view readChunk(int input, std::span<char> buffer) {
 
 void run(NotificationPoster& poster, int input) {
   char buffer[16384];
-  if (const auto event = readHookEvent([&] { return readChunk(input, buffer); })) {
-    poster.post(notificationName, *event);
-  }
+  auto event = readHookEvent([&] { return readChunk(input, buffer); });
+  if (!event) return;
+  if (event->contains("session_id")) addCaller(*event);
+  poster.post(notificationName, *event);
 }
 
 void demo(NotificationPoster& poster, const std::function<void(unsigned seconds)>& sleep) {

@@ -10,18 +10,20 @@
 namespace tarnwick {
 namespace {
 
-constexpr std::string_view toolInput = "tool_input";
-constexpr std::array<std::string_view, 10> eventKeys{
+constexpr std::string_view toolInput = "tool_input", transcriptPath = "transcript_path";
+constexpr std::array<std::string_view, 11> eventKeys{
     "hook_event_name", "session_id", "cwd",
     "tool_name",       "message",    "notification_type",
     "prompt",          "error",      "last_assistant_message",
-    toolInput};
+    transcriptPath,    toolInput};
 constexpr std::array<std::string_view, 6> detailKeys{"command",     "file_path", "pattern",
                                                      "description", "url",       "query"};
 /// The key of the first question in the map, whose place in the event is tool_input.questions[0].question.
 constexpr const char* question = "question";
 constexpr size_t textLimit = 200;
 constexpr size_t detailLimit = 120;
+/// A path that is cut leads nowhere.
+constexpr size_t pathLimit = 4096;
 // Far above what any real text of that many characters takes.
 constexpr size_t byteLimit = 16384;
 // As much as can count, and the whole of the code point that the limit may cut.
@@ -72,7 +74,10 @@ class EventHandler : public JsonHandler {
     if (isCopied() || isDetail() || isQuestion()) collect(part);
     if (!isEnd) return;
     forgetValue();
-    if (isCopied()) map_[std::string(key_)] = firstCharacters(text_, textLimit, byteLimit);
+    if (isCopied()) {
+      const size_t limit = key_ == transcriptPath ? pathLimit : textLimit;
+      map_[std::string(key_)] = firstCharacters(text_, limit, byteLimit);
+    }
     if (isDetail()) detail() = firstCharacters(text_, detailLimit, byteLimit);
     if (isQuestion()) map_[question] = firstCharacters(text_, textLimit, byteLimit);
     text_.clear();

@@ -44,7 +44,8 @@ NotchModel::NotchModel(const Desktop& desktop)
       tray(desktop.scheduler, desktop.defaults),
       trayFiles(desktop.scheduler, desktop.fileIcons, desktop.fileManager, desktop.sharing),
       notes(desktop.scheduler, desktop.folders),
-      scheduler_(desktop.scheduler) {
+      scheduler_(desktop.scheduler),
+      claudeWatch_(claude, desktop.scheduler, desktop.foreignProcesses, desktop.growingFiles) {
   claude.settings = &settings;
   claude.onBanner = [this](const Banner& value, double seconds) { present(value, seconds); };
   power.onTransient = [this](const Transient& value) { show(value, powerTransientSeconds); };

@@ -12,6 +12,7 @@
 #include "base/Tab.h"
 #include "base/Transient.h"
 #include "claude/ClaudeService.h"
+#include "claude/SessionWatch.h"
 #include "services/AudioService.h"
 #include "services/BluetoothService.h"
 #include "services/CalendarService.h"
@@ -101,6 +102,7 @@ class NotchModel : public ObservableObject {
   Task transientTask_;
   Task bannerTask_;
   Subscription trayChanges_;
+  SessionWatch claudeWatch_;
 };
 
 }  // namespace tarnwick

@@ -13,6 +13,8 @@ class DisplayBrightness;
 class FileIcons;
 class FileManager;
 class Folders;
+class ForeignProcesses;
+class GrowingFiles;
 class HapticPerformer;
 class ImageDecoder;
 class MediaKeys;
@@ -50,6 +52,8 @@ struct Desktop {
   FileIcons& fileIcons;
   FileManager& fileManager;
   DeviceSharing& sharing;
+  ForeignProcesses& foreignProcesses;
+  GrowingFiles& growingFiles;
 };
 
 }  // namespace tarnwick

@@ -78,7 +78,7 @@ TEST_F(ClaudeServiceTest, WaitsForWhatIsRequestedAndKeepsTheBetterText) {
     const char* what;
     StringMap request;
     std::string activity;
-    std::optional<std::string> detail;
+    std::string detail;
     StringMap notification;
     std::string announced;
     std::string announcedDetail;
@@ -120,7 +120,7 @@ TEST_F(ClaudeServiceTest, WaitsForWhatIsRequestedAndKeepsTheBetterText) {
     send("PermissionRequest", one.request);
     EXPECT_EQ(session().phase, Phase::waiting);
     EXPECT_EQ(session().activity, one.activity);
-    EXPECT_EQ(session().request, one.detail);
+    EXPECT_EQ(session().request->detail, one.detail);
     EXPECT_TRUE(banners.empty() && desktop.sounds.played.empty()) << "the user may be looking at it";
     send("Notification", one.notification);
     ASSERT_EQ(banners.size(), 1u);

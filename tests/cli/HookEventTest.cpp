@@ -35,7 +35,8 @@ TEST(HookEvent, IsReducedToAFlatMap) {
         {"tool_name", "Bash"},
         {"message", "m"},
         {"notification_type", "n"},
-        {"prompt", "p"}}},
+        {"prompt", "p"},
+        {"transcript_path", "/t"}}},
       // Only strings are copied.
       {R"({"session_id":7,"cwd":null,"tool_name":true,"message":{"message":"x"},"prompt":["x"],
            "notification_type":1.5,"hook_event_name":"Stop"})",

@@ -59,6 +59,15 @@ class InstalledTree {
   const std::string executable = folder + "/bin/Tarnwick";
 };
 
+/// What a hook adds to an event: it was called by this program.
+StringMap calledByUs(StringMap event) {
+  event["process"] = std::to_string(::getpid());
+  // It reads "pid:[4026531836]".
+  const std::string space = fs::read_symlink("/proc/self/ns/pid");
+  event["process_namespace"] = space.substr(5, space.size() - 6);
+  return event;
+}
+
 TEST(Program, RelaysHookEvents) {
   const PrivateBus bus;
   BusListener listener(bus);
@@ -75,9 +84,9 @@ TEST(Program, RelaysHookEvents) {
   const auto signals = listener.waitFor(5);
   ASSERT_EQ(signals.size(), 5u);
   EXPECT_EQ(signals[0].member, "event");
-  EXPECT_EQ(signals[0].map, (StringMap{{"session_id", "1"}, {"prompt", "café \uFFFD"}}));
+  EXPECT_EQ(signals[0].map, calledByUs({{"session_id", "1"}, {"prompt", "café \uFFFD"}}));
   EXPECT_EQ(signals[1].map, StringMap());
-  EXPECT_EQ(signals[2].map, (StringMap{{"session_id", "3"}}));
+  EXPECT_EQ(signals[2].map, calledByUs({{"session_id", "3"}}));
   EXPECT_EQ(signals[3].member, "showcase");
   EXPECT_EQ(signals[3].map, (StringMap{{"cmd", "type"}, {"arg", "it's \uFFFD"}}));
   EXPECT_EQ(signals[4].map, (StringMap{{"cmd", "begin"}, {"arg", ""}}));
@@ -274,7 +283,7 @@ TEST(Program, IsRunByTheCommandThatItInstalls) {
   EXPECT_EQ(result.error, "");
   const auto signals = listener.waitFor(1);
   ASSERT_EQ(signals.size(), 1u);
-  EXPECT_EQ(signals[0].map, (StringMap{{"session_id", "quoted"}}));
+  EXPECT_EQ(signals[0].map, calledByUs({{"session_id", "quoted"}})) << "not by the shell";
 
   ASSERT_EQ(ChildProcess::run({tree.executable, "--uninstall-hooks"}, {"HOME=" + tree.root.path()}).status,
             0);

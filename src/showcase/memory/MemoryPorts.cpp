@@ -171,4 +171,41 @@ void MemoryCalendars::set(std::vector<CalendarEvent> events) {
   changes_.notifyObservers();
 }
 
+Subscription MemoryForeignProcesses::watch(const ForeignProcess& process, std::function<void()> ended) {
+  auto watcher = std::make_shared<std::function<void()>>(std::move(ended));
+  watchers_.emplace(process.number, watcher);
+  return Subscription(watcher);
+}
+
+std::vector<ForeignProcesses::Child> MemoryForeignProcesses::children(const ForeignProcess& process) {
+  ++looks;
+  return running[process.number];
+}
+
+void MemoryForeignProcesses::end(int32_t process) {
+  const auto [begin, last] = watchers_.equal_range(process);
+  for (auto entry = begin; entry != last; ++entry) {
+    if (const auto ended = entry->second.lock()) (*ended)();
+  }
+}
+
+Subscription MemoryGrowingFiles::follow(const FilePath& file,
+                                        std::function<void(const std::string& line)> line) {
+  auto follower = std::make_shared<std::function<void(const std::string&)>>(std::move(line));
+  followers_.emplace(file, follower);
+  return Subscription(follower);
+}
+
+void MemoryGrowingFiles::append(const FilePath& file, const std::string& line) {
+  const auto [begin, last] = followers_.equal_range(file);
+  for (auto entry = begin; entry != last; ++entry) {
+    if (const auto follower = entry->second.lock()) (*follower)(line);
+  }
+}
+
+bool MemoryGrowingFiles::isFollowed(const FilePath& file) const {
+  const auto [begin, last] = followers_.equal_range(file);
+  return std::any_of(begin, last, [](const auto& entry) { return !entry.second.expired(); });
+}
+
 }  // namespace tarnwick

@@ -17,6 +17,8 @@
 #include "platform/FileIcons.h"
 #include "platform/FileManager.h"
 #include "platform/Folders.h"
+#include "platform/ForeignProcesses.h"
+#include "platform/GrowingFiles.h"
 #include "platform/HapticPerformer.h"
 #include "platform/ImageDecoder.h"
 #include "platform/MediaKeys.h"
@@ -307,6 +309,32 @@ class MemoryDeviceSharing : public DeviceSharing {
   std::vector<std::pair<std::string, std::vector<FilePath>>> sent;
 };
 
+class MemoryForeignProcesses : public ForeignProcesses {
+ public:
+  Subscription watch(const ForeignProcess& process, std::function<void()> ended) override;
+  std::vector<Child> children(const ForeignProcess& process) override;
+  /// It ends, unless nobody watches it.
+  void end(int32_t process);
+
+  /// By the number of the parent.
+  std::map<int32_t, std::vector<Child>> running;
+  /// How often was looked.
+  int looks = 0;
+
+ private:
+  std::multimap<int32_t, std::weak_ptr<std::function<void()>>> watchers_;
+};
+
+class MemoryGrowingFiles : public GrowingFiles {
+ public:
+  Subscription follow(const FilePath& file, std::function<void(const std::string& line)> line) override;
+  void append(const FilePath& file, const std::string& line);
+  bool isFollowed(const FilePath& file) const;
+
+ private:
+  std::multimap<FilePath, std::weak_ptr<std::function<void(const std::string&)>>> followers_;
+};
+
 /// A whole desktop in memory but for its folders, with a clock that stands still until somebody moves it.
 struct MemoryPorts {
   /// `folders` must outlive the rest.
@@ -335,6 +363,8 @@ struct MemoryPorts {
   MemoryFileIcons fileIcons;
   MemoryFileManager fileManager;
   MemoryDeviceSharing sharing;
+  MemoryForeignProcesses foreignProcesses;
+  MemoryGrowingFiles growingFiles;
 
   Desktop ports{.scheduler = scheduler,
                 .notifications = notifications,
@@ -357,7 +387,9 @@ struct MemoryPorts {
                 .appearance = appearance,
                 .fileIcons = fileIcons,
                 .fileManager = fileManager,
-                .sharing = sharing};
+                .sharing = sharing,
+                .foreignProcesses = foreignProcesses,
+                .growingFiles = growingFiles};
 };
 
 }  // namespace tarnwick

@@ -1,0 +1,117 @@
+#include "claude/SessionWatch.h"
+
+#include <algorithm>
+
+#include "base/Animation.h"
+#include "json/JsonValue.h"
+
+namespace tarnwick {
+namespace {
+
+/// In seconds. Nothing tells that a process has started another, so it is looked for; the less often the
+/// longer the user lets it wait.
+constexpr double firstLook = 0.25, lastLook = 10, growth = 1.1;
+
+constexpr std::string_view interruption = "[Request interrupted by user";
+
+/// Whether a line of a transcript is the entry that says so, and not one that quotes it.
+bool isInterruption(const std::string& line) {
+  if (line.find(interruption) == line.npos) return false;
+  const auto entry = parseJson(line);
+  const auto* object = entry ? entry->as<JsonObject>() : nullptr;
+  const auto* type = object ? memberOf<std::string>(*object, "type") : nullptr;
+  const auto* message = object ? memberOf<JsonObject>(*object, "message") : nullptr;
+  if (!type || *type != "user" || !message) return false;
+  const auto says = [](const std::string* text) { return text && text->starts_with(interruption); };
+  if (says(memberOf<std::string>(*message, "content"))) return true;
+  const auto* parts = memberOf<JsonArray>(*message, "content");
+  return parts && std::ranges::any_of(*parts, [&](const JsonValue& part) {
+           const auto* fields = part.as<JsonObject>();
+           return fields && says(memberOf<std::string>(*fields, "text"));
+         });
+}
+
+/// Whether the command stands in the arguments, which quote it for a shell: what is between its own quotes
+/// and line breaks is compared, in its order.
+bool holds(std::string_view arguments, std::string_view command) {
+  bool isEmpty = true;
+  while (!command.empty()) {
+    const size_t end = std::min(command.find_first_of("'\"\\\n"), command.size());
+    const std::string_view part = command.substr(0, end);
+    const size_t found = arguments.find(part);
+    if (found == arguments.npos) return false;
+    isEmpty = isEmpty && part.empty();
+    arguments.remove_prefix(found + part.size());
+    command.remove_prefix(std::min(end + 1, command.size()));
+  }
+  return !isEmpty;
+}
+
+}  // namespace
+
+SessionWatch::SessionWatch(ClaudeService& claude, Scheduler& scheduler, ForeignProcesses& processes,
+                           GrowingFiles& files)
+    : claude_(claude),
+      scheduler_(scheduler),
+      processes_(processes),
+      files_(files),
+      changes_(claude.observe([this] { update(); })) {}
+
+void SessionWatch::update() {
+  std::erase_if(watched_, [this](const auto& entry) { return !claude_.sessions->contains(entry.first); });
+  for (const auto& [id, session] : *claude_.sessions) update(session, watched_[id]);
+}
+
+void SessionWatch::update(const Session& session, Watched& watched) {
+  const std::string& id = session.id;
+  if (watched.process != session.process) {
+    watched.process = session.process;
+    watched.end = {};
+    if (session.process)
+      watched.end = processes_.watch(*session.process,
+                                     [this, id] { withAnimation(notchClose, [&] { claude_.end(id); }); });
+  }
+  const bool isBusy = session.phase == Phase::working || session.phase == Phase::waiting;
+  const FilePath transcript = isBusy ? session.transcript : FilePath();
+  if (watched.transcript != transcript) {
+    watched.transcript = transcript;
+    watched.lines = {};
+    if (!transcript.empty()) {
+      watched.lines = files_.follow(transcript, [this, id](const std::string& line) {
+        if (isInterruption(line)) withAnimation(notchOpen, [&] { claude_.interrupt(id); });
+      });
+    }
+  }
+  await(session, watched);
+}
+
+void SessionWatch::await(const Session& session, Watched& watched) {
+  const bool isCommand = session.request && session.request->tool == "Bash";
+  const std::string command = isCommand && session.process ? session.request->detail : "";
+  if (watched.command == command) return;
+  watched.command = command;
+  watched.look = {};
+  if (command.empty()) return;
+  watched.children.clear();
+  for (const auto& child : processes_.children(*session.process)) watched.children.insert(child.number);
+  lookLater(session.id, firstLook);
+}
+
+void SessionWatch::lookLater(const std::string& id, double pause) {
+  watched_[id].look = scheduler_.after(pause, [this, id, pause] {
+    if (runsCommand(watched_[id])) {
+      withAnimation(notchOpen, [&] { claude_.resume(id); });
+    } else {
+      lookLater(id, std::min(pause * growth, lastLook));
+    }
+  });
+}
+
+bool SessionWatch::runsCommand(const Watched& watched) const {
+  const auto children = processes_.children(*watched.process);
+  return std::ranges::any_of(children, [&](const auto& child) {
+    return !watched.children.contains(child.number) && holds(child.arguments, watched.command);
+  });
+}
+
+}  // namespace tarnwick

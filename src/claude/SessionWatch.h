@@ -1,0 +1,48 @@
+#pragma once
+#include <map>
+#include <set>
+#include <string>
+
+#include "claude/ClaudeService.h"
+#include "platform/ForeignProcesses.h"
+#include "platform/GrowingFiles.h"
+
+namespace tarnwick {
+
+/// Learns of the sessions what no hook tells: that a permission was granted, from the command that then runs;
+/// that the user has refused or interrupted, from the transcript; that the program has ended. Where none of
+/// it can be known, the hooks' events are all there is.
+class SessionWatch {
+ public:
+  /// All arguments must outlive it.
+  SessionWatch(ClaudeService& claude, Scheduler& scheduler, ForeignProcesses& processes, GrowingFiles& files);
+
+ private:
+  struct Watched {
+    std::optional<ForeignProcess> process;
+    Subscription end;
+    /// Empty while it is not followed.
+    FilePath transcript;
+    Subscription lines;
+    /// The command that is waited for; empty: none is.
+    std::string command;
+    /// The children that there were when the wait began.
+    std::set<int32_t> children;
+    Task look;
+  };
+
+  void update();
+  void update(const Session& session, Watched& watched);
+  void await(const Session& session, Watched& watched);
+  void lookLater(const std::string& id, double pause);
+  bool runsCommand(const Watched& watched) const;
+
+  ClaudeService& claude_;
+  Scheduler& scheduler_;
+  ForeignProcesses& processes_;
+  GrowingFiles& files_;
+  std::map<std::string, Watched> watched_;
+  Subscription changes_;
+};
+
+}  // namespace tarnwick
