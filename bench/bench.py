@@ -285,6 +285,7 @@ def pages(desktop):
 def typing(desktop):
     """From a key's press to its first pixel in the notes."""
     desktop.open_page("notes")
+    time.sleep(0.5)
     middle = desktop.size[0] // 2
     desktop.move_pointer(middle, 100)
     desktop.click()

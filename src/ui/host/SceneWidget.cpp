@@ -51,7 +51,7 @@ Key keyOf(int key) {
 }
 
 /// Seconds between two frames of what repeats for ever.
-constexpr double endlessInterval = 1.0 / 30;
+constexpr double endlessInterval = 1.0 / 16;
 
 }  // namespace
 
