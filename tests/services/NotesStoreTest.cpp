@@ -145,5 +145,36 @@ TEST_F(NotesStoreTest, WhatCannotBeWrittenIsKeptAndTriedAgain) {
   }
 }
 
+TEST_F(NotesStoreTest, WhatCouldNotBeWrittenIsTriedAgain) {
+  // In the way of what is written first.
+  const std::string obstacle = folder + "/notes.txt.new-tarnwick";
+  struct {
+    const char* what;
+    std::function<void(NotesStore&)> then;
+  } const cases[] = {{"by itself", [&](NotesStore&) { pass(11); }},
+                     {"with the next pause",
+                      [&](NotesStore& notes) {
+                        notes.setText("new");
+                        pass(0.5);
+                      }},
+                     {"at the end", [](NotesStore& notes) { notes.flush(); }}};
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.what);
+    NotesStore notes(desktop.scheduler, desktop.folders);
+    notes.setText("old");
+    pass(1);
+    std::filesystem::create_directory(obstacle);
+    notes.setText("new");
+    pass(1);
+    EXPECT_EQ(saved(), "old");
+    EXPECT_EQ(notes.text(), "new");
+    std::filesystem::remove(obstacle);
+    c.then(notes);
+    EXPECT_EQ(saved(), "new");
+    pass(20);
+    EXPECT_EQ(desktop.scheduler.nextDue(), std::nullopt);
+  }
+}
+
 }  // namespace
 }  // namespace tarnwick

@@ -42,8 +42,11 @@ void Menus::close() {
   if (!open_) return;
   const Open closed = *open_;
   show(std::nullopt);
-  if (Node* opener = closed.opener) scene_.input().focus(*opener, closed.byKey);
-  if (Host* host = scene_.host()) host->giveBackKeyboard();
+  Node* const opener = closed.opener;
+  const auto interaction = opener ? opener->attributes.interaction : nullptr;
+  const bool isWrittenIn = interaction && interaction->role == Role::textField;
+  if (opener) scene_.input().focus(*opener, closed.byKey);
+  if (Host* host = scene_.host(); host && !isWrittenIn) host->giveBackKeyboard();
 }
 
 void Menus::show(std::optional<Open> open) {

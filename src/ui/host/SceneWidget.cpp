@@ -135,6 +135,12 @@ void SceneWidget::mousePressEvent(QMouseEvent* event) {
     scene_.input().pressed(fromQt(event->position()), *button, fromQt(event->modifiers()));
 }
 
+void SceneWidget::openMenuAt(QPointF global) {
+  const Point place = fromQt(mapFromGlobal(global));
+  scene_.input().pressed(place, PointerButton::secondary);
+  scene_.input().released(place, PointerButton::secondary);
+}
+
 void SceneWidget::mouseReleaseEvent(QMouseEvent* event) {
   if (const auto button = fromQt(event->button()))
     scene_.input().released(fromQt(event->position()), *button, fromQt(event->modifiers()));

@@ -48,6 +48,10 @@ class SceneWidget : public QWidget, public Host {
   /// The scene has a focus of its own, which Tab moves.
   bool focusNextPrevChild(bool) override { return false; }
 
+  /// The click of the secondary button on an editor: the menu takes its place before the button is released, and
+  /// the toolkit would tell nobody of that.
+  void openMenuAt(QPointF global);
+
  private:
   double frameInterval() const;
   void scheduleFrame();

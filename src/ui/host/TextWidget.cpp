@@ -47,7 +47,7 @@ class TextWidget::Edit : public QPlainTextEdit {
     }
   }
   void mousePressEvent(QMouseEvent* event) override {
-    if (event->button() == Qt::RightButton) return event->ignore();
+    if (event->button() == Qt::RightButton) return scene_.openMenuAt(event->globalPosition());
     QPlainTextEdit::mousePressEvent(event);
     // A click alone does not bring the keyboard to the window.
     scene_.takeKeyboard();
