@@ -164,10 +164,27 @@ void SceneWidget::hideEvent(QHideEvent*) {
 
 void SceneWidget::keyPressEvent(QKeyEvent* event) {
   const Key key = keyOf(event->key());
+  const bool isOurs = key == Key::tab || key == Key::escape || key == Key::menu;
+  if (writing_ && !isOurs && !scene_.floating()) {
+    handToEditor(*event);
+    return;
+  }
   const bool used = scene_.input().key({key, event->text().toStdString(), fromQt(event->modifiers())});
   event->setAccepted(used);
   if (!used && key == Key::escape) giveBackKeyboard();
 }
+
+void SceneWidget::inputMethodEvent(QInputMethodEvent* event) {
+  if (writing_) handToEditor(*event);
+}
+
+void SceneWidget::setWriting(QWidget* editor) {
+  writing_ = editor;
+  setAttribute(Qt::WA_InputMethodEnabled, editor != nullptr);
+}
+
+/// Not by the application, which would bring back what the editor has no use for.
+void SceneWidget::handToEditor(QEvent& event) { static_cast<QObject*>(writing_)->event(&event); }
 
 void SceneWidget::setCursor(Cursor cursor) {
   const auto shape = [=] {

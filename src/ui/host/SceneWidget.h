@@ -1,4 +1,5 @@
 #pragma once
+#include <QPointer>
 #include <QRegion>
 #include <QWidget>
 #include <functional>
@@ -43,16 +44,21 @@ class SceneWidget : public QWidget, public Host {
   void wheelEvent(QWheelEvent* event) override;
   void hideEvent(QHideEvent* event) override;
   void keyPressEvent(QKeyEvent* event) override;
+  void inputMethodEvent(QInputMethodEvent* event) override;
   void focusInEvent(QFocusEvent* event) override;
   void focusOutEvent(QFocusEvent* event) override;
   /// The scene has a focus of its own, which Tab moves.
   bool focusNextPrevChild(bool) override { return false; }
 
-  /// The click of the secondary button on an editor: the menu takes its place before the button is released, and
-  /// the toolkit would tell nobody of that.
+  /// The click of the secondary button on an editor: the menu takes its place before the button is released,
+  /// and the toolkit would tell nobody of that.
   void openMenuAt(QPointF global);
 
  private:
+  /// Has what is typed go to an editor that cannot have the focus yet, as something moves it; null: no more.
+  void setWriting(QWidget* editor);
+  void handToEditor(QEvent& event);
+
   double frameInterval() const;
   void scheduleFrame();
   void runFrameAt(double time);
@@ -61,6 +67,7 @@ class SceneWidget : public QWidget, public Host {
 
   Scheduler& scheduler_;
   Scene scene_;
+  QPointer<QWidget> writing_;
   Task next_;
   double nextTime_ = 0;
   /// When the frames so far would end at the screen's rate; what changed nothing to be seen does not count.

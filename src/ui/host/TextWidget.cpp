@@ -104,10 +104,11 @@ void TextWidget::place(const Rect& frame, bool shown) {
   if (shown == !edit_->isHidden()) return;
   if (!shown && edit_->hasFocus()) {
     scene_.setFocus();
-    returnsToFocus_ = true;
+    setReturnsToFocus(true);
   }
   edit_->setVisible(shown);
-  if (shown && std::exchange(returnsToFocus_, false) && scene_.hasFocus()) edit_->setFocus();
+  if (shown && returnsToFocus_ && scene_.hasFocus()) edit_->setFocus();
+  if (shown) setReturnsToFocus(false);
 }
 
 QImage TextWidget::picture(double scale) {
@@ -120,11 +121,16 @@ QImage TextWidget::picture(double scale) {
 }
 
 void TextWidget::setFocused(bool focused) {
-  returnsToFocus_ = focused && edit_->isHidden();
+  setReturnsToFocus(focused && edit_->isHidden());
   if (focused == edit_->hasFocus()) return;
   if (!focused) return scene_.setFocus();
   edit_->isHidden() ? scene_.setFocus() : edit_->setFocus();
   scene_.takeKeyboard();
+}
+
+void TextWidget::setReturnsToFocus(bool returns) {
+  returnsToFocus_ = returns;
+  scene_.setWriting(returns ? edit_ : nullptr);
 }
 
 std::vector<MenuItem> TextWidget::menu() {

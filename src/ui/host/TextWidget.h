@@ -23,6 +23,8 @@ class TextWidget : public HostedText {
 
  private:
   class Edit;
+  void setReturnsToFocus(bool returns);
+
   SceneWidget& scene_;
   Edit* const edit_;
   std::optional<Font> font_;
