@@ -74,7 +74,8 @@ void AppDelegate::applicationDidFinishLaunching(bool withSettings) {
                         .fileManager = fileManager_,
                         .sharing = sharing_,
                         .foreignProcesses = foreignProcesses_,
-                        .growingFiles = growingFiles_};
+                        .growingFiles = growingFiles_,
+                        .activation = display_->activation()};
   controller_ =
       std::make_unique<NotchController>(desktop, [this](NotchModel& model) { return makePanel(model); });
   settings_.emplace(

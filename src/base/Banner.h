@@ -20,6 +20,8 @@ struct Banner {
   std::optional<CrabMood> crab;
   /// What exactly it is about, such as a command: shown beside the subtitle, as far as there is room.
   std::string detail = {};
+  /// The session that it is about; empty when it is about none.
+  std::string session = {};
 
   friend bool operator==(const Banner&, const Banner&) = default;
 };

@@ -7,6 +7,7 @@
 #include "base/DisplayText.h"
 #include "base/L10n.h"
 #include "base/LastPathComponent.h"
+#include "base/TerminalVariables.h"
 
 namespace tarnwick {
 namespace {
@@ -78,6 +79,15 @@ std::optional<ForeignProcess> processOf(const StringMap& event) {
   return isKnown ? std::optional(process) : std::nullopt;
 }
 
+StringMap terminalOf(const StringMap& event) {
+  StringMap terminal;
+  for (const char* name : terminalVariables) {
+    const auto value = valueOf(event, name);
+    if (value && value->size() <= longestTerminalValue) terminal[name] = *value;
+  }
+  return terminal;
+}
+
 std::string thinking() { return tr("Thinking…", "Réfléchit…"); }
 
 }  // namespace
@@ -120,7 +130,8 @@ void ClaudeService::announce(const char* icon, Color tint, const Session& sessio
               .title = session.project,
               .subtitle = session.activity,
               .crab = crab,
-              .detail = session.request ? session.request->detail : ""},
+              .detail = session.request ? session.request->detail : "",
+              .session = session.id},
              seconds);
   }
   if (!settings || settings->claudeSounds) sounds_.play(sound);
@@ -141,6 +152,7 @@ void ClaudeService::handle(const StringMap& event) {
   session.restingSince.reset();
   session.process = processOf(event);
   session.transcript = valueOf(event, "transcript_path").value_or("");
+  session.terminal = terminalOf(event);
   const auto requested = std::exchange(session.request, std::nullopt);
 
   if (name == "SessionStart") {

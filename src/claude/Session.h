@@ -5,6 +5,7 @@
 #include "base/Date.h"
 #include "base/FilePath.h"
 #include "platform/ForeignProcesses.h"
+#include "platform/NotificationCenter.h"
 
 namespace tarnwick {
 
@@ -40,6 +41,8 @@ struct Session {
   std::optional<ForeignProcess> process = {};
   /// What is said in the session, line by line as JSON; empty where it has not told.
   FilePath transcript = {};
+  /// What its environment tells of its terminal, by the names of the variables. Others have written it.
+  StringMap terminal = {};
 
   friend bool operator==(const Session&, const Session&) = default;
 };

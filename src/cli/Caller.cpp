@@ -11,6 +11,8 @@
 #include <string_view>
 
 #include "base/Descriptor.h"
+#include "base/Environment.h"
+#include "base/TerminalVariables.h"
 
 namespace tarnwick {
 namespace {
@@ -44,6 +46,10 @@ std::optional<Process> processWith(pid_t number) {
 }  // namespace
 
 void addCaller(StringMap& event) {
+  for (const char* name : terminalVariables) {
+    const std::string_view value = environment(name);
+    if (!value.empty() && value.size() <= longestTerminalValue) event[name] = value;
+  }
   pid_t number = ::getppid();
   for (int step = 0; step < mostShells; ++step) {
     const auto process = processWith(number);

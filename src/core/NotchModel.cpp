@@ -35,6 +35,7 @@ NotchModel::NotchModel(const Desktop& desktop)
       brightness(desktop.brightness),
       settings(desktop.defaults),
       claude(desktop.scheduler, desktop.sounds),
+      terminals(desktop.scheduler, desktop.foreignProcesses, desktop.processes, desktop.activation),
       media({desktop.scheduler, desktop.folders, desktop.processes, desktop.applications, desktop.images,
              desktop.log}),
       audio(desktop.audioDevices),
@@ -48,6 +49,10 @@ NotchModel::NotchModel(const Desktop& desktop)
       claudeWatch_(claude, desktop.scheduler, desktop.foreignProcesses, desktop.growingFiles) {
   claude.settings = &settings;
   claude.onBanner = [this](const Banner& value, double seconds) { present(value, seconds); };
+  terminals.onLeave = [this] {
+    dismissBanner();
+    collapse();
+  };
   power.onTransient = [this](const Transient& value) { show(value, powerTransientSeconds); };
   power.onBanner = [this](const Banner& value, double seconds) { present(value, seconds); };
   bluetooth.onTransient = [this](const Transient& value, double seconds) { return show(value, seconds); };
@@ -114,6 +119,12 @@ void NotchModel::present(const Banner& value, double seconds) {
 void NotchModel::dismissBanner() {
   bannerTask_.cancel();
   withAnimation(notchClose, [this] { banner = std::nullopt; });
+}
+
+void NotchModel::followBanner() {
+  const auto session = *banner ? claude.sessions->find(banner.get()->session) : claude.sessions->end();
+  const bool canVisit = session != claude.sessions->end() && terminals.canVisit(session->second);
+  if (!canVisit || !terminals.visit(session->second)) expand();
 }
 
 void NotchModel::expand(std::optional<Tab> on) {

@@ -13,6 +13,7 @@
 #include "base/Transient.h"
 #include "claude/ClaudeService.h"
 #include "claude/SessionWatch.h"
+#include "claude/TerminalVisits.h"
 #include "services/AudioService.h"
 #include "services/BluetoothService.h"
 #include "services/CalendarService.h"
@@ -60,6 +61,7 @@ class NotchModel : public ObservableObject {
   DisplayBrightness& brightness;
   AppSettings settings;
   ClaudeService claude;
+  TerminalVisits terminals;
   MediaService media;
   AudioService audio;
   PowerService power;
@@ -82,6 +84,8 @@ class NotchModel : public ObservableObject {
   /// body.
   void present(const Banner& value, double seconds);
   void dismissBanner();
+  /// A click on the banner: goes to the terminal of the session that it is about, else opens the body.
+  void followBanner();
   /// Opens the body: on the given tab, else on the sessions when one of them calls, else on the tab of
   /// before.
   void expand(std::optional<Tab> on = std::nullopt);

@@ -25,6 +25,7 @@ class Screens;
 class SoundPlayer;
 class SystemLog;
 class UserDefaults;
+class WindowActivation;
 class WindowList;
 
 /// The desktop that the program runs on: one implementation of each port. All of them outlive whatever uses
@@ -54,6 +55,7 @@ struct Desktop {
   DeviceSharing& sharing;
   ForeignProcesses& foreignProcesses;
   GrowingFiles& growingFiles;
+  WindowActivation& activation;
 };
 
 }  // namespace tarnwick

@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "base/FilePath.h"
 #include "base/ObservableObject.h"
 
 namespace tarnwick {
@@ -32,6 +33,12 @@ class ForeignProcesses {
   virtual Subscription watch(const ForeignProcess& process, std::function<void()> ended) = 0;
   /// The processes that it has started and that run; none when it is not known.
   virtual std::vector<Child> children(const ForeignProcess& process) = 0;
+  /// Its number, that of its parent and so on; empty when it is not known.
+  virtual std::vector<int32_t> ancestors(const ForeignProcess& process) = 0;
+  /// A variable of the environment that it was started with; empty when it has none or is not known.
+  virtual std::string variable(const ForeignProcess& process, const std::string& name) = 0;
+  /// Whether that absolute path is a socket of the user's.
+  virtual bool isOwnSocket(const FilePath& path) = 0;
 };
 
 }  // namespace tarnwick

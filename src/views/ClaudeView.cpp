@@ -30,7 +30,7 @@ View noSessions() {
       .frame({.maxWidth = infinity, .maxHeight = infinity});
 }
 
-View list(const ClaudeService& claude) {
+View list(const ClaudeService& claude, TerminalVisits& terminals) {
   const auto sessions = std::make_shared<const std::vector<Session>>(claude.ordered());
   return ScrollView(Axis::vertical,
                     LazyVStack({
@@ -39,8 +39,8 @@ View list(const ClaudeService& claude) {
                         .spacing = 2,
                         .key = [sessions](size_t row) { return (*sessions)[row].id; },
                         .item =
-                            [sessions](size_t row) {
-                              return sessionRow((*sessions)[row])
+                            [sessions, &terminals](size_t row) {
+                              return sessionRow((*sessions)[row], terminals)
                                   .transition(notchContent(0.04 * double(row), UnitPoint::top));
                             },
                     }))
@@ -61,8 +61,8 @@ bool isClearable(const Session& session) {
 
 }  // namespace
 
-View claudeView(ClaudeService& claude) {
-  return observing([&claude] {
+View claudeView(ClaudeService& claude, TerminalVisits& terminals) {
+  return observing([&claude, &terminals] {
     const std::vector<Session>& sessions = claude.ordered();
     if (sessions.empty()) return noSessions().id("none").transition(Transition::opacity());
     std::vector<Phase> phases;
@@ -71,7 +71,7 @@ View claudeView(ClaudeService& claude) {
     if (std::ranges::any_of(sessions, isClearable)) {
       buttonRow = HStack({}, {Spacer(), clearButton(claude)}).transition(Transition::opacity());
     }
-    return VStack({.spacing = 6}, {list(claude), buttonRow})
+    return VStack({.spacing = 6}, {list(claude, terminals), buttonRow})
         .animation(listChange, phases)
         .id("list")
         .transition(Transition::opacity());

@@ -20,7 +20,7 @@ View page(NotchModel& model, Namespace names) {
     case Tab::audio:
       return audioView(model);
     case Tab::claude:
-      return claudeView(model.claude);
+      return claudeView(model.claude, model.terminals);
     case Tab::tray:
       return trayView(model);
     case Tab::notes:

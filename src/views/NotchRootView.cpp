@@ -81,7 +81,7 @@ View surface(NotchModel& model, Namespace names, const std::function<void()>& op
         model.collapse();
         return true;
       })
-      .onTap([&model] { withAnimation(notchOpen, [&] { model.expand(); }); }, !expanded)
+      .onTap([&model] { withAnimation(notchOpen, [&] { model.followBanner(); }); }, !expanded)
       .id(surfaceId);
 }
 

@@ -51,6 +51,14 @@ View texts(const Session& session) {
   return VStack({.spacing = 1, .align = Align::leading}, {project, activity});
 }
 
+/// What the pointer does with a row.
+struct Pointed {
+  bool hovering = false;
+  /// Asked for when the pointer comes.
+  bool canVisit = false;
+  friend bool operator==(const Pointed&, const Pointed&) = default;
+};
+
 }  // namespace
 
 std::string elapsedText(const Session& session, Date now) {
@@ -61,26 +69,45 @@ std::string elapsedText(const Session& session, Date now) {
   return tr(minutes + " min ago", "il y a " + minutes + " min");
 }
 
-View sessionRow(const Session& session) {
-  return stateful(false, [session](State<bool> hovering) {
-    return HStack({.spacing = 10},
-                  {
-                      ZStack(UnitPoint::center, {phaseIndicator(session.phase)}).frame({.width = 20}),
-                      texts(session),
-                      Spacer(),
-                      everySecond([session](Date now) {
-                        return Text(elapsedText(session, now))
-                            .font({11, Weight::medium})
-                            .monospacedDigits()
-                            .foreground(white(0.45));
-                      }),
-                  })
-        .padding(Edge::horizontal, 10)
-        .frame({.height = sessionRowHeight})
-        .background(RoundedRectangle(10).fill(white(hovering ? 0.07 : 0.03)))
-        .animation(easeOut(0.15), hovering.get())
-        .onHover(hovering)
-        .accessibility(Role::text, session.project + ": " + session.activity);
+View sessionRow(const Session& session, TerminalVisits& terminals) {
+  return stateful(Pointed(), [session, &terminals](State<Pointed> pointed) {
+    const bool hovering = pointed.get().hovering;
+    const bool canVisit = pointed.get().canVisit && *terminals.failed != session.id;
+    View arrow;
+    if (hovering && canVisit) {
+      arrow = Symbol("arrow.up.forward.square")
+                  .font({13})
+                  .foreground(white(0.7))
+                  .transition(Transition::opacity());
+    }
+    const View row =
+        HStack({.spacing = 10},
+               {
+                   ZStack(UnitPoint::center, {phaseIndicator(session.phase)}).frame({.width = 20}),
+                   texts(session),
+                   Spacer(),
+                   everySecond([session](Date now) {
+                     return Text(elapsedText(session, now))
+                         .font({11, Weight::medium})
+                         .monospacedDigits()
+                         .foreground(white(0.45));
+                   }),
+                   arrow,
+               })
+            .padding(Edge::horizontal, 10)
+            .frame({.height = sessionRowHeight})
+            .background(RoundedRectangle(10).fill(white(hovering ? 0.07 : 0.03)))
+            .animation(easeOut(0.15), std::pair(hovering, canVisit))
+            .contentShape(RoundedRectangle(10))
+            .onHover([session, &terminals, pointed](bool isInside) {
+              pointed.set({isInside, isInside && terminals.canVisit(session)});
+            })
+            .onTap([session, &terminals] { terminals.visit(session); }, session.process.has_value())
+            .accessibility(session.process ? Role::button : Role::text,
+                           session.project + ": " + session.activity);
+    if (!hovering || canVisit) return row;
+    return row.tooltip(
+        tr("Its terminal cannot be brought forward", "Son terminal ne peut pas être mis au premier plan"));
   });
 }
 

@@ -74,7 +74,9 @@ TEST(Program, RelaysHookEvents) {
   expectSilence({"--hook"}, at(bus.address()), R"({"session_id":"1","prompt":"caf\u00e9 \u0000","cwd":7})");
   // It wins over every other role; the address may be the last of several, or come from the runtime folder.
   expectSilence({"--demo", "--install-hooks", "--hook"}, at("unix:path=/none;" + bus.address()), "{}");
-  expectSilence({"--hook"}, {"DBUS_SESSION_BUS_ADDRESS=unix:path=/none", "XDG_RUNTIME_DIR=" + bus.folder()},
+  expectSilence({"--hook"},
+                {"DBUS_SESSION_BUS_ADDRESS=unix:path=/none", "XDG_RUNTIME_DIR=" + bus.folder(), "WINDOWID=12",
+                 "TMUX_PANE=%3", "STY=", "TMUX=" + std::string(257, '/')},
                 R"({"session_id":"3"})");
   expectSilence({"--hook"}, at(bus.address()), "[]");
   expectSilence({"--hook"}, at(bus.address()), R"({"session_id":"not JSON)");
@@ -86,7 +88,7 @@ TEST(Program, RelaysHookEvents) {
   EXPECT_EQ(signals[0].member, "event");
   EXPECT_EQ(signals[0].map, calledByUs({{"session_id", "1"}, {"prompt", "café \uFFFD"}}));
   EXPECT_EQ(signals[1].map, StringMap());
-  EXPECT_EQ(signals[2].map, calledByUs({{"session_id", "3"}}));
+  EXPECT_EQ(signals[2].map, calledByUs({{"session_id", "3"}, {"WINDOWID", "12"}, {"TMUX_PANE", "%3"}}));
   EXPECT_EQ(signals[3].member, "showcase");
   EXPECT_EQ(signals[3].map, (StringMap{{"cmd", "type"}, {"arg", "it's \uFFFD"}}));
   EXPECT_EQ(signals[4].map, (StringMap{{"cmd", "begin"}, {"arg", ""}}));

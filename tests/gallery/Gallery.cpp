@@ -139,6 +139,24 @@ Exhibit over(const char* control, Exhibit prepare, bool pressed = false) {
   };
 }
 
+/// With the pointer over a row that leads to a terminal, or that does not.
+Exhibit overSession(bool leads) {
+  return [=](NotchStage& s) {
+    const StringMap known{{"cwd", "/x/shop"}, {"process", "7"}, {"process_namespace", "1"}};
+    s.desktop.foreignProcesses.families[7] = {7};
+    if (leads) s.desktop.activation.windows[7] = {1};
+    s.hook("x", "UserPromptSubmit", known);
+    fillSessions(s);
+    s.model.expand(Tab::claude);
+    s.settle();
+    const auto row = s.inspect.text("shop");
+    s.inspect.scroll(*row, {0, -60});
+    s.settle();
+    s.inspect.hover(*s.inspect.text("shop"));
+    s.settle();
+  };
+}
+
 std::vector<Exhibit> homeAndAudio() {
   const auto nothing = [](NotchStage&) {};
   return {open(Tab::home, playTrack),
@@ -242,7 +260,9 @@ std::vector<Exhibit> opened() {
           },
           open(Tab::claude, [](NotchStage&) {}),
           open(Tab::claude, fillSessions),
-          open(Tab::claude, charged, 200)};
+          open(Tab::claude, charged, 200),
+          overSession(true),
+          overSession(false)};
 }
 
 /// The exhibits in two columns, on something like a wallpaper.

@@ -120,6 +120,59 @@ TEST(ClaudeView, LetsRowsEnterOneAfterTheOther) {
   EXPECT_EQ(stage.inspect.text("first")->opacity(), 1);
 }
 
+TEST(SessionRow, LeadsToItsTerminalByClickAndKeyWhereThatIsPossible) {
+  const ForcedLanguage english("en");
+  NotchStage stage;
+  stage.desktop.foreignProcesses.families[7] = {7, 6};
+  stage.hook("a", "UserPromptSubmit",
+             {{"cwd", "/home/me/shop"}, {"process", "7"}, {"process_namespace", "1"}});
+  const char* const arrow = "arrow.up.forward.square";
+  const auto row = [&] { return *stage.inspect.control("shop: Thinking…"); };
+  const auto& forward = stage.desktop.activation.broughtForward;
+
+  openSessions(stage);
+  stage.inspect.hover(row());
+  stage.settle();
+  EXPECT_FALSE(stage.inspect.symbol(arrow));
+  stage.inspect.tap(row());
+  EXPECT_TRUE(stage.model.isExpanded) << "its terminal has no window";
+
+  stage.desktop.activation.windows[6] = {66};
+  const auto isFocused = [&] {
+    const auto focused = stage.inspect.focused();
+    return focused && focused->interaction()->accessibilityName == "shop: Thinking…";
+  };
+  for (int step = 0; step < 12 && !isFocused(); ++step) stage.inspect.key(ui::Key::tab);
+  stage.inspect.key(ui::Key::enter);
+  EXPECT_THAT(forward, ElementsAre(66));
+  EXPECT_FALSE(stage.model.isExpanded);
+
+  stage.settle();
+  openSessions(stage);
+  stage.inspect.hover(row());
+  stage.settle();
+  EXPECT_TRUE(stage.inspect.symbol(arrow));
+  stage.inspect.tap(row());
+  EXPECT_THAT(forward, ElementsAre(66, 66));
+}
+
+TEST(BannerView, LeadsToTheTerminalWhereThatIsPossible) {
+  NotchStage stage;
+  const StringMap call{{"message", "Look here"}, {"process", "7"}, {"process_namespace", "1"}};
+  stage.desktop.foreignProcesses.families[7] = {7};
+  stage.desktop.activation.windows[7] = {66};
+  stage.hook("a", "Notification", call);
+  stage.model.followBanner();
+  EXPECT_THAT(stage.desktop.activation.broughtForward, ElementsAre(66));
+  EXPECT_EQ(stage.model.presentation(), Presentation::claude);
+
+  stage.desktop.activation.windows.clear();
+  stage.hook("a", "Notification", call);
+  stage.model.followBanner();
+  EXPECT_EQ(stage.model.tab, Tab::claude);
+  EXPECT_TRUE(stage.model.isExpanded);
+}
+
 TEST(SessionRow, TellsHowLongItTookOrHowLongAgo) {
   const Date start{1000};
   struct {
@@ -144,8 +197,12 @@ TEST(SessionRow, TellsHowLongItTookOrHowLongAgo) {
 }
 
 TEST(SessionRow, CountsUpEachSecond) {
+  MemoryDesktop desktop;
+  TerminalVisits terminals(desktop.scheduler, desktop.foreignProcesses, desktop.processes,
+                           desktop.activation);
   ui::Stage stage(sessionRow(
-      {.id = "a", .project = "shop", .phase = Phase::working, .startedAt = VirtualScheduler().now()}));
+      {.id = "a", .project = "shop", .phase = Phase::working, .startedAt = VirtualScheduler().now()},
+      terminals));
   EXPECT_TRUE(stage.inspect.text("0s"));
   stage.play(2.6);
   EXPECT_THAT(stage.inspect.texts(), testing::AnyOf(Contains("2s"), Contains("3s")));

@@ -6,6 +6,7 @@
 
 #include <QSocketNotifier>
 #include <algorithm>
+#include <charconv>
 #include <filesystem>
 #include <fstream>
 
@@ -14,7 +15,7 @@
 namespace tarnwick {
 namespace {
 
-constexpr size_t longestArguments = 8192;
+constexpr size_t longestArguments = 8192, longestEnvironment = 256 << 10, mostAncestors = 32;
 
 std::string folderOf(int32_t process) { return "/proc/" + std::to_string(process); }
 
@@ -48,13 +49,31 @@ struct Watcher {
   QSocketNotifier* notifier = nullptr;
 };
 
-std::string argumentsOf(int32_t process) {
-  std::ifstream file(folderOf(process) + "/cmdline", std::ios::binary);
-  std::string text(longestArguments, '\0');
+std::string beginning(const std::string& path, size_t length) {
+  std::ifstream file(path, std::ios::binary);
+  std::string text(length, '\0');
   file.read(text.data(), static_cast<std::streamsize>(text.size()));
   text.resize(static_cast<size_t>(file.gcount()));
-  std::ranges::replace_if(text, [](char c) { return c == '\0' || c == '\n'; }, ' ');
   return text;
+}
+
+std::string argumentsOf(int32_t process) {
+  std::string text = beginning(folderOf(process) + "/cmdline", longestArguments);
+  std::ranges::replace_if(
+      text, [](char c) { return c == '\0' || c == '\n'; }, ' ');
+  return text;
+}
+
+/// 0 when it has none here.
+int32_t parentOf(int32_t process) {
+  // A name may hold brackets and blanks; nothing behind it does.
+  const std::string line = beginning(folderOf(process) + "/stat", 512);
+  const size_t end = line.rfind(')');
+  int32_t parent = 0;
+  if (end != line.npos && line.size() > end + 4) {
+    std::from_chars(line.data() + end + 4, line.data() + line.size(), parent);
+  }
+  return parent;
 }
 
 }  // namespace
@@ -74,6 +93,28 @@ std::vector<ForeignProcesses::Child> ProcProcesses::children(const ForeignProces
     for (int32_t number; numbers >> number;) children.push_back({number, argumentsOf(number)});
   }
   return children;
+}
+
+std::vector<int32_t> ProcProcesses::ancestors(const ForeignProcess& process) {
+  std::vector<int32_t> ancestors;
+  if (!isKnown(process)) return ancestors;
+  for (int32_t next = process.number; next > 1 && ancestors.size() < mostAncestors; next = parentOf(next))
+    ancestors.push_back(next);
+  return ancestors;
+}
+
+std::string ProcProcesses::variable(const ForeignProcess& process, const std::string& name) {
+  if (!isKnown(process)) return "";
+  const std::string environment = '\0' + beginning(folderOf(process.number) + "/environ", longestEnvironment);
+  const std::string start = '\0' + name + '=';
+  const size_t found = environment.find(start);
+  return found == environment.npos ? "" : environment.c_str() + found + start.size();
+}
+
+bool ProcProcesses::isOwnSocket(const FilePath& path) {
+  struct stat socket;
+  return path.starts_with('/') && ::stat(path.c_str(), &socket) == 0 && S_ISSOCK(socket.st_mode) &&
+         socket.st_uid == ::geteuid();
 }
 
 }  // namespace tarnwick

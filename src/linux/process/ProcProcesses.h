@@ -9,6 +9,9 @@ class ProcProcesses : public ForeignProcesses {
  public:
   Subscription watch(const ForeignProcess& process, std::function<void()> ended) override;
   std::vector<Child> children(const ForeignProcess& process) override;
+  std::vector<int32_t> ancestors(const ForeignProcess& process) override;
+  std::string variable(const ForeignProcess& process, const std::string& name) override;
+  bool isOwnSocket(const FilePath& path) override;
 };
 
 }  // namespace tarnwick

@@ -9,6 +9,8 @@ class X11WindowActivation : public WindowActivation {
  public:
   explicit X11WindowActivation(X11Connection& connection) : connection_(connection) {}
   bool bringForward(const std::vector<std::string>& names) override;
+  std::optional<uint32_t> windowOf(uint32_t told, const std::vector<int32_t>& processes) override;
+  void bringForward(uint32_t window) override;
 
  private:
   X11Connection& connection_;

@@ -208,4 +208,15 @@ bool MemoryGrowingFiles::isFollowed(const FilePath& file) const {
   return std::any_of(begin, last, [](const auto& entry) { return !entry.second.expired(); });
 }
 
+std::optional<uint32_t> MemoryWindowActivation::windowOf(uint32_t told,
+                                                         const std::vector<int32_t>& processes) {
+  for (const int32_t process : processes) {
+    if (std::ranges::count(windows[process], told) > 0) return told;
+  }
+  for (const int32_t process : processes) {
+    if (!windows[process].empty()) return windows[process].back();
+  }
+  return std::nullopt;
+}
+
 }  // namespace tarnwick

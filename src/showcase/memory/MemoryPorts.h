@@ -1,6 +1,7 @@
 #pragma once
 #include <cmath>
 #include <map>
+#include <set>
 #include <string>
 #include <variant>
 #include <vector>
@@ -28,6 +29,7 @@
 #include "platform/Screens.h"
 #include "platform/SoundPlayer.h"
 #include "platform/SystemLog.h"
+#include "platform/WindowActivation.h"
 #include "platform/WindowList.h"
 #include "showcase/memory/MemoryProcesses.h"
 #include "showcase/memory/VirtualScheduler.h"
@@ -202,9 +204,7 @@ class MemoryDisplayBrightness : public DisplayBrightness {
   Subscription observe(std::function<void()> onChange) override {
     return changes_.observe(std::move(onChange));
   }
-  Subscription follow(std::function<void()> onChange) override {
-    return turns_.observe(std::move(onChange));
-  }
+  Subscription follow(std::function<void()> onChange) override { return turns_.observe(std::move(onChange)); }
 
   void plug(std::optional<double> brightness) {
     value = brightness;
@@ -313,11 +313,19 @@ class MemoryForeignProcesses : public ForeignProcesses {
  public:
   Subscription watch(const ForeignProcess& process, std::function<void()> ended) override;
   std::vector<Child> children(const ForeignProcess& process) override;
+  std::vector<int32_t> ancestors(const ForeignProcess& process) override { return families[process.number]; }
+  std::string variable(const ForeignProcess& process, const std::string& name) override {
+    return variables[{process.number, name}];
+  }
+  bool isOwnSocket(const FilePath& path) override { return sockets.contains(path); }
   /// It ends, unless nobody watches it.
   void end(int32_t process);
 
   /// By the number of the parent.
   std::map<int32_t, std::vector<Child>> running;
+  std::map<int32_t, std::vector<int32_t>> families;
+  std::map<std::pair<int32_t, std::string>, std::string> variables;
+  std::set<FilePath> sockets;
   /// How often was looked.
   int looks = 0;
 
@@ -333,6 +341,17 @@ class MemoryGrowingFiles : public GrowingFiles {
 
  private:
   std::multimap<FilePath, std::weak_ptr<std::function<void(const std::string&)>>> followers_;
+};
+
+/// Windows by the process that owns them.
+class MemoryWindowActivation : public WindowActivation {
+ public:
+  bool bringForward(const std::vector<std::string>&) override { return false; }
+  std::optional<uint32_t> windowOf(uint32_t told, const std::vector<int32_t>& processes) override;
+  void bringForward(uint32_t window) override { broughtForward.push_back(window); }
+
+  std::map<int32_t, std::vector<uint32_t>> windows;
+  std::vector<uint32_t> broughtForward;
 };
 
 /// A whole desktop in memory but for its folders, with a clock that stands still until somebody moves it.
@@ -365,6 +384,7 @@ struct MemoryPorts {
   MemoryDeviceSharing sharing;
   MemoryForeignProcesses foreignProcesses;
   MemoryGrowingFiles growingFiles;
+  MemoryWindowActivation activation;
 
   Desktop ports{.scheduler = scheduler,
                 .notifications = notifications,
@@ -389,7 +409,8 @@ struct MemoryPorts {
                 .fileManager = fileManager,
                 .sharing = sharing,
                 .foreignProcesses = foreignProcesses,
-                .growingFiles = growingFiles};
+                .growingFiles = growingFiles,
+                .activation = activation};
 };
 
 }  // namespace tarnwick

@@ -24,7 +24,10 @@ class MemoryChildProcesses : public ChildProcesses {
   bool isRunning() const { return child_; }
   /// The program writes that.
   void output(const std::string& bytes);
-  void exit() { events_.onExit(); }
+  void exit() {
+    const auto tell = events_.onExit;
+    tell();
+  }
   void fail(const std::string& error) { events_.onFailure(error); }
 
   std::vector<Launch> launches;

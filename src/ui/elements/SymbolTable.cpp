@@ -24,6 +24,7 @@ constexpr Entry table[] = {
     {"airpods", {0xf003}},                              // earbuds
     {"airpodsmax", {0xf01f}},                           // headphones
     {"airpodspro", {0xf003}},                           // earbuds
+    {"arrow.up.forward.square", {0xe89e}},              // open_in_new
     {"backward.fill", {0xe020}},                        // fast_rewind
     {"battery.25percent", {0xebe0, 1, lying}},          // battery_2_bar
     {"beats.headphones", {0xf01f}},                     // headphones
