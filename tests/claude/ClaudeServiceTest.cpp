@@ -56,7 +56,7 @@ TEST_F(ClaudeServiceTest, AWholePieceOfWork) {
   ASSERT_EQ(banners.size(), 1u);
   const Banner wait = banners[0].first;
   EXPECT_EQ(wait, (Banner{wait.id, "hand.raised.fill", colors::yellow, "shop", "Permission needed: Bash",
-                          CrabMood::waiting}));
+                          CrabMood::waiting, "", "s"}));
   EXPECT_EQ(banners[0].second, 8);
   pass(4);
   send("PostToolUse", {{"cwd", "/src/shop"}, {"tool_name", "Bash"}});
@@ -67,7 +67,7 @@ TEST_F(ClaudeServiceTest, AWholePieceOfWork) {
   ASSERT_EQ(banners.size(), 2u);
   const Banner done = banners[1].first;
   EXPECT_EQ(done, (Banner{done.id, "checkmark.circle.fill", colors::green, "shop", "Done in 13s",
-                          CrabMood::happy}));
+                          CrabMood::happy, "", "s"}));
   EXPECT_EQ(banners[1].second, 5);
   EXPECT_NE(done.id, wait.id);
   EXPECT_THAT(desktop.sounds.played, ElementsAre(Sound::message, Sound::complete));
@@ -141,7 +141,8 @@ TEST_F(ClaudeServiceTest, WaitsWhenAnErrorHasStoppedIt) {
                                       .icon = "exclamationmark.triangle.fill",
                                       .tint = colors::red,
                                       .title = "Claude Code",
-                                      .subtitle = "Credit balance is too low"}));
+                                      .subtitle = "Credit balance is too low",
+                                      .session = "s"}));
   EXPECT_EQ(banners[0].second, 8);
   EXPECT_THAT(desktop.sounds.played, ElementsAre(Sound::batteryLow));
   send("StopFailure", {{"error", "server_error"}});

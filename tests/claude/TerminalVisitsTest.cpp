@@ -21,8 +21,7 @@ class TerminalVisitsTest : public testing::Test {
     desktop.foreignProcesses.sockets = {"/run/tmux,a", "/run/kitty"};
     desktop.activation.windows = {{terminal, {500, 501}}, {otherTerminal, {300}}, {9, {90}}};
     visits.onLeave = [this] {
-      EXPECT_THAT(desktop.activation.broughtForward, IsEmpty()) << "before, not after";
-      ++left;
+      EXPECT_EQ(desktop.activation.broughtForward.size(), left++) << "before, not after";
     };
   }
   static Session session(StringMap variables, std::optional<int32_t> process = client) {
@@ -51,7 +50,7 @@ class TerminalVisitsTest : public testing::Test {
       "#{client_activity} #{client_pid} #{client_control_mode} #{client_tty}";
   MemoryDesktop desktop;
   TerminalVisits visits{desktop.scheduler, desktop.foreignProcesses, desktop.processes, desktop.activation};
-  int left = 0;
+  size_t left = 0;
 };
 
 TEST_F(TerminalVisitsTest, BringsTheWindowForwardAndNoOther) {
@@ -146,6 +145,7 @@ TEST_F(TerminalVisitsTest, SelectsTheTabByTheTerminalsOwnRemoteControl) {
   for (auto [variables, program] : cases) {
     desktop.processes.launches.clear();
     desktop.activation.broughtForward.clear();
+    left = 0;
     // Of a tmux from which the terminal was started.
     variables.insert(inTmux.begin(), inTmux.end());
     EXPECT_TRUE(visits.visit(session(variables)));
