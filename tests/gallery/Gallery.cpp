@@ -146,13 +146,12 @@ Exhibit overSession(bool leads) {
     s.desktop.foreignProcesses.families[7] = {7};
     if (leads) s.desktop.activation.windows[7] = {1};
     s.hook("x", "UserPromptSubmit", known);
-    fillSessions(s);
+    s.hook("y", "Stop", {{"cwd", "/x/tarnwick"}});
     s.model.expand(Tab::claude);
     s.settle();
-    const auto row = s.inspect.text("shop");
-    s.inspect.scroll(*row, {0, -60});
-    s.settle();
     s.inspect.hover(*s.inspect.text("shop"));
+    s.settle();
+    s.inspect.hover(s.inspect.text("shop")->frame().center());
     s.settle();
   };
 }
