@@ -11,6 +11,7 @@
 #include <QFile>
 
 #include "linux/bus/BluezDevices.h"
+#include "linux/bus/DesktopDeviceSharing.h"
 #include "linux/bus/PortalAppearance.h"
 #include "linux/bus/UPowerSources.h"
 #include "linux/calendar/EvolutionCalendar.h"
@@ -324,12 +325,14 @@ TEST_F(SystemServicesTest, FollowsTheDesktopsAppearance) {
     send(portal, path, mockInterface, "AddMethod", {settings, name, takes, gives, code});
   };
   add("ReadAll", "as", "a{sa{sv}}",
-      "ret = {args[0][0]: {'accent-color': (1.0, 0.5, 0.25), 'color-scheme': dbus.UInt32(1)}}");
+      "ret = {args[0][0]: {'accent-color': (1.0, 0.5, 0.25), 'color-scheme': dbus.UInt32(1)},"
+      " 'org.gnome.desktop.interface': {'icon-theme': 'Pictures'}}");
   PortalAppearance appearance(systemBus);
   appearance.connect();
   systemBus.open();
   EXPECT_TRUE(waitUntil([&] { return appearance.prefersDark.get(); }));
   EXPECT_EQ(appearance.accentColor.get(), (Color{1, 0.5, 0.25}));
+  EXPECT_EQ(appearance.iconTheme.get(), "Pictures");
 
   const struct {
     const char *space, *key, *value;
@@ -354,6 +357,61 @@ TEST_F(SystemServicesTest, FollowsTheDesktopsAppearance) {
     })) << each.key
         << ' ' << each.value;
   }
+}
+
+/// KDE Connect's daemon with a paired phone.
+class DeviceService : public QDBusVirtualObject {
+ public:
+  using Names = QMap<QString, QString>;
+  QString introspect(const QString&) const override { return {}; }
+  bool handleMessage(const QDBusMessage& message, const QDBusConnection& bus) override {
+    QVariantList answer;
+    if (message.member() == "deviceNames" && message.arguments() == QVariantList{true, true})
+      answer << QVariant::fromValue(Names{{"phone_1", "My\nphone"}});
+    if (message.member() == "shareUrls")
+      shared << message.path() << message.arguments().value(0).toStringList();
+    return bus.send(message.createReply(answer));
+  }
+  QStringList shared;
+};
+
+TEST_F(SystemServicesTest, SendsFilesToWhoIsThere) {
+  // Nothing but what is in the folder can be started.
+  const QByteArray programs = qgetenv("PATH");
+  qputenv("PATH", folder.path().c_str());
+  DesktopDeviceSharing sharing(systemBus);
+  sharing.refresh();
+  EXPECT_THAT(sharing.targets(), IsEmpty());
+  sharing.send({"/a"}, "bluetooth");
+
+  qDBusRegisterMetaType<DeviceService::Names>();
+  DeviceService service;
+  connection->registerVirtualObject("/modules/kdeconnect", &service, QDBusConnection::SubPath);
+  connection->registerService("org.kde.kdeconnect");
+  systemBus.open();
+  EXPECT_TRUE(waitUntil([&] {
+    sharing.refresh();
+    return !sharing.targets().empty();
+  }));
+  EXPECT_THAT(sharing.targets(), ElementsAre(SharingTarget{"phone_1", "My phone"}));
+  sharing.send({"/a b", "/c"}, "phone_1");
+  EXPECT_TRUE(waitUntil([&] { return !service.shared.isEmpty(); }));
+  EXPECT_EQ(service.shared,
+            (QStringList{"/modules/kdeconnect/devices/phone_1/share", "file:///a%20b", "file:///c"}));
+
+  const FilePath list = folder.path() + "/list";
+  const FilePath sender = folder.write("blueman-sendto", "#!/bin/sh\necho \"$@\" > " + list + "\n");
+  std::filesystem::permissions(sender, std::filesystem::perms(0700));
+  ASSERT_EQ(sharing.targets().size(), 2u);
+  sharing.send({"/a", "/c"}, sharing.targets().back().id);
+  EXPECT_TRUE(waitUntil([&] { return contentsOf(list) == "/a /c\n"; }));
+
+  connection->unregisterService("org.kde.kdeconnect");
+  EXPECT_TRUE(waitUntil([&] {
+    sharing.refresh();
+    return sharing.targets().size() == 1;
+  }));
+  qputenv("PATH", programs);
 }
 
 /// A calendar service that opens no calendar.
