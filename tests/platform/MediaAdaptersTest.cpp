@@ -292,6 +292,21 @@ TEST(DesktopApplications, BringsAnApplicationForwardOrStartsIt) {
   ASSERT_TRUE(waitUntil([&] { return desktop.focusedWindow() != player; }));
   EXPECT_TRUE(applications.bringForward(data.entry("player", starts + "StartupWMClass=Test-Platform\n")));
   EXPECT_TRUE(waitUntil([&] { return desktop.focusedWindow() == player; }));
+  const auto owner = x.property(x.requestProperty(player, "_NET_WM_PID"));
+  ASSERT_TRUE(owner && !owner->empty());
+  const auto process = static_cast<int32_t>(owner->front());
+  const auto frame = owned(xcb_query_tree_reply(x, xcb_query_tree(x, player), nullptr))->parent;
+  const xcb_window_t child = xcb_generate_id(x);
+  xcb_create_window(x, 0, child, player, 0, 0, 1, 1, 0, XCB_WINDOW_CLASS_INPUT_ONLY, 0, 0, nullptr);
+  const struct {
+    const char* what;
+    uint32_t told;
+    std::vector<int32_t> processes;
+    std::optional<uint32_t> window;
+  } cases[] = {{"its own", player, {process}, player}, {"one within it", child, {process}, player},
+               {"another's", player, {1}, {}},         {"its frame", frame, {1, process}, player},
+               {"none", 0, {1, process}, player},      {"one that is gone", 0xfffffff, {1}, {}}};
+  for (const auto& c : cases) EXPECT_EQ(activation.windowOf(c.told, c.processes), c.window) << c.what;
 
   for (const auto& entry : {std::string("/nonexistent.desktop"), data.entry("broken", "Exec=\n")}) {
     EXPECT_FALSE(applications.bringForward(entry));

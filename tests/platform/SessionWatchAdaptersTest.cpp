@@ -51,6 +51,12 @@ TEST(ProcProcesses, KnowsChildrenAndTheEndOfWhatBelongsToTheUserHere) {
   }));
   EXPECT_TRUE(processes.children(elsewhere).empty());
 
+  EXPECT_EQ(processes.ancestors({children.at(0).number, ownSpace()}).at(1), parent.number);
+  EXPECT_EQ(processes.ancestors(known).at(1), ::getpid());
+  EXPECT_TRUE(processes.ancestors(elsewhere).empty());
+  EXPECT_EQ(processes.variable(known, "PATH"), ::getenv("PATH"));
+  EXPECT_EQ(processes.variable(known, "PAT") + processes.variable(elsewhere, "PATH"), "");
+
   int ended = 0, wrong = 0;
   Subscription end;
   // Whoever is told may let go at once.
