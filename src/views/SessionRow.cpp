@@ -76,8 +76,8 @@ View sessionRow(const Session& session, TerminalVisits& terminals) {
     View arrow;
     if (hovering && canVisit) {
       arrow = Symbol("arrow.up.forward.square")
-                  .font({13})
-                  .foreground(white(0.7))
+                  .font({12})
+                  .foreground(white(0.6))
                   .transition(Transition::opacity());
     }
     const View row =

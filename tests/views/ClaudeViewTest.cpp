@@ -162,13 +162,15 @@ TEST(BannerView, LeadsToTheTerminalWhereThatIsPossible) {
   stage.desktop.foreignProcesses.families[7] = {7};
   stage.desktop.activation.windows[7] = {66};
   stage.hook("a", "Notification", call);
-  stage.model.followBanner();
+  stage.settle();
+  stage.inspect.tap(Point{470, 60});
   EXPECT_THAT(stage.desktop.activation.broughtForward, ElementsAre(66));
   EXPECT_EQ(stage.model.presentation(), Presentation::claude);
 
   stage.desktop.activation.windows.clear();
   stage.hook("a", "Notification", call);
-  stage.model.followBanner();
+  stage.settle();
+  stage.inspect.tap(Point{470, 60});
   EXPECT_EQ(stage.model.tab, Tab::claude);
   EXPECT_TRUE(stage.model.isExpanded);
 }
