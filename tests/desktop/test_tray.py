@@ -82,7 +82,7 @@ class Tray(DesktopTest):
 
         self.desktop.click()
         self.desktop.click()
-        wait_until(lambda: opened.exists() and opened.read_text() == str(self.files[0]), "the file to be opened")
+        wait_until(lambda: opened.exists() and opened.read_text() == self.files[0].as_uri(), "the file to be opened")
 
 
 if __name__ == "__main__":

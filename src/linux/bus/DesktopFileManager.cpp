@@ -9,8 +9,9 @@
 namespace tarnwick {
 
 void DesktopFileManager::open(const FilePath& file) {
-  const QString path = QString::fromStdString(file);
-  if (!QProcess::startDetached("xdg-open", {path})) QProcess::startDetached("gio", {"open", path});
+  // Its address: a path need not be text, as arguments are here.
+  const QString address = QString::fromStdString(uriOfFile(file));
+  if (!QProcess::startDetached("xdg-open", {address})) QProcess::startDetached("gio", {"open", address});
 }
 
 void DesktopFileManager::reveal(const FilePath& file) {

@@ -213,7 +213,10 @@ void SceneWidget::giveBackKeyboard() {
 
 void SceneWidget::dragFiles(const std::vector<FilePath>& files, Node& source) {
   QList<QUrl> urls;
-  for (const FilePath& file : files) urls << QUrl::fromLocalFile(QString::fromStdString(file));
+  // As bytes: names need not be text.
+  for (const FilePath& file : files) {
+    urls << QUrl::fromEncoded("file://" + QByteArray::fromStdString(file).toPercentEncoding("/"));
+  }
   auto* list = new QMimeData;
   list->setUrls(urls);
   auto* drag = new QDrag(this);
