@@ -4,8 +4,8 @@
 #include <QIcon>
 #include <QPixmap>
 
+#include "claude/SessionsJson.h"
 #include "ui/engine/Drawing.h"
-#include "ui/host/SceneWidget.h"
 #include "ui/paint/Painter.h"
 #include "views/CrabView.h"
 #include "views/NotchRootView.h"
@@ -88,6 +88,9 @@ void AppDelegate::applicationDidFinishLaunching(bool withSettings) {
                       .scheduler = scheduler_,
                       .keysStayWithDesktop = qEnvironmentVariable("XDG_SESSION_TYPE") == "wayland",
                       .quit = [] { QCoreApplication::quit(); }});
+  controller_->onFocusSession = [this](const std::string& id) { focusSession(id); };
+  sessionsObject_.describe = [this] { return sessionsJson(controller_->model().claude.ordered()); };
+  sessionChanges_ = controller_->model().claude.observe([this] { sessionsObject_.changed(); });
   showcase_.emplace(controller_->model(), scheduler_, folders_);
   controller_->onShowcaseCommand = [this](const std::string& command, const std::string& argument) {
     showcase_->handle(command, argument);
@@ -116,8 +119,17 @@ void AppDelegate::openSettings() {
   settings_->show(QGuiApplication::primaryScreen());
 }
 
+void AppDelegate::focusSession(const std::string& id) {
+  ui::Scene& scene = content_->scene();
+  // The list has only the rows that can be seen: each one brings the next ones into view.
+  for (const Session& session : controller_->model().claude.ordered()) {
+    scene.frame();
+    if (!scene.input().focus(session.id) || session.id == id) return;
+  }
+}
+
 std::unique_ptr<NotchPanel> AppDelegate::makePanel(NotchModel& model) {
-  auto* content = new ui::SceneWidget(scheduler_, panelSize,
+  auto* content = content_ = new ui::SceneWidget(scheduler_, panelSize,
                                       notchRootView(
                                           model, [this] { openSettings(); }, display_->hasRoomForShadow()));
   auto panel = display_->makePanel(

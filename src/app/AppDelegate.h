@@ -11,6 +11,7 @@
 #include "linux/bus/DesktopFileManager.h"
 #include "linux/bus/MessageBus.h"
 #include "linux/bus/PortalAppearance.h"
+#include "linux/bus/SessionsObject.h"
 #include "linux/bus/UPowerSources.h"
 #include "linux/calendar/EvolutionCalendars.h"
 #include "linux/display/DisplayServer.h"
@@ -32,6 +33,7 @@
 #include "linux/sound/PulseAudioDevices.h"
 #include "settings/SettingsWindow.h"
 #include "showcase/Showcase.h"
+#include "ui/host/SceneWidget.h"
 
 namespace tarnwick {
 
@@ -53,10 +55,13 @@ class AppDelegate {
  private:
   std::unique_ptr<NotchPanel> makePanel(NotchModel& model);
   void openSettings();
+  void focusSession(const std::string& id);
 
   QtScheduler scheduler_;
   const std::unique_ptr<DisplayServer> display_;
   MessageBus sessionBus_{scheduler_, sessionBusAddress};
+  // Before the name is asked for: who sees that one finds this one, too.
+  SessionsObject sessionsObject_{scheduler_, sessionBus_};
   DBusNotificationCenter notifications_{scheduler_, sessionBus_};
   XdgFolders folders_;
   JsonUserDefaults defaults_{folders_};
@@ -79,7 +84,10 @@ class AppDelegate {
   DesktopDeviceSharing sharing_{sessionBus_};
   ProcProcesses foreignProcesses_;
   InotifyFiles growingFiles_{scheduler_};
+  /// Belongs to the controller's panel.
+  ui::SceneWidget* content_ = nullptr;
   std::unique_ptr<NotchController> controller_;
+  Subscription sessionChanges_;
   std::optional<Showcase> showcase_;
   AutostartEntry loginItem_{folders_, commandPath()};
   DesktopSettingsPages settingsPages_;

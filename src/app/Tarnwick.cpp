@@ -13,6 +13,7 @@
 #include "cli/HomeFolder.h"
 #include "cli/HookCLI.h"
 #include "cli/HookInstaller.h"
+#include "cli/OverlayClient.h"
 #include "cli/SessionBus.h"
 #include "dbus/SessionBusAddress.h"
 
@@ -42,6 +43,11 @@ HookInstaller installer(const char* argument0) {
   // The change to the settings counts, not whether somebody reads what is printed about it.
   ::signal(SIGPIPE, SIG_IGN);
   return HookInstaller(homeFolder(), executablePath(argument0));
+}
+
+int openThere(StringMap wanted) {
+  wanted["window"] = "notch";
+  return OverlayClient::open(sessionBusAddress(), wanted) ? EXIT_SUCCESS : EXIT_FAILURE;
 }
 
 }  // namespace
@@ -77,6 +83,19 @@ int main(int count, char** arguments) {
     case Role::version:
       ::puts("Tarnwick " TARNWICK_VERSION);
       return EXIT_SUCCESS;
+    case Role::open:
+      return openThere({{"action", "open"}, {"tab", std::string(commandLine.value)}});
+    case Role::close:
+      return openThere({{"action", "close"}});
+    case Role::toggle:
+      return openThere({{"action", "toggle"}});
+    case Role::next:
+      return openThere({{"action", "next"}});
+    case Role::sessions:
+    case Role::followSessions: {
+      const bool follow = commandLine.role == Role::followSessions;
+      return OverlayClient::printSessions(sessionBusAddress(), follow) ? EXIT_SUCCESS : EXIT_FAILURE;
+    }
     case Role::snapshot:
     case Role::settings:
     case Role::application:

@@ -113,6 +113,15 @@ const std::vector<Session>& ClaudeService::ordered() const {
   return *ordered_;
 }
 
+std::optional<Session> ClaudeService::longestWaiting() const {
+  const Session* longest = nullptr;
+  for (const auto& [id, session] : *sessions) {
+    const bool waits = session.phase == Phase::waiting;
+    if (waits && (!longest || session.phaseSince < longest->phaseSince)) longest = &session;
+  }
+  return longest ? std::optional(*longest) : std::nullopt;
+}
+
 ClaudeService::Tally ClaudeService::tally() const {
   Tally tally;
   for (const auto& [id, session] : *sessions) {
@@ -197,6 +206,7 @@ void ClaudeService::handle(const StringMap& event) {
   } else {
     return;
   }
+  if (known == sessions->end() || known->second.phase != session.phase) session.phaseSince = now;
   sessions.mutate([&](auto& all) {
     all[id] = std::move(session);
     forgetTheOldest(all);
@@ -206,6 +216,15 @@ void ClaudeService::handle(const StringMap& event) {
 
 void ClaudeService::end(const std::string& id) {
   sessions.mutate([&](auto& all) { return all.erase(id) > 0; });
+}
+
+void ClaudeService::forget(const std::string& id) {
+  sessions.mutate([&](auto& all) {
+    const auto found = all.find(id);
+    if (found == all.end() || !isAtRest(found->second)) return false;
+    all.erase(found);
+    return true;
+  });
 }
 
 void ClaudeService::interrupt(const std::string& id) {
@@ -229,9 +248,12 @@ void ClaudeService::change(const std::string& id, Change apply) {
   sessions.mutate([&](auto& all) {
     const auto found = all.find(id);
     if (found == all.end()) return false;
-    apply(found->second);
-    found->second.updatedAt = scheduler_.now();
-    found->second.request.reset();
+    Session& session = found->second;
+    const Phase before = session.phase;
+    apply(session);
+    session.updatedAt = scheduler_.now();
+    if (session.phase != before) session.phaseSince = session.updatedAt;
+    session.request.reset();
     return true;
   });
 }
@@ -252,6 +274,7 @@ void ClaudeService::prune() {
       if (isDue) {
         session.phase = Phase::idle;
         session.activity = tr("Idle", "Inactif");
+        session.phaseSince = now;
         session.restingSince = now;
       }
       ++it;

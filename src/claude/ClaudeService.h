@@ -38,6 +38,8 @@ class ClaudeService : public ObservableObject {
   const std::vector<Session>& ordered() const;
   int workingCount() const { return tally_.get().working; }
   bool anyWaiting() const { return tally_.get().waiting > 0; }
+  /// The session that has waited for the user longest; none where none waits.
+  std::optional<Session> longestWaiting() const;
 
   /// Applies one hook event. Without a session identifier it is filed under "default"; an event of an unknown
   /// name is ignored.
@@ -48,6 +50,8 @@ class ClaudeService : public ObservableObject {
   void interrupt(const std::string& id);
   /// What that session waits for was granted: it works again.
   void resume(const std::string& id);
+  /// Forgets that session, unless it works or waits.
+  void forget(const std::string& id);
   /// Forgets all sessions.
   void clear() { sessions = {}; }
   /// Forgets all sessions that neither work nor wait.

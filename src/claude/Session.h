@@ -19,6 +19,8 @@ struct Session {
   /// The name of the folder that it works in.
   std::string project;
   Phase phase = Phase::idle;
+  /// When it came into that phase.
+  Date phaseSince = {};
   /// One line: what it is doing. Empty for a new session.
   std::string activity;
   /// Start of the current piece of work.

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "base/Tab.h"
+
 namespace tarnwick {
 namespace {
 
@@ -29,6 +31,14 @@ CommandLine CommandLine::parse(std::span<const char* const> arguments) {
   if (has("--help")) return {Role::help};
   if (has("--version")) return {Role::version};
   if (has("--settings")) return {Role::settings};
+  if (has("--open")) {
+    const auto values = valuesOf("--open");
+    return {Role::open, !values.empty() && tabNamed(values[0]) ? values[0] : ""};
+  }
+  if (has("--close")) return {Role::close};
+  if (has("--toggle")) return {Role::toggle};
+  if (has("--next")) return {Role::next};
+  if (has("--sessions")) return {has("--follow") ? Role::followSessions : Role::sessions};
   return {};
 }
 
@@ -38,6 +48,12 @@ const char* const helpText =
     "at the top of the screen, or opens it where it is running.\n"
     "\n"
     "  --settings                    open the settings window; starts the overlay, too\n"
+    "  --open [home|audio|claude|tray|notes]\n"
+    "                                open the notch, by keyboard: Escape closes it\n"
+    "  --close                       close it\n"
+    "  --toggle                      close it where it is open, else open it\n"
+    "  --next                        open the list at the session that has waited for you longest\n"
+    "  --sessions [--follow]         print the sessions as JSON, with --follow a line at each change\n"
     "  --install-hooks               add Tarnwick's hooks to ~/.claude/settings.json\n"
     "  --uninstall-hooks             remove them again\n"
     "  --hook                        relay one hook event from standard input to the overlay\n"

@@ -5,13 +5,30 @@
 namespace tarnwick {
 
 /// What the program was started to do.
-enum class Role { hook, installHooks, uninstallHooks, snapshot, showcase, demo, help, version, settings, application };
+enum class Role {
+  hook,
+  installHooks,
+  uninstallHooks,
+  snapshot,
+  showcase,
+  demo,
+  help,
+  version,
+  settings,
+  open,
+  close,
+  toggle,
+  next,
+  sessions,
+  followSessions,
+  application
+};
 
 /// The role that the arguments select, and that role's values. Switches are whole arguments, matched exactly,
 /// anywhere in the list; unknown arguments are ignored.
 struct CommandLine {
   Role role = Role::application;
-  /// The snapshot's folder, or the showcase command.
+  /// The snapshot's folder, the showcase command, or the raw value of the tab to open; that may be absent.
   std::string_view value;
   /// The showcase command's argument; empty when there is none.
   std::string_view argument;

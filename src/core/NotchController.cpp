@@ -45,6 +45,7 @@ NotchController::NotchController(const Desktop& desktop, const PanelFactory& mak
       tracker_(desktop_.scheduler, model_, *panel_, haptics_) {
   panel_->onScroll = [this](const ScrollEvent& event) { return handleScroll(event); };
   panel_->onResize = [this] { tracker_.wake(); };
+  panel_->onKeyChange = [this](bool has) { tracker_.holdOpen(has && openedByKeyboard_); };
   panel_->onDragEnter = [this] { dragEntered(); };
   panel_->onDragExit = [this] { dragExited(); };
   panel_->onDropFiles = [this](const std::vector<FilePath>& files) { filesDropped(files); };
@@ -99,7 +100,10 @@ void NotchController::listen() {
   }));
   // However the body is closed, who had the keyboard before gets it back.
   subscriptions_.push_back(model_.observe([this] {
-    if (std::exchange(wasExpanded_, model_.isExpanded) && !model_.isExpanded) panel_->resignKey();
+    if (std::exchange(wasExpanded_, model_.isExpanded) && !model_.isExpanded) {
+      openedByKeyboard_ = false;
+      panel_->resignKey();
+    }
     model_.trayFiles.setOnShow(model_.presentation() == Presentation::expanded && model_.tab == Tab::tray);
   }));
   subscriptions_.push_back(desktop_.windows.observe([this] { checkFullscreen(); }));
@@ -146,9 +150,22 @@ void NotchController::handleOpen(const StringMap& payload) {
   if (valueOf(payload, "window") == "settings") {
     if (onOpenSettings) onOpenSettings();
   } else if (!model_.showcase) {
-    model_.expand();
-    tracker_.awaitPointer(pointerComesWithin);
+    act(valueOf(payload, "action").value_or(""), tabNamed(valueOf(payload, "tab").value_or("")));
   }
+}
+
+void NotchController::act(const std::string& action, std::optional<Tab> tab) {
+  if (action == "close" || (action == "toggle" && model_.isExpanded)) return model_.collapse();
+  model_.expand(action == "next" ? Tab::claude : tab);
+  tracker_.awaitPointer(pointerComesWithin);
+  // Who just starts the program again has a hand at the pointer.
+  if (action.empty()) return;
+  openedByKeyboard_ = true;
+  panel_->becomeKey();
+  const std::vector<Session>& sessions = model_.claude.ordered();
+  if (model_.tab != Tab::claude || sessions.empty() || !onFocusSession) return;
+  const auto next = action == "next" ? model_.claude.longestWaiting() : std::nullopt;
+  onFocusSession(next.value_or(sessions.front()).id);
 }
 
 bool NotchController::handleScroll(const ScrollEvent& event) {

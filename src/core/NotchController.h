@@ -34,6 +34,8 @@ class NotchController {
   std::function<void(const std::string& command, const std::string& argument)> onShowcaseCommand;
   /// Opens the settings window.
   std::function<void()> onOpenSettings;
+  /// Gives the keyboard's focus to a session's row in the list.
+  std::function<void(const std::string& id)> onFocusSession;
 
  private:
   std::optional<Screen> targetScreen() const;
@@ -46,6 +48,7 @@ class NotchController {
   void handleEvent(const StringMap& event);
   void handleShowcase(const StringMap& payload);
   void handleOpen(const StringMap& payload);
+  void act(const std::string& action, std::optional<Tab> tab);
 
   bool handleScroll(const ScrollEvent& event);
   bool actOnSwipe();
@@ -69,6 +72,8 @@ class NotchController {
 
   Task calendarStart_, fullscreenCheck_;
   bool wasExpanded_ = false;
+  /// The body was opened by somebody at the keyboard.
+  bool openedByKeyboard_ = false;
   std::vector<Subscription> subscriptions_;
 };
 

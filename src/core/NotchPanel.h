@@ -48,9 +48,13 @@ class NotchPanel {
   /// elsewhere reach what lies below. Nothing: it ignores the pointer altogether.
   virtual void setPointerArea(const std::optional<Rect>& area) = 0;
 
+  /// Takes the keyboard: for a text field, and for who has opened the notch by keyboard.
+  virtual void becomeKey() = 0;
   /// Gives the keyboard back to the window that had it before, if the panel has it or has asked for it.
   virtual void resignKey() = 0;
 
+  /// The panel has come by the keyboard, or has lost it.
+  std::function<void(bool has)> onKeyChange;
   /// Its size has become another one.
   std::function<void()> onResize;
   /// Answers true when it consumed the event; otherwise the content below the pointer scrolls.

@@ -56,6 +56,13 @@ void PointerTracker::awaitPointer(double seconds) {
   lastInside_ = scheduler_.uptime() + seconds;
 }
 
+void PointerTracker::holdOpen(bool held) {
+  if (held == heldOpen_) return;
+  wake();
+  heldOpen_ = held;
+  lastInside_ = std::min(lastInside_, scheduler_.uptime());
+}
+
 PointerTracker::PointerState PointerTracker::pointerState() const {
   PointerState state{.position = pointer_.position(),
                      .buttonDown = pointer_.buttonDown(),
@@ -90,6 +97,7 @@ void PointerTracker::trackMouse() {
                            (notch.floating && contains(floatingArea(*notch.floating), pointer.position));
   holding_ = holdsGesture(pointer, overSurface);
   inside_ = overSurface || holding_;
+  heldOpen_ = heldOpen_ && notch.isExpanded && (overSurface || !pointer.buttonDown);
   pointerSeen_ = pointer;
   const bool draggingFiles = followFileDrag(pointer, surface, now);
   if (inside_) {
@@ -153,7 +161,8 @@ bool PointerTracker::followFileDrag(const PointerState& pointer, const Rect& sur
 void PointerTracker::pointerIsOutside(double now) {
   enteredAt_.reset();
   if (now - lastInside_ > hoverLinger) model_.setHovering(false);
-  if (model_.isExpanded && now - lastInside_ > bodyLinger && !model_.isDraggingFiles) model_.collapse();
+  if (model_.isExpanded && !heldOpen_ && now - lastInside_ > bodyLinger && !model_.isDraggingFiles)
+    model_.collapse();
 }
 
 void PointerTracker::pointerIsInside(const PointerState& pointer, double now) {
@@ -179,7 +188,7 @@ void PointerTracker::setPointerArea(const std::optional<Rect>& area) {
 bool PointerTracker::timeCouldChangeSomething() const {
   if (letGoAt_) return true;
   if (inside_) return model_.settings.expandOnHover && !model_.isExpanded && !pointerSeen_.buttonDown;
-  return model_.isHovering || (model_.isExpanded && !model_.isDraggingFiles);
+  return model_.isHovering || (model_.isExpanded && !heldOpen_ && !model_.isDraggingFiles);
 }
 
 void PointerTracker::tickAt(double index) {

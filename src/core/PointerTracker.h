@@ -26,6 +26,8 @@ class PointerTracker {
   void start();
   /// The body was opened while the pointer is elsewhere: it has that many seconds to come.
   void awaitPointer(double seconds);
+  /// Keeps the open body so, wherever the pointer is, until a button is pressed elsewhere or it is let go of.
+  void holdOpen(bool held);
   /// Call it after a change of what the tracker depends on and cannot observe: the panel's place and the
   /// model's `showcase`.
   void wake();
@@ -82,6 +84,8 @@ class PointerTracker {
   /// A button is held that went down in the open body, and drags something there: until it is released, that
   /// counts as inside wherever the pointer is.
   bool holding_ = false;
+  /// See `holdOpen`.
+  bool heldOpen_ = false;
   /// As the last tick found them.
   PointerState pointerSeen_;
   NotchState notchSeen_;

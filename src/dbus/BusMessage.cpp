@@ -11,8 +11,7 @@ namespace {
 enum class Type : char { methodCall = 1, signal = 4 };
 enum class Field : char { path = 1, interface = 2, member = 3, destination = 6, signature = 8 };
 
-constexpr char noReplyExpected = 1;
-constexpr std::string_view busPath = "/org/freedesktop/DBus";
+constexpr char noReplyExpected = 1, noAutoStart = 2;
 
 /// Marshals values; alignment counts from the message's first byte.
 class Writer {
@@ -73,13 +72,23 @@ void endFields(Writer& writer, size_t lengthPlace) {
 }  // namespace
 
 std::string busCall(uint32_t serial, std::string_view interface, std::string_view member) {
+  return call(serial, busName, busPath, interface, member);
+}
+
+std::string call(uint32_t serial, std::string_view destination, std::string_view path,
+                 std::string_view interface, std::string_view member,
+                 std::initializer_list<std::string_view> arguments) {
   Writer writer;
-  const size_t fields = begin(writer, Type::methodCall, 0, serial);
-  writer.field(Field::path, 'o', busPath);
-  writer.field(Field::destination, 's', busName);
+  const size_t fields = begin(writer, Type::methodCall, noAutoStart, serial);
+  writer.field(Field::path, 'o', path);
+  writer.field(Field::destination, 's', destination);
   writer.field(Field::interface, 's', interface);
   writer.field(Field::member, 's', member);
+  if (arguments.size() > 0) writer.field(Field::signature, 'g', std::string(arguments.size(), 's'));
   endFields(writer, fields);
+  const size_t body = writer.bytes.size();
+  for (const std::string_view argument : arguments) writer.string(withoutInvalidUtf8(argument));
+  writer.setNumber(bodyLengthPlace, writer.bytes.size() - body);
   return std::move(writer.bytes);
 }
 

@@ -27,7 +27,9 @@ class NotificationCenter {
 /// Names of the notifications.
 inline constexpr const char* eventNotification = "dev.tarnwick.event";
 inline constexpr const char* showcaseNotification = "dev.tarnwick.showcase";
-/// The program was started again. Its key "window" says what is wanted: "settings", or else the notch.
+/// The program was started again. Its key "window" says what is wanted: "settings", or else the notch; there
+/// "action" may be "open", "close", "toggle" or "next", for somebody at the keyboard, and "tab" the raw value
+/// of a tab.
 inline constexpr const char* openNotification = "dev.tarnwick.open";
 
 }  // namespace tarnwick

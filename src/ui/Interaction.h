@@ -74,6 +74,8 @@ struct Interaction {
   /// The button went down on the view, left it while held, came back, or was released.
   std::function<void(bool pressed)> onPress;
   std::vector<DragGesture> drags;
+  /// The keyboard's focus may be on it although nothing is done by a click.
+  bool focusable = false;
   /// The menu that a press opens below the view, and the one that opens at the pointer for the secondary
   /// button.
   std::function<std::vector<MenuItem>()> menu, contextMenu;
@@ -100,8 +102,10 @@ struct Interaction {
 
   /// What keys and assistive technology do with it: what a click does, else what a double click does.
   const std::function<void()>& action() const { return onTap ? onTap : onDoubleTap; }
-  /// Whether the keyboard's focus may be on it: a control that does something.
-  bool takesFocus() const { return role != Role::none && (action() || menu || (value && value->set)); }
+  /// Whether the keyboard's focus may be on it: a control that does something, or is `focusable`.
+  bool takesFocus() const {
+    return role != Role::none && (focusable || action() || menu || (value && value->set));
+  }
 };
 
 }  // namespace tarnwick::ui

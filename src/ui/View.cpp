@@ -223,6 +223,10 @@ View View::onFocus(State<bool> focused) const {
 View View::modal() const {
   return interaction([](Interaction& i) { i.modal = true; });
 }
+View View::focusable() const {
+  return interaction([](Interaction& i) { i.focusable = true; });
+}
+
 View View::arrowKeys(Axis axis) const {
   return interaction([=](Interaction& i) { i.arrows = axis; });
 }

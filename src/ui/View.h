@@ -141,6 +141,8 @@ class View {
   View onKey(std::function<bool(const KeyEvent&)> action) const;
   /// The same for one key without modifiers.
   View onKey(Key key, std::function<void()> action) const;
+  /// The focus may go there although nothing is done by a click.
+  View focusable() const;
   /// Tells of the focus; the view shows it by itself then, instead of by a ring.
   View onFocus(std::function<void(bool)> action) const;
   View onFocus(State<bool> focused) const;

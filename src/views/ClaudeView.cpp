@@ -30,7 +30,17 @@ View noSessions() {
       .frame({.maxWidth = infinity, .maxHeight = infinity});
 }
 
-View list(const ClaudeService& claude, TerminalVisits& terminals) {
+bool isClearable(const Session& session) {
+  return session.phase == Phase::done || session.phase == Phase::idle;
+}
+
+/// What removes it from the list; none while it works or waits.
+std::function<void()> forgetting(ClaudeService& claude, const Session& session) {
+  if (!isClearable(session)) return {};
+  return [&claude, id = session.id] { withAnimation(listChange, [&] { claude.forget(id); }); };
+}
+
+View list(ClaudeService& claude, TerminalVisits& terminals) {
   const auto sessions = std::make_shared<const std::vector<Session>>(claude.ordered());
   return ScrollView(Axis::vertical,
                     LazyVStack({
@@ -39,11 +49,13 @@ View list(const ClaudeService& claude, TerminalVisits& terminals) {
                         .spacing = 2,
                         .key = [sessions](size_t row) { return (*sessions)[row].id; },
                         .item =
-                            [sessions, &terminals](size_t row) {
-                              return sessionRow((*sessions)[row], terminals)
+                            [sessions, &claude, &terminals](size_t row) {
+                              const Session& session = (*sessions)[row];
+                              return sessionRow(session, terminals, forgetting(claude, session))
                                   .transition(notchContent(0.04 * double(row), UnitPoint::top));
                             },
                     }))
+      .arrowKeys(Axis::vertical)
       .accessibility(Role::list, tr("Claude Code sessions", "Sessions Claude Code"));
 }
 
@@ -53,10 +65,6 @@ View clearButton(ClaudeService& claude) {
                  .label = Text(name).font({10, Weight::semibold}).foreground(white(0.6)),
                  .style = notchPillButtonStyle(),
                  .action = [&claude] { withAnimation(listChange, [&] { claude.clearFinished(); }); }});
-}
-
-bool isClearable(const Session& session) {
-  return session.phase == Phase::done || session.phase == Phase::idle;
 }
 
 }  // namespace

@@ -69,8 +69,8 @@ std::string elapsedText(const Session& session, Date now) {
   return tr(minutes + " min ago", "il y a " + minutes + " min");
 }
 
-View sessionRow(const Session& session, TerminalVisits& terminals) {
-  return stateful(Pointed(), [session, &terminals](State<Pointed> pointed) {
+View sessionRow(const Session& session, TerminalVisits& terminals, std::function<void()> forget) {
+  return stateful(Pointed(), [session, &terminals, forget = std::move(forget)](State<Pointed> pointed) {
     const bool hovering = pointed.get().hovering;
     const bool canVisit = pointed.get().canVisit && *terminals.failed != session.id;
     View arrow;
@@ -80,7 +80,7 @@ View sessionRow(const Session& session, TerminalVisits& terminals) {
                   .foreground(white(0.6))
                   .transition(Transition::opacity());
     }
-    const View row =
+    View row =
         HStack({.spacing = 10},
                {
                    ZStack(UnitPoint::center, {phaseIndicator(session.phase)}).frame({.width = 20}),
@@ -103,8 +103,10 @@ View sessionRow(const Session& session, TerminalVisits& terminals) {
               pointed.set({isInside, isInside && terminals.canVisit(session)});
             })
             .onTap([session, &terminals] { terminals.visit(session); }, session.process.has_value())
+            .focusable()
             .accessibility(session.process ? Role::button : Role::text,
                            session.project + ": " + session.activity);
+    if (forget) row = row.onKey(Key::erase, forget);
     if (!hovering || canVisit) return row;
     return row.tooltip(
         tr("Its terminal cannot be brought forward", "Son terminal ne peut pas être mis au premier plan"));

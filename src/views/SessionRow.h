@@ -1,4 +1,5 @@
 #pragma once
+#include <functional>
 #include <string>
 
 #include "claude/Session.h"
@@ -12,7 +13,8 @@ inline constexpr double sessionRowHeight = 40;
 
 /// One Claude Code session: what it is up to, its project and activity, and since when. A click goes to
 /// its terminal.
-ui::View sessionRow(const Session& session, TerminalVisits& terminals);
+/// @param forget what the key Delete does on it; may be absent
+ui::View sessionRow(const Session& session, TerminalVisits& terminals, std::function<void()> forget = {});
 
 /// How long the session has been at it, or how long ago it finished.
 std::string elapsedText(const Session& session, Date now);

@@ -19,6 +19,7 @@ class MemoryPanel : public NotchPanel {
     pointerArea = area;
     ++pointerAreaChanges;
   }
+  void becomeKey() override { key = true; }
   void resignKey() override { resignations += std::exchange(key, false); }
 
   Size panelSize{940, 380};

@@ -37,8 +37,6 @@ struct PanelContent {
 /// The notch's window as its content sees it.
 class HostingPanel : public NotchPanel {
  public:
-  /// Takes the keyboard, for a text field of the content.
-  virtual void becomeKey() = 0;
   /// To be called with each frame in which the surface's outline may have changed.
   virtual void surfaceChanged() = 0;
   /// Points that the fingers travelled for what the event counts as one click of a wheel; nothing when it

@@ -167,6 +167,8 @@ bool X11NotchPanel::eventFilter(QObject* watched, QEvent* event) {
       place();
       if (onResize) onResize();
     }
+    const bool activated = event->type() == QEvent::WindowActivate;
+    if (onKeyChange && (activated || event->type() == QEvent::WindowDeactivate)) onKeyChange(activated);
     return false;
   }
   return event->type() == QEvent::Wheel && scroll(static_cast<const QWheelEvent&>(*event));

@@ -194,6 +194,21 @@ bool SceneInput::operate(Node& control, Key key) {
   return true;
 }
 
+bool SceneInput::focus(const std::string& id) {
+  const std::function<Node*(Node&, bool)> search = [&](Node& node, bool inside) -> Node* {
+    inside = inside || node.attributes.key == id;
+    const auto& interaction = node.attributes.interaction;
+    if (inside && interaction && interaction->takesFocus() && hitTest::takesInput(node)) return &node;
+    for (const auto& child : node.children) {
+      if (Node* found = search(*child, inside)) return found;
+    }
+    return nullptr;
+  };
+  Node* const found = search(focus_.scope(), false);
+  if (found) focus_.moveTo(found, true);
+  return found;
+}
+
 /// The content may have moved under a resting pointer, and views may have gone.
 void SceneInput::sceneMoved() {
   gestures_.cancelVanished();

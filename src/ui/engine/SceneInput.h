@@ -40,6 +40,9 @@ class SceneInput {
 
   /// The view with the keyboard's focus; null: none.
   const Node* focused() const { return focus_.node(); }
+  /// Gives it, as if by a key, to the first control in the view of that id. @return false where there is
+  /// none
+  bool focus(const std::string& id);
   /// Gives it the focus. `shown`: as if by a key.
   void focus(Node& node, bool shown) { focus_.moveTo(&node, shown); }
 
