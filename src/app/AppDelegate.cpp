@@ -129,9 +129,10 @@ void AppDelegate::focusSession(const std::string& id) {
 }
 
 std::unique_ptr<NotchPanel> AppDelegate::makePanel(NotchModel& model) {
-  auto* content = content_ = new ui::SceneWidget(scheduler_, panelSize,
-                                      notchRootView(
-                                          model, [this] { openSettings(); }, display_->hasRoomForShadow()));
+  auto* content = content_ =
+      new ui::SceneWidget(scheduler_, panelSize,
+                          notchRootView(
+                              model, [this] { openSettings(); }, display_->hasRoomForShadow()));
   auto panel = display_->makePanel(
       {*content, [content] { return presentedSurface(content->scene()); },
        [content](Point at, Point delta) { return content->scene().input().canScroll(at, delta); }});

@@ -9,8 +9,7 @@
 namespace tarnwick::BusMessage {
 
 /// Of the bus itself, and of the methods that it has.
-inline constexpr std::string_view busName = "org.freedesktop.DBus",
-                                  busPath = "/org/freedesktop/DBus",
+inline constexpr std::string_view busName = "org.freedesktop.DBus", busPath = "/org/freedesktop/DBus",
                                   peerInterface = "org.freedesktop.DBus.Peer";
 
 /// What opens a connection: the bus takes the user from the socket's credentials.

@@ -82,8 +82,8 @@ struct Interaction {
   /// The files that a drag of the view takes out of the window.
   std::function<std::vector<FilePath>()> files;
   std::optional<Cursor> cursor;
-  /// A key, while the keyboard's focus is on the view or inside of it, or where nobody else has taken it.
-  /// @return true when it has been used.
+  /// A key, while the keyboard's focus is on the view or inside of it; for a view that takes no focus also
+  /// where nobody else has used it. @return true when it has been used.
   std::function<bool(const KeyEvent&)> onKey;
   /// The keyboard's focus came or went. A view with such a handler shows it by itself, others get a ring.
   std::function<void(bool focused)> onFocus;

@@ -80,32 +80,31 @@ View sessionRow(const Session& session, TerminalVisits& terminals, std::function
                   .foreground(white(0.6))
                   .transition(Transition::opacity());
     }
-    View row =
-        HStack({.spacing = 10},
-               {
-                   ZStack(UnitPoint::center, {phaseIndicator(session.phase)}).frame({.width = 20}),
-                   texts(session),
-                   Spacer(),
-                   everySecond([session](Date now) {
-                     return Text(elapsedText(session, now))
-                         .font({11, Weight::medium})
-                         .monospacedDigits()
-                         .foreground(white(0.45));
-                   }),
-                   arrow,
-               })
-            .padding(Edge::horizontal, 10)
-            .frame({.height = sessionRowHeight})
-            .background(RoundedRectangle(10).fill(white(hovering ? 0.07 : 0.03)))
-            .animation(easeOut(0.15), std::pair(hovering, canVisit))
-            .contentShape(RoundedRectangle(10))
-            .onHover([session, &terminals, pointed](bool isInside) {
-              pointed.set({isInside, isInside && terminals.canVisit(session)});
-            })
-            .onTap([session, &terminals] { terminals.visit(session); }, session.process.has_value())
-            .focusable()
-            .accessibility(session.process ? Role::button : Role::text,
-                           session.project + ": " + session.activity);
+    View row = HStack({.spacing = 10},
+                      {
+                          ZStack(UnitPoint::center, {phaseIndicator(session.phase)}).frame({.width = 20}),
+                          texts(session),
+                          Spacer(),
+                          everySecond([session](Date now) {
+                            return Text(elapsedText(session, now))
+                                .font({11, Weight::medium})
+                                .monospacedDigits()
+                                .foreground(white(0.45));
+                          }),
+                          arrow,
+                      })
+                   .padding(Edge::horizontal, 10)
+                   .frame({.height = sessionRowHeight})
+                   .background(RoundedRectangle(10).fill(white(hovering ? 0.07 : 0.03)))
+                   .animation(easeOut(0.15), std::pair(hovering, canVisit))
+                   .contentShape(RoundedRectangle(10))
+                   .onHover([session, &terminals, pointed](bool isInside) {
+                     pointed.set({isInside, isInside && terminals.canVisit(session)});
+                   })
+                   .onTap([session, &terminals] { terminals.visit(session); }, session.process.has_value())
+                   .focusable()
+                   .accessibility(session.process ? Role::button : Role::text,
+                                  session.project + ": " + session.activity);
     if (forget) row = row.onKey(Key::erase, forget);
     if (!hovering || canVisit) return row;
     return row.tooltip(

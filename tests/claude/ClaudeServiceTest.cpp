@@ -43,10 +43,10 @@ class ClaudeServiceTest : public testing::Test {
 TEST_F(ClaudeServiceTest, AWholePieceOfWork) {
   const Date start = desktop.scheduler.now();
   send("UserPromptSubmit", {{"cwd", "/src/shop"}});
-  EXPECT_EQ(session(), (Session{"s", "shop", Phase::working, "Thinking…", start, {}, start}));
+  EXPECT_EQ(session(), (Session{"s", "shop", Phase::working, start, "Thinking…", start, {}, start}));
   pass(2);
   send("PreToolUse", {{"cwd", "/src/shop"}, {"tool_name", "Bash"}, {"tool_detail", "npm test"}});
-  EXPECT_EQ(session(), (Session{"s", "shop", Phase::working, "Running · npm test", start, {}, start + 2}));
+  EXPECT_EQ(session(), (Session{"s", "shop", Phase::working, start, "Running · npm test", start, {}, start + 2}));
   EXPECT_TRUE(banners.empty());
   pass(3);
   send("Notification", {{"cwd", "/src/shop"},
@@ -60,10 +60,10 @@ TEST_F(ClaudeServiceTest, AWholePieceOfWork) {
   EXPECT_EQ(banners[0].second, 8);
   pass(4);
   send("PostToolUse", {{"cwd", "/src/shop"}, {"tool_name", "Bash"}});
-  EXPECT_EQ(session(), (Session{"s", "shop", Phase::working, "Thinking…", start, {}, start + 9}));
+  EXPECT_EQ(session(), (Session{"s", "shop", Phase::working, start + 9, "Thinking…", start, {}, start + 9}));
   pass(4);
   send("Stop", {{"cwd", "/src/shop"}});
-  EXPECT_EQ(session(), (Session{"s", "shop", Phase::done, "Done in 13s", start, start + 13, start + 13}));
+  EXPECT_EQ(session(), (Session{"s", "shop", Phase::done, start + 13, "Done in 13s", start, start + 13, start + 13}));
   ASSERT_EQ(banners.size(), 2u);
   const Banner done = banners[1].first;
   EXPECT_EQ(done, (Banner{done.id, "checkmark.circle.fill", colors::green, "shop", "Done in 13s",

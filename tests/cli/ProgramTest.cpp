@@ -244,6 +244,36 @@ TEST(Program, AnswersWithItsExitStatus) {
               testing::MatchesRegex("Tarnwick [0-9.]+\n"));
 }
 
+TEST(Program, SaysThatNoOverlayRuns) {
+  const auto expectRefusal = [](const std::string& address, std::vector<std::string> arguments) {
+    arguments.insert(arguments.begin(), program);
+    const auto result = ChildProcess::run(arguments, at(address));
+    EXPECT_EQ(result.status, 1) << arguments[1];
+    EXPECT_EQ(result.output, "");
+    EXPECT_EQ(result.error, "Tarnwick: the overlay does not run\n");
+    EXPECT_LT(result.duration, startingTime + 500ms);
+  };
+  const PrivateBus bus;
+  const std::initializer_list<std::vector<std::string>> roles{
+      {"--open", "tray"}, {"--next"}, {"--sessions"}, {"--sessions", "--follow"}};
+  for (const auto& role : roles) expectRefusal(bus.address(), role);
+  expectRefusal("", {"--sessions"});
+  expectRefusal(FakeBus([](int) {}).address(), {"--sessions"});
+  using namespace std::string_literals;
+  for (const std::string& reply : {"HTTP/1.1 400\r\n"s, "OK\r\nx"s + std::string(15, '\0'),
+                                   // Too long; and a field beyond the message's end.
+                                   "OK\r\nl\2\1\1\xFF\xFF\xFF\xFF\1\0\0\0\0\0\0\0"s,
+                                   "OK\r\nl\2\1\1\0\0\0\0\1\0\0\0\x8\0\0\0\6\1s\0\xFF\xFF\xFF\xFF"s}) {
+    expectRefusal(FakeBus([&](int connection) {
+                    char bytes[4096];
+                    (void)!::read(connection, bytes, sizeof bytes);
+                    (void)!::write(connection, reply.data(), reply.size());
+                    while (::read(connection, bytes, sizeof bytes) > 0) continue;
+                  }).address(),
+                  {"--sessions"});
+  }
+}
+
 TEST(Program, BecomesTheOverlay) {
   const InstalledTree tree;
   const std::string overlay = tree.folder + "/bin/../libexec/Tarnwick/overlay";

@@ -182,6 +182,58 @@ TEST_F(NotchControllerTest, OpensWhatAnotherStartAsksFor) {
   EXPECT_FALSE(model().isExpanded) << "it was there and has left";
 }
 
+TEST_F(NotchControllerTest, ObeysTheKeyboard) {
+  start();
+  std::vector<std::string> focused;
+  controller->onFocusSession = [&](const std::string& id) { focused.push_back(id); };
+  for (const char* id : {"first", "second", "third"}) {
+    pass(1);
+    desktop.notifications.post(eventNotification, {{"hook_event_name", "Notification"}, {"session_id", id}});
+  }
+  // Heard of again, but it waits no longer than that.
+  desktop.notifications.post(eventNotification,
+                             {{"hook_event_name", "Notification"}, {"session_id", "first"}});
+  desktop.notifications.post(eventNotification, {{"hook_event_name", "Stop"}, {"session_id", "third"}});
+  const struct {
+    const char *action, *tab;
+    bool opens;
+    Tab shown;
+    const char* focused;
+  } cases[] = {
+      {"close", "tray", false, Tab::home, ""},      {"open", "tray", true, Tab::tray, ""},
+      {"open", "notes", true, Tab::notes, ""},      {"toggle", "", false, Tab::notes, ""},
+      {"toggle", "", true, Tab::claude, "first"},   {"open", "home", true, Tab::home, ""},
+      {"next", "home", true, Tab::claude, "first"},
+  };
+  for (const auto& c : cases) {
+    focused.clear();
+    desktop.notifications.post(openNotification, {{"action", c.action}, {"tab", c.tab}});
+    EXPECT_EQ(model().isExpanded, c.opens) << c.action << c.tab;
+    EXPECT_EQ(panel->key, c.opens) << c.action << c.tab;
+    EXPECT_EQ(model().tab, c.shown) << c.action << c.tab;
+    EXPECT_EQ(focused, std::vector<std::string>(*c.focused ? 1 : 0, c.focused)) << c.action << c.tab;
+  }
+  panel->onKeyChange(true);
+  pass(100);
+  EXPECT_TRUE(model().isExpanded) << "the keyboard holds it open";
+  EXPECT_FALSE(desktop.scheduler.nextDue() && *desktop.scheduler.nextDue() < 0.5);
+  panel->onKeyChange(false);
+  pass(0.2);
+  EXPECT_FALSE(model().isExpanded) << "another window has it";
+
+  desktop.notifications.post(openNotification, {{"action", "open"}});
+  panel->onKeyChange(true);
+  desktop.pointer.move(Point{-390, 900});
+  pass(10);
+  desktop.pointer.press();
+  pass(0.2);
+  EXPECT_FALSE(model().isExpanded) << "a click beside it";
+
+  model().showcase = true;
+  desktop.notifications.post(openNotification, {{"action", "open"}});
+  EXPECT_FALSE(model().isExpanded) << "the demonstration is left alone";
+}
+
 TEST_F(NotchControllerTest, HandsOnDemonstrationCommands) {
   start();
   desktop.notifications.post(showcaseNotification, {{"cmd", "begin"}});

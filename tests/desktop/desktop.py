@@ -11,7 +11,7 @@ import time
 from pathlib import Path
 
 import dbus.bus
-from Xlib import X, Xatom
+from Xlib import X, XK, Xatom
 from Xlib.display import Display
 from Xlib.error import BadWindow
 from Xlib.ext import shape
@@ -267,6 +267,12 @@ class Desktop:
     def click(self, button=1):
         self.press(button)
         self.release(button)
+
+    def key(self, name):
+        code = self.x.keysym_to_keycode(XK.string_to_keysym(name))
+        for event in (X.KeyPress, X.KeyRelease):
+            self.x.xtest_fake_input(event, code)
+        self.x.sync()
 
     def open_page(self, tab):
         """Opens the notch by a tap and selects a tab: home, audio, claude, tray or notes."""

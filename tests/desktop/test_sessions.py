@@ -1,8 +1,12 @@
 """Claude Code runs the installed hooks, and the notch shows what its sessions do."""
 
+import json
+import subprocess
+import time
 import unittest
 
 from claude_code import ClaudeCode
+from desktop import PATIENCE, PROGRAM, wait_until
 from desktop_test import BANNER, CLAUDE, EXPANDED, HIDDEN, DesktopTest
 from picture import GREEN, ORANGE, YELLOW
 
@@ -83,6 +87,50 @@ class Sessions(DesktopTest):
                               and picture.count(ORANGE, *rows[1], tolerance=40) > 3, "the rows of two sessions")
         self.leave_notch()
         self.desktop.wait_for_notch(*CLAUDE)
+
+    def test_sessions_are_printed_at_each_change(self):
+        self.assertEqual(self.desktop.run("--sessions").stdout, b"[]\n")
+        follower, other = [subprocess.Popen([PROGRAM, "--sessions", "--follow"], env=self.desktop.environment,
+                                            stdout=subprocess.PIPE) for _ in range(2)]
+        self.assertEqual(follower.stdout.readline(), b"[]\n")
+        began = int(time.time())
+        session = ClaudeCode(self.desktop, "1", "/src/bakery")
+        session.fire("Notification", message="May I?")
+        told = json.loads(follower.stdout.readline())
+        self.assertLessEqual(abs(told[0].pop("since") - began), PATIENCE)
+        self.assertEqual(told, [{"phase": "waiting", "project": "bakery", "activity": "May I?"}])
+        other.stdout.close()
+        self.assertEqual(other.wait(PATIENCE), 0, "its reader has gone")
+        # What changes nothing that is told makes no line, and one that does not read holds up nobody.
+        other = subprocess.Popen([PROGRAM, "--sessions", "--follow"], env=self.desktop.environment,
+                                 stdout=subprocess.PIPE)
+        session.fire("Notification", message="May I?")
+        for number in range(200):
+            session.fire("Notification", message=str(number) * 40)
+        session.fire("SessionEnd", reason="exit")
+        lines = iter(follower.stdout.readline, b"[]\n")
+        self.assertLessEqual(sum(1 for _ in lines), 200)
+        self.desktop.overlay.terminate()
+        self.assertEqual(follower.wait(PATIENCE), 0, "the overlay has ended")
+        other.communicate(timeout=PATIENCE)
+        self.assertEqual(other.returncode, 0)
+        follower.stdout.close()
+
+    def test_the_keyboard_opens_the_list_and_weeds_it(self):
+        for name in ("first", "second"):
+            ClaudeCode(self.desktop, name, "/src/" + name).fire("Notification", message="May I?")
+        ClaudeCode(self.desktop, "rest", "/src/rest").fire("Stop")
+        self.desktop.move_pointer(600, 700)
+        self.assertEqual(self.desktop.run("--next").returncode, 0)
+        self.desktop.wait_for_notch(*EXPANDED)
+        self.desktop.key("Down")
+        self.desktop.key("Delete")
+        wait_until(lambda: len(json.loads(self.desktop.run("--sessions").stdout)) == 2, "the session to be forgotten")
+        self.desktop.key("Escape")
+        self.desktop.wait_for_notch(*CLAUDE)
+        for action in (["--open", "tray"], ["--toggle"]):
+            self.desktop.run(*action)
+            self.desktop.wait_for_notch(*(EXPANDED if action[0] == "--open" else CLAUDE))
 
 if __name__ == "__main__":
     unittest.main()

@@ -83,15 +83,17 @@ TEST(Keyboard, operatesTheControlWithTheFocus) {
         .onKey(Key::escape, [&] { keys += "outer "; });
   });
   EXPECT_TRUE(stage.inspect.key(Key::escape));
-  EXPECT_EQ(keys, "inner ") << "the frontmost, while nobody has the focus";
+  EXPECT_EQ(keys, "outer ") << "what is no control, while nobody has the focus";
   stage.inspect.key(Key::tab);
+  stage.inspect.key(Key::escape);
+  EXPECT_EQ(keys, "outer inner ");
   for (const Key key : {Key::enter, Key::space}) EXPECT_TRUE(stage.inspect.key(key));
   EXPECT_EQ(taps, 2);
   EXPECT_FALSE(stage.inspect.key(Key::enter, {.control = true}));
   stage.inspect.key(Key::tab);
   keys.clear();
   stage.inspect.key(Key::escape);
-  EXPECT_EQ(keys, "outer ") << "what is around the focus, before what is beside it";
+  EXPECT_EQ(keys, "outer ") << "what is around the focus";
   const struct {
     Key key;
     double expected;

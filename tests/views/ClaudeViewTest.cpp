@@ -106,6 +106,33 @@ TEST(ClaudeView, ClearsWhatIsFinished) {
   }
 }
 
+TEST(ClaudeView, IsGoneThroughAndWeededByKeys) {
+  NotchStage stage;
+  for (const char* id : {"a", "b"}) {
+    prompt(stage, id);
+    stop(stage, id);
+  }
+  prompt(stage, "busy");
+  openSessions(stage);
+  const auto focused = [&] {
+    const ui::Node* node = stage.scene.input().focused();
+    return node ? node->attributes.interaction->accessibilityName.substr(0, 2) : "";
+  };
+  EXPECT_FALSE(stage.scene.input().focus("nobody"));
+  EXPECT_TRUE(stage.scene.input().focus("busy"));
+  EXPECT_EQ(focused(), "bu");
+  stage.inspect.key(ui::Key::erase);
+  stage.settle();
+  EXPECT_EQ(focused(), "bu") << "it works";
+  using enum ui::Key;
+  for (const auto& [key, next] : {std::pair{down, "b:"}, {erase, "a:"}, {erase, "bu"}}) {
+    EXPECT_TRUE(stage.inspect.key(key));
+    stage.settle();
+    EXPECT_EQ(focused(), next);
+  }
+  EXPECT_EQ(stage.model.claude.sessions->size(), 1u);
+}
+
 TEST(ClaudeView, LetsRowsEnterOneAfterTheOther) {
   NotchStage stage;
   prompt(stage, "first");

@@ -11,9 +11,9 @@
 namespace tarnwick {
 
 /// What other programs of the session may ask the overlay on its bus: the object /dev/tarnwick with the
-/// method `Sessions` of the interface `dev.tarnwick`. Once it was asked, the next change is told by the signal
-/// `SessionsChanged`, which has no arguments; then no other, until it is asked again. So nothing is sent where
-/// nobody listens, and who listens but does not take what is sent is sent no more.
+/// method `Sessions` of the interface `dev.tarnwick`. Once it was asked, the next change is told by the
+/// signal `SessionsChanged`, which has no arguments; then no other, until it is asked again. So nothing is
+/// sent where nobody listens, and who listens but does not take what is sent is sent no more.
 class SessionsObject : public QObject {
   Q_OBJECT
   Q_CLASSINFO("D-Bus Interface", "dev.tarnwick")

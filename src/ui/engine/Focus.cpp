@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <functional>
 #include <optional>
+#include <utility>
 
 #include "ui/engine/HitTest.h"
 #include "ui/engine/Scene.h"
@@ -11,8 +12,8 @@ namespace tarnwick::ui {
 namespace {
 
 /// The view around a control whose arrow keys lead there.
-const Node* groupOf(const Node& node) {
-  for (const Node* n = node.parent; n; n = n->parent) {
+Node* groupOf(const Node& node) {
+  for (Node* n = node.parent; n; n = n->parent) {
     if (n->attributes.interaction && n->attributes.interaction->arrows) return n;
   }
   return nullptr;
@@ -44,6 +45,11 @@ void Focus::moveTo(Node* node, bool shown) {
   showRing(false);
   if (another) tell(false);
   node_ = next;
+  group_ = next ? groupOf(*next) : nullptr;
+  if (group_) {
+    const auto all = members(group_);
+    place_ = size_t(std::ranges::find(all, next.get()) - all.begin());
+  }
   shown_ = shown;
   showRing(true);
   if (another) tell(true);
@@ -77,7 +83,20 @@ void Focus::showRing(bool shown) {
 }
 
 void Focus::forgetVanished() {
-  if (node_ && !node()) moveTo(nullptr, false);
+  if (node()) return;
+  Node* group = std::exchange(group_, nullptr);
+  const auto others = group && hitTest::takesInput(*group) ? members(group) : std::vector<Node*>();
+  if (!others.empty()) {
+    moveTo(others[std::min(place_, others.size() - 1)], shown_);
+  } else if (node_) {
+    moveTo(nullptr, false);
+  }
+}
+
+std::vector<Node*> Focus::members(const Node* group) const {
+  std::vector<Node*> members = controls();
+  std::erase_if(members, [&](const Node* control) { return groupOf(*control) != group; });
+  return members;
 }
 
 /// In the order of drawing.
@@ -130,17 +149,16 @@ bool Focus::move(const KeyEvent& event) {
   const auto step =
       interaction && interaction->arrows ? stepOf(event.key, *interaction->arrows) : std::nullopt;
   if (!step) return false;
-  std::vector<Node*> members = controls();
-  std::erase_if(members, [&](const Node* control) { return groupOf(*control) != group; });
-  if (members.empty()) return false;
-  const auto last = std::ptrdiff_t(members.size()) - 1;
-  const std::ptrdiff_t here = current     ? std::ranges::find(members, current) - members.begin()
+  const std::vector<Node*> all = members(group);
+  if (all.empty()) return false;
+  const auto last = std::ptrdiff_t(all.size()) - 1;
+  const std::ptrdiff_t here = current     ? std::ranges::find(all, current) - all.begin()
                               : *step > 0 ? -1
                                           : last + 1;
   const std::ptrdiff_t there = *step == -2  ? 0
                                : *step == 2 ? last
                                             : std::clamp<std::ptrdiff_t>(here + *step, 0, last);
-  moveTo(members[size_t(there)], true);
+  moveTo(all[size_t(there)], true);
   return true;
 }
 

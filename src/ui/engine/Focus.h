@@ -23,19 +23,23 @@ class Focus {
   bool step(bool forward);
   /// Among the controls in the same `arrowKeys`: to the neighbour, the first or the last one.
   bool move(const KeyEvent& event);
-  /// Ends with a view that has gone.
+  /// Leaves a view that has gone: for what has taken its place among those that arrow keys lead to.
   void forgetVanished();
   /// The view that keys and focus stay inside of: the frontmost `modal` one, or all.
   Node& scope() const;
 
  private:
   std::vector<Node*> controls() const;
+  std::vector<Node*> members(const Node* group) const;
   void tell(bool focused);
   void showRing(bool shown);
   void reveal(Node& node);
 
   Scene& scene_;
   WeakNode node_;
+  /// Those among which arrow keys move from there, and its place among them.
+  WeakNode group_;
+  size_t place_ = 0;
   bool active_ = false, shown_ = false;
 };
 

@@ -124,7 +124,8 @@ void SceneInput::turn(Node& control, double distance) {
   value.set(std::clamp(value.now + distance / pointsPerClick * value.step, value.least, value.most));
 }
 
-/// First to the view with the focus and those around it, then to all others from the front to the back.
+/// First to the view with the focus and those around it, then from the front to the back to all others but
+/// controls: what a key does to those, it does to the one with the focus.
 bool SceneInput::offer(const KeyEvent& event, Node* focused) {
   std::vector<WeakNode> order;
   for (Node* node = focused; node; node = node == &focus_.scope() ? nullptr : node->parent) {
@@ -133,7 +134,9 @@ bool SceneInput::offer(const KeyEvent& event, Node* focused) {
   const std::function<void(Node&)> collect = [&](Node& node) {
     if (node.isLeaving || (isInteractive(node) && node.attributes.interaction->disabled)) return;
     for (auto child = node.children.rbegin(); child != node.children.rend(); ++child) collect(**child);
-    if (std::ranges::find(order, &node, &WeakNode::get) == order.end()) order.emplace_back(node);
+    const bool isControl = node.attributes.interaction && node.attributes.interaction->takesFocus();
+    if (!isControl && std::ranges::find(order, &node, &WeakNode::get) == order.end())
+      order.emplace_back(node);
   };
   collect(focus_.scope());
   return std::ranges::any_of(order, [&](Node* node) {
