@@ -63,7 +63,11 @@ BacklightBrightness::BacklightBrightness(Scheduler& scheduler, MessageBus& bus, 
     setWritable(false);
   };
   // The session may have come to the foreground.
-  loginDaemon_.onSignal = [this](const QDBusMessage&) { tryWriting(); };
+  loginDaemon_.onSignal = [this](const QDBusMessage&) {
+    // A refusal that is still under way was decided before.
+    retries_ = writing_;
+    tryWriting();
+  };
   loginDaemon_.listen({}, "org.freedesktop.DBus.Properties", "PropertiesChanged", session);
   loginDaemon_.follow();
 }
@@ -126,6 +130,7 @@ void BacklightBrightness::write() {
       [this](const QDBusMessage&) {
         writing_ = false;
         setWritable(false);
+        if (std::exchange(retries_, false)) tryWriting();
       });
 }
 

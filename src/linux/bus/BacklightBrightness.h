@@ -46,6 +46,8 @@ class BacklightBrightness : public DisplayBrightness {
   /// What is wanted, until the kernel has it. Raw units.
   std::optional<long> wanted_;
   bool writing_ = false;
+  /// The session has changed meanwhile.
+  bool retries_ = false;
   OncePerFrame pace_;
   ObservableObject changes_;
 };
