@@ -18,8 +18,8 @@ class EmptyWindow : public QWidget {
 int main(int count, char** arguments) {
   QApplication application(count, arguments);
   EmptyWindow window;
-  window.setWindowFlags(Qt::BypassWindowManagerHint | Qt::FramelessWindowHint | Qt::Tool |
-                        Qt::WindowStaysOnTopHint);
+  window.setWindowFlags(
+      Qt::BypassWindowManagerHint | Qt::FramelessWindowHint | Qt::Tool | Qt::WindowStaysOnTopHint);
   window.setAttribute(Qt::WA_TranslucentBackground);
   window.setAttribute(Qt::WA_ShowWithoutActivating);
   window.setGeometry((QApplication::primaryScreen()->geometry().width() - 940) / 2, 0, 940, 380);

@@ -1,8 +1,8 @@
-// page-frames RATIO SESSIONS [sessions]: with that many sessions and the demonstration's content on the pages,
-// opens the body on each page over and over and slides between any two; or opens the sessions only. Prints a
-// line for each way, its name before the milliseconds of processor time, all threads together, that the
-// frames on it take: taking over what changed, moving, painting what is damaged, and copying that into the
-// window's picture.
+// page-frames RATIO SESSIONS [sessions]: with that many sessions and the demonstration's content on the
+// pages, opens the body on each page over and over and slides between any two; or opens the sessions only.
+// Prints a line for each way, its name before the milliseconds of processor time, all threads together, that
+// the frames on it take: taking over what changed, moving, painting what is damaged, and copying that into
+// the window's picture.
 #include <QGuiApplication>
 #include <QImage>
 #include <QPainter>

@@ -13,7 +13,7 @@ using bench::fail;
 
 std::vector<uint8_t> pixels(xcb_connection_t* server, xcb_window_t root, const int (&area)[4]) {
   const auto cookie = xcb_get_image(server, XCB_IMAGE_FORMAT_Z_PIXMAP, root, int16_t(area[0]),
-                                    int16_t(area[1]), uint16_t(area[2]), uint16_t(area[3]), ~0u);
+      int16_t(area[1]), uint16_t(area[2]), uint16_t(area[3]), ~0u);
   const std::unique_ptr<xcb_get_image_reply_t, decltype(&std::free)> reply(
       xcb_get_image_reply(server, cookie, nullptr), &std::free);
   if (!reply) fail("the picture of the screen", EIO);
@@ -24,8 +24,8 @@ std::vector<uint8_t> pixels(xcb_connection_t* server, xcb_window_t root, const i
 }  // namespace
 
 int main(int count, char** arguments) {
-  const int area[4] = {std::atoi(arguments[1]), std::atoi(arguments[2]), std::atoi(arguments[3]),
-                       std::atoi(arguments[4])};
+  const int area[4] = {
+      std::atoi(arguments[1]), std::atoi(arguments[2]), std::atoi(arguments[3]), std::atoi(arguments[4])};
   xcb_connection_t* server = xcb_connect(nullptr, nullptr);
   if (xcb_connection_has_error(server)) fail("the display", ECONNREFUSED);
   const xcb_window_t root = xcb_setup_roots_iterator(xcb_get_setup(server)).data->root;

@@ -1,9 +1,9 @@
 #include <cstdint>
 
 #include "Check.h"
+#include "base/Characters.h"
 #include "base/Utf8.h"
 #include "cli/HookEvent.h"
-#include "base/Characters.h"
 #include "dbus/BusMessage.h"
 #include "json/JsonValue.h"
 
@@ -31,7 +31,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     check(value.size() <= 16384 && isValidUtf8(value), "every text of an event is short and valid");
     check(value.empty() || !firstCharacters(value, 1, 16384).empty(), "a cut keeps the first character");
     check(firstCharacters(value, key == "tool_detail" ? 120 : 200, 16384) == value,
-          "a cut text is not cut again");
+        "a cut text is not cut again");
   }
   check(isValidUtf8(withoutInvalidUtf8(text)), "a cleaned text is valid");
   BusMessage::signal(1, "/dev/tarnwick", "dev.tarnwick", "event", *event);

@@ -34,8 +34,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     bool isKept =
         std::find(installer.events.begin(), installer.events.end(), event) == installer.events.end();
     if (list)
-      isKept = isKept || std::all_of(list->begin(), list->end(),
-                                     [](auto& group) { return group.template as<JsonObject>(); });
+      isKept = isKept || std::all_of(list->begin(), list->end(), [](auto& group) {
+        return group.template as<JsonObject>();
+      });
     if (isKept)
       check(uninstalled.at("hooks").as<JsonObject>()->at(event) == groups, "the user's hooks are kept");
   }

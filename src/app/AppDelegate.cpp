@@ -32,10 +32,9 @@ PanelContent::Surface presentedSurface(const ui::Scene& scene) {
 
 /// The mascot in its notch, for lists of windows.
 QIcon applicationIcon(Scheduler& scheduler) {
-  ui::Scene scene(
-      scheduler, {64, 64},
+  ui::Scene scene(scheduler, {64, 64},
       ui::ZStack(UnitPoint::center, {ui::RoundedRectangle(14).fill(black()),
-                                     crabView(CrabMood::idle).frame({.width = 48, .height = 30})}),
+                                        crabView(CrabMood::idle).frame({.width = 48, .height = 30})}),
       2);
   scene.frame();
   return QPixmap::fromImage(ui::picture(scene));
@@ -52,42 +51,41 @@ void AppDelegate::openThere(bool settings) {
 void AppDelegate::applicationDidFinishLaunching(bool withSettings) {
   notifications_.onAnotherOverlay = [] { QCoreApplication::quit(); };
   const Desktop desktop{.scheduler = scheduler_,
-                        .notifications = notifications_,
-                        .defaults = defaults_,
-                        .folders = folders_,
-                        .screens = display_->screens(),
-                        .windows = display_->windows(),
-                        .sounds = sounds_,
-                        .haptics = haptics_,
-                        .processes = processes_,
-                        .applications = applications_,
-                        .images = images_,
-                        .log = log_,
-                        .audioDevices = audioDevices_,
-                        .mediaKeys = display_->mediaKeys(),
-                        .brightness = brightness_,
-                        .powerSources = powerSources_,
-                        .bluetooth = bluetooth_,
-                        .calendars = calendars_,
-                        .appearance = appearance_,
-                        .fileIcons = fileIcons_,
-                        .fileManager = fileManager_,
-                        .sharing = sharing_,
-                        .foreignProcesses = foreignProcesses_,
-                        .growingFiles = growingFiles_,
-                        .activation = display_->activation()};
+      .notifications = notifications_,
+      .defaults = defaults_,
+      .folders = folders_,
+      .screens = display_->screens(),
+      .windows = display_->windows(),
+      .sounds = sounds_,
+      .haptics = haptics_,
+      .processes = processes_,
+      .applications = applications_,
+      .images = images_,
+      .log = log_,
+      .audioDevices = audioDevices_,
+      .mediaKeys = display_->mediaKeys(),
+      .brightness = brightness_,
+      .powerSources = powerSources_,
+      .bluetooth = bluetooth_,
+      .calendars = calendars_,
+      .appearance = appearance_,
+      .fileIcons = fileIcons_,
+      .fileManager = fileManager_,
+      .sharing = sharing_,
+      .foreignProcesses = foreignProcesses_,
+      .growingFiles = growingFiles_,
+      .activation = display_->activation()};
   controller_ =
       std::make_unique<NotchController>(desktop, [this](NotchModel& model) { return makePanel(model); });
-  settings_.emplace(
-      SettingsContext{.model = controller_->model(),
-                      .hud = controller_->hud(),
-                      .loginItem = loginItem_,
-                      .pages = settingsPages_,
-                      .hooks = hooks_,
-                      .appearance = appearance_,
-                      .scheduler = scheduler_,
-                      .keysStayWithDesktop = qEnvironmentVariable("XDG_SESSION_TYPE") == "wayland",
-                      .quit = [] { QCoreApplication::quit(); }});
+  settings_.emplace(SettingsContext{.model = controller_->model(),
+      .hud = controller_->hud(),
+      .loginItem = loginItem_,
+      .pages = settingsPages_,
+      .hooks = hooks_,
+      .appearance = appearance_,
+      .scheduler = scheduler_,
+      .keysStayWithDesktop = qEnvironmentVariable("XDG_SESSION_TYPE") == "wayland",
+      .quit = [] { QCoreApplication::quit(); }});
   controller_->onFocusSession = [this](const std::string& id) { focusSession(id); };
   sessionsObject_.describe = [this] { return sessionsJson(controller_->model().claude.ordered()); };
   sessionChanges_ = controller_->model().claude.observe([this] { sessionsObject_.changed(); });
@@ -129,13 +127,11 @@ void AppDelegate::focusSession(const std::string& id) {
 }
 
 std::unique_ptr<NotchPanel> AppDelegate::makePanel(NotchModel& model) {
-  auto* content = content_ =
-      new ui::SceneWidget(scheduler_, panelSize,
-                          notchRootView(
-                              model, [this] { openSettings(); }, display_->hasRoomForShadow()));
-  auto panel = display_->makePanel(
-      {*content, [content] { return presentedSurface(content->scene()); },
-       [content](Point at, Point delta) { return content->scene().input().canScroll(at, delta); }});
+  auto* content = content_ = new ui::SceneWidget(scheduler_, panelSize,
+      notchRootView(
+          model, [this] { openSettings(); }, display_->hasRoomForShadow()));
+  auto panel = display_->makePanel({*content, [content] { return presentedSurface(content->scene()); },
+      [content](Point at, Point delta) { return content->scene().input().canScroll(at, delta); }});
   content->onFrame = [&model, content, panel = panel.get()] {
     model.floating = content->scene().floating();
     panel->surfaceChanged();

@@ -77,8 +77,8 @@ class AppDelegate {
   UPowerSources powerSources_{systemBus_};
   BluezDevices bluetooth_{systemBus_};
   PortalAppearance appearance_{sessionBus_};
-  EvolutionCalendars calendars_{scheduler_, sessionBus_, hasCalendars(folders_),
-                                [] { return loadCalendarReader(moduleFolder()); }};
+  EvolutionCalendars calendars_{
+      scheduler_, sessionBus_, hasCalendars(folders_), [] { return loadCalendarReader(moduleFolder()); }};
   DesktopFileIcons fileIcons_{appearance_};
   DesktopFileManager fileManager_{sessionBus_};
   DesktopDeviceSharing sharing_{sessionBus_};

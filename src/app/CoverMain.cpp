@@ -33,7 +33,7 @@ void setLimits() {
 
 bool write(const tarnwick::Image& image) {
   const QImage picture(reinterpret_cast<const uchar*>(image.pixels->data()), image.width, image.height,
-                       QImage::Format_ARGB32_Premultiplied);
+      QImage::Format_ARGB32_Premultiplied);
   QBuffer file;
   file.open(QIODevice::WriteOnly);
   return picture.save(&file, "PNG") &&

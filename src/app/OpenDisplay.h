@@ -5,8 +5,8 @@
 
 namespace tarnwick {
 
-/// The way to the session's display server. None, which standard error is told, when there is none that this program
-/// can use.
+/// The way to the session's display server. None, which standard error is told, when there is none that this
+/// program can use.
 std::unique_ptr<DisplayConnection> openDisplay();
 
 }  // namespace tarnwick

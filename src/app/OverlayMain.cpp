@@ -145,10 +145,10 @@ int main(int argc, char** argv) {
   bool startAnew = false;
   if (hiddenBus) {
     busWaiter.wait([&] { return hiddenBus->address(); },
-                   [&] {
-                     startAnew = true;
-                     QApplication::quit();
-                   });
+        [&] {
+          startAnew = true;
+          QApplication::quit();
+        });
   }
   QApplication::exec();
   delegate->applicationWillTerminate();

@@ -29,8 +29,8 @@ class DeviceSearch {
     using enum AudioScope;
     for (const AudioScope scope : {output, input}) {
       const uint32_t id = devices_.defaultDevice(scope);
-      stage.levels[{id, scope}] = {devices_.volume(id, scope).value_or(0),
-                                   devices_.isMuted(id, scope).value_or(false)};
+      stage.levels[{id, scope}] = {
+          devices_.volume(id, scope).value_or(0), devices_.isMuted(id, scope).value_or(false)};
     }
     stage.plug(devices_.all(), devices_.defaultDevice(output), devices_.defaultDevice(input));
   }
@@ -60,8 +60,8 @@ int takeSnapshots(const std::string& folder) {
   DeviceSearch search;
   const auto error = Snapshot::run(folder, [&search](MemoryAudioDevices& stage) { search.plugInto(stage); });
   if (error) {
-    std::fprintf(stderr, "Tarnwick: could not write pictures into %s: %s\n", folder.c_str(),
-                 error.message().c_str());
+    std::fprintf(
+        stderr, "Tarnwick: could not write pictures into %s: %s\n", folder.c_str(), error.message().c_str());
   }
   // A daemon that hangs is not waited for.
   std::_Exit(error ? EXIT_FAILURE : EXIT_SUCCESS);

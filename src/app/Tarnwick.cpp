@@ -69,7 +69,7 @@ int main(int count, char** arguments) {
     case Role::showcase: {
       SessionBus bus(sessionBusAddress());
       bus.post(showcaseNotification,
-               {{"cmd", std::string(commandLine.value)}, {"arg", std::string(commandLine.argument)}});
+          {{"cmd", std::string(commandLine.value)}, {"arg", std::string(commandLine.argument)}});
       return EXIT_SUCCESS;
     }
     case Role::demo: {

@@ -38,8 +38,12 @@ constexpr Animation spring(double response, double dampingFraction) {
 }
 constexpr Animation linear(double seconds) { return {.kind = Animation::Kind::linear, .duration = seconds}; }
 constexpr Animation easeIn(double seconds) { return {.kind = Animation::Kind::easeIn, .duration = seconds}; }
-constexpr Animation easeOut(double seconds) { return {.kind = Animation::Kind::easeOut, .duration = seconds}; }
-constexpr Animation easeInOut(double seconds) { return {.kind = Animation::Kind::easeInOut, .duration = seconds}; }
+constexpr Animation easeOut(double seconds) {
+  return {.kind = Animation::Kind::easeOut, .duration = seconds};
+}
+constexpr Animation easeInOut(double seconds) {
+  return {.kind = Animation::Kind::easeInOut, .duration = seconds};
+}
 
 /// Anything that grows the notch: expanding, a banner, a new transient, the start of a file drag.
 inline constexpr Animation notchOpen = spring(0.46, 0.72);
@@ -68,8 +72,8 @@ struct Motion {
   bool finishedAt(double time) const;
 };
 
-/// Runs `change` so that everything it alters is shown along `animation`. May be nested: the inner animation is
-/// for what the inner change alters.
+/// Runs `change` so that everything it alters is shown along `animation`. May be nested: the inner animation
+/// is for what the inner change alters.
 void withAnimation(const Animation& animation, const std::function<void()>& change);
 
 /// What views need to know of `withAnimation`.
@@ -85,8 +89,8 @@ class Committer {
   Committer(const Committer&) = delete;
   Committer& operator=(const Committer&) = delete;
   virtual ~Committer();
-  /// Everything altered since the last call belongs to `animation` (none: takes effect at once). Called when a
-  /// `withAnimation` starts (for what came before it) and ends.
+  /// Everything altered since the last call belongs to `animation` (none: takes effect at once). Called when
+  /// a `withAnimation` starts (for what came before it) and ends.
   virtual void commit(const std::optional<Animation>& animation) = 0;
 };
 

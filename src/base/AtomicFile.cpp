@@ -25,8 +25,8 @@ struct Attributes {
 
 std::error_code lastError() { return {errno, std::generic_category()}; }
 std::error_code notAFile(const struct stat& status) {
-  return std::make_error_code(S_ISDIR(status.st_mode) ? std::errc::is_a_directory
-                                                      : std::errc::operation_not_supported);
+  return std::make_error_code(
+      S_ISDIR(status.st_mode) ? std::errc::is_a_directory : std::errc::operation_not_supported);
 }
 
 /// Follows symbolic links, also a dangling one, to the place where the file is or would be; empty when they
@@ -69,8 +69,9 @@ Descriptor openDraft(const std::string& path) {
     if (draft < 0) return draft;
     const bool isLocked = ::flock(draft, LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK;
     struct stat opened, named;
-    const bool isThere = ::fstat(draft, &opened) == 0 && ::lstat(path.c_str(), &named) == 0 &&
-                         opened.st_dev == named.st_dev && opened.st_ino == named.st_ino;
+    const bool isThere =
+        ::fstat(draft, &opened) == 0 && ::lstat(path.c_str(), &named) == 0 && opened.st_dev == named.st_dev &&
+        opened.st_ino == named.st_ino;
     if (isLocked && isThere) return draft;
     // It is being written, or was renamed meanwhile.
     ::poll(nullptr, 0, isLocked ? 0 : 1);
@@ -99,8 +100,8 @@ std::error_code replace(const std::string& target, std::string_view contents, At
 /// Where `path` leads to.
 /// @param newMode of a file that is not there yet
 /// @param keptMode what an existing one keeps of its own
-std::error_code replaceThroughLinks(const std::string& path, std::string_view contents, mode_t newMode,
-                                    mode_t keptMode) {
+std::error_code replaceThroughLinks(
+    const std::string& path, std::string_view contents, mode_t newMode, mode_t keptMode) {
   const std::string target = resolved(path);
   if (target.empty()) return std::make_error_code(std::errc::too_many_symbolic_link_levels);
   struct stat existing;

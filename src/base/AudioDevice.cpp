@@ -8,7 +8,7 @@ namespace {
 std::string lowerCase(std::string text) {
   // The names that are looked for have no other letters.
   std::transform(text.begin(), text.end(), text.begin(),
-                 [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; });
+      [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; });
   return text;
 }
 
@@ -16,10 +16,8 @@ std::string lowerCase(std::string text) {
 
 std::string AudioDevice::symbol() const {
   // The longer names first: they contain the shorter ones.
-  constexpr const char* families[][2] = {{"airpods max", "airpodsmax"},
-                                         {"airpods pro", "airpodspro"},
-                                         {"airpods", "airpods"},
-                                         {"beats", "beats.headphones"}};
+  constexpr const char* families[][2] = {{"airpods max", "airpodsmax"}, {"airpods pro", "airpodspro"},
+      {"airpods", "airpods"}, {"beats", "beats.headphones"}};
   const std::string lowerName = lowerCase(name);
   for (const auto& [part, familySymbol] : families) {
     if (lowerName.find(part) != std::string::npos) return familySymbol;

@@ -53,8 +53,8 @@ CodePoint next(std::string_view& text) {
   const utf8proc_ssize_t length = utf8proc_iterate(bytes, static_cast<utf8proc_ssize_t>(text.size()), &value);
   const bool isValid = length > 0;
   const CodePoint found{isValid ? static_cast<char32_t>(value) : 0xFFFD,
-                        isValid ? text.substr(0, static_cast<size_t>(length)) : "\xEF\xBF\xBD",
-                        utf8proc_get_property(isValid ? value : 0xFFFD)};
+      isValid ? text.substr(0, static_cast<size_t>(length)) : "\xEF\xBF\xBD",
+      utf8proc_get_property(isValid ? value : 0xFFFD)};
   text.remove_prefix(isValid ? static_cast<size_t>(length) : 1);
   return found;
 }
@@ -96,9 +96,10 @@ class Line {
   }
 
   bool append(const CodePoint& each) {
-    const bool begins = !last_.properties ||
-                        utf8proc_grapheme_break_stateful(static_cast<utf8proc_int32_t>(last_.value),
-                                                         static_cast<utf8proc_int32_t>(each.value), &state_);
+    const bool begins =
+        !last_.properties ||
+        utf8proc_grapheme_break_stateful(
+            static_cast<utf8proc_int32_t>(last_.value), static_cast<utf8proc_int32_t>(each.value), &state_);
     characters_ += begins;
     if (characters_ > longest_ || ++codePoints_ > longest_ * codePointsPerCharacter) return false;
     line_ += each.bytes;
@@ -128,8 +129,9 @@ class Line {
 }  // namespace
 
 std::string displayText(std::string_view foreign, size_t longest) {
-  const bool isPlainAscii = foreign.size() <= longest &&
-                            std::ranges::all_of(foreign, [](char c) { return c >= ' ' && c < '\x7f'; });
+  const bool isPlainAscii = foreign.size() <= longest && std::ranges::all_of(foreign, [](char c) {
+    return c >= ' ' && c < '\x7f';
+  });
   if (isPlainAscii) return std::string(foreign);
   Line line(longest);
   for (size_t left = longest * readPerCharacter; left > 0 && !foreign.empty(); --left) {

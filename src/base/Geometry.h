@@ -32,7 +32,9 @@ struct Rect {
     return x < other.right() && other.x < right() && y < other.bottom() && other.y < bottom();
   }
   /// Grown by `dx` on the left and right and `dy` at the top and bottom.
-  constexpr Rect grownBy(double dx, double dy) const { return {x - dx, y - dy, width + 2 * dx, height + 2 * dy}; }
+  constexpr Rect grownBy(double dx, double dy) const {
+    return {x - dx, y - dy, width + 2 * dx, height + 2 * dy};
+  }
   constexpr Rect movedBy(Point offset) const { return {x + offset.x, y + offset.y, width, height}; }
   /// The smallest rectangle around both; an empty one adds nothing.
   constexpr Rect united(const Rect& other) const {
@@ -65,7 +67,7 @@ inline constexpr UnitPoint UnitPoint::bottomTrailing{1, 1};
 /// The place of a box of size `inner` in one of size `outer`.
 constexpr Rect aligned(Size inner, Size outer, UnitPoint align) {
   return {(outer.width - inner.width) * align.x, (outer.height - inner.height) * align.y, inner.width,
-          inner.height};
+      inner.height};
 }
 
 }  // namespace tarnwick

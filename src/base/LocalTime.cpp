@@ -35,7 +35,7 @@ std::string shortTime(Date date) {
   } else {
     const int hour = parts.tm_hour % 12;
     std::snprintf(text, sizeof text, "%d:%02d %s", hour == 0 ? 12 : hour, parts.tm_min,
-                  parts.tm_hour < 12 ? "AM" : "PM");
+        parts.tm_hour < 12 ? "AM" : "PM");
   }
   return text;
 }
@@ -43,9 +43,9 @@ std::string shortTime(Date date) {
 int dayOfMonth(Date date) { return localTime(date).tm_mday; }
 
 std::string weekdayName(Date date) {
-  static constexpr const char* names[][2] = {
-      {"Sunday", "Dimanche"}, {"Monday", "Lundi"},    {"Tuesday", "Mardi"},  {"Wednesday", "Mercredi"},
-      {"Thursday", "Jeudi"},  {"Friday", "Vendredi"}, {"Saturday", "Samedi"}};
+  static constexpr const char* names[][2] = {{"Sunday", "Dimanche"}, {"Monday", "Lundi"},
+      {"Tuesday", "Mardi"}, {"Wednesday", "Mercredi"}, {"Thursday", "Jeudi"}, {"Friday", "Vendredi"},
+      {"Saturday", "Samedi"}};
   const auto& [english, french] = names[localTime(date).tm_wday];
   return tr(english, french);
 }

@@ -15,10 +15,14 @@ Overloaded(Cases...) -> Overloaded<Cases...>;
 std::string Transient::key() const {
   return std::visit(
       Overloaded{
-          [](const Hud& hud) -> std::string { return hud.kind == HUDKind::brightness ? "brightness" : "volume"; },
+          [](const Hud& hud) -> std::string {
+            return hud.kind == HUDKind::brightness ? "brightness" : "volume";
+          },
           [](const Power&) -> std::string { return "power"; },
           [](const LowPowerMode&) -> std::string { return "lowpower"; },
-          [](const Device& device) { return "device-" + device.name + (device.connected ? "-true" : "-false"); },
+          [](const Device& device) {
+            return "device-" + device.name + (device.connected ? "-true" : "-false");
+          },
       },
       value);
 }

@@ -48,8 +48,8 @@ void ArtworkLoader::load() {
 void ArtworkLoader::startLoading() {
   isDue_ = false;
   timeBefore_ = childTime();
-  process_ = std::make_unique<CoverProcess>(address_, mayUseNetwork_,
-                                            [this](const std::string& picture) { finished(picture); });
+  process_ = std::make_unique<CoverProcess>(
+      address_, mayUseNetwork_, [this](const std::string& picture) { finished(picture); });
 }
 
 void ArtworkLoader::finished(const std::string& picture) {

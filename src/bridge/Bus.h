@@ -20,7 +20,7 @@ using BusReply = std::function<void(GVariant* arguments)>;
 /// Calls a method and returns at once. `reply` comes from the main loop, within five seconds, and not at all
 /// once `cancellable` is cancelled. Takes a floating `arguments`.
 void callAsync(GDBusConnection* bus, GCancellable* cancellable, const BusMethod& method, GVariant* arguments,
-               BusReply reply);
+    BusReply reply);
 
 /// A signal of other programs on the bus.
 struct BusSignal {

@@ -89,7 +89,7 @@ void CoverProcess::startChild(const std::string& address, bool mayUseNetwork) {
   // It has limits of its own.
   const auto prepare = [](gpointer) { unlimitAddressSpace(); };
   if (!g_spawn_async_with_fds(nullptr, arguments, nullptr, flags, prepare, nullptr, &child->process,
-                              child->address, child->picture, -1, nullptr)) {
+          child->address, child->picture, -1, nullptr)) {
     return;
   }
   child_ = child.release();

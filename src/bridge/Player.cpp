@@ -44,10 +44,10 @@ Player::~Player() { g_cancellable_cancel(life_.get()); }
 
 void Player::call(const char* interface, const char* method, GVariant* arguments, BusReply reply) {
   callAsync(bus_, life_.get(), {owner_, playerPath, interface, method}, arguments,
-            [this, reply = std::move(reply)](GVariant* answer) {
-              if (answer && isTooMuch(answer)) answer = nullptr;
-              reply(answer);
-            });
+      [this, reply = std::move(reply)](GVariant* answer) {
+        if (answer && isTooMuch(answer)) answer = nullptr;
+        reply(answer);
+      });
 }
 
 void Player::command(const char* interface, const char* method, GVariant* arguments) {
@@ -56,19 +56,19 @@ void Player::command(const char* interface, const char* method, GVariant* argume
 
 void Player::listen() {
   const BusSignal changes{.path = playerPath,
-                          .interface = propertiesInterface,
-                          .name = "PropertiesChanged",
-                          .type = "(sa{sv}as)",
-                          .sender = owner_.c_str(),
-                          .firstArgument = playerInterface};
+      .interface = propertiesInterface,
+      .name = "PropertiesChanged",
+      .type = "(sa{sv}as)",
+      .sender = owner_.c_str(),
+      .firstArgument = playerInterface};
   properties_.emplace(bus_, changes, [this](GVariant* arguments) {
     if (!isTooMuch(arguments)) propertiesChanged(arguments);
   });
   const BusSignal seeks{.path = playerPath,
-                        .interface = playerInterface,
-                        .name = "Seeked",
-                        .type = "(x)",
-                        .sender = owner_.c_str()};
+      .interface = playerInterface,
+      .name = "Seeked",
+      .type = "(x)",
+      .sender = owner_.c_str()};
   seeks_.emplace(bus_, seeks, [this](GVariant* arguments) {
     gint64 position = 0;
     g_variant_get(arguments, "(x)", &position);
@@ -91,11 +91,11 @@ bool Player::isTooMuch(GVariant* message) {
 void Player::identify() {
   constexpr const char* busName = "org.freedesktop.DBus";
   callAsync(bus_, life_.get(), {busName, "/org/freedesktop/DBus", busName, "GetConnectionUnixProcessID"},
-            g_variant_new("(s)", owner_.c_str()), [this](GVariant* reply) {
-              if (!reply) return;
-              g_variant_get(reply, "(u)", &process_);
-              onChange_();
-            });
+      g_variant_new("(s)", owner_.c_str()), [this](GVariant* reply) {
+        if (!reply) return;
+        g_variant_get(reply, "(u)", &process_);
+        onChange_();
+      });
   call(propertiesInterface, "GetAll", g_variant_new("(s)", rootInterface), [this](GVariant* reply) {
     if (!reply || !g_variant_is_of_type(reply, G_VARIANT_TYPE("(a{sv})"))) return;
     const Owned<GVariant> properties(g_variant_get_child_value(reply, 0));
@@ -118,14 +118,14 @@ void Player::load() {
 
 void Player::ask(std::function<void()> then) {
   call(propertiesInterface, "GetAll", g_variant_new("(s)", playerInterface),
-       [this, then = std::move(then)](GVariant* reply) {
-         if (reply && g_variant_is_of_type(reply, G_VARIANT_TYPE("(a{sv})"))) {
-           loaded_ = true;
-           const Owned<GVariant> properties(g_variant_get_child_value(reply, 0));
-           apply(properties.get());
-         }
-         then();
-       });
+      [this, then = std::move(then)](GVariant* reply) {
+        if (reply && g_variant_is_of_type(reply, G_VARIANT_TYPE("(a{sv})"))) {
+          loaded_ = true;
+          const Owned<GVariant> properties(g_variant_get_child_value(reply, 0));
+          apply(properties.get());
+        }
+        then();
+      });
 }
 
 void Player::propertiesChanged(GVariant* arguments) {
@@ -215,14 +215,14 @@ void Player::askPosition() {
   if (askingPosition_ || silence_.isRunning()) return;
   askingPosition_ = true;
   call(propertiesInterface, "Get", g_variant_new("(ss)", playerInterface, "Position"),
-       [this](GVariant* reply) {
-         askingPosition_ = false;
-         if (!reply || !g_variant_is_of_type(reply, G_VARIANT_TYPE("(v)"))) return;
-         GVariant* value = nullptr;
-         g_variant_get(reply, "(v)", &value);
-         const Owned<GVariant> owned(value);
-         correctPosition(integer(value));
-       });
+      [this](GVariant* reply) {
+        askingPosition_ = false;
+        if (!reply || !g_variant_is_of_type(reply, G_VARIANT_TYPE("(v)"))) return;
+        GVariant* value = nullptr;
+        g_variant_get(reply, "(v)", &value);
+        const Owned<GVariant> owned(value);
+        correctPosition(integer(value));
+      });
 }
 
 void Player::poll() {

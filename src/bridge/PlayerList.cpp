@@ -35,8 +35,8 @@ Player* PlayerList::current() {
 void PlayerList::connect() {
   const std::string address = sessionBusAddress();
   if (address.empty()) return disconnected();
-  const auto flags = static_cast<GDBusConnectionFlags>(G_DBUS_CONNECTION_FLAGS_AUTHENTICATION_CLIENT |
-                                                       G_DBUS_CONNECTION_FLAGS_MESSAGE_BUS_CONNECTION);
+  const auto flags = static_cast<GDBusConnectionFlags>(
+      G_DBUS_CONNECTION_FLAGS_AUTHENTICATION_CLIENT | G_DBUS_CONNECTION_FLAGS_MESSAGE_BUS_CONNECTION);
   const auto finish = [](GObject*, GAsyncResult* result, gpointer self) {
     auto* list = static_cast<PlayerList*>(self);
     GDBusConnection* bus = g_dbus_connection_new_for_address_finish(result, nullptr);
@@ -66,12 +66,12 @@ void PlayerList::connected(GDBusConnection* bus) {
 
 void PlayerList::listen() {
   const BusSignal signal{.path = busPath,
-                         .interface = busName,
-                         .name = "NameOwnerChanged",
-                         .type = "(sss)",
-                         .sender = busName,
-                         .firstArgument = namePrefix,
-                         .match = G_DBUS_SIGNAL_FLAGS_MATCH_ARG0_NAMESPACE};
+      .interface = busName,
+      .name = "NameOwnerChanged",
+      .type = "(sss)",
+      .sender = busName,
+      .firstArgument = namePrefix,
+      .match = G_DBUS_SIGNAL_FLAGS_MATCH_ARG0_NAMESPACE};
   names_.emplace(bus_.get(), signal, [this](GVariant* arguments) {
     if (isTooMuch(arguments)) return;
     const char *name = nullptr, *owner = nullptr;
@@ -93,9 +93,9 @@ bool PlayerList::isTooMuch(GVariant* message) {
 void PlayerList::list() {
   isCrowded_ = false;
   callAsync(bus_.get(), nullptr, {busName, busPath, busName, "ListNames"}, nullptr,
-            [this, bus = bus_.get()](GVariant* reply) {
-              if (reply && bus == bus_.get() && !isTooMuch(reply)) listed(reply);
-            });
+      [this, bus = bus_.get()](GVariant* reply) {
+        if (reply && bus == bus_.get() && !isTooMuch(reply)) listed(reply);
+      });
 }
 
 void PlayerList::listed(GVariant* reply) {
@@ -115,12 +115,12 @@ void PlayerList::listed(GVariant* reply) {
   std::erase_if(players_, [&](const auto& player) { return !names.contains(player.first); });
   for (const std::string& name : names) {
     callAsync(bus_.get(), nullptr, {busName, busPath, busName, "GetNameOwner"},
-              g_variant_new("(s)", name.c_str()), [this, bus = bus_.get(), name](GVariant* answer) {
-                if (!answer || bus != bus_.get()) return;
-                const char* owner = nullptr;
-                g_variant_get(answer, "(&s)", &owner);
-                ownerChanged(name, owner);
-              });
+        g_variant_new("(s)", name.c_str()), [this, bus = bus_.get(), name](GVariant* answer) {
+          if (!answer || bus != bus_.get()) return;
+          const char* owner = nullptr;
+          g_variant_get(answer, "(&s)", &owner);
+          ownerChanged(name, owner);
+        });
   }
   onChange_();
 }
@@ -141,8 +141,8 @@ void PlayerList::follow(const std::string& name, const std::string& owner) {
     isCrowded_ = true;
     return;
   }
-  const auto same = std::find_if(players_.begin(), players_.end(),
-                                 [&](const auto& player) { return player.second->owner() == owner; });
+  const auto same = std::find_if(
+      players_.begin(), players_.end(), [&](const auto& player) { return player.second->owner() == owner; });
   players_[name] =
       same == players_.end() ? std::make_shared<Player>(bus_.get(), owner, onChange_) : same->second;
 }

@@ -31,8 +31,8 @@ constexpr std::array toolLabels{
 constexpr std::string_view permissionPhrase = "permission to use ";
 
 std::string labelOf(const std::string& tool) {
-  const auto it = std::find_if(toolLabels.begin(), toolLabels.end(),
-                               [&](const ToolLabel& label) { return label.tool == tool; });
+  const auto it = std::find_if(
+      toolLabels.begin(), toolLabels.end(), [&](const ToolLabel& label) { return label.tool == tool; });
   return it == toolLabels.end() ? tool : tr(it->english, it->french);
 }
 
@@ -40,8 +40,8 @@ std::string labelOf(const std::string& tool) {
 
 // The texts that ClaudeService declares: apart from its rules, without a header of their own.
 
-std::string ClaudeService::describe(const std::optional<std::string>& tool,
-                                    const std::optional<std::string>& detail) {
+std::string ClaudeService::describe(
+    const std::optional<std::string>& tool, const std::optional<std::string>& detail) {
   if (!tool) return tr("Working…", "Travaille…");
   std::string text = labelOf(*tool);
   if (detail && !detail->empty()) {
@@ -64,8 +64,8 @@ std::string ClaudeService::translate(std::string_view message) {
   return std::string(message);
 }
 
-std::string ClaudeService::describeRequest(const std::string& tool,
-                                           const std::optional<std::string>& question) {
+std::string ClaudeService::describeRequest(
+    const std::string& tool, const std::optional<std::string>& question) {
   if (tool == "AskUserQuestion" && question) return tr("Question: ", "Question : ") + *question;
   if (tool.empty()) return translate("");
   return tr("Permission needed: ", "Permission demandée : ") + tool;

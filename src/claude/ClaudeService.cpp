@@ -40,8 +40,9 @@ char lowercase(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A'
 bool isIdleReminder(const StringMap& event, const std::string& message) {
   if (valueOf(event, "notification_type") == "idle_prompt") return true;
   constexpr std::string_view phrase = "waiting for your input";
-  return std::search(message.begin(), message.end(), phrase.begin(), phrase.end(),
-                     [](char a, char b) { return lowercase(a) == b; }) != message.end();
+  return std::search(message.begin(), message.end(), phrase.begin(), phrase.end(), [](char a, char b) {
+    return lowercase(a) == b;
+  }) != message.end();
 }
 
 bool isAtRest(const Session& session) { return session.phase == Phase::idle || session.phase == Phase::done; }
@@ -57,9 +58,8 @@ std::optional<Date> nextAge(const Session& session) {
 /// Makes room for the latest: the oldest ones at rest go first.
 void forgetTheOldest(std::map<std::string, Session>& sessions) {
   while (sessions.size() > mostSessions) {
-    sessions.erase(std::ranges::min_element(sessions, {}, [](const auto& entry) {
-      return std::pair(!isAtRest(entry.second), entry.second.updatedAt);
-    }));
+    sessions.erase(std::ranges::min_element(sessions, {},
+        [](const auto& entry) { return std::pair(!isAtRest(entry.second), entry.second.updatedAt); }));
   }
 }
 
@@ -132,16 +132,17 @@ ClaudeService::Tally ClaudeService::tally() const {
 }
 
 void ClaudeService::announce(const char* icon, Color tint, const Session& session,
-                             std::optional<CrabMood> crab, double seconds, Sound sound) const {
+    std::optional<CrabMood> crab, double seconds, Sound sound) const {
   if (onBanner) {
-    onBanner({.icon = icon,
-              .tint = tint,
-              .title = session.project,
-              .subtitle = session.activity,
-              .crab = crab,
-              .detail = session.request ? session.request->detail : "",
-              .session = session.id},
-             seconds);
+    onBanner(
+        {.icon = icon,
+            .tint = tint,
+            .title = session.project,
+            .subtitle = session.activity,
+            .crab = crab,
+            .detail = session.request ? session.request->detail : "",
+            .session = session.id},
+        seconds);
   }
   if (!settings || settings->claudeSounds) sounds_.play(sound);
 }
@@ -179,8 +180,8 @@ void ClaudeService::handle(const StringMap& event) {
     // Without a banner or a sound: the user may be looking at the dialog. A notification follows after some
     // seconds.
     session.phase = Phase::waiting;
-    session.request = {.tool = textOf(event, "tool_name").value_or(""),
-                       .detail = textOf(event, "tool_detail").value_or("")};
+    session.request = {
+        .tool = textOf(event, "tool_name").value_or(""), .detail = textOf(event, "tool_detail").value_or("")};
     session.activity = describeRequest(session.request->tool, textOf(event, "question"));
   } else if (name == "PostToolUse") {
     session.phase = Phase::working;

@@ -58,8 +58,8 @@ class ClaudeService : public ObservableObject {
   void clearFinished();
 
   /// What a call of `tool` is doing, in one line.
-  static std::string describe(const std::optional<std::string>& tool,
-                              const std::optional<std::string>& detail);
+  static std::string describe(
+      const std::optional<std::string>& tool, const std::optional<std::string>& detail);
   /// Whether the message of a notification says which tool wants a permission.
   static bool namesTool(std::string_view message);
   /// What a notification asks for, from its message.
@@ -84,7 +84,7 @@ class ClaudeService : public ObservableObject {
   void prune();
   void awaitNextAge();
   void announce(const char* icon, Color tint, const Session& session, std::optional<CrabMood> crab,
-                double seconds, Sound sound) const;
+      double seconds, Sound sound) const;
 
   Scheduler& scheduler_;
   SoundPlayer& sounds_;

@@ -26,9 +26,9 @@ bool isInterruption(const std::string& line) {
   if (says(memberOf<std::string>(*message, "content"))) return true;
   const auto* parts = memberOf<JsonArray>(*message, "content");
   return parts && std::ranges::any_of(*parts, [&](const JsonValue& part) {
-           const auto* fields = part.as<JsonObject>();
-           return fields && says(memberOf<std::string>(*fields, "text"));
-         });
+    const auto* fields = part.as<JsonObject>();
+    return fields && says(memberOf<std::string>(*fields, "text"));
+  });
 }
 
 /// Whether the command stands in the arguments, which quote it for a shell: what is between its own quotes
@@ -49,8 +49,8 @@ bool holds(std::string_view arguments, std::string_view command) {
 
 }  // namespace
 
-SessionWatch::SessionWatch(ClaudeService& claude, Scheduler& scheduler, ForeignProcesses& processes,
-                           GrowingFiles& files)
+SessionWatch::SessionWatch(
+    ClaudeService& claude, Scheduler& scheduler, ForeignProcesses& processes, GrowingFiles& files)
     : claude_(claude),
       scheduler_(scheduler),
       processes_(processes),
@@ -68,8 +68,8 @@ void SessionWatch::update(const Session& session, Watched& watched) {
     watched.process = session.process;
     watched.end = {};
     if (session.process)
-      watched.end = processes_.watch(*session.process,
-                                     [this, id] { withAnimation(notchClose, [&] { claude_.end(id); }); });
+      watched.end = processes_.watch(
+          *session.process, [this, id] { withAnimation(notchClose, [&] { claude_.end(id); }); });
   }
   const bool isBusy = session.phase == Phase::working || session.phase == Phase::waiting;
   const FilePath transcript = isBusy ? session.transcript : FilePath();

@@ -60,8 +60,8 @@ std::optional<Client> lastUsed(const std::string& answer) {
 
 }  // namespace
 
-TerminalVisits::TerminalVisits(Scheduler& scheduler, ForeignProcesses& processes, ChildProcesses& programs,
-                               WindowActivation& windows)
+TerminalVisits::TerminalVisits(
+    Scheduler& scheduler, ForeignProcesses& processes, ChildProcesses& programs, WindowActivation& windows)
     : scheduler_(scheduler), processes_(processes), programs_(programs), windows_(windows) {}
 
 bool TerminalVisits::canVisit(const Session& session) {
@@ -128,7 +128,7 @@ void TerminalVisits::askTmux(const Pane& pane, uint64_t space, int level) {
           return;
         }
         run("tmux", {"-S", pane.socket, "select-window", "-t", pane.name, ";", "select-pane", "-t", pane.name,
-                     ";", "switch-client", "-c", client->device, "-t", pane.name});
+                        ";", "switch-client", "-c", client->device, "-t", pane.name});
         // The panes' own variables are those of the terminal in which the server was started.
         const ForeignProcess process{client->process, space};
         StringMap terminal;
@@ -155,12 +155,12 @@ void TerminalVisits::selectTab(const StringMap& terminal) {
   if (session && window && isBusName(service)) {
     run("dbus-send",
         {"--session", "--type=method_call", "--dest=" + service, "/Windows/" + std::to_string(*window),
-         "org.kde.konsole.Window.setCurrentSession", "int32:" + std::to_string(*session)});
+            "org.kde.konsole.Window.setCurrentSession", "int32:" + std::to_string(*session)});
   }
 }
 
 void TerminalVisits::run(const std::string& program, const std::vector<std::string>& arguments,
-                         std::function<void(const std::string&)> then) {
+    std::function<void(const std::string&)> then) {
   const auto child = std::make_shared<std::unique_ptr<ChildProcess>>();
   running_.push_back(child);
   ChildProcesses::Events events;

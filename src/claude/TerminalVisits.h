@@ -20,8 +20,8 @@ namespace tarnwick {
 class TerminalVisits : public ObservableObject {
  public:
   /// All arguments must outlive it.
-  TerminalVisits(Scheduler& scheduler, ForeignProcesses& processes, ChildProcesses& programs,
-                 WindowActivation& windows);
+  TerminalVisits(
+      Scheduler& scheduler, ForeignProcesses& processes, ChildProcesses& programs, WindowActivation& windows);
 
   /// The session whose terminal could not be reached when it was last tried; empty: it could.
   Observed<std::string> failed{*this};

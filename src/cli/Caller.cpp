@@ -17,8 +17,8 @@
 namespace tarnwick {
 namespace {
 
-constexpr std::array<std::string_view, 9> shells{"sh",  "bash", "dash", "zsh",    "fish",
-                                                 "ksh", "mksh", "ash",  "busybox"};
+constexpr std::array<std::string_view, 9> shells{
+    "sh", "bash", "dash", "zsh", "fish", "ksh", "mksh", "ash", "busybox"};
 /// Claude Code runs hooks through a shell, which may have been told to run another.
 constexpr int mostShells = 8;
 

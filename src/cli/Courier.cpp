@@ -79,7 +79,7 @@ void deliver(BusConnection& bus, Descriptor listener) {
 Courier::Courier(std::string_view bus)
     : address_{"dev.tarnwick.courier-" + std::to_string(::geteuid()) + "-" +
                    std::to_string(std::hash<std::string_view>()(bus)),
-               true} {}
+          true} {}
 
 Descriptor Courier::call() const {
   Descriptor courier = connectTo(address_, SOCK_SEQPACKET);

@@ -44,10 +44,9 @@ void demo(NotificationPoster& poster, const std::function<void(unsigned seconds)
   const Step steps[] = {
       {{{"hook_event_name", "UserPromptSubmit"}, {"prompt", "Ajoute des tests"}}, 2},
       {{{"hook_event_name", "PreToolUse"}, {"tool_name", "Bash"}, {"tool_detail", "npm test"}}, 3},
-      {{{"hook_event_name", "Notification"},
-        {"notification_type", "permission_prompt"},
-        {"message", "Claude needs your permission to use Bash"}},
-       4},
+      {{{"hook_event_name", "Notification"}, {"notification_type", "permission_prompt"},
+           {"message", "Claude needs your permission to use Bash"}},
+          4},
       {{{"hook_event_name", "PostToolUse"}, {"tool_name", "Bash"}}, 1},
       {{{"hook_event_name", "PreToolUse"}, {"tool_name", "Edit"}, {"tool_detail", "src/app.test.ts"}}, 3},
       {{{"hook_event_name", "Stop"}}, 0},

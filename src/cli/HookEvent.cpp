@@ -11,13 +11,10 @@ namespace tarnwick {
 namespace {
 
 constexpr std::string_view toolInput = "tool_input", transcriptPath = "transcript_path";
-constexpr std::array<std::string_view, 11> eventKeys{
-    "hook_event_name", "session_id", "cwd",
-    "tool_name",       "message",    "notification_type",
-    "prompt",          "error",      "last_assistant_message",
-    transcriptPath,    toolInput};
-constexpr std::array<std::string_view, 6> detailKeys{"command",     "file_path", "pattern",
-                                                     "description", "url",       "query"};
+constexpr std::array<std::string_view, 11> eventKeys{"hook_event_name", "session_id", "cwd", "tool_name",
+    "message", "notification_type", "prompt", "error", "last_assistant_message", transcriptPath, toolInput};
+constexpr std::array<std::string_view, 6> detailKeys{
+    "command", "file_path", "pattern", "description", "url", "query"};
 /// The key of the first question in the map, whose place in the event is tool_input.questions[0].question.
 constexpr const char* question = "question";
 constexpr size_t textLimit = 200;

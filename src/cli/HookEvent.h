@@ -11,9 +11,9 @@ namespace tarnwick {
 using ByteSource = std::function<std::string_view()>;
 
 /// Reads one hook event, a JSON object, and reduces it to the map that the overlay is told: the event's known
-/// texts, cut to 200 characters, `transcript_path`, `tool_detail`, cut to 120, from the tool's input, and `question`, cut to
-/// 200, the first one that the tool asks. Reads the input to its end whatever is in it. @return nothing when
-/// the input is no JSON object.
+/// texts, cut to 200 characters, `transcript_path`, `tool_detail`, cut to 120, from the tool's input, and
+/// `question`, cut to 200, the first one that the tool asks. Reads the input to its end whatever is in it.
+/// @return nothing when the input is no JSON object.
 std::optional<StringMap> readHookEvent(const ByteSource& input);
 
 }  // namespace tarnwick

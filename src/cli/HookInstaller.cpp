@@ -158,8 +158,8 @@ JsonObject HookInstaller::withoutOurs(JsonObject settings) {
 bool HookInstaller::install() const {
   const bool isAbsolute = executable_.starts_with('/');
   if (!isAbsolute || !isValidUtf8(executable_)) {
-    complain(writeFailure, isAbsolute ? "the path of the program is not valid UTF-8"
-                                      : "the path of the program is not known");
+    complain(writeFailure,
+        isAbsolute ? "the path of the program is not valid UTF-8" : "the path of the program is not known");
     return false;
   }
   auto settings = load();

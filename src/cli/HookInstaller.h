@@ -22,12 +22,11 @@ class HookInstaller {
   };
 
   /// The hook events that the program wants to hear of.
-  static constexpr std::array<std::string_view, 9> events{
-      "SessionStart", "UserPromptSubmit", "PreToolUse", "PermissionRequest", "PostToolUse", "Notification",
-      "Stop",         "StopFailure",      "SessionEnd"};
+  static constexpr std::array<std::string_view, 9> events{"SessionStart", "UserPromptSubmit", "PreToolUse",
+      "PermissionRequest", "PostToolUse", "Notification", "Stop", "StopFailure", "SessionEnd"};
   /// The events that take a tool matcher.
-  static constexpr std::array<std::string_view, 3> toolEvents{"PreToolUse", "PermissionRequest",
-                                                              "PostToolUse"};
+  static constexpr std::array<std::string_view, 3> toolEvents{
+      "PreToolUse", "PermissionRequest", "PostToolUse"};
 
   /// @param home the user's home folder, without a slash at its end.
   /// @param executable the absolute path of the program to run at each hook event.

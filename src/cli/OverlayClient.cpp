@@ -72,10 +72,10 @@ bool printSessions(const std::string& address, bool follow) {
   if (follow) {
     // Before the question, so that no change is missed.
     askBus(bus, "AddMatch",
-           "type='signal',sender='dev.tarnwick.Tarnwick',interface='dev.tarnwick',member='SessionsChanged'");
+        "type='signal',sender='dev.tarnwick.Tarnwick',interface='dev.tarnwick',member='SessionsChanged'");
     askBus(bus, "AddMatch",
-           "type='signal',sender='org.freedesktop.DBus',member='NameOwnerChanged',"
-           "arg0='dev.tarnwick.Tarnwick'");
+        "type='signal',sender='org.freedesktop.DBus',member='NameOwnerChanged',"
+        "arg0='dev.tarnwick.Tarnwick'");
   }
   const auto answer = bus.answer(askSessions(bus), patience);
   if (!answer || answer->kind != BusEvent::Kind::reply || answer->arguments.size() != 1) {

@@ -28,11 +28,11 @@ HUDService::HUDService(NotchModel& model, const Desktop& desktop)
   };
   const auto follow = [this] { followSetting(); };
   listeners_ = {model_.settings.observe(follow), brightness_.observe(follow),
-                // With a screen a brightness may come.
-                desktop.screens.observe(follow), keys_.observe([this] {
-                  releaseKeys();
-                  followSetting();
-                })};
+      // With a screen a brightness may come.
+      desktop.screens.observe(follow), keys_.observe([this] {
+        releaseKeys();
+        followSetting();
+      })};
   followSetting();
   if (model_.settings.replaceHUD && !isTrusted() && !desktop.defaults.boolean(askedKey).value_or(false)) {
     desktop.defaults.set(askedKey, true);
@@ -72,7 +72,7 @@ void HUDService::startTap(bool prompt) {
 void HUDService::showVolume() {
   const AudioService& audio = model_.audio;
   model_.show(audio.muted ? Transient::hud(HUDKind::mute, 0) : Transient::hud(HUDKind::volume, audio.volume),
-              indicatorSeconds);
+      indicatorSeconds);
 }
 
 bool HUDService::handleMediaKey(const MediaKeyEvent& event) {

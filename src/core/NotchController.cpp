@@ -60,8 +60,8 @@ NotchController::NotchController(const Desktop& desktop, const PanelFactory& mak
 std::optional<Screen> NotchController::targetScreen() const {
   const std::vector<Screen> screens = desktop_.screens.all();
   if (screens.empty()) return std::nullopt;
-  const auto withNotch = std::find_if(screens.begin(), screens.end(),
-                                      [](const Screen& screen) { return screen.auxiliaryTopLeftWidth; });
+  const auto withNotch = std::find_if(
+      screens.begin(), screens.end(), [](const Screen& screen) { return screen.auxiliaryTopLeftWidth; });
   return withNotch != screens.end() ? *withNotch : screens.front();
 }
 
@@ -72,7 +72,7 @@ void NotchController::layout() {
   model_.hasNotch = screen->auxiliaryTopLeftWidth && screen->auxiliaryTopRightWidth;
   if (model_.hasNotch) {
     model_.notchSize = {frame.width - *screen->auxiliaryTopLeftWidth - *screen->auxiliaryTopRightWidth,
-                        screen->topSafeAreaInset};
+        screen->topSafeAreaInset};
   } else {
     const double reserved = screen->visibleFrame.y - frame.y;
     const double menuBar = reserved > highestMenuBar ? 0 : reserved;
@@ -126,9 +126,8 @@ void NotchController::checkFullscreen() {
   const auto windows = desktop_.windows.onScreen();
   if (!windows) return;
   const int64_t ownProcess = desktop_.windows.ownProcess();
-  const bool covered = std::any_of(windows->begin(), windows->end(), [&](const WindowInfo& window) {
-    return covers(window, screen->frame, ownProcess);
-  });
+  const bool covered = std::any_of(windows->begin(), windows->end(),
+      [&](const WindowInfo& window) { return covers(window, screen->frame, ownProcess); });
   if (covered != model_.hiddenForFullscreen) {
     withAnimation(notchClose, [&] { model_.hiddenForFullscreen = covered; });
   }

@@ -37,7 +37,7 @@ NotchModel::NotchModel(const Desktop& desktop)
       claude(desktop.scheduler, desktop.sounds),
       terminals(desktop.scheduler, desktop.foreignProcesses, desktop.processes, desktop.activation),
       media({desktop.scheduler, desktop.folders, desktop.processes, desktop.applications, desktop.images,
-             desktop.log}),
+          desktop.log}),
       audio(desktop.audioDevices),
       power(desktop.powerSources, desktop.sounds),
       bluetooth(desktop.bluetooth, desktop.scheduler),

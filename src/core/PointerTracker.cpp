@@ -35,13 +35,13 @@ bool contains(const Rect& area, const std::optional<Point>& position) {
 
 }  // namespace
 
-PointerTracker::PointerTracker(Scheduler& scheduler, NotchModel& model, NotchPanel& panel,
-                               const HapticFeedback& haptics)
+PointerTracker::PointerTracker(
+    Scheduler& scheduler, NotchModel& model, NotchPanel& panel, const HapticFeedback& haptics)
     : scheduler_(scheduler), model_(model), panel_(panel), pointer_(panel.pointer()), haptics_(haptics) {
   const auto notice = [this] { reconsider(); };
   // The surface's size follows from all of these.
   subscriptions_ = {model_.observe(notice), model_.settings.observe(notice), model_.claude.observe(notice),
-                    model_.media.observe(notice), pointer_.observe([this] { wake(); })};
+      model_.media.observe(notice), pointer_.observe([this] { wake(); })};
   panel_.setPointerArea(area_);
   pointer_.setWantsActivity(false);
 }
@@ -65,8 +65,8 @@ void PointerTracker::holdOpen(bool held) {
 
 PointerTracker::PointerState PointerTracker::pointerState() const {
   PointerState state{.position = pointer_.position(),
-                     .buttonDown = pointer_.buttonDown(),
-                     .dragChangeCount = pointer_.dragChangeCount()};
+      .buttonDown = pointer_.buttonDown(),
+      .dragChangeCount = pointer_.dragChangeCount()};
   if (state.buttonDown) {
     // A drag whose types are not known yet may be one of text, for which the notch must never open.
     const auto types = pointer_.dragTypes();
@@ -76,8 +76,8 @@ PointerTracker::PointerState PointerTracker::pointerState() const {
 }
 
 PointerTracker::NotchState PointerTracker::notchState() const {
-  return {model_.size(),          model_.floating,       model_.isExpanded, model_.isHovering,
-          model_.isDraggingFiles, model_.isDropTargeted, model_.showcase,   model_.settings.expandOnHover};
+  return {model_.size(), model_.floating, model_.isExpanded, model_.isHovering, model_.isDraggingFiles,
+      model_.isDropTargeted, model_.showcase, model_.settings.expandOnHover};
 }
 
 void PointerTracker::trackMouse() {
@@ -93,8 +93,9 @@ void PointerTracker::trackMouse() {
 
   const double now = scheduler_.uptime();
   const Rect surface = surfaceRect(panel_.size(), notch.size);
-  const bool overSurface = contains(hoverArea(surface), pointer.position) ||
-                           (notch.floating && contains(floatingArea(*notch.floating), pointer.position));
+  const bool overSurface =
+      contains(hoverArea(surface), pointer.position) ||
+      (notch.floating && contains(floatingArea(*notch.floating), pointer.position));
   holding_ = holdsGesture(pointer, overSurface);
   inside_ = overSurface || holding_;
   heldOpen_ = heldOpen_ && notch.isExpanded && (overSurface || !pointer.buttonDown);
@@ -107,9 +108,10 @@ void PointerTracker::trackMouse() {
   }
 
   const Rect shown = surfaceRect(panel_.size(), model_.size());
-  setPointerArea(model_.isDraggingFiles ? dragKeepArea(shown)
-                 : draggingFiles        ? dragCatchArea(shown)
-                                        : hoverArea(shown));
+  setPointerArea(
+      model_.isDraggingFiles ? dragKeepArea(shown)
+      : draggingFiles        ? dragCatchArea(shown)
+                             : hoverArea(shown));
 
   // A pointer on its way is somewhere else at the next tick: looking costs less than being told of each step.
   if (moved || notchState() != notch || timeCouldChangeSomething()) {
@@ -144,8 +146,9 @@ bool PointerTracker::followFileDrag(const PointerState& pointer, const Rect& sur
   // The window also tells of drags whose button nobody sees, such as another window system's. Those are held
   // as long as they are over it.
   dragHasButton_ = model_.isDraggingFiles && (dragHasButton_ || pointer.buttonDown);
-  const bool held = !model_.isDraggingFiles || inProgress ||
-                    (model_.isDropTargeted && pointer.buttonDown == dragHasButton_);
+  const bool held =
+      !model_.isDraggingFiles || inProgress ||
+      (model_.isDropTargeted && pointer.buttonDown == dragHasButton_);
   if (held) {
     letGoAt_.reset();
   } else if (!letGoAt_) {

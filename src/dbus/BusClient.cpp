@@ -108,7 +108,7 @@ BusClient::BusClient(const std::vector<BusAddress>& addresses) {
 }
 
 uint32_t BusClient::call(std::string_view destination, std::string_view path, std::string_view interface,
-                         std::string_view member, std::initializer_list<std::string_view> arguments) {
+    std::string_view member, std::initializer_list<std::string_view> arguments) {
   send(BusMessage::call(++calls_, destination, path, interface, member, arguments));
   return calls_;
 }

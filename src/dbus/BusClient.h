@@ -34,7 +34,7 @@ class BusClient {
 
   /// Calls a method of another program. @return the call's serial number
   uint32_t call(std::string_view destination, std::string_view path, std::string_view interface,
-                std::string_view member, std::initializer_list<std::string_view> arguments = {});
+      std::string_view member, std::initializer_list<std::string_view> arguments = {});
   /// Sends a message that was made elsewhere.
   void send(std::string_view message) { unsent_ += message; }
   /// The next message; waits so long at most, or as long as it takes. @param output ends the wait when it has

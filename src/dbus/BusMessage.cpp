@@ -76,8 +76,7 @@ std::string busCall(uint32_t serial, std::string_view interface, std::string_vie
 }
 
 std::string call(uint32_t serial, std::string_view destination, std::string_view path,
-                 std::string_view interface, std::string_view member,
-                 std::initializer_list<std::string_view> arguments) {
+    std::string_view interface, std::string_view member, std::initializer_list<std::string_view> arguments) {
   Writer writer;
   const size_t fields = begin(writer, Type::methodCall, noAutoStart, serial);
   writer.field(Field::path, 'o', path);
@@ -93,7 +92,7 @@ std::string call(uint32_t serial, std::string_view destination, std::string_view
 }
 
 std::string signal(uint32_t serial, std::string_view path, std::string_view interface,
-                   std::string_view member, const std::map<std::string, std::string>& argument) {
+    std::string_view member, const std::map<std::string, std::string>& argument) {
   Writer writer;
   const size_t fields = begin(writer, Type::signal, noReplyExpected, serial);
   writer.field(Field::path, 'o', path);

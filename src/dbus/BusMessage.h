@@ -20,12 +20,12 @@ std::string busCall(uint32_t serial, std::string_view interface, std::string_vie
 
 /// A call of a method of some program on the bus. Where the program does not run, it is not started.
 std::string call(uint32_t serial, std::string_view destination, std::string_view path,
-                 std::string_view interface, std::string_view member,
-                 std::initializer_list<std::string_view> arguments = {});
+    std::string_view interface, std::string_view member,
+    std::initializer_list<std::string_view> arguments = {});
 
 /// A broadcast signal whose one argument is a map from string to string. What the bus would refuse in a
 /// string (invalid UTF-8, U+0000) is replaced by U+FFFD.
 std::string signal(uint32_t serial, std::string_view path, std::string_view interface,
-                   std::string_view member, const std::map<std::string, std::string>& argument);
+    std::string_view member, const std::map<std::string, std::string>& argument);
 
 }  // namespace tarnwick::BusMessage

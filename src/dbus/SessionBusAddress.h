@@ -17,8 +17,9 @@ inline std::string sessionBusAddress() {
   constexpr std::string_view digits = "0123456789abcdef", plain = "-_/.";
   for (const char character : runtime) {
     const auto byte = static_cast<unsigned char>(character);
-    const bool isPlain = (byte >= '0' && byte <= '9') || (byte >= 'A' && byte <= 'Z') ||
-                         (byte >= 'a' && byte <= 'z') || plain.find(character) != plain.npos;
+    const bool isPlain =
+        (byte >= '0' && byte <= '9') || (byte >= 'A' && byte <= 'Z') || (byte >= 'a' && byte <= 'z') ||
+        plain.find(character) != plain.npos;
     isPlain ? list += character : (list += '%') += {digits[byte >> 4], digits[byte & 15]};
   }
   return list += "/bus";

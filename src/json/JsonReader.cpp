@@ -125,7 +125,7 @@ bool JsonReader::take(std::string_view bytes, bool isLast) {
 
 bool JsonReader::passHalf(unsigned unit) {
   const char bytes[] = {static_cast<char>(0xE0 | unit >> 12), static_cast<char>(0x80 | (unit >> 6 & 0x3F)),
-                        static_cast<char>(0x80 | (unit & 0x3F))};
+      static_cast<char>(0x80 | (unit & 0x3F))};
   const std::string_view half =
       halves_ == Halves::kept ? std::string_view(bytes, sizeof bytes) : replacementCharacter;
   const bool isTaken = parse(half, false);

@@ -34,11 +34,12 @@ class ChildProcesses {
   };
   virtual ~ChildProcesses() = default;
 
-  /// Starts a program by its absolute path, or by its name in the user's search path, with pipes for input and output, and with nothing of our
-  /// environment but what names the user's session. It ends with this process at the latest. The events come
-  /// from the main loop, never from within a call, and not after the child's destruction.
-  virtual std::unique_ptr<ChildProcess> launch(const std::string& executable,
-                                               const std::vector<std::string>& arguments, Events events) = 0;
+  /// Starts a program by its absolute path, or by its name in the user's search path, with pipes for input
+  /// and output, and with nothing of our environment but what names the user's session. It ends with this
+  /// process at the latest. The events come from the main loop, never from within a call, and not after the
+  /// child's destruction.
+  virtual std::unique_ptr<ChildProcess> launch(
+      const std::string& executable, const std::vector<std::string>& arguments, Events events) = 0;
 };
 
 }  // namespace tarnwick

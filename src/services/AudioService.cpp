@@ -84,8 +84,7 @@ void AudioService::setInputMuted(bool value) {
 
 void AudioService::showcaseFill() {
   frozen = true;
-  outputs = std::vector<AudioDevice>{
-      {9001, "AirPods Pro", AudioTransport::bluetooth, true, false},
+  outputs = std::vector<AudioDevice>{{9001, "AirPods Pro", AudioTransport::bluetooth, true, false},
       {9002, tr("MacBook Pro Speakers", "Haut-parleurs MacBook Pro"), AudioTransport::builtIn, true, false},
       {9003, "Studio Display", AudioTransport::display, true, false}};
   inputs = std::vector<AudioDevice>{

@@ -20,7 +20,7 @@ constexpr double levelPatience = 30;
 std::string symbolFor(const BluetoothDevice& device) {
   std::string name = device.name;
   std::transform(name.begin(), name.end(), name.begin(),
-                 [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; });
+      [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; });
   const auto has = [&](const char* part) { return name.find(part) != std::string::npos; };
   if (has("airpods max")) return "airpodsmax";
   if (has("airpods pro")) return "airpodspro";
@@ -45,7 +45,7 @@ std::optional<int> battery(const BluetoothDevice& device) {
 Transient indicator(const BluetoothDevice& device, bool isConnected) {
   const std::string name = displayText(device.name);
   return Transient::device(name.empty() ? tr("Bluetooth device", "Appareil Bluetooth") : name,
-                           symbolFor(device), isConnected ? battery(device) : std::nullopt, isConnected);
+      symbolFor(device), isConnected ? battery(device) : std::nullopt, isConnected);
 }
 
 }  // namespace
@@ -70,8 +70,9 @@ void BluetoothService::connected(const BluetoothDevice& device) {
 }
 
 void BluetoothService::announce(const BluetoothDevice& device, bool isConnected) {
-  const bool isShown = settings_->bluetoothAlerts && onTransient &&
-                       onTransient(indicator(device, isConnected), indicatorSeconds);
+  const bool isShown =
+      settings_->bluetoothAlerts && onTransient &&
+      onTransient(indicator(device, isConnected), indicatorSeconds);
   announced_ = isShown && isConnected ? device.id : "";
   announcedAt_ = scheduler_.uptime();
   levelTold_ = battery(device).has_value();

@@ -29,11 +29,11 @@ std::string decimal(double number) {
 
 CalendarItem item(const CalendarEvent& event) {
   return {.id = event.identifier + decimal(event.start.secondsSince1970),
-          .title = event.title.empty() ? tr("Untitled", "Sans titre") : displayText(event.title),
-          .start = event.start,
-          .end = event.end,
-          .allDay = event.allDay,
-          .color = event.color};
+      .title = event.title.empty() ? tr("Untitled", "Sans titre") : displayText(event.title),
+      .start = event.start,
+      .end = event.end,
+      .allDay = event.allDay,
+      .color = event.color};
 }
 
 /// Those that are listed, by their start: the first ones, but of each event at least one before others come
@@ -43,7 +43,7 @@ std::vector<CalendarEvent> listed(std::vector<CalendarEvent> events) {
   if (events.size() <= maximumEvents) return events;
   std::set<std::string> seen;
   std::stable_partition(events.begin(), events.end(),
-                        [&](const CalendarEvent& each) { return seen.insert(each.identifier).second; });
+      [&](const CalendarEvent& each) { return seen.insert(each.identifier).second; });
   events.resize(maximumEvents);
   std::ranges::stable_sort(events, {}, &CalendarEvent::start);
   return events;
@@ -120,12 +120,13 @@ void CalendarService::awaitNextTick() {
 void CalendarService::announce(const CalendarItem& item, double secondsUntilStart) const {
   if (!onBanner) return;
   const int minutes = std::max(1, static_cast<int>((secondsUntilStart + lateness) / 60));
-  onBanner({.icon = "calendar",
-            .tint = item.color,
-            .title = item.title,
-            .subtitle = tr("Starts in ", "Commence dans ") + std::to_string(minutes) + " min · " +
-                        shortTime(item.start)},
-           bannerSeconds);
+  onBanner(
+      {.icon = "calendar",
+          .tint = item.color,
+          .title = item.title,
+          .subtitle = tr("Starts in ", "Commence dans ") + std::to_string(minutes) + " min · " +
+                      shortTime(item.start)},
+      bannerSeconds);
 }
 
 void CalendarService::showcaseFill() {

@@ -39,8 +39,7 @@ class NotesStore::File {
     makePrivateFolder(folder_);
     std::string text;
     const std::error_code error = readFile(path_, text);
-    const bool isThere =
-        error != std::errc::no_such_file_or_directory && error != std::errc::not_a_directory;
+    const bool isThere = error != std::errc::no_such_file_or_directory && error != std::errc::not_a_directory;
     isForeign_ = error ? isThere : !isValidUtf8(text);
     return error || isForeign_ ? "" : text;
   }
@@ -88,10 +87,9 @@ void NotesStore::saveAfter(double seconds, uint64_t version, const SharedText& t
   pause_ = scheduler_.after(seconds, [=, this] {
     const auto isSaved = std::make_shared<bool>(false);
     writing_ = scheduler_.background([=, file = file_] { *isSaved = file->write(version, text); },
-                                     [=, this] {
-                                       if (!*isSaved && version == version_)
-                                         saveAfter(retryDelay, version, text);
-                                     });
+        [=, this] {
+          if (!*isSaved && version == version_) saveAfter(retryDelay, version, text);
+        });
   });
 }
 

@@ -24,9 +24,9 @@ std::optional<int> percentage(const PowerSource& battery) {
 
 Banner lowBatteryBanner(int level) {
   return {.icon = "battery.25percent",
-          .tint = colors::red,
-          .title = tr("Low battery", "Batterie faible"),
-          .subtitle = std::to_string(level) + tr("% left", "% restants")};
+      .tint = colors::red,
+      .title = tr("Low battery", "Batterie faible"),
+      .subtitle = std::to_string(level) + tr("% left", "% restants")};
 }
 
 }  // namespace

@@ -44,8 +44,8 @@ void TrayFiles::setOnShow(bool onShow) {
 }
 
 void TrayFiles::keep(const std::vector<FilePath>& files) {
-  std::erase_if(known_,
-                [&](const auto& entry) { return std::ranges::find(files, entry.first) == files.end(); });
+  std::erase_if(
+      known_, [&](const auto& entry) { return std::ranges::find(files, entry.first) == files.end(); });
 }
 
 void TrayFiles::open(const FilePath& file) {

@@ -39,8 +39,8 @@ TrayStore::TrayStore(Scheduler& scheduler, UserDefaults& defaults) : defaults_(d
   const auto gone = std::make_shared<std::unordered_set<FilePath>>();
   looking_ = scheduler.background(
       [gone, files = items.get()] {
-        std::ranges::copy_if(files, std::inserter(*gone, gone->end()),
-                             [](const FilePath& file) { return !exists(file); });
+        std::ranges::copy_if(
+            files, std::inserter(*gone, gone->end()), [](const FilePath& file) { return !exists(file); });
       },
       [this, gone] {
         const auto leaveOut = [&](auto& all) {

@@ -62,7 +62,7 @@ QString SettingsTheme::styleSheet() const {
     QScrollBar::add-page, QScrollBar::sub-page { background: transparent; }
   )")
       .arg(window.name(), card.name(), line.name(), text.name(), secondary.name(), control.name(),
-           track.name(), allowed.name(), problem.name())
+          track.name(), allowed.name(), problem.name())
       .arg(accent.name());
 }
 

@@ -49,7 +49,7 @@ SettingsView::SettingsView(const SettingsContext& context) : context_(context), 
   form_->addStretch();
 
   subscriptions_ = {context_.model.settings.observe([this] { followSettings(); }),
-                    context_.model.calendar.observe([this] { followSettings(); })};
+      context_.model.calendar.observe([this] { followSettings(); })};
   trust_ = context_.scheduler.every(trustInterval, [this] { lookForTrust(); });
   followSettings();
   lookForTrust();
@@ -92,7 +92,7 @@ void SettingsView::addActivities() {
   AppSettings& settings = context_.model.settings;
   addToggle(card, text("Now Playing", "Lecture en cours"), settings.showNowPlaying);
   addToggle(card, text("Battery and Low Power Mode", "Batterie et mode économie d'énergie"),
-            settings.batteryAlerts);
+      settings.batteryAlerts);
   addToggle(card, text("Bluetooth devices", "Appareils Bluetooth"), settings.bluetoothAlerts);
   addToggle(card, text("Calendar", "Calendrier"), settings.calendarEnabled);
   if (context_.pages.has(SettingsPage::calendars)) {
@@ -101,11 +101,11 @@ void SettingsView::addActivities() {
     calendarAccess_ = {plainRow(allow)};
     card.add(calendarAccess_.front());
   } else {
-    calendarAccess_ = {
-        caption(text("No calendar has been set up here. Add one in a calendar program that uses "
-                     "Evolution Data Server, such as Evolution or GNOME Calendar.",
-                     "Aucun calendrier n'est configuré ici. Ajoutez-en un dans un agenda qui utilise "
-                     "Evolution Data Server, comme Evolution ou Agenda de GNOME."))};
+    calendarAccess_ = {caption(text(
+        "No calendar has been set up here. Add one in a calendar program that uses "
+        "Evolution Data Server, such as Evolution or GNOME Calendar.",
+        "Aucun calendrier n'est configuré ici. Ajoutez-en un dans un agenda qui utilise "
+        "Evolution Data Server, comme Evolution ou Agenda de GNOME."))};
     card.addBelow(calendarAccess_.front());
   }
 }
@@ -156,10 +156,10 @@ void SettingsView::lookForTrust() {
   allow_->setVisible(!trusted && !context_.keysStayWithDesktop && context_.pages.has(SettingsPage::keyboard));
   keysCaption_->setText(
       trusted ? text("These keys change the level, with Alt+Shift in fine steps, and the notch shows it.",
-                     "Ces touches changent le niveau, finement avec Alt+Maj, et l'encoche l'affiche.")
+                    "Ces touches changent le niveau, finement avec Alt+Maj, et l'encoche l'affiche.")
       : context_.keysStayWithDesktop
           ? text("In a Wayland session the desktop keeps these keys to itself and shows its own display.",
-                 "Dans une session Wayland, le bureau garde ces touches pour lui et affiche son propre HUD.")
+                "Dans une session Wayland, le bureau garde ces touches pour lui et affiche son propre HUD.")
           : text(
                 "Another program, usually the desktop, uses these keys and shows its own display. Remove its "
                 "shortcuts for them in the keyboard settings, and Tarnwick takes over.",
@@ -178,14 +178,14 @@ void SettingsView::changeHooks() {
   // Switched off, the button would hand the keyboard to its neighbour.
   if (std::exchange(hooksChange_, true)) return;
   hooksProblem_->hide();
-  context_.hooks.setInstalled(!context_.hooks.isInstalled(),
-                              [view = QPointer(this)](const std::string& problem) {
-                                if (!view) return;
-                                view->hooksChange_ = false;
-                                view->hooksProblem_->setText(QString::fromStdString(problem));
-                                view->hooksProblem_->setVisible(!problem.empty());
-                                view->refresh();
-                              });
+  context_.hooks.setInstalled(
+      !context_.hooks.isInstalled(), [view = QPointer(this)](const std::string& problem) {
+        if (!view) return;
+        view->hooksChange_ = false;
+        view->hooksProblem_->setText(QString::fromStdString(problem));
+        view->hooksProblem_->setVisible(!problem.empty());
+        view->refresh();
+      });
 }
 
 }  // namespace tarnwick

@@ -47,8 +47,8 @@ void SwitchRow::paintEvent(QPaintEvent*) {
   painter.setBrush(mix(palette().color(QPalette::Mid), palette().color(QPalette::Highlight), on));
   painter.drawRoundedRect(place, track.height() / 2, track.height() / 2);
   const double knob = track.height() - 2 * knobInset;
-  const QRectF circle(place.x() + knobInset + on * (track.width() - track.height()), place.y() + knobInset,
-                      knob, knob);
+  const QRectF circle(
+      place.x() + knobInset + on * (track.width() - track.height()), place.y() + knobInset, knob, knob);
   painter.setBrush(QColor(0, 0, 0, 40));
   painter.drawEllipse(circle.translated(0, 0.5));
   painter.setBrush(Qt::white);

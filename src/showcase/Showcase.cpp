@@ -48,8 +48,8 @@ double level(std::string_view text, double otherwise) {
 QByteArray samplePicture() {
   constexpr int size = 512;
   const Image gradient = sampleArtwork(size, {colors::teal, colors::blue, colors::purple}, false, 60);
-  const QImage image(reinterpret_cast<const uchar*>(gradient.pixels->data()), size, size,
-                     QImage::Format_RGB32);
+  const QImage image(
+      reinterpret_cast<const uchar*>(gradient.pixels->data()), size, size, QImage::Format_RGB32);
   QBuffer file;
   file.open(QIODevice::WriteOnly);
   image.save(&file, "PNG");
@@ -71,55 +71,56 @@ void Showcase::handle(const std::string& command, const std::string& argument) {
   static const std::map<std::string, Command, std::less<>> commands{
       {"end", [](auto& self, auto&, auto&) { self.end(); }},
       {"lang",
-       [](auto& self, auto&, auto& language) {
-         L10n::forced = language;
-         self.fill();
-       }},
+          [](auto& self, auto&, auto& language) {
+            L10n::forced = language;
+            self.fill();
+          }},
       {"track", [](auto&, auto& model, auto& index) { model.media.showcaseTrack(integer(index)); }},
       {"play", [](auto&, auto& model, auto&) { model.media.showcasePlaying(true); }},
       {"pause", [](auto&, auto& model, auto&) { model.media.showcasePlaying(false); }},
       {"hud",
-       [](auto&, auto& model, auto& value) {
-         model.show(Transient::hud(HUDKind::volume, level(value, 0.5)), levelStays);
-       }},
+          [](auto&, auto& model, auto& value) {
+            model.show(Transient::hud(HUDKind::volume, level(value, 0.5)), levelStays);
+          }},
       {"mute", [](auto&, auto& model, auto&) { model.show(Transient::hud(HUDKind::mute, 0), levelStays); }},
       {"brightness",
-       [](auto&, auto& model, auto& value) {
-         model.show(Transient::hud(HUDKind::brightness, level(value, 0.6)), levelStays);
-       }},
+          [](auto&, auto& model, auto& value) {
+            model.show(Transient::hud(HUDKind::brightness, level(value, 0.6)), levelStays);
+          }},
       {"power", [](auto&, auto& model,
-                   auto& state) { model.show(Transient::power(state != "unplugged", 76), powerStays); }},
+                    auto& state) { model.show(Transient::power(state != "unplugged", 76), powerStays); }},
       {"lowpower", [](auto&, auto& model,
-                      auto& state) { model.show(Transient::lowPowerMode(state != "off"), powerStays); }},
+                       auto& state) { model.show(Transient::lowPowerMode(state != "off"), powerStays); }},
       {"device",
-       [](auto&, auto& model, auto& given) {
-         const std::string name = displayText(given.empty() ? "AirPods Pro" : given);
-         model.show(Transient::device(name, "airpodspro", 84, true), deviceStays);
-       }},
+          [](auto&, auto& model, auto& given) {
+            const std::string name = displayText(given.empty() ? "AirPods Pro" : given);
+            model.show(Transient::device(name, "airpodspro", 84, true), deviceStays);
+          }},
       {"lowbattery",
-       [](auto&, auto& model, auto&) {
-         model.present({.icon = "battery.25percent",
-                        .tint = colors::red,
-                        .title = tr("Low battery", "Batterie faible"),
-                        .subtitle = tr("10% left", "10 % restants")},
-                       bannerStays);
-       }},
+          [](auto&, auto& model, auto&) {
+            model.present(
+                {.icon = "battery.25percent",
+                    .tint = colors::red,
+                    .title = tr("Low battery", "Batterie faible"),
+                    .subtitle = tr("10% left", "10 % restants")},
+                bannerStays);
+          }},
       {"expand", [](auto&, auto& model, auto& tab) { model.expand(tabNamed(tab).value_or(model.tab)); }},
       {"tab",
-       [](auto&, auto& model, auto& name) {
-         if (const auto tab = tabNamed(name)) model.select(*tab);
-       }},
+          [](auto&, auto& model, auto& name) {
+            if (const auto tab = tabNamed(name)) model.select(*tab);
+          }},
       {"collapse",
-       [](auto&, auto& model, auto&) {
-         model.collapse();
-         model.setDraggingFiles(false);
-       }},
+          [](auto&, auto& model, auto&) {
+            model.collapse();
+            model.setDraggingFiles(false);
+          }},
       {"peek", [](auto&, auto& model, auto& state) { model.setHovering(state != "off"); }},
       {"drag", [](auto& self, auto&, auto& state) { self.drag(state); }},
       {"trayadd", [](auto& self, auto&, auto& name) { self.addToTray(name); }},
       {"output", [](auto& self, auto&, auto& index) { self.selectOutput(index); }},
       {"clearclaude",
-       [](auto&, auto& model, auto&) { withAnimation(notchClose, [&] { model.claude.clear(); }); }},
+          [](auto&, auto& model, auto&) { withAnimation(notchClose, [&] { model.claude.clear(); }); }},
       {"dismiss", [](auto&, auto& model, auto&) { model.dismissBanner(); }},
       {"type", [](auto& self, auto&, auto& text) { self.type(text); }},
   };

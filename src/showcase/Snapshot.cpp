@@ -74,14 +74,15 @@ std::array<SceneSetup, 14> scenes(const std::function<void(MemoryAudioDevices&)>
       indicator("3-power", Transient::power(true, 76)),
       indicator("4-device", Transient::device("AirPods Pro", "airpodspro", 84, true)),
       {"5-banner",
-       [](Stage& stage) {
-         stage.model.present({.icon = "checkmark.circle.fill",
-                              .tint = colors::green,
-                              .title = "Tarnwick",
-                              .subtitle = "Terminé en 2m14s",
-                              .crab = CrabMood::happy},
-                             5);
-       }},
+          [](Stage& stage) {
+            stage.model.present(
+                {.icon = "checkmark.circle.fill",
+                    .tint = colors::green,
+                    .title = "Tarnwick",
+                    .subtitle = "Terminé en 2m14s",
+                    .crab = CrabMood::happy},
+                5);
+          }},
       {"0-peek", [](Stage& stage) { stage.model.debugSet(false, Tab::home, true); }},
       page("6-home", Tab::home, [](Stage& stage) { stage.model.media.debugFill(); }),
       {"6b-compact-media", [](Stage& stage) { stage.model.media.debugFill(); }},
@@ -90,19 +91,20 @@ std::array<SceneSetup, 14> scenes(const std::function<void(MemoryAudioDevices&)>
       page("9-notes", Tab::notes),
       // The devices may take some time to be found.
       page("6c-audio", Tab::audio,
-           [plugIn](Stage& stage) {
-             plugIn(stage.desktop.audioDevices);
-             stage.model.audio.start();
-           }),
+          [plugIn](Stage& stage) {
+            plugIn(stage.desktop.audioDevices);
+            stage.model.audio.start();
+          }),
   }};
 }
 
 QImage render(const SceneSetup& setup) {
   Stage stage;
   setup.setUp(stage);
-  const ui::View root = notchRootView(stage.model, [] {})
-                            .frame({.width = size.width, .height = size.height})
-                            .background(ui::Rectangle().fill(wallpaper));
+  const ui::View root =
+      notchRootView(stage.model, [] {})
+          .frame({.width = size.width, .height = size.height})
+          .background(ui::Rectangle().fill(wallpaper));
   ui::Scene scene(stage.desktop.scheduler, size, root, pixelRatio);
   scene.frame();
   stage.desktop.scheduler.advance(settlingSeconds);
@@ -129,7 +131,7 @@ std::error_code run(const std::string& folder, const std::function<void(MemoryAu
   QThreadPool encoders;
   for (size_t i = 0; i < all.size(); ++i) {
     encoders.start([image = render(all[i]), path = folder + "/" + all[i].name + ".png",
-                    &failure = failures[i]] { failure = write(path, image); });
+                       &failure = failures[i]] { failure = write(path, image); });
   }
   encoders.waitForDone();
   const auto failed = std::ranges::find_if(failures, [](const auto& each) { return bool(each); });

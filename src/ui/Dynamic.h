@@ -50,9 +50,8 @@ View dynamic(DynamicBody body);
 /// The same with local state.
 template<typename T, typename Body>
 View stateful(T initial, Body body) {
-  return dynamic(
-      {.makeState = [initial] { return std::make_shared<State<T>>(initial); },
-       .body = [body](const auto& state, Date) { return body(*static_cast<const State<T>*>(state.get())); }});
+  return dynamic({.makeState = [initial] { return std::make_shared<State<T>>(initial); },
+      .body = [body](const auto& state, Date) { return body(*static_cast<const State<T>*>(state.get())); }});
 }
 
 /// The same, without.

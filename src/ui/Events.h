@@ -27,7 +27,23 @@ struct PointerEvent {
 };
 
 /// The keys that views know by name; the others come as text. `erase` is either of Delete and Backspace.
-enum class Key { other, tab, enter, space, escape, left, right, up, down, home, end, pageUp, pageDown, menu, erase };
+enum class Key {
+  other,
+  tab,
+  enter,
+  space,
+  escape,
+  left,
+  right,
+  up,
+  down,
+  home,
+  end,
+  pageUp,
+  pageDown,
+  menu,
+  erase
+};
 
 /// A key that went down, or repeats.
 struct KeyEvent {

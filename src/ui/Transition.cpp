@@ -23,10 +23,10 @@ Transition Transition::combined(const Transition& other) const {
     return both;
   };
   return {.insertion = combine(insertion, other.insertion),
-          .removal = combine(removal, other.removal),
-          .insertionAnimation = other.insertionAnimation ? other.insertionAnimation : insertionAnimation,
-          .removalAnimation = other.removalAnimation ? other.removalAnimation : removalAnimation,
-          .governsPredecessor = governsPredecessor || other.governsPredecessor};
+      .removal = combine(removal, other.removal),
+      .insertionAnimation = other.insertionAnimation ? other.insertionAnimation : insertionAnimation,
+      .removalAnimation = other.removalAnimation ? other.removalAnimation : removalAnimation,
+      .governsPredecessor = governsPredecessor || other.governsPredecessor};
 }
 
 Transition Transition::andPredecessor() const {

@@ -137,7 +137,8 @@ class View {
   View allowsHitTesting(bool allows) const;
 
   // The keyboard. Its focus goes to what is a control for assistive technology and can be tapped or adjusted.
-  /// Keys while the focus is inside; for what takes no focus, also those that nobody else uses. @return used up
+  /// Keys while the focus is inside; for what takes no focus, also those that nobody else uses. @return used
+  /// up
   View onKey(std::function<bool(const KeyEvent&)> action) const;
   /// The same for one key without modifiers.
   View onKey(Key key, std::function<void()> action) const;

@@ -21,14 +21,15 @@ View badge(const Banner& banner, bool appeared) {
 View subtitle(const Banner& banner) {
   View detail;
   if (!banner.detail.empty()) {
-    detail = Text(banner.detail)
-                 .font({11, Weight::regular, Design::monospaced})
-                 .foreground(white(0.85))
-                 .truncated(Truncation::middle)
-                 .tooltip(banner.detail);
+    detail =
+        Text(banner.detail)
+            .font({11, Weight::regular, Design::monospaced})
+            .foreground(white(0.85))
+            .truncated(Truncation::middle)
+            .tooltip(banner.detail);
   }
   return HStack({.spacing = 8, .align = Align::firstTextBaseline},
-                {Text(banner.subtitle).font({12}).foreground(white(0.65)).prioritized(), detail});
+      {Text(banner.subtitle).font({12}).foreground(white(0.65)).prioritized(), detail});
 }
 
 }  // namespace
@@ -36,15 +37,15 @@ View subtitle(const Banner& banner) {
 View bannerView(const Banner& banner) {
   return stateful(false, [banner](State<bool> appeared) {
     return HStack({.spacing = 14},
-                  {
-                      badge(banner, appeared),
-                      VStack({.spacing = 2, .align = Align::leading},
-                             {
-                                 Text(banner.title).font({14, Weight::semibold}),
-                                 subtitle(banner),
-                             }),
-                      Spacer(),
-                  })
+        {
+            badge(banner, appeared),
+            VStack({.spacing = 2, .align = Align::leading},
+                {
+                    Text(banner.title).font({14, Weight::semibold}),
+                    subtitle(banner),
+                }),
+            Spacer(),
+        })
         .padding(Edge::horizontal, 22)
         .padding(Edge::top, 10)
         .accessibility(Role::notification, banner.title + ": " + banner.subtitle)

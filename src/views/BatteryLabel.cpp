@@ -32,13 +32,13 @@ Color batteryColor(int level) { return level > 20 ? colors::green : colors::red;
 
 View batteryLabel(int level, bool charging) {
   return HStack({.spacing = 4},
-                {
-                    Text(std::to_string(level) + " %")
-                        .font({11, Weight::semibold})
-                        .monospacedDigits()
-                        .contentTransition(ContentTransition::numericText),
-                    batteryGlyph(level, charging),
-                })
+      {
+          Text(std::to_string(level) + " %")
+              .font({11, Weight::semibold})
+              .monospacedDigits()
+              .contentTransition(ContentTransition::numericText),
+          batteryGlyph(level, charging),
+      })
       .animation(easeInOut(0.35), level);
 }
 

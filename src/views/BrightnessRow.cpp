@@ -64,12 +64,12 @@ View brightnessRow(DisplayBrightness& brightness) {
             if (!value) return View();
             const std::string name = tr("Brightness", "Luminosité");
             return sliderRow({.name = name,
-                              .icon = hudSymbol(HUDKind::brightness, *value),
-                              .iconHelp = name,
-                              .value = *value,
-                              .tint = colors::yellow,
-                              .step = std::max(0.05, brightness.unit()),
-                              .onChange = [shown](double wanted) { shown->set(wanted); }});
+                .icon = hudSymbol(HUDKind::brightness, *value),
+                .iconHelp = name,
+                .value = *value,
+                .tint = colors::yellow,
+                .step = std::max(0.05, brightness.unit()),
+                .onChange = [shown](double wanted) { shown->set(wanted); }});
           },
   });
 }

@@ -27,11 +27,12 @@ View claudeStatusGlyph(const ClaudeService& claude) {
     const int count = claude.workingCount();
     View number;
     if (count >= 2) {
-      number = Text(std::to_string(count))
-                   .font({10, Weight::semibold, Design::rounded})
-                   .foreground(white(0.7))
-                   .contentTransition(ContentTransition::numericText)
-                   .transition(Transition::opacity());
+      number =
+          Text(std::to_string(count))
+              .font({10, Weight::semibold, Design::rounded})
+              .foreground(white(0.7))
+              .contentTransition(ContentTransition::numericText)
+              .transition(Transition::opacity());
     }
     return HStack({.spacing = 1}, {sparkleSpinner(crabOrange), number})
         .id("working")

@@ -21,12 +21,12 @@ constexpr Animation listChange = spring(0.35, 0.8);
 
 View noSessions() {
   return VStack({.spacing = 10},
-                {
-                    crabView(CrabMood::idle).frame({.width = 52, .height = 32}),
-                    Text(tr("No Claude Code sessions", "Aucune session Claude Code"))
-                        .font({12, Weight::medium, Design::rounded})
-                        .foreground(white(0.45)),
-                })
+      {
+          crabView(CrabMood::idle).frame({.width = 52, .height = 32}),
+          Text(tr("No Claude Code sessions", "Aucune session Claude Code"))
+              .font({12, Weight::medium, Design::rounded})
+              .foreground(white(0.45)),
+      })
       .frame({.maxWidth = infinity, .maxHeight = infinity});
 }
 
@@ -43,18 +43,18 @@ std::function<void()> forgetting(ClaudeService& claude, const Session& session) 
 View list(ClaudeService& claude, TerminalVisits& terminals) {
   const auto sessions = std::make_shared<const std::vector<Session>>(claude.ordered());
   return ScrollView(Axis::vertical,
-                    LazyVStack({
-                        .count = sessions->size(),
-                        .length = sessionRowHeight,
-                        .spacing = 2,
-                        .key = [sessions](size_t row) { return (*sessions)[row].id; },
-                        .item =
-                            [sessions, &claude, &terminals](size_t row) {
-                              const Session& session = (*sessions)[row];
-                              return sessionRow(session, terminals, forgetting(claude, session))
-                                  .transition(notchContent(0.04 * double(row), UnitPoint::top));
-                            },
-                    }))
+      LazyVStack({
+          .count = sessions->size(),
+          .length = sessionRowHeight,
+          .spacing = 2,
+          .key = [sessions](size_t row) { return (*sessions)[row].id; },
+          .item =
+              [sessions, &claude, &terminals](size_t row) {
+                const Session& session = (*sessions)[row];
+                return sessionRow(session, terminals, forgetting(claude, session))
+                    .transition(notchContent(0.04 * double(row), UnitPoint::top));
+              },
+      }))
       .arrowKeys(Axis::vertical)
       .accessibility(Role::list, tr("Claude Code sessions", "Sessions Claude Code"));
 }
@@ -62,9 +62,9 @@ View list(ClaudeService& claude, TerminalVisits& terminals) {
 View clearButton(ClaudeService& claude) {
   const std::string name = tr("Clear finished", "Effacer les terminées");
   return Button({.name = name,
-                 .label = Text(name).font({10, Weight::semibold}).foreground(white(0.6)),
-                 .style = notchPillButtonStyle(),
-                 .action = [&claude] { withAnimation(listChange, [&] { claude.clearFinished(); }); }});
+      .label = Text(name).font({10, Weight::semibold}).foreground(white(0.6)),
+      .style = notchPillButtonStyle(),
+      .action = [&claude] { withAnimation(listChange, [&] { claude.clearFinished(); }); }});
 }
 
 }  // namespace

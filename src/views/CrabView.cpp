@@ -18,7 +18,11 @@ constexpr double stillMoment = 1;
 
 /// From the second column of the grid; E is an eye.
 constexpr std::array<std::string_view, 5> body{
-    "..##########..", "..##E####E##..", "..##E####E##..", "..##########..", "..##########..",
+    "..##########..",
+    "..##E####E##..",
+    "..##E####E##..",
+    "..##########..",
+    "..##########..",
 };
 constexpr size_t upperEyeRow = 1;
 constexpr std::array legColumns{4, 6, 9, 11};
@@ -82,7 +86,7 @@ Rect crabCellRect(const CrabCell& cell, Size canvas) {
   // Neighbours overlap a little, so that no seam shows between them.
   constexpr double overlap = 0.3;
   return {(canvas.width - gridWidth * side) / 2 + side * cell.column,
-          (canvas.height - gridHeight * side) / 2 + side * cell.row, side + overlap, side + overlap};
+      (canvas.height - gridHeight * side) / 2 + side * cell.row, side + overlap, side + overlap};
 }
 
 ui::View crabView(CrabMood mood) {

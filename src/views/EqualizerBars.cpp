@@ -33,12 +33,13 @@ View equalizerBars(Color color, bool playing, int count) {
     return timeline(redrawInterval, !playing, [=](Date now) {
       if (tempo.get().playing != playing) tempo.set({playing, now});
       // The bars are redrawn while they rise, so that their swing grows along the curve by itself.
-      const double risen = Motion{.from = 0,
-                                  .to = 1,
-                                  .start = tempo.get().since.secondsSince1970,
-                                  .animation = easeInOut(changeSeconds)}
-                               .at(now.secondsSince1970)
-                               .value;
+      const double risen =
+          Motion{.from = 0,
+              .to = 1,
+              .start = tempo.get().since.secondsSince1970,
+              .animation = easeInOut(changeSeconds)}
+              .at(now.secondsSince1970)
+              .value;
       Views bars;
       for (int bar = 0; bar < count; ++bar) {
         const double swing = equalizerLevel(bar, now.secondsSince1970) - pausedLevel;

@@ -19,8 +19,9 @@ View eventRow(const CalendarItem& event, Date now) {
   return stateful(false, [event, time = eventTime(event, now)](State<bool> hovering) {
     const View title = Text(event.title).font({12, Weight::medium});
     const View when = Text(time).font({10}).foreground(white(0.5));
-    const View texts = VStack({.spacing = 1, .align = Align::leading}, {title, when})
-                           .frame({.maxWidth = infinity, .align = UnitPoint::leading});
+    const View texts =
+        VStack({.spacing = 1, .align = Align::leading}, {title, when})
+            .frame({.maxWidth = infinity, .align = UnitPoint::leading});
     return HStack({.spacing = 8}, {Capsule().fill(event.color).frame({.width = 3, .height = 24}), texts})
         .padding(Edge::horizontal, 4)
         .frame({.height = eventRowHeight})

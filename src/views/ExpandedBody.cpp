@@ -32,10 +32,11 @@ View page(NotchModel& model, Namespace names) {
 }  // namespace
 
 View expandedBody(NotchModel& model, Namespace names) {
-  const View shown = ZStack(UnitPoint::top, {page(model, names)})
-                         .frame({.maxWidth = infinity, .maxHeight = infinity, .align = UnitPoint::top})
-                         .id(std::string(rawValue(model.tab)))
-                         .transition(tabSlide(model.tabDirection));
+  const View shown =
+      ZStack(UnitPoint::top, {page(model, names)})
+          .frame({.maxWidth = infinity, .maxHeight = infinity, .align = UnitPoint::top})
+          .id(std::string(rawValue(model.tab)))
+          .transition(tabSlide(model.tabDirection));
   return ZStack(UnitPoint::top, {shown})
       .padding(Edge::horizontal, 18)
       .padding(Edge::top, 6)

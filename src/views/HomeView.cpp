@@ -14,11 +14,12 @@ View homeView(NotchModel& model, Namespace names) {
     const bool withCalendar = model.settings.calendarEnabled;
     View divider, agenda;
     if (withCalendar) {
-      divider = Rectangle()
-                    .fill(white(0.1))
-                    .frame({.width = 1})
-                    .padding(Edge::vertical, 6)
-                    .transition(Transition::opacity());
+      divider =
+          Rectangle()
+              .fill(white(0.1))
+              .frame({.width = 1})
+              .padding(Edge::vertical, 6)
+              .transition(Transition::opacity());
       agenda =
           calendarList(model.calendar).frame({.width = 160}).transition(notchContent(0.12, UnitPoint::top));
     }

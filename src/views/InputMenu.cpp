@@ -16,8 +16,8 @@ std::vector<MenuItem> items(AudioService& audio) {
   std::vector<MenuItem> items;
   for (const AudioDevice& device : *audio.inputs) {
     items.push_back({.title = device.name,
-                     .action = [&audio, id = device.id] { audio.selectInput(id); },
-                     .checked = device.id == audio.inputID});
+        .action = [&audio, id = device.id] { audio.selectInput(id); },
+        .checked = device.id == audio.inputID});
   }
   return items;
 }

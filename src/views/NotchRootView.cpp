@@ -56,8 +56,8 @@ View body(NotchModel& model, Namespace names) {
       .transition(notchContent(0.07, UnitPoint::top));
 }
 
-View surface(NotchModel& model, Namespace names, const std::function<void()>& openSettings,
-             bool roomForShadow) {
+View surface(
+    NotchModel& model, Namespace names, const std::function<void()>& openSettings, bool roomForShadow) {
   const Presentation presentation = model.presentation();
   const Size size = model.size();
   const Shape shape = NotchShape(notchFlare, notchBottomRadius(presentation, model.isHovering));
@@ -74,8 +74,8 @@ View surface(NotchModel& model, Namespace names, const std::function<void()>& op
       .shadow(black(casts ? 0.3 : 0), 26, {0, 10})
       .opacity(hidden ? 0 : 1)
       .contentShape(shape)
-      .accessibility(expanded ? Role::none : Role::button,
-                     expanded ? "" : tr("Open Tarnwick", "Ouvrir Tarnwick"))
+      .accessibility(
+          expanded ? Role::none : Role::button, expanded ? "" : tr("Open Tarnwick", "Ouvrir Tarnwick"))
       .onKey([&model, expanded](const KeyEvent& event) {
         if (!expanded || event.key != Key::escape) return false;
         model.collapse();

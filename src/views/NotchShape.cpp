@@ -31,9 +31,9 @@ double notchBottomRadius(Presentation presentation, bool hovering) {
 
 ui::Shape NotchShape(double flare, double bottomRadius) {
   return {.outline = outline,
-          .animated = {bottomRadius},
-          .fixed = {flare},
-          .extent = [](const auto& animated, const auto& fixed) { return fixed[0] + animated[0]; }};
+      .animated = {bottomRadius},
+      .fixed = {flare},
+      .extent = [](const auto& animated, const auto& fixed) { return fixed[0] + animated[0]; }};
 }
 
 }  // namespace tarnwick

@@ -17,17 +17,18 @@ View editor(NotesStore& notes, State<bool> focused) {
   return observing([&notes, focused] {
     View placeholder;
     if (notes.text().empty()) {
-      placeholder = Text(tr("Quick note…", "Note rapide…"))
-                        .foreground(white(0.3))
-                        .allowsHitTesting(false)
-                        .id("placeholder");
+      placeholder =
+          Text(tr("Quick note…", "Note rapide…"))
+              .foreground(white(0.3))
+              .allowsHitTesting(false)
+              .id("placeholder");
     }
     return ZStack(UnitPoint::topLeading,
-                  {TextEditor({.name = tr("Notes", "Notes"),
-                               .text = notes.sharedText(),
-                               .changed = [&notes](const SharedText& text) { notes.setText(text); },
-                               .focus = focused}),
-                   placeholder})
+        {TextEditor({.name = tr("Notes", "Notes"),
+             .text = notes.sharedText(),
+             .changed = [&notes](const SharedText& text) { notes.setText(text); },
+             .focus = focused}),
+            placeholder})
         .font({13})
         .padding(Edge::horizontal, beside)
         .padding(Edge::vertical, above);

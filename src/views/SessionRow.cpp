@@ -33,19 +33,21 @@ View phaseIndicator(Phase phase) {
 View texts(const Session& session) {
   View activity;
   if (!session.activity.empty()) {
-    activity = Text(session.activity)
-                   .font({11, Weight::regular, Design::monospaced})
-                   .foreground(white(0.55))
-                   .truncated(Truncation::middle)
-                   .contentTransition(ContentTransition::opacity);
+    activity =
+        Text(session.activity)
+            .font({11, Weight::regular, Design::monospaced})
+            .foreground(white(0.55))
+            .truncated(Truncation::middle)
+            .contentTransition(ContentTransition::opacity);
   }
   if (const std::string request = session.request ? session.request->detail : ""; !request.empty()) {
-    activity =
-        HStack({.spacing = 8}, {activity.prioritized(), Text(request)
-                                                            .font({11, Weight::regular, Design::monospaced})
-                                                            .foreground(white(0.85))
-                                                            .truncated(Truncation::middle)
-                                                            .tooltip(request)});
+    activity = HStack({.spacing = 8},
+        {activity.prioritized(),
+            Text(request)
+                .font({11, Weight::regular, Design::monospaced})
+                .foreground(white(0.85))
+                .truncated(Truncation::middle)
+                .tooltip(request)});
   }
   const View project = Text(session.project).font({13, Weight::semibold, Design::rounded});
   return VStack({.spacing = 1, .align = Align::leading}, {project, activity});
@@ -80,31 +82,32 @@ View sessionRow(const Session& session, TerminalVisits& terminals, std::function
                   .foreground(white(0.6))
                   .transition(Transition::opacity());
     }
-    View row = HStack({.spacing = 10},
-                      {
-                          ZStack(UnitPoint::center, {phaseIndicator(session.phase)}).frame({.width = 20}),
-                          texts(session),
-                          Spacer(),
-                          everySecond([session](Date now) {
-                            return Text(elapsedText(session, now))
-                                .font({11, Weight::medium})
-                                .monospacedDigits()
-                                .foreground(white(0.45));
-                          }),
-                          arrow,
-                      })
-                   .padding(Edge::horizontal, 10)
-                   .frame({.height = sessionRowHeight})
-                   .background(RoundedRectangle(10).fill(white(hovering ? 0.07 : 0.03)))
-                   .animation(easeOut(0.15), std::pair(hovering, canVisit))
-                   .contentShape(RoundedRectangle(10))
-                   .onHover([session, &terminals, pointed](bool isInside) {
-                     pointed.set({isInside, isInside && terminals.canVisit(session)});
-                   })
-                   .onTap([session, &terminals] { terminals.visit(session); }, session.process.has_value())
-                   .focusable()
-                   .accessibility(session.process ? Role::button : Role::text,
-                                  session.project + ": " + session.activity);
+    View row =
+        HStack({.spacing = 10},
+            {
+                ZStack(UnitPoint::center, {phaseIndicator(session.phase)}).frame({.width = 20}),
+                texts(session),
+                Spacer(),
+                everySecond([session](Date now) {
+                  return Text(elapsedText(session, now))
+                      .font({11, Weight::medium})
+                      .monospacedDigits()
+                      .foreground(white(0.45));
+                }),
+                arrow,
+            })
+            .padding(Edge::horizontal, 10)
+            .frame({.height = sessionRowHeight})
+            .background(RoundedRectangle(10).fill(white(hovering ? 0.07 : 0.03)))
+            .animation(easeOut(0.15), std::pair(hovering, canVisit))
+            .contentShape(RoundedRectangle(10))
+            .onHover([session, &terminals, pointed](bool isInside) {
+              pointed.set({isInside, isInside && terminals.canVisit(session)});
+            })
+            .onTap([session, &terminals] { terminals.visit(session); }, session.process.has_value())
+            .focusable()
+            .accessibility(
+                session.process ? Role::button : Role::text, session.project + ": " + session.activity);
     if (forget) row = row.onKey(Key::erase, forget);
     if (!hovering || canVisit) return row;
     return row.tooltip(

@@ -13,7 +13,7 @@ constexpr double frameInterval = 0.1;
 /// Made once: the same texts come up again and again, and remember how they are drawn.
 const ui::Views& frames() {
   static const ui::Views frames{ui::Text("·"), ui::Text("✢"), ui::Text("✳"), ui::Text("✶"), ui::Text("✻"),
-                                ui::Text("✽"), ui::Text("✻"), ui::Text("✶"), ui::Text("✳"), ui::Text("✢")};
+      ui::Text("✽"), ui::Text("✻"), ui::Text("✶"), ui::Text("✳"), ui::Text("✢")};
   return frames;
 }
 

@@ -91,7 +91,7 @@ View tabBar(NotchModel& model, Namespace names) {
   for (const Tab tab : allTabs) {
     const bool selected = model.tab == tab;
     buttons.push_back(tabButton(tab, icon(tab, model.claude, selected, names), selected, height,
-                                [&model, tab] { model.select(tab); }));
+        [&model, tab] { model.select(tab); }));
   }
   return HStack({.spacing = spacing}, buttons).arrowKeys(Axis::horizontal);
 }

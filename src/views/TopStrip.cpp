@@ -36,10 +36,11 @@ View bannerIcon(const Banner& banner) {
 View settingsButton(double stripHeight, std::function<void()> openSettings) {
   constexpr double size = 28, margin = 1;
   const std::string name = tr("Settings", "Réglages");
-  return Button({.name = name,
-                 .label = Symbol("gearshape.fill").font({12}).foreground(white(0.6)),
-                 .style = notchButtonStyle(std::min(size, stripHeight - 2 * margin), 1.08),
-                 .action = std::move(openSettings)})
+  return Button(
+      {.name = name,
+          .label = Symbol("gearshape.fill").font({12}).foreground(white(0.6)),
+          .style = notchButtonStyle(std::min(size, stripHeight - 2 * margin), 1.08),
+          .action = std::move(openSettings)})
       .tooltip(name);
 }
 
@@ -119,11 +120,11 @@ View topStrip(NotchModel& model, Namespace names, std::function<void()> openSett
     return ZStack(align, {item}).padding(outside, inset).frame({.width = width, .align = align});
   };
   return HStack({},
-                {
-                    box(leftWing(model, names), Edge::leading, leftMargin, UnitPoint::leading),
-                    Spacer(),
-                    box(rightWing(model, openSettings), Edge::trailing, margin, UnitPoint::trailing),
-                })
+      {
+          box(leftWing(model, names), Edge::leading, leftMargin, UnitPoint::leading),
+          Spacer(),
+          box(rightWing(model, openSettings), Edge::trailing, margin, UnitPoint::trailing),
+      })
       .frame({.height = model.notchSize->height});
 }
 

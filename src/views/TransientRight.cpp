@@ -38,8 +38,8 @@ View content(const Transient::Device& device) {
 View transientRight(const Transient& transient) {
   // The stack stays when what is in it changes: a battery's level that is told later does not enter like
   // news.
-  return ZStack(UnitPoint::trailing,
-                {std::visit([](const auto& value) { return content(value); }, transient.value)});
+  return ZStack(
+      UnitPoint::trailing, {std::visit([](const auto& value) { return content(value); }, transient.value)});
 }
 
 }  // namespace tarnwick

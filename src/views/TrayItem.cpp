@@ -19,8 +19,9 @@ static_assert(trayItemWidth == nameWidth + 2 * inset);
 constexpr double dimmed = 0.35;
 
 View icon(const FileLook& look, bool hovering) {
-  const View picture = look.icon ? ImageView(*look.icon).contentTransition(ContentTransition::opacity)
-                                 : Symbol("doc.fill").font({36}).foreground(white(dimmed));
+  const View picture =
+      look.icon ? ImageView(*look.icon).contentTransition(ContentTransition::opacity)
+                : Symbol("doc.fill").font({36}).foreground(white(dimmed));
   return Group(picture)
       .frame({.width = iconSize, .height = iconSize})
       .shadow(black(0.4), hovering ? 6 : 2, {0, hovering ? 3.0 : 1.0});
@@ -41,7 +42,7 @@ std::vector<MenuItem> menu(const FilePath& file, TrayStore& tray, TrayFiles& fil
   } else {
     items.push_back({.title = tr("Open", "Ouvrir"), .action = [=, &files] { files.open(file); }});
     items.push_back({.title = tr("Show in File Manager", "Afficher dans le gestionnaire de fichiers"),
-                     .action = [=, &files] { files.reveal(file); }});
+        .action = [=, &files] { files.reveal(file); }});
   }
   items.push_back({.title = tr("Remove", "Retirer"), .action = [=, &tray] { tray.remove(file); }});
   return items;
@@ -56,11 +57,13 @@ View trayItem(const FilePath& file, TrayStore& tray, TrayFiles& files) {
     const auto remove = [file, &tray] { tray.remove(file); };
     View cross;
     if (hovering) cross = removeButton(tr("Remove", "Retirer"), remove);
-    return VStack({.spacing = 4}, {icon(look, hovering), Text(name)
-                                                             .font({10, Weight::medium})
-                                                             .foreground(white(0.8))
-                                                             .truncated(Truncation::middle)
-                                                             .frame({.width = nameWidth})})
+    return VStack({.spacing = 4},
+        {icon(look, hovering),
+            Text(name)
+                .font({10, Weight::medium})
+                .foreground(white(0.8))
+                .truncated(Truncation::middle)
+                .frame({.width = nameWidth})})
         .opacity(look.isGone ? dimmed : 1)
         .padding(inset)
         .contentShape(RoundedRectangle(12))
@@ -75,8 +78,8 @@ View trayItem(const FilePath& file, TrayStore& tray, TrayFiles& files) {
         .onDoubleTap([file, &files] { files.open(file); })
         .onKey(Key::erase, remove)
         .contextMenu([file, &tray, &files] { return menu(file, tray, files, files.look(file).isGone); })
-        .accessibility(Role::button,
-                       look.isGone ? name + tr(", file not found", ", fichier introuvable") : name)
+        .accessibility(
+            Role::button, look.isGone ? name + tr(", file not found", ", fichier introuvable") : name)
         .frame({.maxHeight = infinity});
   });
 }

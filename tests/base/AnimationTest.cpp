@@ -76,8 +76,8 @@ TEST(WithAnimation, CommitsEachChangeWithItsOwnAnimation) {
   struct Screen : transaction::Committer {
     void commit(const std::optional<Animation>& animation) override {
       if (state.size() == shown) return;
-      log.push_back(state.substr(shown) + ":" +
-                    (animation ? std::to_string(lround(animation->duration)) : "none"));
+      log.push_back(
+          state.substr(shown) + ":" + (animation ? std::to_string(lround(animation->duration)) : "none"));
       shown = state.size();
     }
     std::string state;

@@ -16,7 +16,7 @@ TEST(Characters, CutsBetweenCharactersThatAUserSees) {
   // A letter, an accent beside it, a line break, a joined family, a flag, conjoining letters, a joined
   // syllable.
   for (const std::string_view character :
-       {"日", "e\u0301", "\r\n", "👩\u200D👩\u200D👧\u200D👦", "🇫🇷", "각", "क्\u200D"}) {
+      {"日", "e\u0301", "\r\n", "👩\u200D👩\u200D👧\u200D👦", "🇫🇷", "각", "क्\u200D"}) {
     for (const size_t length : {0, 1, 2, 199, 200}) {
       const std::string expected = repeated(character, length);
       EXPECT_EQ(firstCharacters(repeated(character, 201), length, 100000), expected) << character << length;

@@ -28,10 +28,10 @@ TEST(DisplayText, LeavesWhatIsSeenAndNothingElse) {
       // Emoji, whole.
       {"👩‍👩‍👧‍👦 🏳️‍🌈 ❤️‍🔥 👍🏽 🧑🏾‍💻 1️⃣ ✳︎ "
        "🇫🇷🇩🇪",
-       "👩‍👩‍👧‍👦 🏳️‍🌈 ❤️‍🔥 👍🏽 🧑🏾‍💻 1️⃣ ✳︎ "
-       "🇫🇷🇩🇪"},
+          "👩‍👩‍👧‍👦 🏳️‍🌈 ❤️‍🔥 👍🏽 🧑🏾‍💻 1️⃣ ✳︎ "
+          "🇫🇷🇩🇪"},
       {"🏴\U000E0067\U000E0062\U000E0065\U000E006E\U000E0067\U000E007F!",
-       "🏴\U000E0067\U000E0062\U000E0065\U000E006E\U000E0067\U000E007F!"},
+          "🏴\U000E0067\U000E0062\U000E0065\U000E006E\U000E0067\U000E007F!"},
       {"a\U000E0067\U000E0062", "a"},
       {"a\u200db 👩\u200db 👩\u200d", "ab 👩b 👩"},
       // Persian and Devanagari are written with joiners.

@@ -19,11 +19,9 @@ TEST_F(LocalTimeTest, WritesTheTimeOfDay) {
   const struct {
     double seconds;  // since 1970-01-01 01:00 in Paris
     const char *english, *french;
-  } cases[] = {{14 * 3600, "3:00 PM", "15:00"},
-               {-3600, "12:00 AM", "00:00"},
-               {11 * 3600, "12:00 PM", "12:00"},
-               {8 * 3600 + 5 * 60 + 59.9, "9:05 AM", "09:05"},
-               {22 * 3600 + 59 * 60, "11:59 PM", "23:59"}};
+  } cases[] = {{14 * 3600, "3:00 PM", "15:00"}, {-3600, "12:00 AM", "00:00"},
+      {11 * 3600, "12:00 PM", "12:00"}, {8 * 3600 + 5 * 60 + 59.9, "9:05 AM", "09:05"},
+      {22 * 3600 + 59 * 60, "11:59 PM", "23:59"}};
   for (const auto& [seconds, english, french] : cases) {
     EXPECT_EQ((ForcedLanguage("en"), shortTime({seconds})), english);
     EXPECT_EQ((ForcedLanguage("fr"), shortTime({seconds})), french);

@@ -39,7 +39,7 @@ Texts describe(const std::vector<CalendarEvent>& events, Date today) {
   for (const CalendarEvent& event : events) {
     char hours[64];
     std::snprintf(hours, sizeof hours, "%g-%g%s ", (event.start - today) / 3600, (event.end - today) / 3600,
-                  event.allDay ? " whole days" : "");
+        event.allDay ? " whole days" : "");
     texts.push_back(hours + event.title);
   }
   return texts;
@@ -90,9 +90,9 @@ TEST_F(CalendarReaderTest, TellsWhenEventsOccur) {
       // Repeating.
       {"DTSTART:20200101T100000\r\nDTEND:20200101T103000\r\nRRULE:FREQ=DAILY", {"10-10.5 e", "34-34.5 e"}},
       {"DTSTART:20200101T100000\r\nDTEND:20200101T103000\r\nRRULE:FREQ=DAILY\r\nEXDATE:20260311T100000",
-       {"34-34.5 e"}},
+          {"34-34.5 e"}},
       {"DTSTART:20200101T100000\r\nDTEND:20200101T103000\r\nRRULE:FREQ=DAILY;UNTIL=20260311T120000",
-       {"10-10.5 e"}},
+          {"10-10.5 e"}},
       {"DTSTART;VALUE=DATE:20260304\r\nRRULE:FREQ=WEEKLY", {"0-24 whole days e"}},
       {"DTSTART:20260301T100000\r\nRDATE:20260312T110000", {"35-35 e"}},
       // Of the zone's own clock, which was put forward on 8 March.
@@ -113,14 +113,14 @@ TEST_F(CalendarReaderTest, PutsChangedOccurrencesInTheirPlace) {
     Texts occurrences;
   } cases[] = {
       {changed("RECURRENCE-ID:20260311T100000\r\nDTSTART:20260311T170000\r\nDURATION:PT2H"),
-       {"17-19 e", "34-35 e"}},
+          {"17-19 e", "34-35 e"}},
       {changed("RECURRENCE-ID:20260311T100000\r\nDTSTART:20260320T100000"), {"34-35 e"}},
       {changed("RECURRENCE-ID:20260311T100000\r\nDTSTART:20260311T100000\r\nSTATUS:CANCELLED"), {"34-35 e"}},
       {changed("DTSTART:20260311T100000"), {"10-10 e"}},  // a later word on the whole event
   };
   for (const auto& each : cases) {
     for (const Texts& components :
-         {Texts{rule, each.change}, Texts{rule, rule, each.change}, Texts{rule, each.change, each.change}}) {
+        {Texts{rule, each.change}, Texts{rule, rule, each.change}, Texts{rule, each.change, each.change}}) {
       EXPECT_THAT(describe(read(components).events, today), UnorderedElementsAreArray(each.occurrences))
           << each.change;
     }
@@ -145,8 +145,7 @@ TEST_F(CalendarReaderTest, AsksForWhatItWouldHaveToKnow) {
 TEST_F(CalendarReaderTest, HasBounds) {
   const std::string real = written("real", "DTSTART:20260311T150000");
   const char* const rules[] = {"RRULE:FREQ=SECONDLY", "RRULE:FREQ=MINUTELY\r\nDURATION:P20000D",
-                               "RRULE:FREQ=SECONDLY;COUNT=2000000000",
-                               "RRULE:FREQ=SECONDLY;BYMONTH=2;BYMONTHDAY=30"};
+      "RRULE:FREQ=SECONDLY;COUNT=2000000000", "RRULE:FREQ=SECONDLY;BYMONTH=2;BYMONTHDAY=30"};
   for (const char* rule : rules) {
     const double start = Date::systemNow().secondsSince1970;
     const CalendarReading reading =
@@ -188,7 +187,7 @@ class EvolutionCalendarsTest : public testing::Test {
 
   // The test's own way to the user's calendar.
   QVariantList call(const QString& service, const QString& path, const QString& interface,
-                    const QString& method, const QVariantList& arguments) {
+      const QString& method, const QVariantList& arguments) {
     auto message = QDBusMessage::createMethodCall(service, path, interface, method);
     message.setArguments(arguments);
     const QDBusMessage reply = QDBusConnection::sessionBus().call(message);
@@ -196,9 +195,9 @@ class EvolutionCalendarsTest : public testing::Test {
     return reply.arguments();
   }
   void callCalendar(const QString& method, const QVariantList& arguments) {
-    const QVariantList place =
-        call(EvolutionCalendar::service, "/org/gnome/evolution/dataserver/CalendarFactory",
-             "org.gnome.evolution.dataserver.CalendarFactory", "OpenCalendar", {"system-calendar"});
+    const QVariantList place = call(EvolutionCalendar::service,
+        "/org/gnome/evolution/dataserver/CalendarFactory", "org.gnome.evolution.dataserver.CalendarFactory",
+        "OpenCalendar", {"system-calendar"});
     const QString path = place.value(0).toString(), service = place.value(1).toString();
     const QString interface = "org.gnome.evolution.dataserver.Calendar";
     call(service, path, interface, "Open", {});
@@ -208,15 +207,16 @@ class EvolutionCalendarsTest : public testing::Test {
     callCalendar("CreateObjects", {QStringList{QString::fromStdString(written(uid, lines))}, 0u});
   }
   void change(const std::string& uid, const std::string& lines) {
-    callCalendar("ModifyObjects",
-                 {QStringList{QString::fromStdString(written(uid, lines))}, QString("this"), 0u});
+    callCalendar(
+        "ModifyObjects", {QStringList{QString::fromStdString(written(uid, lines))}, QString("this"), 0u});
   }
 
   const Date today = startOfDay(Date::systemNow());
   Date from = today;
   QtScheduler scheduler;
   MessageBus bus{scheduler, sessionBusAddress};
-  EvolutionCalendars calendars{scheduler, bus, true, [] { return loadCalendarReader(TARNWICK_MODULES); }, 0.1};
+  EvolutionCalendars calendars{
+      scheduler, bus, true, [] { return loadCalendarReader(TARNWICK_MODULES); }, 0.1};
   Subscription subscription;
   std::optional<bool> access;
   int changes = 0;
@@ -236,8 +236,8 @@ TEST_F(EvolutionCalendarsTest, FollowsTheUsersCalendars) {
   add("daily", "RRULE:FREQ=DAILY\r\nDTSTART:" + day(today, -3) + "T100000\r\nDURATION:PT30M");
   expect({"0-24 whole days days", "10-10.5 daily", "17-17.5 floating", "34-34.5 daily"});
   // Moved out of what is looked at, one of them is seen nowhere.
-  change("daily",
-         "RECURRENCE-ID:" + now + "T100000\r\nDTSTART:" + day(today, 20) + "T100000\r\nDURATION:PT30M");
+  change(
+      "daily", "RECURRENCE-ID:" + now + "T100000\r\nDTSTART:" + day(today, 20) + "T100000\r\nDURATION:PT30M");
   expect({"0-24 whole days days", "17-17.5 floating", "34-34.5 daily"});
   from = startOfDay(today, 1);
   expect({"34-34.5 daily"});
@@ -288,7 +288,7 @@ int main(int argc, char** argv) {
   if (!std::getenv("TARNWICK_CALENDAR_TEST")) {
     const tarnwick::TemporaryFolder home;
     for (const char* name :
-         {"HOME", "XDG_RUNTIME_DIR", "XDG_CONFIG_HOME", "XDG_DATA_HOME", "XDG_CACHE_HOME"}) {
+        {"HOME", "XDG_RUNTIME_DIR", "XDG_CONFIG_HOME", "XDG_DATA_HOME", "XDG_CACHE_HOME"}) {
       const std::string folder = home.path() + '/' + name;
       ::mkdir(folder.c_str(), 0700);
       ::setenv(name, folder.c_str(), 1);

@@ -67,9 +67,8 @@ TEST(ActivityTexts, FormatDurations) {
   const struct {
     double seconds;
     const char* text;
-  } cases[] = {{0, "0s"},        {59.9, "59s"},    {60, "1m00s"},
-               {134.2, "2m14s"}, {3725, "62m05s"}, {-3, "0s"},
-               {-0.5, "0s"},     {600, "10m00s"},  {std::numeric_limits<double>::quiet_NaN(), "0s"}};
+  } cases[] = {{0, "0s"}, {59.9, "59s"}, {60, "1m00s"}, {134.2, "2m14s"}, {3725, "62m05s"}, {-3, "0s"},
+      {-0.5, "0s"}, {600, "10m00s"}, {std::numeric_limits<double>::quiet_NaN(), "0s"}};
   for (const auto& c : cases) EXPECT_EQ(ClaudeService::format(c.seconds), c.text) << c.seconds;
 }
 

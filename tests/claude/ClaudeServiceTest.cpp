@@ -46,28 +46,29 @@ TEST_F(ClaudeServiceTest, AWholePieceOfWork) {
   EXPECT_EQ(session(), (Session{"s", "shop", Phase::working, start, "Thinking…", start, {}, start}));
   pass(2);
   send("PreToolUse", {{"cwd", "/src/shop"}, {"tool_name", "Bash"}, {"tool_detail", "npm test"}});
-  EXPECT_EQ(session(), (Session{"s", "shop", Phase::working, start, "Running · npm test", start, {}, start + 2}));
+  EXPECT_EQ(
+      session(), (Session{"s", "shop", Phase::working, start, "Running · npm test", start, {}, start + 2}));
   EXPECT_TRUE(banners.empty());
   pass(3);
-  send("Notification", {{"cwd", "/src/shop"},
-                        {"notification_type", "permission_prompt"},
-                        {"message", "Claude needs your permission to use Bash"}});
+  send("Notification", {{"cwd", "/src/shop"}, {"notification_type", "permission_prompt"},
+                           {"message", "Claude needs your permission to use Bash"}});
   EXPECT_EQ(session().phase, Phase::waiting);
   ASSERT_EQ(banners.size(), 1u);
   const Banner wait = banners[0].first;
   EXPECT_EQ(wait, (Banner{wait.id, "hand.raised.fill", colors::yellow, "shop", "Permission needed: Bash",
-                          CrabMood::waiting, "", "s"}));
+                      CrabMood::waiting, "", "s"}));
   EXPECT_EQ(banners[0].second, 8);
   pass(4);
   send("PostToolUse", {{"cwd", "/src/shop"}, {"tool_name", "Bash"}});
   EXPECT_EQ(session(), (Session{"s", "shop", Phase::working, start + 9, "Thinking…", start, {}, start + 9}));
   pass(4);
   send("Stop", {{"cwd", "/src/shop"}});
-  EXPECT_EQ(session(), (Session{"s", "shop", Phase::done, start + 13, "Done in 13s", start, start + 13, start + 13}));
+  EXPECT_EQ(session(),
+      (Session{"s", "shop", Phase::done, start + 13, "Done in 13s", start, start + 13, start + 13}));
   ASSERT_EQ(banners.size(), 2u);
   const Banner done = banners[1].first;
   EXPECT_EQ(done, (Banner{done.id, "checkmark.circle.fill", colors::green, "shop", "Done in 13s",
-                          CrabMood::happy, "", "s"}));
+                      CrabMood::happy, "", "s"}));
   EXPECT_EQ(banners[1].second, 5);
   EXPECT_NE(done.id, wait.id);
   EXPECT_THAT(desktop.sounds.played, ElementsAre(Sound::message, Sound::complete));
@@ -83,33 +84,20 @@ TEST_F(ClaudeServiceTest, WaitsForWhatIsRequestedAndKeepsTheBetterText) {
     std::string announced;
     std::string announcedDetail;
   };
-  const StringMap permission{{"notification_type", "permission_prompt"},
-                             {"message", "Claude needs your permission"}};
+  const StringMap permission{
+      {"notification_type", "permission_prompt"}, {"message", "Claude needs your permission"}};
   const StringMap bash{{"tool_name", "Bash"}, {"tool_detail", "npm test"}};
   const Case cases[] = {
       {"a tool", bash, "Permission needed: Bash", "npm test", permission, "Permission needed: Bash",
-       "npm test"},
-      {"a notification that names a tool",
-       bash,
-       "Permission needed: Bash",
-       "npm test",
-       {{"notification_type", "permission_prompt"}, {"message", "Claude needs your permission to use Edit"}},
-       "Permission needed: Edit",
-       "npm test"},
-      {"about something else",
-       bash,
-       "Permission needed: Bash",
-       "npm test",
-       {{"notification_type", "auth"}, {"message", "Log in"}},
-       "Log in",
-       ""},
-      {"a question",
-       {{"tool_name", "AskUserQuestion"}, {"question", "Which colour?"}},
-       "Question: Which colour?",
-       "",
-       permission,
-       "Question: Which colour?",
-       ""},
+          "npm test"},
+      {"a notification that names a tool", bash, "Permission needed: Bash", "npm test",
+          {{"notification_type", "permission_prompt"},
+              {"message", "Claude needs your permission to use Edit"}},
+          "Permission needed: Edit", "npm test"},
+      {"about something else", bash, "Permission needed: Bash", "npm test",
+          {{"notification_type", "auth"}, {"message", "Log in"}}, "Log in", ""},
+      {"a question", {{"tool_name", "AskUserQuestion"}, {"question", "Which colour?"}},
+          "Question: Which colour?", "", permission, "Question: Which colour?", ""},
       {"no names", {}, "Waiting for you", "", permission, "Waiting for you", ""},
   };
   for (const Case& one : cases) {
@@ -137,12 +125,13 @@ TEST_F(ClaudeServiceTest, WaitsWhenAnErrorHasStoppedIt) {
   send("StopFailure", {{"error", "billing_error"}, {"last_assistant_message", "Credit balance is too low"}});
   EXPECT_EQ(session().phase, Phase::waiting);
   ASSERT_EQ(banners.size(), 1u);
-  EXPECT_EQ(banners[0].first, (Banner{.id = banners[0].first.id,
-                                      .icon = "exclamationmark.triangle.fill",
-                                      .tint = colors::red,
-                                      .title = "Claude Code",
-                                      .subtitle = "Credit balance is too low",
-                                      .session = "s"}));
+  EXPECT_EQ(banners[0].first,
+      (Banner{.id = banners[0].first.id,
+          .icon = "exclamationmark.triangle.fill",
+          .tint = colors::red,
+          .title = "Claude Code",
+          .subtitle = "Credit balance is too low",
+          .session = "s"}));
   EXPECT_EQ(banners[0].second, 8);
   EXPECT_THAT(desktop.sounds.played, ElementsAre(Sound::batteryLow));
   send("StopFailure", {{"error", "server_error"}});
@@ -188,9 +177,8 @@ TEST_F(ClaudeServiceTest, EventsThatChangeNothing) {
       {{"session_id", "new"}, {"hook_event_name", "PreCompact"}},
       {{"session_id", "new"}, {"hook_event_name", "SessionEnd"}},
       {{"session_id", "s"}, {"hook_event_name", "Notification"}, {"notification_type", "idle_prompt"}},
-      {{"session_id", "new"},
-       {"hook_event_name", "Notification"},
-       {"message", "Claude is waiting for your input"}},
+      {{"session_id", "new"}, {"hook_event_name", "Notification"},
+          {"message", "Claude is waiting for your input"}},
       {{"session_id", "s"}, {"hook_event_name", "Notification"}, {"message", "WAITING FOR YOUR INPUT!"}},
   };
   for (const StringMap& event : ignored) claude.handle(event);
@@ -247,8 +235,8 @@ TEST_F(ClaudeServiceTest, SessionsThatWantTheUserComeFirst) {
     }
   }
   EXPECT_THAT(order(),
-              ElementsAre("Notification newer", "Notification older", "PreToolUse newer", "PreToolUse older",
-                          "Stop newer", "Stop older", "SessionStart newer", "SessionStart older"));
+      ElementsAre("Notification newer", "Notification older", "PreToolUse newer", "PreToolUse older",
+          "Stop newer", "Stop older", "SessionStart newer", "SessionStart older"));
   EXPECT_EQ(claude.workingCount(), 2);
   EXPECT_TRUE(claude.anyWaiting());
 
@@ -273,10 +261,14 @@ TEST_F(ClaudeServiceTest, SessionsComeToRestAndAreForgotten) {
     double age;
     std::optional<Phase> phase;
   } cases[] = {
-      {"PreToolUse", 900, Phase::working},   {"PreToolUse", 902, Phase::idle},
-      {"PreToolUse", 1200, Phase::idle},     {"PreToolUse", 1203, std::nullopt},
-      {"SessionStart", 1200, Phase::idle},   {"SessionStart", 1202, std::nullopt},
-      {"Stop", 1200, Phase::done},           {"Stop", 1202, std::nullopt},
+      {"PreToolUse", 900, Phase::working},
+      {"PreToolUse", 902, Phase::idle},
+      {"PreToolUse", 1200, Phase::idle},
+      {"PreToolUse", 1203, std::nullopt},
+      {"SessionStart", 1200, Phase::idle},
+      {"SessionStart", 1202, std::nullopt},
+      {"Stop", 1200, Phase::done},
+      {"Stop", 1202, std::nullopt},
       {"Notification", 1e6, Phase::waiting},
   };
   for (const auto& c : cases) {

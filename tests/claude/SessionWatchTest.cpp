@@ -15,11 +15,8 @@ constexpr const char* transcript = "/t/s.jsonl";
 class SessionWatchTest : public testing::Test {
  protected:
   void send(const std::string& name, StringMap event = {}) {
-    event.merge(StringMap{{"hook_event_name", name},
-                          {"session_id", "s"},
-                          {"process", std::to_string(process)},
-                          {"process_namespace", "1"},
-                          {"transcript_path", transcript}});
+    event.merge(StringMap{{"hook_event_name", name}, {"session_id", "s"},
+        {"process", std::to_string(process)}, {"process_namespace", "1"}, {"transcript_path", transcript}});
     claude.handle(event);
   }
   void ask(const std::string& command) {

@@ -30,9 +30,9 @@ TEST(SessionsJson, TellsEachSessionAndSinceWhen) {
   hook("ask", "Notification", {{"notification_type", "permission_prompt"}});
   hook("done", "Stop");
   EXPECT_EQ(sessionsJson(claude.ordered()),
-            "[" + line("waiting", "ask", "Permission needed: Bash", 40) + "," +
-                line("working", R"(\"é\")", claude.sessions->at("\"é\"").activity.c_str(), 10) + "," +
-                line("done", "done", "Done in 0s", 60) + "," + line("idle", "new", "", 0) + "]");
+      "[" + line("waiting", "ask", "Permission needed: Bash", 40) + "," +
+          line("working", R"(\"é\")", claude.sessions->at("\"é\"").activity.c_str(), 10) + "," +
+          line("done", "done", "Done in 0s", 60) + "," + line("idle", "new", "", 0) + "]");
 
   hook("later", "Notification", {{"message", "Look"}});
   EXPECT_EQ(claude.longestWaiting()->id, "ask");

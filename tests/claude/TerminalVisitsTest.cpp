@@ -16,8 +16,8 @@ constexpr int32_t client = 70, shell = 60, terminal = 50, tmuxClient = 40, other
 class TerminalVisitsTest : public testing::Test {
  protected:
   TerminalVisitsTest() {
-    desktop.foreignProcesses.families = {{client, {client, shell, terminal, 9}},
-                                         {tmuxClient, {tmuxClient, otherTerminal}}};
+    desktop.foreignProcesses.families = {
+        {client, {client, shell, terminal, 9}}, {tmuxClient, {tmuxClient, otherTerminal}}};
     desktop.foreignProcesses.sockets = {"/run/tmux,a", "/run/kitty"};
     desktop.activation.windows = {{terminal, {500, 501}}, {otherTerminal, {300}}, {9, {90}}};
     visits.onLeave = [this] {
@@ -87,9 +87,10 @@ TEST_F(TerminalVisitsTest, ShowsThePaneInTheTmuxClientThatWasUsedLast) {
   EXPECT_TRUE(visits.visit(session(inTmux)));
   EXPECT_EQ(left, 0) << "it is not known yet whether anybody looks at it";
   answer("100 99 0 /dev/pts/1\n200 40 0 /dev/pts/2\n300 98 1 /dev/pts/3\n300 97 0 \nnonsense\n");
-  EXPECT_THAT(programs(), ElementsAre(list,
-                                      "tmux -S /run/tmux,a select-window -t %7 ; select-pane -t %7 ; "
-                                      "switch-client -c /dev/pts/2 -t %7"));
+  EXPECT_THAT(programs(),
+      ElementsAre(list,
+          "tmux -S /run/tmux,a select-window -t %7 ; select-pane -t %7 ; "
+          "switch-client -c /dev/pts/2 -t %7"));
   EXPECT_THAT(desktop.activation.broughtForward, ElementsAre(300));
   EXPECT_EQ(left, 1);
 }
@@ -97,8 +98,7 @@ TEST_F(TerminalVisitsTest, ShowsThePaneInTheTmuxClientThatWasUsedLast) {
 TEST_F(TerminalVisitsTest, DoesNothingWhereNobodyLooksAtTmux) {
   desktop.foreignProcesses.families[client] = {client, shell, server};
   const std::function<void()> ways[] = {[this] { answer(""); },
-                                        [this] { desktop.processes.fail("no such program"); },
-                                        [this] { desktop.scheduler.advance(3); }};
+      [this] { desktop.processes.fail("no such program"); }, [this] { desktop.scheduler.advance(3); }};
   for (const auto& way : ways) {
     EXPECT_TRUE(visits.visit(session(inTmux)));
     EXPECT_EQ(*visits.failed, "");
@@ -119,12 +119,10 @@ TEST_F(TerminalVisitsTest, TrustsOnlyWhatHasTheRightShape) {
       {{"KITTY_LISTEN_ON", "tcp:localhost:1"}, {"KITTY_WINDOW_ID", "3"}},
       {{"KITTY_LISTEN_ON", "unix:/run/kitty"}, {"KITTY_WINDOW_ID", "3 or all"}},
       {{"WEZTERM_PANE", "-1"}},
-      {{"KONSOLE_DBUS_SERVICE", "a b"},
-       {"KONSOLE_DBUS_SESSION", "/Sessions/1"},
-       {"KONSOLE_DBUS_WINDOW", "/Windows/1"}},
-      {{"KONSOLE_DBUS_SERVICE", ":1.5"},
-       {"KONSOLE_DBUS_SESSION", "/Sessions/1/x"},
-       {"KONSOLE_DBUS_WINDOW", "/Windows/1"}},
+      {{"KONSOLE_DBUS_SERVICE", "a b"}, {"KONSOLE_DBUS_SESSION", "/Sessions/1"},
+          {"KONSOLE_DBUS_WINDOW", "/Windows/1"}},
+      {{"KONSOLE_DBUS_SERVICE", ":1.5"}, {"KONSOLE_DBUS_SESSION", "/Sessions/1/x"},
+          {"KONSOLE_DBUS_WINDOW", "/Windows/1"}},
   };
   for (const StringMap& variables : cases) EXPECT_TRUE(visits.visit(session(variables)));
   EXPECT_THAT(programs(), IsEmpty());
@@ -134,13 +132,12 @@ TEST_F(TerminalVisitsTest, SelectsTheTabByTheTerminalsOwnRemoteControl) {
   desktop.foreignProcesses.families[client] = {client, shell, terminal, server};
   const std::pair<StringMap, std::string> cases[] = {
       {{{"KITTY_LISTEN_ON", "unix:/run/kitty"}, {"KITTY_WINDOW_ID", "3"}},
-       "kitty @ --to unix:/run/kitty focus-window --match id:3"},
+          "kitty @ --to unix:/run/kitty focus-window --match id:3"},
       {{{"WEZTERM_PANE", "4"}}, "wezterm cli activate-pane --pane-id 4"},
-      {{{"KONSOLE_DBUS_SERVICE", ":1.5"},
-        {"KONSOLE_DBUS_SESSION", "/Sessions/2"},
-        {"KONSOLE_DBUS_WINDOW", "/Windows/1"}},
-       "dbus-send --session --type=method_call --dest=:1.5 /Windows/1 "
-       "org.kde.konsole.Window.setCurrentSession int32:2"},
+      {{{"KONSOLE_DBUS_SERVICE", ":1.5"}, {"KONSOLE_DBUS_SESSION", "/Sessions/2"},
+           {"KONSOLE_DBUS_WINDOW", "/Windows/1"}},
+          "dbus-send --session --type=method_call --dest=:1.5 /Windows/1 "
+          "org.kde.konsole.Window.setCurrentSession int32:2"},
   };
   for (auto [variables, program] : cases) {
     desktop.processes.launches.clear();

@@ -23,7 +23,7 @@ TEST(BusAddress, ParsesListsOfAddresses) {
       {"tcp:host=localhost,port=1;autolaunch:;unix:path=/c", {{"/c"}}},
       // Malformed ones are passed over.
       {"unix:path=/a%2;unix:path=/a%zz;unix:path=/a%;unix:path=;unix:path;unix:;unix;:;;=;unix:path=/c",
-       {{"/c"}}},
+          {{"/c"}}},
       {"unix:runtime=no", {}},
   };
   ::setenv("XDG_RUNTIME_DIR", "/run/me", 1);
@@ -38,7 +38,7 @@ TEST(BusAddress, OfTheSessionIsInTheEnvironmentAndThenInTheRuntimeFolder) {
   };
   using testing::ElementsAre, testing::IsEmpty;
   EXPECT_THAT(addresses("unix:abstract=a;unix:path=/c", "/run/user/1"),
-              ElementsAre(BusAddress{"a", true}, BusAddress{"/c"}, BusAddress{"/run/user/1/bus"}));
+      ElementsAre(BusAddress{"a", true}, BusAddress{"/c"}, BusAddress{"/run/user/1/bus"}));
   EXPECT_THAT(addresses("", "/it's ;,%"), ElementsAre(BusAddress{"/it's ;,%/bus"}));
   EXPECT_THAT(addresses("unix:path=/c", ""), ElementsAre(BusAddress{"/c"}));
   EXPECT_THAT(addresses("", ""), IsEmpty());

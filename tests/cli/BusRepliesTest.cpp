@@ -27,9 +27,9 @@ std::string message(char type, uint32_t fields, uint32_t body, bool isBigEndian)
 TEST(BusReplies, CountsResultsAndErrorsHoweverTheyArrive) {
   for (const bool isBigEndian : {false, true}) {
     // A result, a signal, an error that has no body, a call.
-    const std::string bytes = "DATA\r\nOK 0123456789abcdef0123456789abcdef\r\n" +
-                              message(2, 61, 9, isBigEndian) + message(4, 100, 300, isBigEndian) +
-                              message(3, 0, 0, isBigEndian) + message(1, 8, 1, isBigEndian);
+    const std::string bytes =
+        "DATA\r\nOK 0123456789abcdef0123456789abcdef\r\n" + message(2, 61, 9, isBigEndian) +
+        message(4, 100, 300, isBigEndian) + message(3, 0, 0, isBigEndian) + message(1, 8, 1, isBigEndian);
     for (size_t size = 1; size <= bytes.size(); ++size) {
       BusReplies replies;
       for (size_t at = 0; at < bytes.size(); at += size) {
@@ -46,9 +46,12 @@ TEST(BusReplies, CountsResultsAndErrorsHoweverTheyArrive) {
 TEST(BusReplies, GivesUpOnWhatNoBusSends) {
   const std::string accepted = "OK 0123456789abcdef0123456789abcdef\r\n";
   const std::string refusals[] = {
-      "REJECTED EXTERNAL\r\n",          "ERROR\r\n",
-      "HTTP/1.1 400 Bad Request\r\n",   "\n",
-      accepted + std::string(16, '\0'), accepted + "l\2\0\1\xFF\xFF\xFF\xFF\1\0\0\0\xFF\xFF\xFF\xFF"s,
+      "REJECTED EXTERNAL\r\n",
+      "ERROR\r\n",
+      "HTTP/1.1 400 Bad Request\r\n",
+      "\n",
+      accepted + std::string(16, '\0'),
+      accepted + "l\2\0\1\xFF\xFF\xFF\xFF\1\0\0\0\xFF\xFF\xFF\xFF"s,
   };
   for (const std::string& text : refusals) {
     BusReplies replies;

@@ -19,7 +19,7 @@ std::vector<char*> pointers(const std::vector<std::string>& strings) {
 }  // namespace
 
 ChildProcess::ChildProcess(const std::vector<std::string>& arguments,
-                           const std::vector<std::string>& environment, const std::string& input) {
+    const std::vector<std::string>& environment, const std::string& input) {
   const std::string inputPath = folder_.write("input", input);
   posix_spawn_file_actions_t files;
   posix_spawn_file_actions_init(&files);
@@ -28,7 +28,7 @@ ChildProcess::ChildProcess(const std::vector<std::string>& arguments,
   posix_spawn_file_actions_addopen(&files, 2, errorPath_.c_str(), O_WRONLY | O_CREAT, 0600);
   start_ = std::chrono::steady_clock::now();
   const int error = ::posix_spawnp(&process_, arguments[0].c_str(), &files, nullptr,
-                                   pointers(arguments).data(), pointers(environment).data());
+      pointers(arguments).data(), pointers(environment).data());
   EXPECT_EQ(error, 0) << arguments[0];
   posix_spawn_file_actions_destroy(&files);
 }
@@ -48,7 +48,7 @@ ChildProcess::Result ChildProcess::wait() {
   const auto duration =
       std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now() - start_);
   return {WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status), contentsOf(outputPath_),
-          contentsOf(errorPath_), duration};
+      contentsOf(errorPath_), duration};
 }
 
 }  // namespace tarnwick

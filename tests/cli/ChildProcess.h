@@ -21,7 +21,7 @@ class ChildProcess {
   /// @param arguments the program's path first; it is looked up in the search path.
   /// @param environment NAME=value.
   ChildProcess(const std::vector<std::string>& arguments, const std::vector<std::string>& environment,
-               const std::string& input = "");
+      const std::string& input = "");
   /// Kills the program if it still runs.
   ~ChildProcess();
   ChildProcess(const ChildProcess&) = delete;
@@ -32,7 +32,7 @@ class ChildProcess {
   const std::string& outputPath() const { return outputPath_; }
 
   static Result run(const std::vector<std::string>& arguments, const std::vector<std::string>& environment,
-                    const std::string& input = "") {
+      const std::string& input = "") {
     return ChildProcess(arguments, environment, input).wait();
   }
 

@@ -21,8 +21,8 @@ TEST(CommandLine, SelectsTheFirstRoleThatMatches) {
       {{"--showcase", "hud", "0.4", "more"}, Role::showcase, "hud", "0.4"},
       // Precedence, whatever the order.
       {{"--demo", "--showcase", "begin", "--snapshot", "/out", "--uninstall-hooks", "--install-hooks",
-        "--hook"},
-       Role::hook},
+           "--hook"},
+          Role::hook},
       {{"--uninstall-hooks", "--install-hooks"}, Role::installHooks},
       {{"--snapshot", "/out", "--uninstall-hooks"}, Role::uninstallHooks},
       {{"--showcase", "begin", "--snapshot", "/out"}, Role::snapshot, "/out"},

@@ -23,14 +23,12 @@ TEST(HookCLI, DemoPostsASessionOfSixEvents) {
     added["hook_event_name"] = name;
     return added;
   };
-  EXPECT_THAT(
-      recorder.steps,
-      testing::ElementsAre(
-          std::pair(event("UserPromptSubmit", {{"prompt", "Ajoute des tests"}}), 2),
+  EXPECT_THAT(recorder.steps,
+      testing::ElementsAre(std::pair(event("UserPromptSubmit", {{"prompt", "Ajoute des tests"}}), 2),
           std::pair(event("PreToolUse", {{"tool_name", "Bash"}, {"tool_detail", "npm test"}}), 3),
           std::pair(event("Notification", {{"notification_type", "permission_prompt"},
-                                           {"message", "Claude needs your permission to use Bash"}}),
-                    4),
+                                              {"message", "Claude needs your permission to use Bash"}}),
+              4),
           std::pair(event("PostToolUse", {{"tool_name", "Bash"}}), 1),
           std::pair(event("PreToolUse", {{"tool_name", "Edit"}, {"tool_detail", "src/app.test.ts"}}), 3),
           std::pair(event("Stop"), 0)));

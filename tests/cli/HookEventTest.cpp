@@ -29,22 +29,16 @@ TEST(HookEvent, IsReducedToAFlatMap) {
       {"{}", {}},
       {R"({"hook_event_name":"Stop","session_id":"s","cwd":"/w","tool_name":"Bash","message":"m",
            "notification_type":"n","prompt":"p","transcript_path":"/t","stop_hook_active":true})",
-       {{"hook_event_name", "Stop"},
-        {"session_id", "s"},
-        {"cwd", "/w"},
-        {"tool_name", "Bash"},
-        {"message", "m"},
-        {"notification_type", "n"},
-        {"prompt", "p"},
-        {"transcript_path", "/t"}}},
+          {{"hook_event_name", "Stop"}, {"session_id", "s"}, {"cwd", "/w"}, {"tool_name", "Bash"},
+              {"message", "m"}, {"notification_type", "n"}, {"prompt", "p"}, {"transcript_path", "/t"}}},
       // Only strings are copied.
       {R"({"session_id":7,"cwd":null,"tool_name":true,"message":{"message":"x"},"prompt":["x"],
            "notification_type":1.5,"hook_event_name":"Stop"})",
-       {{"hook_event_name", "Stop"}}},
+          {{"hook_event_name", "Stop"}}},
       {R"({"prompt":"","\u0070rompt2":"x"})", {{"prompt", ""}}},
       {R"({"\u0063wd":"a\n\"\\\/\u00e9\ud83d\ude00\u0000z"})", {{"cwd", "a\n\"\\/é😀\0z"s}}},
       {R"({"last_assistant_message":"No credit","error":"e","hook_event_name":"StopFailure"})",
-       {{"hook_event_name", "StopFailure"}, {"error", "e"}, {"last_assistant_message", "No credit"}}},
+          {{"hook_event_name", "StopFailure"}, {"error", "e"}, {"last_assistant_message", "No credit"}}},
       {R"({"last_assistant_message":"All done","hook_event_name":"Stop"})", {{"hook_event_name", "Stop"}}},
       // Known keys count at the top level only.
       {R"({"other":{"prompt":"x","tool_input":{"command":"x"}},"list":[{"cwd":"x"}]})", {}},
@@ -59,7 +53,7 @@ TEST(HookEvent, IsReducedToAFlatMap) {
 TEST(HookEvent, TakesTheFirstQuestion) {
   const std::pair<const char*, StringMap> cases[] = {
       {R"({"questions":[{"header":"a","question":"b","options":[{"question":"c"}]},{"question":"d"}]})",
-       {{"question", "b"}}},
+          {{"question", "b"}}},
       {R"({"questions":[{"options":[{"question":"c"}]}],"question":"d"})", {}},
       {R"({"other":[{"question":"a"}],"questions":["question",["question"],{"question":7}]})", {}},
       {R"({"questions":[{"question":"a"}]},"tool_input":{})", {}},
@@ -96,7 +90,7 @@ TEST(HookEvent, TakesTheToolDetailFromTheFirstKeyThatHoldsAString) {
 TEST(HookEvent, CutsLongTexts) {
   const std::string text(250, 'x');
   EXPECT_EQ(read(R"({"prompt":")" + text + R"(","tool_input":{"command":")" + text + R"("}})"),
-            (StringMap{{"prompt", text.substr(0, 200)}, {"tool_detail", text.substr(0, 120)}}));
+      (StringMap{{"prompt", text.substr(0, 200)}, {"tool_detail", text.substr(0, 120)}}));
   // One character that a user sees, longer than what is held: the cut is not inside a code point.
   std::string marked = "xxx";
   for (int marks = 0; marks < 10000; ++marks) marked += "\u0301";
@@ -104,19 +98,10 @@ TEST(HookEvent, CutsLongTexts) {
 }
 
 TEST(HookEvent, IsNothingUnlessTheInputIsAJsonObject) {
-  const std::string texts[] = {"",
-                               "[]",
-                               R"("prompt")",
-                               R"({"prompt":"x")",
-                               R"({"prompt":"x"} {})",
-                               "{\"prompt\":\"x\"}\0"s,
-                               "{\"prompt\":\"x\ny\"}",
-                               R"({"prompt":"\ud83d\u12g4"})",
-                               R"({"prompt":"\ud83d)",
-                               "{\"other\":\"caf\xE9\"}",
-                               "\xEF\xBB{}",
-                               "\xEF\xBB\xBF\xEF\xBB\xBF{}",
-                               std::string(100000, '[')};
+  const std::string texts[] = {"", "[]", R"("prompt")", R"({"prompt":"x")", R"({"prompt":"x"} {})",
+      "{\"prompt\":\"x\"}\0"s, "{\"prompt\":\"x\ny\"}", R"({"prompt":"\ud83d\u12g4"})",
+      R"({"prompt":"\ud83d)", "{\"other\":\"caf\xE9\"}", "\xEF\xBB{}", "\xEF\xBB\xBF\xEF\xBB\xBF{}",
+      std::string(100000, '[')};
   for (const std::string& text : texts) EXPECT_EQ(read(text), std::nullopt) << text.substr(0, 60);
 }
 
@@ -127,9 +112,9 @@ TEST(HookEvent, DoesNotDependOnHowTheInputArrives) {
   };
   const Case cases[] = {
       {"\xEF\xBB\xBF{\"prompt\":\"a\",\"tool_input\":{\"x\":1e400,\"command\":\"c\"}}",
-       {{"prompt", "a"}, {"tool_detail", "c"}}},
+          {{"prompt", "a"}, {"tool_detail", "c"}}},
       {R"({"a":[-0,0,-12.50e-99999,1E+400,7,true,null],"prompt":"-1e400","cwd":"/é/\ud83d\ude00"} )",
-       {{"prompt", "-1e400"}, {"cwd", "/é/😀"}}},
+          {{"prompt", "-1e400"}, {"cwd", "/é/😀"}}},
       // Texts that were cut inside an emoji.
       {R"({"prompt":"abc\ud83d","cwd":"\uDE00abc"})", {{"prompt", "abc\uFFFD"}, {"cwd", "\uFFFDabc"}}},
       {R"({"prompt":"\ud83d\n\u00e9\ud83d\\ude00\ud83d\""})", {{"prompt", "\uFFFD\né\uFFFD\\ude00\uFFFD\""}}},

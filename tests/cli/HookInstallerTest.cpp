@@ -52,8 +52,9 @@ std::string installedHooks(const std::string& stop = "", const std::string& othe
   const std::string group = R"({"hooks":[)" + ours + "]}",
                     tool = R"({"hooks":[)" + ours + R"(],"matcher":"*"})";
   return R"({"SessionStart":[)" + group + R"(],"UserPromptSubmit":[)" + group + R"(],"PreToolUse":[)" + tool +
-         R"(],"PermissionRequest":[)" + tool + R"(],"PostToolUse":[)" + tool + R"(],"Notification":[)" + group +
-         R"(],"Stop":[)" + stop + group + R"(],"StopFailure":[)" + group + R"(],"SessionEnd":[)" + group + "]" + others + "}";
+         R"(],"PermissionRequest":[)" + tool + R"(],"PostToolUse":[)" + tool + R"(],"Notification":[)" +
+         group + R"(],"Stop":[)" + stop + group + R"(],"StopFailure":[)" + group + R"(],"SessionEnd":[)" +
+         group + "]" + others + "}";
 }
 
 TEST_F(HookInstallerTest, CreatesTheFileAndItsFolder) {
@@ -61,8 +62,8 @@ TEST_F(HookInstallerTest, CreatesTheFileAndItsFolder) {
   EXPECT_FALSE(installer_.isInstalled());
   ASSERT_TRUE(install());
   EXPECT_EQ(settings(), json(R"({"hooks":)" + installedHooks() + "}"));
-  EXPECT_EQ(printed_,
-            "Tarnwick hooks installed in " + path_ + "\nCommand: '/opt/Tarnwick/bin/Tarnwick' --hook\n");
+  EXPECT_EQ(
+      printed_, "Tarnwick hooks installed in " + path_ + "\nCommand: '/opt/Tarnwick/bin/Tarnwick' --hook\n");
   EXPECT_EQ(complained_, "");
   EXPECT_TRUE(installer_.isInstalled());
   EXPECT_FALSE(fs::exists(backup_));
@@ -81,7 +82,7 @@ TEST_F(HookInstallerTest, KeepsEverythingElse) {
   writeSettings(before);
   ASSERT_TRUE(install());
   EXPECT_EQ(settings(),
-            json("{" + others + R"(,"hooks":)" + installedHooks(stop + ",", R"(,"PreCompact":[7])") + "}"));
+      json("{" + others + R"(,"hooks":)" + installedHooks(stop + ",", R"(,"PreCompact":[7])") + "}"));
   EXPECT_EQ(contentsOf(backup_), before);
 
   const std::string installed = contentsOf(path_);
@@ -101,9 +102,9 @@ TEST_F(HookInstallerTest, RemovesOnlyItsOwnEntries) {
     std::string before, after;
   } changed[] = {
       {R"({"Stop":[{"hooks":[)" + ours + "," + user + R"(],"matcher":"x"}]})",
-       R"({"Stop":[{"hooks":[)" + user + R"(],"matcher":"x"}]})"},
+          R"({"Stop":[{"hooks":[)" + user + R"(],"matcher":"x"}]})"},
       {R"({"Stop":[{"hooks":[)" + ours + "," + ours + "]},{\"hooks\":[" + user + "]}]}",
-       R"({"Stop":[{"hooks":[)" + user + "]}]}"},
+          R"({"Stop":[{"hooks":[)" + user + "]}]}"},
       // Groups and events that were empty to begin with go as well.
       {R"({"Stop":[],"Other":[{"hooks":[],"matcher":"x"}]})", "{}"},
       {R"({"Stop":[{"hooks":[{"command":"/x/Tarnwick.app/y --hook","more":1}]}]})", "{}"},
@@ -173,11 +174,11 @@ TEST_F(HookInstallerTest, TellsWhatCannotBeReadOrWritten) {
   EXPECT_EQ(complained_, "Could not write settings.json: Not a directory\n");
 
   for (const auto& [path, problem] :
-       {std::pair("/caf\xE9/Tarnwick", "not valid UTF-8\n"), {"Tarnwick", "not known\n"}}) {
+      {std::pair("/caf\xE9/Tarnwick", "not valid UTF-8\n"), {"Tarnwick", "not known\n"}}) {
     testing::internal::CaptureStderr();
     EXPECT_FALSE(HookInstaller(home_.path(), path).install());
     EXPECT_EQ(testing::internal::GetCapturedStderr(),
-              std::string("Could not write settings.json: the path of the program is ") + problem);
+        std::string("Could not write settings.json: the path of the program is ") + problem);
   }
 }
 
@@ -185,10 +186,8 @@ TEST_F(HookInstallerTest, IsInstalledLooksAtTheTextOnly) {
   const struct {
     const char* text;
     bool isInstalled;
-  } cases[] = {{"--hook, not JSON, Tarnwick", true},
-               {"tarnwick --hook", false},
-               {"Tarnwick", false},
-               {"Tarnwick --hook caf\xE9", false}};
+  } cases[] = {{"--hook, not JSON, Tarnwick", true}, {"tarnwick --hook", false}, {"Tarnwick", false},
+      {"Tarnwick --hook caf\xE9", false}};
   for (const auto& one : cases) {
     writeSettings(one.text);
     EXPECT_EQ(installer_.isInstalled(), one.isInstalled) << one.text;

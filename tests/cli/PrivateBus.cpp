@@ -19,31 +19,30 @@ void waitUntil(Condition isMet) {
 
 PrivateBus::PrivateBus()
     : daemon_({"dbus-daemon", "--session", "--nofork", "--nopidfile", "--address=" + address(),
-               "--print-address=1"},
-              {}) {
+                  "--print-address=1"},
+          {}) {
   waitUntil([this] { return contentsOf(daemon_.outputPath()).ends_with('\n'); });
 }
 
 BusListener::BusListener(const PrivateBus& bus) {
   GError* error = nullptr;
-  constexpr auto flags = static_cast<GDBusConnectionFlags>(G_DBUS_CONNECTION_FLAGS_AUTHENTICATION_CLIENT |
-                                                           G_DBUS_CONNECTION_FLAGS_MESSAGE_BUS_CONNECTION);
+  constexpr auto flags = static_cast<GDBusConnectionFlags>(
+      G_DBUS_CONNECTION_FLAGS_AUTHENTICATION_CLIENT | G_DBUS_CONNECTION_FLAGS_MESSAGE_BUS_CONNECTION);
   connection_ =
       g_dbus_connection_new_for_address_sync(bus.address().c_str(), flags, nullptr, nullptr, &error);
   if (!connection_) throw std::runtime_error(error->message);
   g_dbus_connection_signal_subscribe(connection_, nullptr, "dev.tarnwick", nullptr, "/dev/tarnwick", nullptr,
-                                     G_DBUS_SIGNAL_FLAGS_NONE, receive, this, nullptr);
+      G_DBUS_SIGNAL_FLAGS_NONE, receive, this, nullptr);
   // What the bus answers now it has sent after it has heard of the subscription.
   GVariant* answer = g_dbus_connection_call_sync(connection_, "org.freedesktop.DBus", "/org/freedesktop/DBus",
-                                                 "org.freedesktop.DBus", "GetId", nullptr, nullptr,
-                                                 G_DBUS_CALL_FLAGS_NONE, -1, nullptr, nullptr);
+      "org.freedesktop.DBus", "GetId", nullptr, nullptr, G_DBUS_CALL_FLAGS_NONE, -1, nullptr, nullptr);
   g_variant_unref(answer);
 }
 
 BusListener::~BusListener() { g_object_unref(connection_); }
 
 void BusListener::receive(GDBusConnection*, const char*, const char*, const char*, const char* member,
-                          GVariant* body, void* listener) {
+    GVariant* body, void* listener) {
   Signal signal{member, {}};
   GVariant* map = g_variant_get_child_value(body, 0);
   GVariantIter entries;

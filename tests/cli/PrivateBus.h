@@ -40,7 +40,7 @@ class BusListener {
 
  private:
   static void receive(GDBusConnection*, const char*, const char*, const char*, const char* member,
-                      GVariant* body, void* listener);
+      GVariant* body, void* listener);
 
   GDBusConnection* connection_;
   std::vector<Signal> heard_;

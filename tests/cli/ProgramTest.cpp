@@ -37,7 +37,7 @@ std::vector<std::string> at(const std::string& address) { return {"DBUS_SESSION_
 
 /// Runs the program, which has to be silent and content.
 void expectSilence(const std::vector<std::string>& arguments, const std::vector<std::string>& environment,
-                   const std::string& input = "{}") {
+    const std::string& input = "{}") {
   std::vector<std::string> all{program};
   all.insert(all.end(), arguments.begin(), arguments.end());
   const auto result = ChildProcess::run(all, environment, input);
@@ -75,9 +75,9 @@ TEST(Program, RelaysHookEvents) {
   // It wins over every other role; the address may be the last of several, or come from the runtime folder.
   expectSilence({"--demo", "--install-hooks", "--hook"}, at("unix:path=/none;" + bus.address()), "{}");
   expectSilence({"--hook"},
-                {"DBUS_SESSION_BUS_ADDRESS=unix:path=/none", "XDG_RUNTIME_DIR=" + bus.folder(), "WINDOWID=12",
-                 "TMUX_PANE=%3", "STY=", "TMUX=" + std::string(257, '/')},
-                R"({"session_id":"3"})");
+      {"DBUS_SESSION_BUS_ADDRESS=unix:path=/none", "XDG_RUNTIME_DIR=" + bus.folder(), "WINDOWID=12",
+          "TMUX_PANE=%3", "STY=", "TMUX=" + std::string(257, '/')},
+      R"({"session_id":"3"})");
   expectSilence({"--hook"}, at(bus.address()), "[]");
   expectSilence({"--hook"}, at(bus.address()), R"({"session_id":"not JSON)");
   expectSilence({"--showcase", "type", "it's \xE9"}, at(bus.address()));
@@ -119,11 +119,11 @@ TEST(Program, RelaysWhateverComesInWithLittleMemory) {
   const PrivateBus bus;
   BusListener listener(bus);
   const std::string much(20 << 20, '1'), brackets(20 << 20, '['), prompt = R"("prompt":"x"})";
-  for (const std::string& event :
-       {R"({"cwd":")" + much + "\"," + prompt, R"({"ignored":")" + much + "\"," + prompt,
-        "{\"" + much + "\":1," + prompt, R"({"ignored":0.)" + much + "," + prompt, brackets + "{" + prompt}) {
-    const auto result = ChildProcess::run({"sh", "-c", "ulimit -v 16384; exec \"$0\" --hook", program},
-                                          at(bus.address()), event);
+  for (const std::string& event : {R"({"cwd":")" + much + "\"," + prompt,
+           R"({"ignored":")" + much + "\"," + prompt, "{\"" + much + "\":1," + prompt,
+           R"({"ignored":0.)" + much + "," + prompt, brackets + "{" + prompt}) {
+    const auto result = ChildProcess::run(
+        {"sh", "-c", "ulimit -v 16384; exec \"$0\" --hook", program}, at(bus.address()), event);
     EXPECT_EQ(result.status, 0);
   }
   const auto signals = listener.waitFor(4);
@@ -149,8 +149,8 @@ TEST(Program, LeavesToOneCourierWhatAStoppedBusDoesNotTake) {
   BusListener listener(bus);
   const auto post = [&](const std::string& event) {
     // Whoever waits for the end of the hook's output does not wait for the courier.
-    const auto result = ChildProcess::run({"sh", "-c", "\"$0\" --hook 2>&1 | cat", tree.executable},
-                                          at(bus.address()), event);
+    const auto result = ChildProcess::run(
+        {"sh", "-c", "\"$0\" --hook 2>&1 | cat", tree.executable}, at(bus.address()), event);
     EXPECT_EQ(result.output, "");
     EXPECT_LT(result.duration, startingTime + 500ms);
   };
@@ -203,17 +203,16 @@ TEST(Program, EndsSoonAndSilentlyWithoutAWorkingBus) {
     }
   };
   for (const std::function<void(int)>& treat :
-       std::initializer_list<std::function<void(int)>>{nullptr, oneByteAtATime, flood, [](int) {}}) {
+      std::initializer_list<std::function<void(int)>>{nullptr, oneByteAtATime, flood, [](int) {}}) {
     expectSilence({"--hook"}, at(FakeBus(treat).address()));
   }
-  const auto closed = ChildProcess::run({"sh", "-c", "exec timeout 5 \"$0\" --hook <&- >&- 2>&-", program},
-                                        at(FakeBus(nullptr).address()));
+  const auto closed = ChildProcess::run(
+      {"sh", "-c", "exec timeout 5 \"$0\" --hook <&- >&- 2>&-", program}, at(FakeBus(nullptr).address()));
   EXPECT_EQ(closed.status, 0);
   EXPECT_LT(closed.duration, startingTime + 500ms);
 
-  for (const std::string& address :
-       {std::string(), std::string("nonsense"), std::string("unix:path=/dev/null"),
-        "unix:abstract=" + std::string(200, 'x')}) {
+  for (const std::string& address : {std::string(), std::string("nonsense"),
+           std::string("unix:path=/dev/null"), "unix:abstract=" + std::string(200, 'x')}) {
     expectSilence({"--hook"}, at(address));
     expectSilence({"--showcase", "begin"}, at(address));
   }
@@ -240,8 +239,8 @@ TEST(Program, AnswersWithItsExitStatus) {
   const auto help = ChildProcess::run({program, "--version", "--help"}, {});
   EXPECT_EQ(help.status, 0);
   EXPECT_THAT(help.output, testing::StartsWith("Usage: Tarnwick"));
-  EXPECT_THAT(ChildProcess::run({program, "--version"}, {}).output,
-              testing::MatchesRegex("Tarnwick [0-9.]+\n"));
+  EXPECT_THAT(
+      ChildProcess::run({program, "--version"}, {}).output, testing::MatchesRegex("Tarnwick [0-9.]+\n"));
 }
 
 TEST(Program, SaysThatNoOverlayRuns) {
@@ -261,16 +260,16 @@ TEST(Program, SaysThatNoOverlayRuns) {
   expectRefusal(FakeBus([](int) {}).address(), {"--sessions"});
   using namespace std::string_literals;
   for (const std::string& reply : {"HTTP/1.1 400\r\n"s, "OK\r\nx"s + std::string(15, '\0'),
-                                   // Too long; and a field beyond the message's end.
-                                   "OK\r\nl\2\1\1\xFF\xFF\xFF\xFF\1\0\0\0\0\0\0\0"s,
-                                   "OK\r\nl\2\1\1\0\0\0\0\1\0\0\0\x8\0\0\0\6\1s\0\xFF\xFF\xFF\xFF"s}) {
+           // Too long; and a field beyond the message's end.
+           "OK\r\nl\2\1\1\xFF\xFF\xFF\xFF\1\0\0\0\0\0\0\0"s,
+           "OK\r\nl\2\1\1\0\0\0\0\1\0\0\0\x8\0\0\0\6\1s\0\xFF\xFF\xFF\xFF"s}) {
     expectRefusal(FakeBus([&](int connection) {
-                    char bytes[4096];
-                    (void)!::read(connection, bytes, sizeof bytes);
-                    (void)!::write(connection, reply.data(), reply.size());
-                    while (::read(connection, bytes, sizeof bytes) > 0) continue;
-                  }).address(),
-                  {"--sessions"});
+      char bytes[4096];
+      (void)!::read(connection, bytes, sizeof bytes);
+      (void)!::write(connection, reply.data(), reply.size());
+      while (::read(connection, bytes, sizeof bytes) > 0) continue;
+    }).address(),
+        {"--sessions"});
   }
 }
 
@@ -279,8 +278,8 @@ TEST(Program, BecomesTheOverlay) {
   const std::string overlay = tree.folder + "/bin/../libexec/Tarnwick/overlay";
   const auto missing = ChildProcess::run({tree.executable}, {});
   EXPECT_EQ(missing.status, 127);
-  EXPECT_EQ(missing.error,
-            "Tarnwick: could not start the overlay " + overlay + ": No such file or directory\n");
+  EXPECT_EQ(
+      missing.error, "Tarnwick: could not start the overlay " + overlay + ": No such file or directory\n");
 
   // What stands in for the overlay tells its arguments and its environment.
   ASSERT_FALSE(writeFileAtomically(overlay, "#!/bin/sh\nprintf '%s\\n' \"$@\" \"$A\"; exit 7\n", 0700));
@@ -317,8 +316,8 @@ TEST(Program, IsRunByTheCommandThatItInstalls) {
   ASSERT_EQ(signals.size(), 1u);
   EXPECT_EQ(signals[0].map, calledByUs({{"session_id", "quoted"}})) << "not by the shell";
 
-  ASSERT_EQ(ChildProcess::run({tree.executable, "--uninstall-hooks"}, {"HOME=" + tree.root.path()}).status,
-            0);
+  ASSERT_EQ(
+      ChildProcess::run({tree.executable, "--uninstall-hooks"}, {"HOME=" + tree.root.path()}).status, 0);
   EXPECT_EQ(contentsOf(tree.root.path() + "/.claude/settings.json"), "{}\n");
 }
 
@@ -340,11 +339,11 @@ class LargeSettings {
     return std::make_unique<ChildProcess>(std::vector{program, role}, std::vector{"HOME=" + home.path()});
   }
   bool areWhole() const {
-    return std::ranges::all_of(std::array{path, path + ".bak-tarnwick", path + ".bak-tarnwick-first"},
-                               [&](auto& file) {
-                                 const std::string contents = contentsOf(file);
-                                 return contents == installed || contents == uninstalled;
-                               });
+    return std::ranges::all_of(
+        std::array{path, path + ".bak-tarnwick", path + ".bak-tarnwick-first"}, [&](auto& file) {
+          const std::string contents = contentsOf(file);
+          return contents == installed || contents == uninstalled;
+        });
   }
   const TemporaryFolder home;
   const std::string path = home.path() + "/.claude/settings.json";
@@ -374,7 +373,7 @@ TEST(Program, RunSeveralTimesAtOnceLeavesWholeFiles) {
   for (int round = 0; round < 10; ++round) {
     std::vector<std::unique_ptr<ChildProcess>> processes;
     for (const char* role :
-         {"--install-hooks", "--uninstall-hooks", "--install-hooks", "--uninstall-hooks"}) {
+        {"--install-hooks", "--uninstall-hooks", "--install-hooks", "--uninstall-hooks"}) {
       processes.push_back(settings.start(role));
     }
     for (const auto& process : processes) EXPECT_EQ(process->wait().status, 0);

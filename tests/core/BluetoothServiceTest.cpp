@@ -73,21 +73,21 @@ TEST_F(BluetoothServiceTest, ChoosesNameAndSymbol) {
     EXPECT_EQ(shownAfter(Event::connected, named(name, isAudio)), Transient::device(name, symbol, {}, true));
   }
   EXPECT_EQ(shownAfter(Event::connected, named("")),
-            Transient::device("Bluetooth device", "dot.radiowaves.left.and.right", {}, true));
+      Transient::device("Bluetooth device", "dot.radiowaves.left.and.right", {}, true));
   const ForcedLanguage french("fr");
   EXPECT_EQ(shownAfter(Event::connected, named("", true)),
-            Transient::device("Appareil Bluetooth", "headphones", {}, true));
+      Transient::device("Appareil Bluetooth", "headphones", {}, true));
 }
 
 TEST_F(BluetoothServiceTest, ShowsTheEmptiestBattery) {
   const struct {
     std::vector<int> levels;
     std::optional<int> shown;
-  } cases[] = {{{80, 35}, 35}, {{0, 60}, 60},     {{0}, {}},  {{-1}, {}},
-               {{1}, 1},       {{100, 100}, 100}, {{255}, {}}};
+  } cases[] = {
+      {{80, 35}, 35}, {{0, 60}, 60}, {{0}, {}}, {{-1}, {}}, {{1}, 1}, {{100, 100}, 100}, {{255}, {}}};
   for (const auto& [levels, shown] : cases) {
     EXPECT_EQ(shownAfter(Event::connected, named("Buds", true, levels)),
-              Transient::device("Buds", "headphones", shown, true));
+        Transient::device("Buds", "headphones", shown, true));
   }
 }
 
@@ -123,8 +123,8 @@ TEST_F(BluetoothServiceTest, ShowsALevelThatComesAfterTheIndicatorHasGone) {
   EXPECT_EQ(*model.transient, std::nullopt) << "told once";
 
   shownAfter(Event::connected, named("Mouse"));
-  EXPECT_EQ(shownAfter(Event::disconnected, named("Mouse")),
-            Transient::device("Mouse", "magicmouse", {}, false));
+  EXPECT_EQ(
+      shownAfter(Event::disconnected, named("Mouse")), Transient::device("Mouse", "magicmouse", {}, false));
   EXPECT_EQ(shownAfter(Event::batteryChanged, named("Mouse", false, {50})), std::nullopt) << "it has gone";
   shownAfter(Event::connected, named("Mouse"));
   pass(21);

@@ -64,7 +64,7 @@ TEST_F(HUDServiceTest, ChangesTheVolumeByKeys) {
       EXPECT_EQ(levels().muted, c.mutedAfter) << c.what;
     }
     EXPECT_EQ(shown(),
-              c.mutedAfter ? indicator(HUDKind::mute, 0) : indicator(HUDKind::volume, std::min(c.after, 1.0)))
+        c.mutedAfter ? indicator(HUDKind::mute, 0) : indicator(HUDKind::volume, std::min(c.after, 1.0)))
         << c.what;
   }
 }
@@ -76,11 +76,9 @@ TEST_F(HUDServiceTest, ChangesTheBrightnessByKeys) {
     double after;
     double unit = 1.0 / 1024;
   } cases[] = {{0.5, {.key = brightnessUp}, 0.5625},
-               {0.5, {.key = brightnessDown, .shift = true, .alt = true}, 0.484375},
-               {0.5, {.key = brightnessUp}, 0.625, 0.125},
-               {0.5, {.key = brightnessDown}, 0.375, 0.125},
-               {0.03, {.key = brightnessDown}, 0},
-               {0.99, {.key = brightnessUp}, 1}};
+      {0.5, {.key = brightnessDown, .shift = true, .alt = true}, 0.484375},
+      {0.5, {.key = brightnessUp}, 0.625, 0.125}, {0.5, {.key = brightnessDown}, 0.375, 0.125},
+      {0.03, {.key = brightnessDown}, 0}, {0.99, {.key = brightnessUp}, 1}};
   start();
   for (auto c : cases) {
     desktop.brightness.value = c.before;
@@ -125,7 +123,7 @@ TEST_F(HUDServiceTest, HoldsTheKeysExactlyWhileTheyAreToBeReplacedAndCanBe) {
       {"wanted", [&] { model.settings.replaceHUD = true; }, true, true},
       {"the panel cannot be changed", [&] { desktop.brightness.plug(std::nullopt); }, true, false},
       {"moved, and another program was quicker", [&] { keys.trusted = false, keys.tellChange(); }, false,
-       false},
+          false},
       {"came free", [&] { keys.trusted = true, keys.tellChange(); }, true, false},
       {"the panel can be changed", [&] { desktop.brightness.plug(0.5); }, true, true},
       {"not wanted", [&] { model.settings.replaceHUD = false; }, false, false},

@@ -14,10 +14,10 @@ using ScrollPhase = ScrollEvent::Phase;
 
 const Screen plain{.frame = {0, 0, 1920, 1080}, .visibleFrame = {0, 30, 1920, 1050}};
 const Screen notched{.frame = {-1512, 100, 1512, 982},
-                     .visibleFrame = {-1512, 138, 1512, 944},
-                     .topSafeAreaInset = 32,
-                     .auxiliaryTopLeftWidth = 663,
-                     .auxiliaryTopRightWidth = 664};
+    .visibleFrame = {-1512, 138, 1512, 944},
+    .topSafeAreaInset = 32,
+    .auxiliaryTopLeftWidth = 663,
+    .auxiliaryTopRightWidth = 664};
 
 class NotchControllerTest : public testing::Test {
  protected:
@@ -141,8 +141,8 @@ TEST_F(NotchControllerTest, HandsHookEventsToTheTracker) {
   start();
   std::vector<std::optional<Animation>> animations;
   const auto subscription = model().claude.observe([&] { animations.push_back(transaction::current()); });
-  desktop.notifications.post(eventNotification,
-                             {{"hook_event_name", "UserPromptSubmit"}, {"session_id", "a"}});
+  desktop.notifications.post(
+      eventNotification, {{"hook_event_name", "UserPromptSubmit"}, {"session_id", "a"}});
   EXPECT_EQ(model().claude.workingCount(), 1);
   EXPECT_THAT(animations, ElementsAre(notchOpen));
   desktop.notifications.post(eventNotification, {});
@@ -191,8 +191,8 @@ TEST_F(NotchControllerTest, ObeysTheKeyboard) {
     desktop.notifications.post(eventNotification, {{"hook_event_name", "Notification"}, {"session_id", id}});
   }
   // Heard of again, but it waits no longer than that.
-  desktop.notifications.post(eventNotification,
-                             {{"hook_event_name", "Notification"}, {"session_id", "first"}});
+  desktop.notifications.post(
+      eventNotification, {{"hook_event_name", "Notification"}, {"session_id", "first"}});
   desktop.notifications.post(eventNotification, {{"hook_event_name", "Stop"}, {"session_id", "third"}});
   const struct {
     const char *action, *tab;
@@ -200,9 +200,12 @@ TEST_F(NotchControllerTest, ObeysTheKeyboard) {
     Tab shown;
     const char* focused;
   } cases[] = {
-      {"close", "tray", false, Tab::home, ""},      {"open", "tray", true, Tab::tray, ""},
-      {"open", "notes", true, Tab::notes, ""},      {"toggle", "", false, Tab::notes, ""},
-      {"toggle", "", true, Tab::claude, "first"},   {"open", "home", true, Tab::home, ""},
+      {"close", "tray", false, Tab::home, ""},
+      {"open", "tray", true, Tab::tray, ""},
+      {"open", "notes", true, Tab::notes, ""},
+      {"toggle", "", false, Tab::notes, ""},
+      {"toggle", "", true, Tab::claude, "first"},
+      {"open", "home", true, Tab::home, ""},
       {"next", "home", true, Tab::claude, "first"},
   };
   for (const auto& c : cases) {

@@ -44,10 +44,18 @@ TEST_F(PointerTrackerTest, HoversAtTheEdgesOfTheSurface) {
     Point point;
     bool enters, stays;
   } cases[] = {
-      {{368.5, 10}, true, true},  {{368.4, 10}, false, true},  {{571.4, 10}, true, true},
-      {{571.5, 10}, false, true}, {{359.4, 10}, false, false}, {{580.5, 10}, false, false},
-      {{470, 34.9}, true, true},  {{470, 35}, false, true},    {{470, 39.9}, false, true},
-      {{470, 40}, false, false},  {{470, -5}, true, true},     {{470, -5.1}, false, false},
+      {{368.5, 10}, true, true},
+      {{368.4, 10}, false, true},
+      {{571.4, 10}, true, true},
+      {{571.5, 10}, false, true},
+      {{359.4, 10}, false, false},
+      {{580.5, 10}, false, false},
+      {{470, 34.9}, true, true},
+      {{470, 35}, false, true},
+      {{470, 39.9}, false, true},
+      {{470, 40}, false, false},
+      {{470, -5}, true, true},
+      {{470, -5.1}, false, false},
   };
   for (const auto& c : cases) {
     moveTo(farAway, 1);
@@ -149,9 +157,9 @@ TEST_F(PointerTrackerTest, StaysOpenForADragThatBeganInTheBody) {
       {"a drag in the body", inBody, [] {}, true},
       {"one that began elsewhere", farAway, [] {}, false},
       {"one that has become a drag between programs", inBody, [this] { desktop.pointer.startDrag(text); },
-       false},
+          false},
       {"a body that was closed by other means", inBody,
-       [this] { model.collapse(), pass(2 * tick), model.expand(); }, false},
+          [this] { model.collapse(), pass(2 * tick), model.expand(); }, false},
   };
   for (const auto& c : cases) {
     moveTo(onNotch);

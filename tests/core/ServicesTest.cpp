@@ -13,8 +13,8 @@ TEST(Services, AreAllStarted) {
     MemoryDesktop desktop;
     desktop.folders.root.write("modules/MediaBridge.so", "");
     desktop.defaults.set("calendarEnabled", calendarEnabled);
-    NotchController controller(desktop.ports,
-                               [&](NotchModel&) { return std::make_unique<MemoryPanel>(desktop.pointer); });
+    NotchController controller(
+        desktop.ports, [&](NotchModel&) { return std::make_unique<MemoryPanel>(desktop.pointer); });
     NotchModel& model = controller.model();
     desktop.scheduler.advance(4);
     EXPECT_EQ(desktop.processes.launches.size(), 1u) << "what follows the players";

@@ -22,7 +22,7 @@ Exhibit indicator(Transient transient) {
 }
 
 Exhibit banner(const char* icon, Color tint, std::string title, std::string subtitle,
-               std::optional<CrabMood> crab = {}) {
+    std::optional<CrabMood> crab = {}) {
   const Banner shown{.icon = icon, .tint = tint, .title = title, .subtitle = subtitle, .crab = crab};
   return [shown](NotchStage& stage) { stage.model.present(shown, 60); };
 }
@@ -58,11 +58,11 @@ void longNames(NotchStage& s) {
   const Color tints[] = {colors::green, colors::purple, colors::red, colors::teal};
   for (int i = 0; i < 4; ++i) {
     events.push_back({.id = std::to_string(i),
-                      .title = "Quarterly planning with everybody " + std::to_string(i),
-                      .start = now + 43000 * i,
-                      .end = now + 43000 * i + 3600,
-                      .allDay = i == 3,
-                      .color = tints[i]});
+        .title = "Quarterly planning with everybody " + std::to_string(i),
+        .start = now + 43000 * i,
+        .end = now + 43000 * i + 3600,
+        .allDay = i == 3,
+        .color = tints[i]});
   }
   s.model.calendar.events = events;
 }
@@ -73,10 +73,9 @@ void withoutCalendar(NotchStage& s) {
 }
 
 void plugDevices(NotchStage& s) {
-  s.model.audio.outputs = std::vector<AudioDevice>{
-      {1, "Headphones", AudioTransport::bluetooth, true, false},
+  s.model.audio.outputs = std::vector<AudioDevice>{{1, "Headphones", AudioTransport::bluetooth, true, false},
       {2, tr("Built-in Audio Analog Stereo", "Audio interne Stéréo analogique"), AudioTransport::builtIn,
-       true, false},
+          true, false},
       {3, "Dell U2723QE HDMI / DisplayPort 3 Output with a long name", AudioTransport::display, true, false},
       {4, "Scarlett 2i2", AudioTransport::usb, true, true}};
   s.model.audio.inputs = std::vector<AudioDevice>{
@@ -102,20 +101,16 @@ void fillSessions(NotchStage& s) {
   s.hook("d", "Stop", {{"cwd", "/x/tarnwick"}});
   s.hook("i", "SessionStart", {{"cwd", "/x/notes"}});
   s.hook("a", "PreToolUse",
-         {{"cwd", "/x/a-project-with-a-rather-long-name-that-goes-on"},
-          {"tool_name", "Bash"},
+      {{"cwd", "/x/a-project-with-a-rather-long-name-that-goes-on"}, {"tool_name", "Bash"},
           {"tool_detail", "npm run build -- --mode production --report --verbose && npm test"}});
   s.play(75);
   s.hook("q", "PermissionRequest",
-         {{"cwd", "/x/atlas"},
-          {"tool_name", "AskUserQuestion"},
+      {{"cwd", "/x/atlas"}, {"tool_name", "AskUserQuestion"},
           {"question", "Which colour shall the sea have?"}});
-  s.hook(
-      "p", "PermissionRequest",
+  s.hook("p", "PermissionRequest",
       {{"cwd", "/x/website"}, {"tool_name", "Bash"}, {"tool_detail", "rm -rf build && npm ci && npm test"}});
   s.hook("p", "Notification",
-         {{"cwd", "/x/website"},
-          {"notification_type", "permission_prompt"},
+      {{"cwd", "/x/website"}, {"notification_type", "permission_prompt"},
           {"message", "Claude needs your permission"}});
   s.model.dismissBanner();
 }
@@ -159,34 +154,23 @@ Exhibit overSession(bool leads) {
 
 std::vector<Exhibit> homeAndAudio() {
   const auto nothing = [](NotchStage&) {};
-  return {open(Tab::home, playTrack),
-          open(Tab::home, pauseTrack),
-          open(Tab::home, nothing),
-          open(Tab::home, longNames),
-          open(Tab::home, withoutCalendar),
-          over("Position", open(Tab::home, playTrack)),
-          open(Tab::audio, plugDevices),
-          open(Tab::audio, muteDevices),
-          over("Volume", open(Tab::audio, plugDevices)),
-          open(Tab::audio, nothing)};
+  return {open(Tab::home, playTrack), open(Tab::home, pauseTrack), open(Tab::home, nothing),
+      open(Tab::home, longNames), open(Tab::home, withoutCalendar),
+      over("Position", open(Tab::home, playTrack)), open(Tab::audio, plugDevices),
+      open(Tab::audio, muteDevices), over("Volume", open(Tab::audio, plugDevices)),
+      open(Tab::audio, nothing)};
 }
 
 std::vector<Exhibit> compact() {
-  return {[](NotchStage&) {},
-          [](NotchStage& s) { s.model.setHovering(true); },
-          work,
-          [](NotchStage& s) { fillSessions(s), work(s); },
-          playMusic,
-          indicator(Transient::hud(HUDKind::volume, 0.2)),
-          indicator(Transient::hud(HUDKind::volume, 1)),
-          indicator(Transient::hud(HUDKind::mute, 0.5)),
-          indicator(Transient::hud(HUDKind::brightness, 0.3)),
-          indicator(Transient::power(true, 76)),
-          indicator(Transient::power(false, 5)),
-          indicator(Transient::lowPowerMode(true)),
-          indicator(Transient::device("AirPods Pro", "airpodspro", 84, true)),
-          indicator(Transient::device("Logitech MX Keys for Business", "keyboard", {}, true)),
-          indicator(Transient::device("Souris sans fil", "magicmouse", {}, false))};
+  return {[](NotchStage&) {}, [](NotchStage& s) { s.model.setHovering(true); }, work,
+      [](NotchStage& s) { fillSessions(s), work(s); }, playMusic,
+      indicator(Transient::hud(HUDKind::volume, 0.2)), indicator(Transient::hud(HUDKind::volume, 1)),
+      indicator(Transient::hud(HUDKind::mute, 0.5)), indicator(Transient::hud(HUDKind::brightness, 0.3)),
+      indicator(Transient::power(true, 76)), indicator(Transient::power(false, 5)),
+      indicator(Transient::lowPowerMode(true)),
+      indicator(Transient::device("AirPods Pro", "airpodspro", 84, true)),
+      indicator(Transient::device("Logitech MX Keys for Business", "keyboard", {}, true)),
+      indicator(Transient::device("Souris sans fil", "magicmouse", {}, false))};
 }
 
 /// A name that ends in a mark is that of a file that has gone.
@@ -221,23 +205,15 @@ Exhibit notes(std::string text, bool focused) {
 
 std::vector<Exhibit> pages() {
   const std::vector<std::string> few{"Report.pdf", "gone.txt!", "photo.jpg"};
-  std::vector<std::string> many{"A rather long name that goes on and on until the end.tar.gz",
-                                "Überblick.odt"};
+  std::vector<std::string> many{
+      "A rather long name that goes on and on until the end.tar.gz", "Überblick.odt"};
   for (int i = 1; i < 9; ++i) many.push_back("file " + std::to_string(i) + ".png");
-  return {tray({}),
-          tray({}, 1),
-          tray({}, 2),
-          tray(few),
-          tray(few, 1),
-          tray(few, 2),
-          tray(few, 0, "Report.pdf"),
-          tray(many),
-          notes("", false),
-          notes("", true),
-          notes(tr("Call the plumber\nGas meter 4711\n\nMilk, bread, the good coffee",
-                   "Rappeler le plombier\nCompteur à gaz 4711\n\nDu lait, du pain, un café à l’œuf"),
-                false),
-          notes("שלום עולם\n" + std::string(300, 'w') + " and so on", true)};
+  return {tray({}), tray({}, 1), tray({}, 2), tray(few), tray(few, 1), tray(few, 2),
+      tray(few, 0, "Report.pdf"), tray(many), notes("", false), notes("", true),
+      notes(tr("Call the plumber\nGas meter 4711\n\nMilk, bread, the good coffee",
+                "Rappeler le plombier\nCompteur à gaz 4711\n\nDu lait, du pain, un café à l’œuf"),
+          false),
+      notes("שלום עולם\n" + std::string(300, 'w') + " and so on", true)};
 }
 
 std::vector<Exhibit> opened() {
@@ -247,22 +223,19 @@ std::vector<Exhibit> opened() {
     s.model.power.level = 64;
   };
   return {banner("checkmark.circle.fill", colors::green, "tarnwick", tr("Done in 2m14s", "Terminé en 2m14s"),
-                 CrabMood::happy),
-          banner("battery.25percent", colors::red, tr("Low battery", "Batterie faible"), "10 %"),
-          banner("calendar", colors::blue, std::string(100, 'W'), std::string(100, 'w')),
-          [](NotchStage& s) {
-            fillSessions(s);
-            s.hook("p", "Notification", {{"cwd", "/x/website"}, {"notification_type", "permission_prompt"}});
-          },
-          [](NotchStage& s) {
-            s.hook("p", "StopFailure",
-                   {{"cwd", "/x/website"}, {"last_assistant_message", "Credit balance is too low"}});
-          },
-          open(Tab::claude, [](NotchStage&) {}),
-          open(Tab::claude, fillSessions),
-          open(Tab::claude, charged, 200),
-          overSession(true),
-          overSession(false)};
+              CrabMood::happy),
+      banner("battery.25percent", colors::red, tr("Low battery", "Batterie faible"), "10 %"),
+      banner("calendar", colors::blue, std::string(100, 'W'), std::string(100, 'w')),
+      [](NotchStage& s) {
+        fillSessions(s);
+        s.hook("p", "Notification", {{"cwd", "/x/website"}, {"notification_type", "permission_prompt"}});
+      },
+      [](NotchStage& s) {
+        s.hook("p", "StopFailure",
+            {{"cwd", "/x/website"}, {"last_assistant_message", "Credit balance is too low"}});
+      },
+      open(Tab::claude, [](NotchStage&) {}), open(Tab::claude, fillSessions), open(Tab::claude, charged, 200),
+      overSession(true), overSession(false)};
 }
 
 /// The exhibits in two columns, on something like a wallpaper.
@@ -281,7 +254,7 @@ void hang(const std::vector<Exhibit>& exhibits, Size each, double ratio, const Q
     stage.play(0.5);
     const QImage window = picture(stage.scene);
     painter.drawImage(QPoint(i % columns * (width + gap), i / columns * (height + gap)), window,
-                      QRect((window.width() - width) / 2, 0, width, height));
+        QRect((window.width() - width) / 2, 0, width, height));
   }
   painter.end();
   if (!sheet.save(file)) std::cerr << "cannot write " << file.toStdString() << "\n";

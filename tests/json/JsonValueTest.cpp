@@ -23,11 +23,12 @@ TEST(JsonValue, IsWrittenBackSortedAndIndented) {
       {"{}", "{}\n"},
       {"\xEF\xBB\xBF[]", "[]\n"},
       {R"({"b":{"z":[],"a":{}},"a":[true,false,null]})",
-       "{\n  \"a\": [\n    true,\n    false,\n    null\n  ],\n  \"b\": {\n    \"a\": {},\n    \"z\": []\n  "
-       "}\n}\n"},
+          "{\n  \"a\": [\n    true,\n    false,\n    null\n  ],\n  \"b\": {\n    \"a\": {},\n    \"z\": []\n "
+          " "
+          "}\n}\n"},
       {R"({"a":1,"a":2})", "{\n  \"a\": 2\n}\n"},
       {R"(["\/a\/b","é日😀","\u00e9\ud83d\ude00","\"\\\b\f\n\r\t\u0000\u001f\u007f"])",
-       "[\n  \"/a/b\",\n  \"é日😀\",\n  \"é😀\",\n  \"\\\"\\\\\\b\\f\\n\\r\\t\\u0000\\u001f\x7F\"\n]\n"},
+          "[\n  \"/a/b\",\n  \"é日😀\",\n  \"é😀\",\n  \"\\\"\\\\\\b\\f\\n\\r\\t\\u0000\\u001f\x7F\"\n]\n"},
       // Halves of surrogate pairs, as programs write them that cut a text inside an emoji.
       {R"({"\uDE00":"\ud83d\ud83d\ude00\ude00"})", "{\n  \"\\ude00\": \"\\ud83d😀\\ude00\"\n}\n"},
       {R"("\ud83d\\ude00 \\ud83d")", "\"\\ud83d\\\\ude00 \\\\ud83d\"\n"},

@@ -18,8 +18,8 @@ class AudioDaemon {
     process_ = std::make_unique<Child>(
         // There is one daemon a session bus, so each gets none.
         "env",
-        QStringList{
-            "DBUS_SESSION_BUS_ADDRESS=unix:", "pulseaudio", "-n", "--daemonize=no", "--exit-idle-time=-1", "--use-pid-file=no", "--log-target=null", "-L",
+        QStringList{"DBUS_SESSION_BUS_ADDRESS=unix:", "pulseaudio", "-n", "--daemonize=no",
+            "--exit-idle-time=-1", "--use-pid-file=no", "--log-target=null", "-L",
             "module-null-sink sink_name=speakers sink_properties=device.description=Speakers", "-L",
             "module-null-sink sink_name=screen channels=2 "
             "sink_properties='device.description=Screen device.bus=pci device.profile.name=hdmi-stereo'",

@@ -22,7 +22,7 @@ constexpr auto session = "/org/freedesktop/login1/session/auto";
 class BacklightTest : public testing::Test {
  protected:
   void panel(const std::string& name, const std::string& type, long maximum, long value,
-             const std::string& connector = "", bool enabled = true) {
+      const std::string& connector = "", bool enabled = true) {
     const std::string folder = sysfs.path() + "/backlight/" + name;
     std::filesystem::create_directories(folder);
     write(folder + "/type", type);
@@ -58,8 +58,9 @@ class BacklightTest : public testing::Test {
     daemon = std::make_unique<Child>(
         "/usr/bin/python3", QStringList{"-m", "dbusmock", login, session, "org.freedesktop.login1.Session"});
     ASSERT_TRUE(waitUntil([this] { return bus.interface()->isServiceRegistered(login).value(); }));
-    const QString code = "f = open('" + QString::fromStdString(sysfs.path()) +
-                         "/%s/%s/brightness' % (args[0], args[1]), 'w'); f.write('%d' % args[2]); f.close()";
+    const QString code =
+        "f = open('" + QString::fromStdString(sysfs.path()) +
+        "/%s/%s/brightness' % (args[0], args[1]), 'w'); f.write('%d' % args[2]); f.close()";
     const QDBusMessage reply =
         mock("AddMethod", {"org.freedesktop.login1.Session", "SetBrightness", "ssu", "", code});
     ASSERT_EQ(reply.type(), QDBusMessage::ReplyMessage) << reply.errorMessage().toStdString();
@@ -110,10 +111,8 @@ TEST_F(BacklightTest, FindsTheBuiltInPanel) {
     const char* type;
     const char* connector;
     bool enabled;
-  } better[] = {{"nvidia_0", "raw", "card1-LVDS-1", false},
-                {"amdgpu_bl0", "raw", "card0-eDP-1", true},
-                {"thinkpad_screen", "platform", "", true},
-                {"acpi_video0", "firmware", "", true}};
+  } better[] = {{"nvidia_0", "raw", "card1-LVDS-1", false}, {"amdgpu_bl0", "raw", "card0-eDP-1", true},
+      {"thinkpad_screen", "platform", "", true}, {"acpi_video0", "firmware", "", true}};
   long value = 20;
   for (const auto& c : better) {
     panel(c.name, c.type, 100, value, c.connector, c.enabled);
@@ -197,7 +196,7 @@ TEST_F(BacklightTest, KnowsWhetherThePanelCanBeWritten) {
   };
   const auto sessionChanges = [this] {
     mock("EmitSignal", {"org.freedesktop.DBus.Properties", "PropertiesChanged", "sa{sv}as",
-                        QVariantList{"org.freedesktop.login1.Session", QVariantMap(), QStringList()}});
+                           QVariantList{"org.freedesktop.login1.Session", QVariantMap(), QStringList()}});
   };
   const auto answer = [this](const char* code) {
     mock("AddMethod", {"org.freedesktop.login1.Session", "SetBrightness", "ssu", "", code});

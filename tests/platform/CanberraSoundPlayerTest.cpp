@@ -21,10 +21,8 @@ bool plays(AudioDaemon& daemon, CanberraSoundPlayer& player, Sound sound, const 
 TEST(CanberraSoundPlayer, PlaysTheThemesSoundsAlsoAfterADaemonThatHangs) {
   AudioDaemon daemon;
   CanberraSoundPlayer player(TestDesktop::shared().scheduler, 0.1);
-  const std::pair<Sound, const char*> cases[] = {{Sound::complete, "complete"},
-                                                 {Sound::message, "message"},
-                                                 {Sound::powerPlug, "power-plug"},
-                                                 {Sound::batteryLow, "dialog-warning"}};
+  const std::pair<Sound, const char*> cases[] = {{Sound::complete, "complete"}, {Sound::message, "message"},
+      {Sound::powerPlug, "power-plug"}, {Sound::batteryLow, "dialog-warning"}};
   for (const auto& [sound, event] : cases) EXPECT_TRUE(plays(daemon, player, sound, event)) << event;
 
   daemon.stop();

@@ -55,14 +55,8 @@ TEST_F(DBusNotificationCenterTest, DeliversEachNameToItsReceiversAndWrongShapesE
       center.observe(showcaseNotification, [&](const StringMap& payload) { showcases.push_back(payload); });
   TextMap many;
   for (int i = 0; i < 1000; ++i) many[QString::number(i)] = "";
-  const std::vector<QVariantList> shapes{{},
-                                         {"text"},
-                                         {QVariantMap{{"session_id", "a"}}},
-                                         {QStringList{"a"}},
-                                         {map({{"a", "b"}}), "and more"},
-                                         {42},
-                                         {map({{"prompt", QString(100'000, 'x')}})},
-                                         {map(many)}};
+  const std::vector<QVariantList> shapes{{}, {"text"}, {QVariantMap{{"session_id", "a"}}}, {QStringList{"a"}},
+      {map({{"a", "b"}}), "and more"}, {42}, {map({{"prompt", QString(100'000, 'x')}})}, {map(many)}};
   Sender sender;
   for (const QVariantList& shape : shapes) sender.send("event", shape);
   sender.send("event", {map({{"event", "Stop"}, {"prompt", "é ✨"}})});

@@ -19,10 +19,9 @@ class DesktopFileIconsTest : public testing::Test {
     qputenv("XDG_DATA_HOME", root.path().c_str());
     qputenv("XDG_CACHE_HOME", root.path().c_str());
     root.write("icons/chosen/index.theme",
-               "[Icon Theme]\nInherits=parent, nobody\nDirectories=16/kinds,96/kinds\n"
-               "[16/kinds]\nSize=16\n[96/kinds]\nSize=48\nScale=2\n");
-    root.write(
-        "icons/parent/index.theme",
+        "[Icon Theme]\nInherits=parent, nobody\nDirectories=16/kinds,96/kinds\n"
+        "[16/kinds]\nSize=16\n[96/kinds]\nSize=48\nScale=2\n");
+    root.write("icons/parent/index.theme",
         "[Icon "
         "Theme]\nInherits=chosen\nDirectories=any\n[any]\nSize=64\nType=Scalable\nMinSize=8\nMaxSize=512\n");
     paint("icons/chosen/16/kinds/folder.png", "red");

@@ -27,8 +27,7 @@ class DesktopSettings : public testing::Test {
 
 TEST_F(DesktopSettings, TheLoginItemStartsThisVeryProgram) {
   ::setenv("XDG_CONFIG_DIRS", (folders.root.path() + "/system").c_str(), 1);
-  for (const char* name :
-       {"Tarnwick", "my apps/Tarnwick", R"(a "b" $HOME `c` \e/Tarnwick)", "é'/Tarnwick"}) {
+  for (const char* name : {"Tarnwick", "my apps/Tarnwick", R"(a "b" $HOME `c` \e/Tarnwick)", "é'/Tarnwick"}) {
     const std::string path = program(name);
     AutostartEntry item(folders, path);
     const std::string file = folders.configuration() + "/autostart/dev.tarnwick.Tarnwick.desktop";
@@ -56,8 +55,8 @@ TEST_F(DesktopSettings, TheLoginItemStartsThisVeryProgram) {
 
   // A package may start it for everybody.
   const std::string path = program("Tarnwick");
-  folders.root.write("system/autostart/dev.tarnwick.Tarnwick.desktop",
-                     "[Desktop Entry]\nExec=" + path + "\n");
+  folders.root.write(
+      "system/autostart/dev.tarnwick.Tarnwick.desktop", "[Desktop Entry]\nExec=" + path + "\n");
   AutostartEntry item(folders, path);
   EXPECT_TRUE(item.isEnabled());
   item.setEnabled(false);

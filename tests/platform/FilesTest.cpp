@@ -33,12 +33,8 @@ class JsonUserDefaultsTest : public testing::Test {
 }  // namespace
 
 TEST_F(JsonUserDefaultsTest, KeepsValuesForTheNextStart) {
-  const Strings paths{"/home/é",
-                      "",
-                      "with \"quotes\" and \\",
-                      "line\nbreak",
-                      "/tmp/caf\xe9",
-                      "\xff\x80/\xed\xb3\xa9/\xf0\x9f"};
+  const Strings paths{"/home/é", "", "with \"quotes\" and \\", "line\nbreak", "/tmp/caf\xe9",
+      "\xff\x80/\xed\xb3\xa9/\xf0\x9f"};
   {
     JsonUserDefaults defaults(folders);
     EXPECT_EQ(defaults.boolean("on"), std::nullopt);
@@ -69,7 +65,7 @@ TEST_F(JsonUserDefaultsTest, ReadsOnlyWhatHasTheAskedType) {
 
 TEST_F(JsonUserDefaultsTest, LeavesForeignValuesAsTheyWereWritten) {
   const Strings foreign{R"("huge": 1e400)", R"("id": 12345678901234567890123)", R"("price": 1.10)",
-                        R"("halves \udc00": "\udc00 \ud800é")", R"("null": null)"};
+      R"("halves \udc00": "\udc00 \ud800é")", R"("null": null)"};
   std::string text = "\xEF\xBB\xBF{";
   for (const std::string& member : foreign) text += (text.size() > 4 ? ",\n" : "\n") + member;
   write(text + "\r\n\t}");
@@ -128,6 +124,6 @@ TEST(FileList, TakesTheFilesOfThisMachine) {
       "file:/short\r\nfile://localhost/local\r\nfile://elsewhere.invalid/far\r\nfile://" +
       std::string(host) + "/named\r\nfile:///latin1%E9\r\nfile:///nul%00byte\r\nfile:relative";
   EXPECT_THAT(filesOfUriList(text),
-              ElementsAre("/plain", "/with space", "/", "/short", "/local", "/named", "/latin1\xe9"));
+      ElementsAre("/plain", "/with space", "/", "/short", "/local", "/named", "/latin1\xe9"));
   EXPECT_THAT(filesOfUriList(""), ElementsAre());
 }

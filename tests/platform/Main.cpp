@@ -21,11 +21,9 @@ void run(const QString& program, const QStringList& arguments) {
 std::unique_ptr<Child> startServer(const std::string& folder) {
   // The server picks a free number and writes it down.
   const QString file = QString::fromStdString(folder + "/display");
-  auto server = std::make_unique<Child>(
-      "sh",
+  auto server = std::make_unique<Child>("sh",
       QStringList{"-c",
-                  "exec Xvfb -displayfd 3 -noreset -nolisten tcp -screen 0 1800x800x24 3>\"$0\" 2>/dev/null",
-                  file});
+          "exec Xvfb -displayfd 3 -noreset -nolisten tcp -screen 0 1800x800x24 3>\"$0\" 2>/dev/null", file});
   QByteArray number;
   const auto written = [&] {
     QFile content(file);

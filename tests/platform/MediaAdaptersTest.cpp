@@ -27,7 +27,7 @@ namespace {
 /// A program and all that is heard of it.
 struct Program {
   explicit Program(QtChildProcesses& processes, const std::string& executable,
-                   const std::vector<std::string>& arguments = {}) {
+      const std::vector<std::string>& arguments = {}) {
     ChildProcesses::Events events;
     events.onReadable = [this] {
       const std::string bytes = child->read();
@@ -86,10 +86,9 @@ class DataFolder {
 TEST(QtChildProcesses, TalksWithAProgram) {
   QtChildProcesses processes;
   qputenv("PERL5OPT", "-Mforeign");
-  Program program(
-      processes, "/bin/sh",
+  Program program(processes, "/bin/sh",
       {"-c", "read line; printf \"$0 $line$PERL5OPT\"; read line; test \"$HOME\" && printf \" $line\"",
-       "é a"});
+          "é a"});
   qunsetenv("PERL5OPT");
   program.child->write("one\n");
   EXPECT_EQ(program.output, "");
@@ -209,30 +208,13 @@ TEST(Covers, ComeFromPublicAddresses) {
     return isPublicAddress(reinterpret_cast<const sockaddr&>(current));
   };
   for (const char* text : {"1.1.1.1", "9.255.255.255", "100.63.0.1", "172.32.0.1", "192.167.1.1",
-                           "223.255.255.1", "2606:4700::1", "2a00::1", "64:ff9b::101:101"}) {
+           "223.255.255.1", "2606:4700::1", "2a00::1", "64:ff9b::101:101"}) {
     EXPECT_TRUE(isPublic(text)) << text;
   }
-  for (const char* text : {"0.0.0.0",
-                           "10.1.2.3",
-                           "127.0.0.1",
-                           "100.64.0.1",
-                           "169.254.1.1",
-                           "172.16.0.1",
-                           "172.31.255.255",
-                           "192.168.1.1",
-                           "224.0.0.1",
-                           "255.255.255.255",
-                           "::",
-                           "::1",
-                           "fe80::1",
-                           "fd00::1",
-                           "ff02::1",
-                           "::127.0.0.1",
-                           "::ffff:8.8.8.8",
-                           "2002:7f00::1",
-                           "2001::1",
-                           "64:ff9b::7f00:1",
-                           "64:ff9b:1::1"}) {
+  for (const char* text :
+      {"0.0.0.0", "10.1.2.3", "127.0.0.1", "100.64.0.1", "169.254.1.1", "172.16.0.1", "172.31.255.255",
+          "192.168.1.1", "224.0.0.1", "255.255.255.255", "::", "::1", "fe80::1", "fd00::1", "ff02::1",
+          "::127.0.0.1", "::ffff:8.8.8.8", "2002:7f00::1", "2001::1", "64:ff9b::7f00:1", "64:ff9b:1::1"}) {
     EXPECT_FALSE(isPublic(text)) << text;
   }
 }
@@ -240,8 +222,8 @@ TEST(Covers, ComeFromPublicAddresses) {
 TEST(DesktopApplications, KnowsTheApplicationOfAProcess) {
   DataFolder data;
   const std::string sleeper = data.entry("org.example.Sleeper",
-                                         "Exec=/usr/bin/sleep --x %U\nIcon=sleeper\n"
-                                         "[Desktop Action x]\nExec=nothing\n");
+      "Exec=/usr/bin/sleep --x %U\nIcon=sleeper\n"
+      "[Desktop Action x]\nExec=nothing\n");
   const std::string named = data.entry("named", "Exec=other\n");
   QImage icon(128, 128, QImage::Format_RGB32);
   icon.fill(Qt::blue);
@@ -257,10 +239,9 @@ TEST(DesktopApplications, KnowsTheApplicationOfAProcess) {
     const char *what, *name;
     std::string bundle;
     bool icon;
-  } cases[] = {{"by its program", "", sleeper, true},
-               {"by a name that nobody has", "nobody", sleeper, true},
-               {"by a name that is a path", "../applications/named", sleeper, true},
-               {"by its name", "named", named, false}};
+  } cases[] = {{"by its program", "", sleeper, true}, {"by a name that nobody has", "nobody", sleeper, true},
+      {"by a name that is a path", "../applications/named", sleeper, true},
+      {"by its name", "named", named, false}};
   for (const auto& c : cases) {
     const auto application = applications.runningApplication(process, c.name);
     ASSERT_TRUE(application) << c.what;
@@ -304,8 +285,8 @@ TEST(DesktopApplications, BringsAnApplicationForwardOrStartsIt) {
     std::vector<int32_t> processes;
     std::optional<uint32_t> window;
   } cases[] = {{"its own", player, {process}, player}, {"one within it", child, {process}, player},
-               {"another's", player, {1}, {}},         {"its frame", frame, {1, process}, player},
-               {"none", 0, {1, process}, player},      {"one that is gone", 0xfffffff, {1}, {}}};
+      {"another's", player, {1}, {}}, {"its frame", frame, {1, process}, player},
+      {"none", 0, {1, process}, player}, {"one that is gone", 0xfffffff, {1}, {}}};
   for (const auto& c : cases) EXPECT_EQ(activation.windowOf(c.told, c.processes), c.window) << c.what;
 
   for (const auto& entry : {std::string("/nonexistent.desktop"), data.entry("broken", "Exec=\n")}) {

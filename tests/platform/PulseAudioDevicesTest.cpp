@@ -40,8 +40,8 @@ class PulseAudioDevicesTest : public testing::Test {
   }
 
   AudioDaemon daemon;
-  PulseAudioDevices devices{TestDesktop::shared().scheduler, [] { return loadPulseModule(TARNWICK_MODULES); },
-                            0.1};
+  PulseAudioDevices devices{
+      TestDesktop::shared().scheduler, [] { return loadPulseModule(TARNWICK_MODULES); }, 0.1};
   std::vector<AudioDevice> known;
 };
 
@@ -203,9 +203,8 @@ struct FakeDaemon {
 
   PulseSnapshot state() const {
     return {{{.scope = output, .key = "sink", .name = "Sink", .volume = volume},
-             {.scope = output, .key = "screen", .name = "Screen", .isUnplugged = true}},
-            defaultOutput,
-            ""};
+                {.scope = output, .key = "screen", .name = "Screen", .isUnplugged = true}},
+        defaultOutput, ""};
   }
   PulseClientMaker maker() {
     return [this] { return std::make_unique<Client>(*this); };
@@ -283,7 +282,8 @@ TEST_F(PulseEchoTest, ADragIsWrittenAtMostOnceAFrameAndNeverJumpsBack) {
     const int before = fake.volumeWrites;
     for (int i = 1; i <= 1000; ++i) {  // in a second
       devices.setVolume(1, output, i / 1000.0);
-      if (i % confirmEvery == 0 && fake.volumeWrites > before + i / confirmEvery - 1) fake.client->onWritten();
+      if (i % confirmEvery == 0 && fake.volumeWrites > before + i / confirmEvery - 1)
+        fake.client->onWritten();
       fake.client->onChange();
       if (fake.client->asked) fake.client->answer();
       EXPECT_NEAR(volume(), i / 1000.0, 1e-5);

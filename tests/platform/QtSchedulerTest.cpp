@@ -32,9 +32,8 @@ TEST(QtScheduler, CancelledWorkDoesNotRunAndTimersOfASecondShareOneBeat) {
   int dropped = 0, fastRuns = 0, slowRuns = 0;
   {
     const Task tasks[] = {scheduler.after(0, [&] { ++dropped; }), scheduler.post([&] { ++dropped; }),
-                          scheduler.at(scheduler.now(), [&] { ++dropped; }),
-                          scheduler.every(0.01, [&] { ++dropped; }),
-                          scheduler.background([] {}, [&] { ++dropped; })};
+        scheduler.at(scheduler.now(), [&] { ++dropped; }), scheduler.every(0.01, [&] { ++dropped; }),
+        scheduler.background([] {}, [&] { ++dropped; })};
   }
   Task fast = scheduler.every(0.005, [&] {
     ++fastRuns;
@@ -62,8 +61,8 @@ TEST(QtScheduler, BackgroundWorkRunsElsewhereAndItsEndOnTheMainThread) {
   QtScheduler scheduler;
   const auto main = std::this_thread::get_id();
   std::thread::id work, then;
-  const Task task = scheduler.background([&] { work = std::this_thread::get_id(); },
-                                         [&] { then = std::this_thread::get_id(); });
+  const Task task = scheduler.background(
+      [&] { work = std::this_thread::get_id(); }, [&] { then = std::this_thread::get_id(); });
   EXPECT_TRUE(waitUntil([&] { return then != std::thread::id(); }));
   EXPECT_EQ(then, main);
   EXPECT_NE(work, main);

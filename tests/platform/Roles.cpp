@@ -53,9 +53,10 @@ class DragSource : public OtherWindow {
     });
     say("dragging");
     const Qt::DropAction action = drag->exec(Qt::CopyAction | Qt::MoveAction);
-    say("dropped " + QByteArray(action == Qt::CopyAction     ? "copy"
-                                : action == Qt::IgnoreAction ? "nothing"
-                                                             : "?"));
+    say("dropped " +
+        QByteArray(action == Qt::CopyAction     ? "copy"
+                   : action == Qt::IgnoreAction ? "nothing"
+                                                : "?"));
     dragging_ = false;
   }
 
@@ -94,13 +95,13 @@ void declare(QWidget& widget, const char* kind, uint32_t top = 0) {
   };
   const auto window = static_cast<xcb_window_t>(widget.winId());
   const xcb_atom_t type = atom(kind);
-  xcb_change_property(connection, XCB_PROP_MODE_REPLACE, window, atom("_NET_WM_WINDOW_TYPE"), XCB_ATOM_ATOM,
-                      32, 1, &type);
+  xcb_change_property(
+      connection, XCB_PROP_MODE_REPLACE, window, atom("_NET_WM_WINDOW_TYPE"), XCB_ATOM_ATOM, 32, 1, &type);
   const auto left = static_cast<uint32_t>(widget.x());
-  const uint32_t strut[12] = {0, 0, top, 0,    0,
-                              0, 0, 0,   left, left + static_cast<uint32_t>(widget.width()) - 1};
+  const uint32_t strut[12] = {
+      0, 0, top, 0, 0, 0, 0, 0, left, left + static_cast<uint32_t>(widget.width()) - 1};
   xcb_change_property(connection, XCB_PROP_MODE_REPLACE, window, atom("_NET_WM_STRUT_PARTIAL"),
-                      XCB_ATOM_CARDINAL, 32, 12, strut);
+      XCB_ATOM_CARDINAL, 32, 12, strut);
   xcb_flush(connection);
 }
 
@@ -137,9 +138,10 @@ int playRole(int argc, char** argv) {
   if (kind == "dock") declare(window, "_NET_WM_WINDOW_TYPE_DOCK", static_cast<uint32_t>(number(8)));
   if (kind == "desktop") declare(window, "_NET_WM_WINDOW_TYPE_DESKTOP");
   if (kind == "maximized") window.setWindowFlags(Qt::FramelessWindowHint);
-  kind == "fullscreen"  ? window.showFullScreen()
-  : kind == "maximized" ? window.showMaximized()
-                        : window.show();
+  kind == "fullscreen" ? window.showFullScreen()
+  : kind == "maximized"
+      ? window.showMaximized()
+      : window.show();
   return QApplication::exec();
 }
 

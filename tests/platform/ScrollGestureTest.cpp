@@ -32,5 +32,5 @@ TEST(ScrollGesture, APauseEndsItAndAWheelMakesNone) {
   gesture.step({.precise = false, .deltaY = 15});
   scheduler.advance(5);
   EXPECT_THAT(phases, ElementsAre(Phase::began, Phase::changed, Phase::changed, Phase::changed, Phase::ended,
-                                  Phase::began, Phase::ended, Phase::none));
+                          Phase::began, Phase::ended, Phase::none));
 }

@@ -43,8 +43,8 @@ class SystemServicesTest : public testing::Test {
     bus = startMessageBus(path);
     static int count = 0;
     if (connection) QDBusConnection::disconnectFromBus(connection->name());
-    connection = QDBusConnection::connectToBus(qEnvironmentVariable("DBUS_SYSTEM_BUS_ADDRESS"),
-                                               QString("hand-%1").arg(++count));
+    connection = QDBusConnection::connectToBus(
+        qEnvironmentVariable("DBUS_SYSTEM_BUS_ADDRESS"), QString("hand-%1").arg(++count));
   }
 
   std::unique_ptr<Child> startMock(const QString& name, const QString& service) {
@@ -53,15 +53,15 @@ class SystemServicesTest : public testing::Test {
   std::unique_ptr<Child> startMock(const QStringList& arguments, const QString& service) {
     auto mock = std::make_unique<Child>("/usr/bin/python3", QStringList{"-m", "dbusmock"} + arguments);
     EXPECT_TRUE(waitUntil([&] {
-      const QDBusMessage reply = send("org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus",
-                                      "NameHasOwner", {service});
+      const QDBusMessage reply = send(
+          "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", "NameHasOwner", {service});
       return reply.arguments().value(0).toBool();
     })) << service.toStdString();
     return mock;
   }
   /// Calls a method of a mock and waits for the answer.
   QDBusMessage send(const QString& service, const QString& path, const QString& interface,
-                    const QString& method, const QVariantList& arguments) {
+      const QString& method, const QVariantList& arguments) {
     auto message = QDBusMessage::createMethodCall(service, path, interface, method);
     message.setArguments(arguments);
     const QDBusMessage reply = connection->call(message, QDBus::Block, 20'000);
@@ -69,9 +69,9 @@ class SystemServicesTest : public testing::Test {
     return reply;
   }
   void setProperty(const QString& service, const QString& path, const QString& interface,
-                   const QString& property, const QVariant& value) {
+      const QString& property, const QVariant& value) {
     send(service, path, "org.freedesktop.DBus.Properties", "Set",
-         {interface, property, QVariant::fromValue(QDBusVariant(value))});
+        {interface, property, QVariant::fromValue(QDBusVariant(value))});
   }
 
   const TemporaryFolder folder;
@@ -87,7 +87,7 @@ class UPowerSourcesTest : public SystemServicesTest {
 
   void setBattery(unsigned type, unsigned state, double percentage, bool present) {
     send(upower, "/org/freedesktop/UPower", "org.freedesktop.DBus.Mock", "SetupDisplayDevice",
-         {type, state, percentage, 30.0, 60.0, 10.0, qlonglong(3600), qlonglong(0), present, "battery", 1u});
+        {type, state, percentage, 30.0, 60.0, 10.0, qlonglong(3600), qlonglong(0), present, "battery", 1u});
   }
   void setOnBattery(bool onBattery) {
     setProperty(upower, "/org/freedesktop/UPower", upower, "OnBattery", onBattery);
@@ -202,12 +202,12 @@ class BluezDevicesTest : public SystemServicesTest {
   void addBattery(const QString& path, int percentage) {
     const QVariantMap properties{{"Percentage", QVariant::fromValue(static_cast<uchar>(percentage))}};
     emitSignal("InterfacesAdded", "oa{sa{sv}}",
-               {QVariant::fromValue(QDBusObjectPath(path)),
-                QVariant::fromValue(Interfaces{{battery1, properties}})});
+        {QVariant::fromValue(QDBusObjectPath(path)),
+            QVariant::fromValue(Interfaces{{battery1, properties}})});
   }
   void emitSignal(const QString& name, const QString& signature, const QVariantList& arguments) {
     send(bluez, "/", mockInterface, "EmitSignal",
-         {"org.freedesktop.DBus.ObjectManager", name, signature, QVariant(arguments)});
+        {"org.freedesktop.DBus.ObjectManager", name, signature, QVariant(arguments)});
   }
 
   void open() {
@@ -266,7 +266,7 @@ TEST_F(BluezDevicesTest, TellsWhatComesAndGoes) {
   set(buds, "Class", 0x240404u);
   connectDevice("AA:AA:AA:AA:AA:AA");
   send(bluez, buds, mockInterface, "AddProperty",
-       {battery1, "Percentage", QVariant::fromValue(QDBusVariant(QVariant::fromValue(uchar(80))))});
+      {battery1, "Percentage", QVariant::fromValue(QDBusVariant(QVariant::fromValue(uchar(80))))});
   addBattery(buds, 80);
   EXPECT_THAT(told(), ElementsAre("connected Buds plays", "battery Buds plays 80%"));
   addBattery(buds + "/left", 35);
@@ -276,7 +276,7 @@ TEST_F(BluezDevicesTest, TellsWhatComesAndGoes) {
   EXPECT_THAT(told(), ElementsAre("battery Buds plays 79% 35%"));
 
   emitSignal("InterfacesRemoved", "oas",
-             {QVariant::fromValue(QDBusObjectPath(buds)), QStringList{battery1, device1}});
+      {QVariant::fromValue(QDBusObjectPath(buds)), QStringList{battery1, device1}});
   EXPECT_THAT(told(), ElementsAre("disconnected Buds plays 35%"));
 }
 
@@ -290,7 +290,7 @@ TEST_F(BluezDevicesTest, KnowsNamesAndKinds) {
   } cases[] = {
       {"BB:00:00:00:00:01", "Speaker", "Icon", "audio-card", "connected Speaker plays"},
       {"BB:00:00:00:00:02", "Aids", "Appearance", QVariant::fromValue(ushort(0x0a41)),
-       "connected Aids plays"},
+          "connected Aids plays"},
       {"BB:00:00:00:00:03", "Pad", "Class", 0x002508u, "connected Pad"},
       {"BB:00:00:00:00:04", "BB-00-00-00-00-04", "Name", "", "connected "},
       {"BB:00:00:00:00:05", "Mine", "Name", "", "connected Mine"},
@@ -397,7 +397,7 @@ TEST_F(SystemServicesTest, SendsFilesToWhoIsThere) {
   sharing.send({"/a b", "/c"}, "phone_1");
   EXPECT_TRUE(waitUntil([&] { return !service.shared.isEmpty(); }));
   EXPECT_EQ(service.shared,
-            (QStringList{"/modules/kdeconnect/devices/phone_1/share", "file:///a%20b", "file:///c"}));
+      (QStringList{"/modules/kdeconnect/devices/phone_1/share", "file:///a%20b", "file:///c"}));
 
   const FilePath list = folder.path() + "/list";
   const FilePath sender = folder.write("blueman-sendto", "#!/bin/sh\necho \"$@\" > " + list + "\n");

@@ -121,11 +121,10 @@ std::unique_ptr<Child> TestDesktop::startCompositor() {
 
 uint32_t TestDesktop::pixel(int x, int y) {
   X11Connection& c = *connection_;
-  const auto image =
-      owned(xcb_get_image_reply(c,
-                                xcb_get_image(c, XCB_IMAGE_FORMAT_Z_PIXMAP, c.root(), static_cast<int16_t>(x),
-                                              static_cast<int16_t>(y), 1, 1, ~0u),
-                                nullptr));
+  const auto image = owned(xcb_get_image_reply(c,
+      xcb_get_image(c, XCB_IMAGE_FORMAT_Z_PIXMAP, c.root(), static_cast<int16_t>(x), static_cast<int16_t>(y),
+          1, 1, ~0u),
+      nullptr));
   if (!image) throw std::runtime_error("no picture of the screen");
   return *reinterpret_cast<const uint32_t*>(xcb_get_image_data(image.get())) & 0xffffff;
 }
@@ -168,7 +167,7 @@ xcb_window_t TestDesktop::findWindow(const std::string& title) {
     const auto name = owned(xcb_get_property_reply(c, cookie, nullptr));
     if (!name) continue;
     const std::string text(static_cast<const char*>(xcb_get_property_value(name.get())),
-                           static_cast<size_t>(xcb_get_property_value_length(name.get())));
+        static_cast<size_t>(xcb_get_property_value_length(name.get())));
     if (text == title) return window;
   }
   return XCB_WINDOW_NONE;
@@ -192,8 +191,8 @@ void TestDesktop::changeState(xcb_window_t window, const char* state, bool on) {
   message.data.data32[0] = on;
   message.data.data32[1] = connection_->atom(state);
   xcb_send_event(*connection_, 0, connection_->root(),
-                 XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY | XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT,
-                 reinterpret_cast<const char*>(&message));
+      XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY | XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT,
+      reinterpret_cast<const char*>(&message));
   xcb_flush(*connection_);
 }
 

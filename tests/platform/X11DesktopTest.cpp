@@ -129,8 +129,8 @@ TEST(X11WindowList, ListsWhatTheUserSees) {
   // Each monitor may have a workspace of its own …
   const uint32_t workspace = 1;
   const auto set = [&](xcb_window_t window, const char* name, xcb_atom_t type, uint32_t value) {
-    xcb_change_property(connection, XCB_PROP_MODE_REPLACE, window, connection.atom(name), type, 32, 1,
-                        &value);
+    xcb_change_property(
+        connection, XCB_PROP_MODE_REPLACE, window, connection.atom(name), type, 32, 1, &value);
     xcb_flush(connection);
   };
   set(desktop().awaitWindow("editor"), "_NET_WM_DESKTOP", XCB_ATOM_CARDINAL, workspace);
@@ -139,8 +139,8 @@ TEST(X11WindowList, ListsWhatTheUserSees) {
   const auto manager =
       connection.property(connection.requestProperty(connection.root(), "_NET_SUPPORTING_WM_CHECK"));
   const xcb_window_t own = xcb_generate_id(connection);
-  xcb_create_window(connection, 0, own, connection.root(), -9, -9, 1, 1, 0, XCB_WINDOW_CLASS_INPUT_ONLY, 0, 0,
-                    nullptr);
+  xcb_create_window(
+      connection, 0, own, connection.root(), -9, -9, 1, 1, 0, XCB_WINDOW_CLASS_INPUT_ONLY, 0, 0, nullptr);
   xcb_set_selection_owner(connection, own, connection.atom("_NET_WM_CM_S0"), XCB_CURRENT_TIME);
   set(connection.root(), "_NET_SUPPORTING_WM_CHECK", XCB_ATOM_WINDOW, own);
   set(desktop().awaitWindow("editor"), "_NET_WM_DESKTOP", XCB_ATOM_CARDINAL, workspace);

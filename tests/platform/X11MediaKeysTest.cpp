@@ -47,8 +47,8 @@ class X11MediaKeysTest : public testing::Test {
   }
   /// All that the server has sent so far has been handled.
   void settle() {
-    const auto reply = owned(xcb_get_input_focus_reply(desktop().connection(),
-                                                       xcb_get_input_focus(desktop().connection()), nullptr));
+    const auto reply = owned(xcb_get_input_focus_reply(
+        desktop().connection(), xcb_get_input_focus(desktop().connection()), nullptr));
     bool turned = false;
     const Task turn = desktop().scheduler.after(0.01, [&] { turned = true; });
     waitUntil([&] { return turned; });
@@ -64,8 +64,8 @@ class Rival {
   explicit Rival(unsigned keycode)
       : connection_(X11Connection::open()), keycode_(static_cast<xcb_keycode_t>(keycode)) {
     X11Connection& c = *connection_;
-    const auto cookie = xcb_grab_key_checked(c, 0, c.root(), XCB_MOD_MASK_ANY, keycode_, XCB_GRAB_MODE_ASYNC,
-                                             XCB_GRAB_MODE_ASYNC);
+    const auto cookie = xcb_grab_key_checked(
+        c, 0, c.root(), XCB_MOD_MASK_ANY, keycode_, XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC);
     hasKey = owned(xcb_request_check(c, cookie)) == nullptr;
   }
   void letGo() {
@@ -91,12 +91,10 @@ TEST_F(X11MediaKeysTest, CatchesKeysWhateverElseIsOn) {
     std::vector<unsigned> with;
     unsigned key;
     MediaKeyEvent press;
-  } cases[] = {{{}, upKey, {.key = soundUp}},
-               {{}, brighterKey, {.key = brightnessUp}},
-               {{}, darkerKey, {.key = brightnessDown}},
-               {{shiftKey}, downKey, {.key = soundDown, .shift = true}},
-               {{altKey}, downKey, {.key = soundDown, .alt = true}},
-               {{shiftKey, altKey}, downKey, {.key = soundDown, .shift = true, .alt = true}}};
+  } cases[] = {{{}, upKey, {.key = soundUp}}, {{}, brighterKey, {.key = brightnessUp}},
+      {{}, darkerKey, {.key = brightnessDown}}, {{shiftKey}, downKey, {.key = soundDown, .shift = true}},
+      {{altKey}, downKey, {.key = soundDown, .alt = true}},
+      {{shiftKey, altKey}, downKey, {.key = soundDown, .shift = true, .alt = true}}};
   for (const unsigned lock : {0u, capsLockKey, numLockKey}) {
     if (lock) desktop().hands.typeKey(lock);
     for (const auto& c : cases) {

@@ -68,10 +68,8 @@ class X11NotchPanelTest : public testing::Test {
   }
 
   Content content;
-  X11NotchPanel panel{desktop().connection(),
-                      desktop().screens(),
-                      desktop().scheduler,
-                      {content, [this] { return content.presentedSurface(); }}};
+  X11NotchPanel panel{desktop().connection(), desktop().screens(), desktop().scheduler,
+      {content, [this] { return content.presentedSurface(); }}};
 };
 
 }  // namespace
@@ -212,8 +210,8 @@ class DriverSetting {
     const auto items = static_cast<uint32_t>(bytes.size() / (format / 8));
     // The request is padded to whole words from what follows the last item.
     bytes.resize((bytes.size() + 3) / 4 * 4);
-    xcb_input_xi_change_property(connection_, device, XCB_PROP_MODE_REPLACE, format, property_,
-                                 XCB_ATOM_INTEGER, items, bytes.data());
+    xcb_input_xi_change_property(
+        connection_, device, XCB_PROP_MODE_REPLACE, format, property_, XCB_ATOM_INTEGER, items, bytes.data());
     xcb_flush(connection_);
   }
   ~DriverSetting() {
@@ -243,8 +241,7 @@ TEST_F(X11NotchPanelTest, HandsScrollingToTheControllerAsTheDriverMeansIt) {
   const uint16_t device = testPointer(desktop().connection());
   ASSERT_NE(device, 0);
   const QPointingDevice touchpad("touchpad", device, QInputDevice::DeviceType::TouchPad,
-                                 QPointingDevice::PointerType::Finger, QInputDevice::Capability::Scroll, 1,
-                                 3);
+      QPointingDevice::PointerType::Finger, QInputDevice::Capability::Scroll, 1, 3);
   bool consumes = true;
   const auto scroll = [&](QPoint eighthsOfDegrees, QPoint pixels) {
     ScrollEvent seen;
@@ -253,7 +250,7 @@ TEST_F(X11NotchPanelTest, HandsScrollingToTheControllerAsTheDriverMeansIt) {
       return consumes;
     };
     QWheelEvent event({470, 10}, {500, 10}, pixels, eighthsOfDegrees, Qt::NoButton, Qt::NoModifier,
-                      Qt::NoScrollPhase, false, Qt::MouseEventNotSynthesized, &touchpad);
+        Qt::NoScrollPhase, false, Qt::MouseEventNotSynthesized, &touchpad);
     QCoreApplication::sendEvent(content.window()->windowHandle(), &event);
     return seen;
   };

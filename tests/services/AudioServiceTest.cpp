@@ -19,9 +19,8 @@ const AudioDevice internal{.id = 9, .name = "CADefaultDeviceAggregate-1", .hasOu
 class AudioServiceTest : public testing::Test {
  protected:
   AudioServiceTest() {
-    devices.levels = {{{3, AudioScope::output}, {0.5, false}},
-                      {{7, AudioScope::output}, {0.25, true}},
-                      {{4, AudioScope::input}, {0.75, true}}};
+    devices.levels = {{{3, AudioScope::output}, {0.5, false}}, {{7, AudioScope::output}, {0.25, true}},
+        {{4, AudioScope::input}, {0.75, true}}};
     devices.plug({speakers, internal, headset, microphone}, 3, 4);
     audio.onVolumeChange = [this] { ++volumeChanges; };
   }
@@ -81,7 +80,7 @@ TEST_F(AudioServiceTest, FollowsTheLevelsOfTheDefaultDevicesOnly) {
   EXPECT_EQ(audio.outputID, 7u) << "until the system has done it";
   audio.selectInput(7);
   EXPECT_THAT(devices.defaultWrites,
-              ElementsAre(std::pair(AudioScope::output, 3u), std::pair(AudioScope::input, 7u)));
+      ElementsAre(std::pair(AudioScope::output, 3u), std::pair(AudioScope::input, 7u)));
 }
 
 TEST_F(AudioServiceTest, WritesWithinBoundsAndMirrorsAtOnce) {
@@ -91,9 +90,12 @@ TEST_F(AudioServiceTest, WritesWithinBoundsAndMirrorsAtOnce) {
     double expected;
     bool mutedBefore, mutedAfter;
   } cases[] = {
-      {"a volume", 0.3, 0.3, false, false},  {"too much", 1.4, 1, false, false},
-      {"too little", -0.2, 0, false, false}, {"above 0 unmutes", 0.1, 0.1, true, false},
-      {"0 stays muted", 0, 0, true, true},   {"below 0 stays muted", -1, 0, true, true},
+      {"a volume", 0.3, 0.3, false, false},
+      {"too much", 1.4, 1, false, false},
+      {"too little", -0.2, 0, false, false},
+      {"above 0 unmutes", 0.1, 0.1, true, false},
+      {"0 stays muted", 0, 0, true, true},
+      {"below 0 stays muted", -1, 0, true, true},
   };
   audio.start();
   for (const auto& c : cases) {

@@ -50,8 +50,7 @@ TEST_F(CalendarServiceTest, ListsTodayAndTomorrowByStart) {
   const double tomorrowsEnd = startOfDay(now(), 2) - now();
   start();
   desktop.calendars.set({event("tomorrow", tomorrowsEnd - 60), event("later", tomorrowsEnd),
-                         event("next", 600), event("under way", -600), event("same", 600),
-                         event("over", -1800, 1799)});
+      event("next", 600), event("under way", -600), event("same", 600), event("over", -1800, 1799)});
   EXPECT_THAT(titles(), ElementsAre("under way", "next", "same", "tomorrow"));
 
   std::vector<CalendarEvent> many;
@@ -108,8 +107,8 @@ TEST_F(CalendarServiceTest, AnnouncesFiveMinutesAhead) {
   const struct {
     double wait;
     const char* minutes;
-  } cases[] = {{299, "4"},   {40, "1"},     {300, "5"},   {301, nullptr},
-               {0, nullptr}, {-1, nullptr}, {119.9, "1"}, {299.99, "5"}};
+  } cases[] = {{299, "4"}, {40, "1"}, {300, "5"}, {301, nullptr}, {0, nullptr}, {-1, nullptr}, {119.9, "1"},
+      {299.99, "5"}};
   start();
   for (const auto& [wait, minutes] : cases) {
     banners.clear();
@@ -118,8 +117,8 @@ TEST_F(CalendarServiceTest, AnnouncesFiveMinutesAhead) {
     if (!minutes) {
       EXPECT_THAT(banners, IsEmpty()) << wait;
     } else {
-      EXPECT_THAT(banners,
-                  ElementsAre(next.title + ": Starts in " + minutes + " min · " + shortTime(next.start)));
+      EXPECT_THAT(
+          banners, ElementsAre(next.title + ": Starts in " + minutes + " min · " + shortTime(next.start)));
     }
   }
   const ForcedLanguage french("fr");

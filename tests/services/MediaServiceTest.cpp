@@ -38,7 +38,7 @@ class MediaServiceTest : public testing::Test {
   MemoryDesktop desktop;
   AppSettings settings{desktop.defaults};
   MediaService media{{desktop.scheduler, desktop.folders, desktop.processes, desktop.applications,
-                      desktop.images, desktop.log}};
+      desktop.images, desktop.log}};
 };
 
 TEST_F(MediaServiceTest, StartsTheBridgeOnceWhereThereIsOne) {
@@ -99,11 +99,11 @@ TEST_F(MediaServiceTest, ALineIsTheWholeState) {
     bool playing;
   } cases[] = {
       {R"({"title":"T","artist":"A","album":"B","duration":200.5,"elapsed":12,"rate":0.5,"playing":true})",
-       "T", "A", "B", 200.5, 12, 0.5, true},
+          "T", "A", "B", 200.5, 12, 0.5, true},
       {R"({"title":"é \"✨\" \u00e9","artist":"to\u202e the left","album":"\u0000two\nlines"})", "é \"✨\" é",
-       "to the left", "two lines", 0, 0, 1, false},
+          "to the left", "two lines", 0, 0, 1, false},
       {R"({"title":1,"artist":null,"album":[],"duration":"9","elapsed":true,"rate":"2","playing":1})", "", "",
-       "", 0, 0, 1, false},
+          "", 0, 0, 1, false},
       {R"({"title":"T","playing":true,"unknown":{"a":[1,2]}})", "T", "", "", 0, 0, 1, true},
       {"{}\r", "", "", "", 0, 0, 1, false},
   };
@@ -111,8 +111,8 @@ TEST_F(MediaServiceTest, ALineIsTheWholeState) {
   for (const auto& c : cases) {
     bridgeTells(R"({"title":"Before","artist":"x","album":"y","duration":1,"elapsed":1,"playing":true})");
     bridgeTells(c.line);
-    EXPECT_THAT((std::vector{*media.title, *media.artist, *media.album}),
-                ElementsAre(c.title, c.artist, c.album))
+    EXPECT_THAT(
+        (std::vector{*media.title, *media.artist, *media.album}), ElementsAre(c.title, c.artist, c.album))
         << c.line;
     EXPECT_EQ(media.duration.get(), c.duration) << c.line;
     EXPECT_EQ(media.elapsed.get(), c.elapsed) << c.line;
@@ -201,9 +201,8 @@ TEST_F(MediaServiceTest, KnowsTheProgramThatPlays) {
   const struct {
     const char* pid;
     bool known;
-  } cases[] = {{"42", true},  {"0", true},          {"-1", true},         {"2147483648", true},
-               {"77", true},  {"\"43\"", true},     {"43.5", true},       {"43", false},
-               {"77", false}, {"2147483647", true}, {"99999999999", true}};
+  } cases[] = {{"42", true}, {"0", true}, {"-1", true}, {"2147483648", true}, {"77", true}, {"\"43\"", true},
+      {"43.5", true}, {"43", false}, {"77", false}, {"2147483647", true}, {"99999999999", true}};
   start();
   for (const auto& c : cases) {
     bridgeTells(std::string(R"({"pid":)") + c.pid + R"(,"desktopEntry":"name"})");
@@ -260,8 +259,9 @@ TEST_F(MediaServiceTest, ThePositionRunsWithinTheTrack) {
     media.playing = c.playing;
     EXPECT_DOUBLE_EQ(media.currentElapsed(Date{now + c.later}), c.expected) << c.what;
   }
-  desktop.processes.output(R"({"title":"T","elapsed":40,"playing":true})"
-                           "\n");
+  desktop.processes.output(
+      R"({"title":"T","elapsed":40,"playing":true})"
+      "\n");
   desktop.scheduler.settle();
   EXPECT_DOUBLE_EQ(position(), 40) << "without a timestamp it is from now on";
   EXPECT_DOUBLE_EQ(position(2), 42);
@@ -282,8 +282,8 @@ TEST_F(MediaServiceTest, CommandsToThePlayer) {
   const struct {
     double seconds;
     const char* command;
-  } seeks[] = {{42, "seek 42.0\n"}, {93.25, "seek 93.25\n"},   {0, "seek 0.0\n"},
-               {0.1, "seek 0.1\n"}, {1e6, "seek 1000000.0\n"}, {1.0 / 3, "seek 0.3333333333333333\n"}};
+  } seeks[] = {{42, "seek 42.0\n"}, {93.25, "seek 93.25\n"}, {0, "seek 0.0\n"}, {0.1, "seek 0.1\n"},
+      {1e6, "seek 1000000.0\n"}, {1.0 / 3, "seek 0.3333333333333333\n"}};
   for (const auto& c : seeks) {
     desktop.processes.input.clear();
     media.seek(c.seconds);
@@ -336,8 +336,8 @@ TEST_F(MediaServiceTest, ADemonstrationIsNotDisturbedAndLeavesNothing) {
 
 TEST(AccentColor, IsABrightTintOfTheAverage) {
   const auto cover = [](std::vector<uint32_t> pixels) {
-    return Image{static_cast<int>(pixels.size()), 1,
-                 std::make_shared<std::vector<uint32_t>>(std::move(pixels))};
+    return Image{
+        static_cast<int>(pixels.size()), 1, std::make_shared<std::vector<uint32_t>>(std::move(pixels))};
   };
   const struct {
     const char* what;

@@ -151,12 +151,13 @@ TEST_F(NotesStoreTest, WhatCouldNotBeWrittenIsTriedAgain) {
   struct {
     const char* what;
     std::function<void(NotesStore&)> then;
-  } const cases[] = {{"with the next pause",
-                      [&](NotesStore& notes) {
-                        notes.setText("new");
-                        pass(0.5);
-                      }},
-                     {"at the end", [](NotesStore& notes) { notes.flush(); }}};
+  } const cases[] = {
+      {"with the next pause",
+          [&](NotesStore& notes) {
+            notes.setText("new");
+            pass(0.5);
+          }},
+      {"at the end", [](NotesStore& notes) { notes.flush(); }}};
   for (const auto& c : cases) {
     SCOPED_TRACE(c.what);
     NotesStore notes(desktop.scheduler, desktop.folders);

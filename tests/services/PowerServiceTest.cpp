@@ -19,8 +19,8 @@ class PowerServiceTest : public testing::Test {
   PowerServiceTest() {
     power.onTransient = [this](const Transient& transient) { transients.push_back(transient); };
     power.onBanner = [this](const Banner& banner, double seconds) {
-      EXPECT_EQ(banner,
-                (Banner{banner.id, "battery.25percent", colors::red, banner.title, banner.subtitle, {}}));
+      EXPECT_EQ(
+          banner, (Banner{banner.id, "battery.25percent", colors::red, banner.title, banner.subtitle, {}}));
       EXPECT_EQ(seconds, 5);
       banners.push_back(banner.title + ": " + banner.subtitle);
     };
@@ -76,8 +76,8 @@ TEST_F(PowerServiceTest, TellsOfTheChargerAndTheLowPowerMode) {
   desktop.powerSources.setLowPowerMode(true);
   desktop.powerSources.setLowPowerMode(false);
   EXPECT_THAT(transients,
-              ElementsAre(Transient::power(true, 80), Transient::power(false, 81), Transient::power(true, 81),
-                          Transient::lowPowerMode(true), Transient::lowPowerMode(false)));
+      ElementsAre(Transient::power(true, 80), Transient::power(false, 81), Transient::power(true, 81),
+          Transient::lowPowerMode(true), Transient::lowPowerMode(false)));
   EXPECT_THAT(desktop.sounds.played, ElementsAre(Sound::powerPlug, Sound::powerPlug));
   EXPECT_THAT(banners, IsEmpty());
 }
@@ -127,15 +127,14 @@ TEST_F(PowerServiceTest, ComputesTheLevel) {
   const struct {
     double current, maximum;
     int level;
-  } cases[] = {{50, 100, 50},   {19.99, 100, 19}, {30, 60, 50},        {42, 0, 42},
-               {42, -1, 42},    {0, 100, 0},      {NAN, 100, 0},       {50, NAN, 50},
-               {1e9, 100, 100}, {-5, 100, 0},     {INFINITY, 100, 100}};
+  } cases[] = {{50, 100, 50}, {19.99, 100, 19}, {30, 60, 50}, {42, 0, 42}, {42, -1, 42}, {0, 100, 0},
+      {NAN, 100, 0}, {50, NAN, 50}, {1e9, 100, 100}, {-5, 100, 0}, {INFINITY, 100, 100}};
   power.start(settings);
   for (const auto& [current, maximum, level] : cases) {
     desktop.powerSources.set({{{.isInternalBattery = true,
-                                .currentCapacity = current,
-                                .maxCapacity = maximum,
-                                .onACPower = true}}});
+        .currentCapacity = current,
+        .maxCapacity = maximum,
+        .onACPower = true}}});
     EXPECT_EQ(power.level, level) << current << " of " << maximum;
   }
   PowerSource mouse = battery(5, false);

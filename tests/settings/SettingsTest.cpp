@@ -81,7 +81,7 @@ class SettingsTest : public testing::Test {
   MemoryHookSetup hooks;
   int quits = 0;
   SettingsWindow settings{{model, hud, loginItem, pages, hooks, desktop.appearance, desktop.scheduler, false,
-                           [this] { ++quits; }}};
+      [this] { ++quits; }}};
 };
 
 TEST_F(SettingsTest, EachSwitchIsItsPreference) {
@@ -94,7 +94,7 @@ TEST_F(SettingsTest, EachSwitchIsItsPreference) {
       {"Hide in full screen", "Masquer en plein écran", "hideInFullscreen", all.hideInFullscreen},
       {"Now Playing", "Lecture en cours", "showNowPlaying", all.showNowPlaying},
       {"Battery and Low Power Mode", "Batterie et mode économie d'énergie", "batteryAlerts",
-       all.batteryAlerts},
+          all.batteryAlerts},
       {"Bluetooth devices", "Appareils Bluetooth", "bluetoothAlerts", all.bluetoothAlerts},
       {"Calendar", "Calendrier", "calendarEnabled", all.calendarEnabled},
       {"Replace system HUDs", "Remplacer les HUD système", "replaceHUD", all.replaceHUD},

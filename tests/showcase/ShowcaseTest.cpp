@@ -147,7 +147,7 @@ TEST_F(ShowcaseTest, DrivesTheNotch) {
     EXPECT_TRUE(model.isDraggingFiles == dragging && model.isDropTargeted == targeted) << argument;
   }
   for (const auto& [index, id] :
-       {std::pair{"2", 9003u}, {"x", 9001u}, {"1", 9002u}, {"-1", 9002u}, {"3", 9002u}}) {
+      {std::pair{"2", 9003u}, {"x", 9001u}, {"1", 9002u}, {"-1", 9002u}, {"3", 9002u}}) {
     tell("output", index);
     EXPECT_EQ(model.audio.outputID, id) << index;
   }

@@ -10,9 +10,9 @@
 namespace tarnwick {
 namespace {
 
-constexpr std::array names{"0-peek",   "1-compact-claude", "2-hud-volume", "2b-hud-loud", "2c-hud-mid",
-                           "3-power",  "4-device",         "5-banner",     "6-home",      "6b-compact-media",
-                           "6c-audio", "7-claude",         "8-tray",       "9-notes"};
+constexpr std::array names{"0-peek", "1-compact-claude", "2-hud-volume", "2b-hud-loud", "2c-hud-mid",
+    "3-power", "4-device", "5-banner", "6-home", "6b-compact-media", "6c-audio", "7-claude", "8-tray",
+    "9-notes"};
 
 TEST(Snapshot, WritesAPictureOfEachScene) {
   const TemporaryFolder folder;

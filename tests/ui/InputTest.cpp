@@ -11,12 +11,11 @@ TEST(Input, tapsReachTheInnermostControlOnly) {
   int outer = 0, inner = 0;
   bool outerOn = true;
   Stage stage([&] {
-    return ZStack(
-               UnitPoint::center,
-               {Rectangle().fill(black()),
-                Circle().fill(white()).frame({.width = 60, .height = 60}).contentShape(Circle()).onTap([&] {
-                  ++inner;
-                })})
+    return ZStack(UnitPoint::center,
+        {Rectangle().fill(black()),
+            Circle().fill(white()).frame({.width = 60, .height = 60}).contentShape(Circle()).onTap([&] {
+              ++inner;
+            })})
         .frame({.width = 200, .height = 100})
         .onTap([&] { ++outer; }, outerOn);
   });
@@ -36,15 +35,16 @@ TEST(Input, aButtonActsOnReleaseInsideOnly) {
   int pressed = 0;
   Stage stage([&] {
     return Button({.name = "go",
-                   .label = Text("Go"),
-                   .style =
-                       [](View label, bool down, bool hovering) {
-                         return label.frame({.width = 40, .height = 20})
-                             .overlay(Text("").id(down       ? "down"
-                                                  : hovering ? "hover"
-                                                             : "rest"));
-                       },
-                   .action = [&] { ++pressed; }});
+        .label = Text("Go"),
+        .style =
+            [](View label, bool down, bool hovering) {
+              return label.frame({.width = 40, .height = 20})
+                  .overlay(Text("").id(
+                      down       ? "down"
+                      : hovering ? "hover"
+                                 : "rest"));
+            },
+        .action = [&] { ++pressed; }});
   });
   ASSERT_TRUE(stage.inspect.id("rest"));
   stage.inspect.hover(*stage.inspect.control("go"));
@@ -75,8 +75,8 @@ TEST(Input, dragsTellTheirPlaceInTheView) {
         .frame({.width = 100, .height = 20})
         .scaleEffect(2)
         .onDrag({.minimumDistance = distance,
-                 .changed = [&](const DragValue& drag) { seen.push_back(drag.location.x / drag.size.width); },
-                 .ended = [&](const DragValue&) { ++ended; }});
+            .changed = [&](const DragValue& drag) { seen.push_back(drag.location.x / drag.size.width); },
+            .ended = [&](const DragValue&) { ++ended; }});
   });
   stage.inspect.drag({150, 150}, {250, 150});
   ASSERT_EQ(seen.size(), 3u) << "the press counts as well";
@@ -94,17 +94,17 @@ TEST(Input, aSliderShowsWhereItIsDragged) {
   std::vector<double> changed, ended;
   Stage stage([&] {
     return Slider({.name = "position",
-                   .value = 60,
-                   .most = 300,
-                   .style =
-                       [](double fraction, bool active) {
-                         return Rectangle()
-                             .fill(white())
-                             .frame({.width = 300, .height = 20})
-                             .overlay(Text(std::to_string(lround(fraction * 100)) + (active ? " held" : "")));
-                       },
-                   .changed = [&](double value) { changed.push_back(value); },
-                   .ended = [&](double value) { ended.push_back(value); }});
+        .value = 60,
+        .most = 300,
+        .style =
+            [](double fraction, bool active) {
+              return Rectangle()
+                  .fill(white())
+                  .frame({.width = 300, .height = 20})
+                  .overlay(Text(std::to_string(lround(fraction * 100)) + (active ? " held" : "")));
+            },
+        .changed = [&](double value) { changed.push_back(value); },
+        .ended = [&](double value) { ended.push_back(value); }});
   });
   EXPECT_TRUE(stage.inspect.text("20"));
   stage.scene.input().pressed({200, 150});
@@ -124,16 +124,17 @@ TEST(Input, gesturesGoToTheFrontmostViewThatWantsThem) {
   std::string heard;
   const auto add = [&](const std::string& what) { heard += what + " "; };
   Stage stage([&] {
-    const View front = Rectangle()
-                           .fill(white())
-                           .frame({.width = 100, .height = 40})
-                           .onTap([&] { add("first"); })
-                           .onTap([&] { add("second"); })
-                           .onHover([](bool) {});
+    const View front =
+        Rectangle()
+            .fill(white())
+            .frame({.width = 100, .height = 40})
+            .onTap([&] { add("first"); })
+            .onTap([&] { add("second"); })
+            .onHover([](bool) {});
     return ZStack(UnitPoint::center, {front})
         .frame({.width = 300, .height = 200})
         .onDrag({.changed = [&](const DragValue&) { add("drag"); },
-                 .ended = [&](const DragValue&) { add("dropped"); }})
+            .ended = [&](const DragValue&) { add("dropped"); }})
         .onPointer([&](const PointerEvent& event) {
           if (event.button != PointerButton::secondary) return false;
           add("menu" + std::to_string(event.clicks) + (event.modifiers.shift ? "+" : ""));
@@ -147,19 +148,19 @@ TEST(Input, gesturesGoToTheFrontmostViewThatWantsThem) {
   };
   EXPECT_EQ(heardOf([&] { stage.inspect.tap(Point{200, 150}); }), "first second ");
   EXPECT_EQ(heardOf([&] {
-              stage.inspect.drag({200, 150}, {202, 150});
-            }),
-            "first second ")
+    stage.inspect.drag({200, 150}, {202, 150});
+  }),
+      "first second ")
       << "hardly a drag of what is behind";
   EXPECT_EQ(heardOf([&] { stage.inspect.drag({200, 150}, {240, 150}); }), "drag drag dropped ");
   EXPECT_EQ(heardOf([&] { stage.inspect.tap(Point{80, 80}); }), "drag dropped ");
   EXPECT_EQ(heardOf([&] {
-              stage.scene.input().pressed({200, 150}, PointerButton::secondary, {.shift = true});
-              stage.scene.input().pressed({200, 150});
-              stage.scene.input().released({200, 150});
-              stage.scene.input().released({200, 150}, PointerButton::secondary);
-            }),
-            "menu1+ menu1 ")
+    stage.scene.input().pressed({200, 150}, PointerButton::secondary, {.shift = true});
+    stage.scene.input().pressed({200, 150});
+    stage.scene.input().released({200, 150});
+    stage.scene.input().released({200, 150}, PointerButton::secondary);
+  }),
+      "menu1+ menu1 ")
       << "one gesture at a time, of the button that began it";
 }
 
@@ -176,8 +177,8 @@ TEST(Input, whatVanishesIsToldThatItsGestureIsOver) {
             .onPress(down)
             .onTap([&] { heard += "tap "; })
             .onDrag({.minimumDistance = 5,
-                     .ended = [&](const DragValue&) { heard += "ended "; },
-                     .cancelled = [&] { heard += "cancelled "; }})
+                .ended = [&](const DragValue&) { heard += "ended "; },
+                .cancelled = [&] { heard += "cancelled "; }})
             .allowsHitTesting(enabled);
       });
       return shown ? knob : View();
@@ -190,7 +191,7 @@ TEST(Input, whatVanishesIsToldThatItsGestureIsOver) {
       stage.scene.input().cancelled();
     } else {
       stage.change([&] { (how == std::string("switched off") ? enabled : shown) = false; },
-                   how == std::string("leaving") ? std::optional(linear(1)) : std::nullopt);
+          how == std::string("leaving") ? std::optional(linear(1)) : std::nullopt);
     }
     EXPECT_EQ(heard, "cancelled ");
     stage.scene.input().released({120, 100});
@@ -200,13 +201,14 @@ TEST(Input, whatVanishesIsToldThatItsGestureIsOver) {
 
 TEST(Input, contentThatIsAtItsEndLetsTheNextScroll) {
   Stage stage([] {
-    const View inner = ScrollView(Axis::vertical, Text("in").frame({.width = 90, .height = 120}).id("inner"))
-                           .frame({.width = 100, .height = 100});
+    const View inner =
+        ScrollView(Axis::vertical, Text("in").frame({.width = 90, .height = 120}).id("inner"))
+            .frame({.width = 100, .height = 100});
     const View column = VStack({}, {inner, Rectangle().fill(white()).frame({.width = 100, .height = 400})});
     const View row = ScrollView(Axis::horizontal, Text("wide").frame({.width = 900, .height = 90}).id("row"))
                          .frame({.width = 200, .height = 100});
-    return HStack({},
-                  {ScrollView(Axis::vertical, column.id("outer")).frame({.width = 100, .height = 200}), row});
+    return HStack(
+        {}, {ScrollView(Axis::vertical, column.id("outer")).frame({.width = 100, .height = 200}), row});
   });
   const auto place = [&](const char* id) {
     const Rect frame = stage.inspect.id(id)->targetFrame();
@@ -261,12 +263,11 @@ TEST(Input, aTooltipShowsWhereThePointerRests) {
 TEST(Input, aButtonThatShrinksWhilePressedKeepsItsArea) {
   int pressed = 0;
   Stage stage([&] {
-    return Button(
-        {.name = "go",
-         .label = Rectangle().fill(white()),
-         .style = [](View label, bool down,
+    return Button({.name = "go",
+        .label = Rectangle().fill(white()),
+        .style = [](View label, bool down,
                      bool) { return label.frame({.width = 100, .height = 20}).scaleEffect(down ? 0.8 : 1); },
-         .action = [&] { ++pressed; }});
+        .action = [&] { ++pressed; }});
   });
   stage.scene.input().pressed({151, 150});
   stage.play(0.2);
@@ -279,11 +280,12 @@ TEST(Input, handlersMayRemoveWhatIsDragged) {
   std::string seen(1000, 'x');
   Stage* here = nullptr;
   Stage stage([&] {
-    return shown ? Rectangle().fill(white()).onDrag({.changed =
-                                                         [&, copy = seen](const DragValue&) {
-                                                           here->change([&] { shown = false; }, linear(1));
-                                                           seen = copy + "y";
-                                                         }})
+    return shown ? Rectangle().fill(white()).onDrag(
+                       {.changed =
+                               [&, copy = seen](const DragValue&) {
+                                 here->change([&] { shown = false; }, linear(1));
+                                 seen = copy + "y";
+                               }})
                  : View();
   });
   here = &stage;

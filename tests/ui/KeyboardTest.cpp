@@ -29,12 +29,12 @@ TEST(Keyboard, movesTheFocusAsKeysDoElsewhere) {
   Stage stage([&] {
     Views rows;
     for (int i = 0; i < 20; ++i) rows.push_back(control("row " + std::to_string(i)));
-    return VStack(
-        {}, {HStack({}, {control("home"), control("audio").accessibilityChecked(true), control("notes")})
-                 .arrowKeys(Axis::horizontal),
-             control("off").allowsHitTesting(false), extra ? control("extra") : View(),
-             ScrollView(Axis::vertical, VStack({}, rows).arrowKeys(Axis::vertical))
-                 .frame({.width = 60, .height = 60})});
+    return VStack({},
+        {HStack({}, {control("home"), control("audio").accessibilityChecked(true), control("notes")})
+                .arrowKeys(Axis::horizontal),
+            control("off").allowsHitTesting(false), extra ? control("extra") : View(),
+            ScrollView(Axis::vertical, VStack({}, rows).arrowKeys(Axis::vertical))
+                .frame({.width = 60, .height = 60})});
   });
   const struct {
     Key key;
@@ -74,12 +74,10 @@ TEST(Keyboard, operatesTheControlWithTheFocus) {
   double value = 0.5;
   std::string keys;
   Stage stage([&] {
-    return VStack(
-               {},
-               {control("button", [&] { ++taps; }).onKey(Key::escape, [&] { keys += "inner "; }),
-                Slider(
-                    {.name = "volume", .value = value, .step = 0.2, .changed = [&](double v) { value = v; }})
-                    .frame({.width = 100})})
+    return VStack({},
+        {control("button", [&] { ++taps; }).onKey(Key::escape, [&] { keys += "inner "; }),
+            Slider({.name = "volume", .value = value, .step = 0.2, .changed = [&](double v) { value = v; }})
+                .frame({.width = 100})})
         .onKey(Key::escape, [&] { keys += "outer "; });
   });
   EXPECT_TRUE(stage.inspect.key(Key::escape));
@@ -97,8 +95,8 @@ TEST(Keyboard, operatesTheControlWithTheFocus) {
   const struct {
     Key key;
     double expected;
-  } steps[] = {{Key::right, 0.7}, {Key::up, 0.9}, {Key::right, 1}, {Key::left, 0.8},
-               {Key::home, 0},    {Key::down, 0}, {Key::end, 1},   {Key::pageDown, 0}};
+  } steps[] = {{Key::right, 0.7}, {Key::up, 0.9}, {Key::right, 1}, {Key::left, 0.8}, {Key::home, 0},
+      {Key::down, 0}, {Key::end, 1}, {Key::pageDown, 0}};
   for (const auto& step : steps) {
     EXPECT_TRUE(stage.inspect.key(step.key));
     stage.change([] {});

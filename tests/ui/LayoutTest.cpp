@@ -19,63 +19,62 @@ struct Case {
 TEST(Layout, placesViews) {
   const std::vector<Case> cases{
       {"a row centres across and shares what is left among the flexible",
-       [] {
-         return HStack({.spacing = 10}, {box(50, 20, "a"), filling("b"), box(30, 40, "c"), filling("d")});
-       },
-       {{"a", {0, 140, 50, 20}},
-        {"b", {60, 0, 145, 300}},
-        {"c", {215, 130, 30, 40}},
-        {"d", {255, 0, 145, 300}}}},
+          [] {
+            return HStack({.spacing = 10}, {box(50, 20, "a"), filling("b"), box(30, 40, "c"), filling("d")});
+          },
+          {{"a", {0, 140, 50, 20}}, {"b", {60, 0, 145, 300}}, {"c", {215, 130, 30, 40}},
+              {"d", {255, 0, 145, 300}}}},
       {"a spacer pushes to the end",
-       [] {
-         return HStack({}, {box(50, 20, "a"), Spacer(), box(30, 20, "b")});
-       },
-       {{"a", {0, 140, 50, 20}}, {"b", {370, 140, 30, 20}}}},
+          [] {
+            return HStack({}, {box(50, 20, "a"), Spacer(), box(30, 20, "b")});
+          },
+          {{"a", {0, 140, 50, 20}}, {"b", {370, 140, 30, 20}}}},
       {"what has priority gets what it wants first",
-       [] {
-         return HStack({}, {filling("a"), filling("b").frame({.maxWidth = 300}).prioritized()});
-       },
-       {{"a", {0, 0, 100, 300}}, {"b", {100, 0, 300, 300}}}},
+          [] {
+            return HStack({}, {filling("a"), filling("b").frame({.maxWidth = 300}).prioritized()});
+          },
+          {{"a", {0, 0, 100, 300}}, {"b", {100, 0, 300, 300}}}},
       {"a column aligns at the leading edge",
-       [] {
-         return VStack({.spacing = 4, .align = Align::leading}, {box(50, 20, "a"), box(30, 40, "b")})
-             .frame({.width = 100, .height = 64, .align = UnitPoint::topLeading})
-             .frame({.maxWidth = infinity, .maxHeight = infinity, .align = UnitPoint::bottomTrailing});
-       },
-       {{"a", {300, 236, 50, 20}}, {"b", {300, 260, 30, 40}}}},
+          [] {
+            return VStack({.spacing = 4, .align = Align::leading}, {box(50, 20, "a"), box(30, 40, "b")})
+                .frame({.width = 100, .height = 64, .align = UnitPoint::topLeading})
+                .frame({.maxWidth = infinity, .maxHeight = infinity, .align = UnitPoint::bottomTrailing});
+          },
+          {{"a", {300, 236, 50, 20}}, {"b", {300, 260, 30, 40}}}},
       {"nothing takes no place and no spacing",
-       [] {
-         return HStack({.spacing = 10}, {box(50, 20, "a"), View(), observing([] { return View(); }),
-                                         box(30, 20, "b"), Spacer()});
-       },
-       {{"b", {60, 140, 30, 20}}}},
+          [] {
+            return HStack({.spacing = 10},
+                {box(50, 20, "a"), View(), observing([] { return View(); }), box(30, 20, "b"), Spacer()});
+          },
+          {{"b", {60, 140, 30, 20}}}},
       {"a sideways list is as high as its content, and scrolls what is wider",
-       [] {
-         return VStack({}, {ScrollView(Axis::horizontal, HStack({}, {box(300, 20, "a"), box(300, 30, "b")})),
-                            filling("c")});
-       },
-       {{"a", {0, 5, 300, 20}}, {"b", {300, 0, 300, 30}}, {"c", {0, 30, 400, 270}}}},
+          [] {
+            return VStack({},
+                {ScrollView(Axis::horizontal, HStack({}, {box(300, 20, "a"), box(300, 30, "b")})),
+                    filling("c")});
+          },
+          {{"a", {0, 5, 300, 20}}, {"b", {300, 0, 300, 30}}, {"c", {0, 30, 400, 270}}}},
       {"padding, background and overlay",
-       [] {
-         return box(50, 20, "a")
-             .padding(Edge::horizontal, 5)
-             .padding(Edge::top, 2)
-             .background(filling("b"))
-             .overlay(box(10, 10, "c"), UnitPoint::topTrailing)
-             .frame({.maxWidth = infinity, .maxHeight = infinity, .align = UnitPoint::topLeading});
-       },
-       {{"a", {5, 2, 50, 20}}, {"b", {0, 0, 60, 22}}, {"c", {50, 0, 10, 10}}}},
+          [] {
+            return box(50, 20, "a")
+                .padding(Edge::horizontal, 5)
+                .padding(Edge::top, 2)
+                .background(filling("b"))
+                .overlay(box(10, 10, "c"), UnitPoint::topTrailing)
+                .frame({.maxWidth = infinity, .maxHeight = infinity, .align = UnitPoint::topLeading});
+          },
+          {{"a", {5, 2, 50, 20}}, {"b", {0, 0, 60, 22}}, {"c", {50, 0, 10, 10}}}},
       {"an aspect ratio fits",
-       [] {
-         return filling("a").aspectRatio(2).frame({.width = 100, .height = 80, .align = UnitPoint::top});
-       },
-       {{"a", {150, 110, 100, 50}}}},
+          [] {
+            return filling("a").aspectRatio(2).frame({.width = 100, .height = 80, .align = UnitPoint::top});
+          },
+          {{"a", {150, 110, 100, 50}}}},
       {"layers align in the largest",
-       [] {
-         return ZStack(UnitPoint::bottomLeading, {box(50, 60, "a"), box(20, 10, "b")})
-             .frame({.width = 50, .height = 60});
-       },
-       {{"a", {175, 120, 50, 60}}, {"b", {175, 170, 20, 10}}}},
+          [] {
+            return ZStack(UnitPoint::bottomLeading, {box(50, 60, "a"), box(20, 10, "b")})
+                .frame({.width = 50, .height = 60});
+          },
+          {{"a", {175, 120, 50, 60}}, {"b", {175, 170, 20, 10}}}},
   };
   for (const Case& test : cases) {
     Stage stage([&] { return test.view().frame({.maxWidth = infinity, .maxHeight = infinity}); });
@@ -93,13 +92,12 @@ TEST(Layout, placesViews) {
 
 TEST(Layout, nothingDecoratedIsNothing) {
   const View nothing;
-  for (const View& view :
-       {nothing.frame({.width = 9}), nothing.padding(9), nothing.aspectRatio(1),
-        nothing.background(filling("")), nothing.overlay(filling("")), nothing.opacity(0.5),
-        nothing.opacity(0.5).opacity(0.5), nothing.clipShape(Circle()), nothing.shadow(black(), 9),
-        nothing.font({9}), nothing.id("id"), nothing.transition(Transition::opacity()),
-        nothing.matchedGeometry("id", Namespace::make()), nothing.pulse(), nothing.onTap([] {}),
-        nothing.accessibility(Role::button, "name"), Group(nothing)}) {
+  for (const View& view : {nothing.frame({.width = 9}), nothing.padding(9), nothing.aspectRatio(1),
+           nothing.background(filling("")), nothing.overlay(filling("")), nothing.opacity(0.5),
+           nothing.opacity(0.5).opacity(0.5), nothing.clipShape(Circle()), nothing.shadow(black(), 9),
+           nothing.font({9}), nothing.id("id"), nothing.transition(Transition::opacity()),
+           nothing.matchedGeometry("id", Namespace::make()), nothing.pulse(), nothing.onTap([] {}),
+           nothing.accessibility(Role::button, "name"), Group(nothing)}) {
     EXPECT_TRUE(view.isEmpty());
   }
 }
@@ -107,7 +105,7 @@ TEST(Layout, nothingDecoratedIsNothing) {
 TEST(Layout, textBaselinesAlign) {
   Stage stage([] {
     return HStack({.spacing = 6, .align = Align::firstTextBaseline},
-                  {Text("22").font({20, Weight::bold}).id("large"), Text("Sunday").font({11}).id("small")});
+        {Text("22").font({20, Weight::bold}).id("large"), Text("Sunday").font({11}).id("small")});
   });
   const Rect large = stage.inspect.id("large")->frame(), small = stage.inspect.id("small")->frame();
   EXPECT_GT(small.y, large.y + 4);
@@ -133,15 +131,16 @@ TEST(Layout, digitsKeepTheirWidth) {
 TEST(Layout, buildsOnlyRowsInView) {
   size_t built = 0;
   const auto rows = [&] {
-    return ScrollView(Axis::vertical, LazyVStack({.count = 1000,
-                                                  .length = 40,
-                                                  .spacing = 2,
-                                                  .key = [](size_t i) { return "row" + std::to_string(i); },
-                                                  .item =
-                                                      [&](size_t i) {
-                                                        ++built;
-                                                        return Text(std::to_string(i));
-                                                      }}))
+    return ScrollView(Axis::vertical,
+        LazyVStack({.count = 1000,
+            .length = 40,
+            .spacing = 2,
+            .key = [](size_t i) { return "row" + std::to_string(i); },
+            .item =
+                [&](size_t i) {
+                  ++built;
+                  return Text(std::to_string(i));
+                }}))
         .frame({.width = 300, .height = 84})
         .id("list");
   };

@@ -34,11 +34,12 @@ class Menus : public testing::Test {
   Stage stage{[this] {
     View button =
         MenuButton({.name = "input", .label = Text("Input"), .items = [this] { return items("drop "); }});
-    const View row = Rectangle()
-                         .fill(black())
-                         .frame({.width = 300, .height = 40})
-                         .onTap([this] { chosen += "tap "; })
-                         .contextMenu([this] { return items("pop "); });
+    const View row =
+        Rectangle()
+            .fill(black())
+            .frame({.width = 300, .height = 40})
+            .onTap([this] { chosen += "tap "; })
+            .contextMenu([this] { return items("pop "); });
     return VStack({}, {shown ? button : View(), row})
         .frame(
             {.maxWidth = infinity, .maxHeight = infinity, .align = low ? UnitPoint::bottom : UnitPoint::top})
@@ -126,9 +127,7 @@ TEST_F(Menus, followTheKeyboardWhichTheyBorrow) {
   settle();
   EXPECT_EQ(focused(), "drop one") << "the first that can be chosen";
   for (const auto& [key, expected] : std::vector<std::pair<Key, std::string>>{{Key::down, "drop two"},
-                                                                              {Key::end, "drop three"},
-                                                                              {Key::down, "drop three"},
-                                                                              {Key::up, "drop two"}}) {
+           {Key::end, "drop three"}, {Key::down, "drop three"}, {Key::up, "drop two"}}) {
     stage.inspect.key(key);
     EXPECT_EQ(focused(), expected);
   }

@@ -48,8 +48,8 @@ TEST(Motion, aRetargetedSpringKeepsItsSpeed) {
   EXPECT_DOUBLE_EQ(width(stage, "a"), 100);
 }
 
-const Transition slide{.insertion = {.opacity = 0, .offset = {40, 0}},
-                       .removal = {.opacity = 0, .offset = {-40, 0}}};
+const Transition slide{
+    .insertion = {.opacity = 0, .offset = {40, 0}}, .removal = {.opacity = 0, .offset = {-40, 0}}};
 
 TEST(Motion, viewsEnterAndLeaveByTheirTransition) {
   bool shown = false;
@@ -181,18 +181,19 @@ TEST(Motion, whatRepeatsForEverAsksForFramesOnlyWhileItCanBeSeen) {
       {"in sight", [](View view) { return view; }, true},
       {"transparent", [](View view) { return view.opacity(0).opacity(1); }, false},
       {"cut off",
-       [](View view) {
-         return view.offset({999, 0}).clipShape(Rectangle());
-       },
-       false},
+          [](View view) {
+            return view.offset({999, 0}).clipShape(Rectangle());
+          },
+          false},
   };
   for (const auto& c : cases) {
     double phase = 0;
     Stage stage([&] {
-      return c.around(Rectangle()
-                          .stroke(white(), {.dash = {6, 5}, .dashPhase = phase})
-                          .frame({.width = 100, .height = 20})
-                          .animation(linear(0.6).repeatingForever(), phase));
+      return c.around(
+          Rectangle()
+              .stroke(white(), {.dash = {6, 5}, .dashPhase = phase})
+              .frame({.width = 100, .height = 20})
+              .animation(linear(0.6).repeatingForever(), phase));
     });
     stage.change([&] { phase = 22; }, linear(0.1));
     stage.play(9.1);
@@ -205,12 +206,10 @@ TEST(Motion, timelinesTickOnlyWhileTheyCanBeSeen) {
   double opacity = 1;
   bool paused = false;
   Stage stage([&] {
-    return timeline(0.1, paused,
-                    [&](Date) {
-                      ++made;
-                      return Text(std::to_string(made));
-                    })
-        .opacity(opacity);
+    return timeline(0.1, paused, [&](Date) {
+      ++made;
+      return Text(std::to_string(made));
+    }).opacity(opacity);
   });
   stage.play(1);
   EXPECT_NEAR(made, 11, 1);
@@ -245,10 +244,9 @@ TEST(Motion, aCountdownTicksOnItsOwnSecondsAndEnds) {
 TEST(Motion, repaintsOnlyWhatChanged) {
   int ticks = 0;
   Stage stage([&] {
-    return HStack(
-        {},
+    return HStack({},
         {Text(std::to_string(ticks % 10)).monospacedDigits().frame({.width = 20, .height = 20}).id("tick"),
-         Spacer(), Text("still").id("still")});
+            Spacer(), Text("still").id("still")});
   });
   stage.scene.takeDamage();
   stage.change([&] { ++ticks; });
@@ -266,11 +264,10 @@ TEST(Motion, aMatchedViewMayGoInTheCommitThatHasMadeIt) {
   const Namespace names = Namespace::make();
   Stage stage([&] {
     return GeometryReader([&, round = round](Size size) {
-             return Text("thing")
-                 .matchedGeometry("thing", names)
-                 .id(std::to_string(round) + "/" + std::to_string(size.width));
-           })
-        .frame({.width = 100.0 + 100 * round, .height = 20});
+      return Text("thing")
+          .matchedGeometry("thing", names)
+          .id(std::to_string(round) + "/" + std::to_string(size.width));
+    }).frame({.width = 100.0 + 100 * round, .height = 20});
   });
   stage.change([&] { ++round; }, linear(1));
   EXPECT_TRUE(stage.inspect.id("1/200.000000"));

@@ -101,10 +101,10 @@ TEST(Painting, groupsThatOnlyMoveAreNotDrawnAgain) {
   double blur = 8;
   Stage stage([&] {
     return CanvasView(1,
-                      [&](Canvas& canvas, Size size) {
-                        ++drawn;
-                        canvas.fill(Rect{0, 0, size.width, size.height}, white());
-                      })
+        [&](Canvas& canvas, Size size) {
+          ++drawn;
+          canvas.fill(Rect{0, 0, size.width, size.height}, white());
+        })
         .frame({.width = 40, .height = 40})
         .blur(blur)
         .offset({blur, 0});
@@ -134,8 +134,8 @@ TEST(Painting, fadesAGroupAsOne) {
 
 TEST(Painting, aDarkLightFadesFinerThanTheLevelsOfAPixel) {
   Stage stage(ZStack(UnitPoint::center,
-                     {Rectangle().fill(black()), Rectangle().fill(radialGradient(
-                                                     {white(0.05), white(0)}, UnitPoint::topLeading, 400))}));
+      {Rectangle().fill(black()),
+          Rectangle().fill(radialGradient({white(0.05), white(0)}, UnitPoint::topLeading, 400))}));
   const QImage image = picture(stage.scene);
   constexpr int side = 8;
   for (int left = 0; left + side <= 400; left += side) {
@@ -205,15 +205,17 @@ TEST(Painting, repairsExactlyWhatChanged) {
         View view =
             RoundedRectangle(6).fill(hsb(double(i) / 5, 0.8, 0.9)).frame({.width = item.width, .height = 24});
         if (item.shadow) view = view.shadow({0.4, 0.7, 1, 0.9}, 5, {0, 3});
-        const View label = Text("item " + std::to_string(item.number))
-                               .font({i % 2 ? 34.0 : 13.0})
-                               .contentTransition(ContentTransition::numericText);
-        views.push_back(HStack({.spacing = 3}, {view, label})
-                            .blur(item.blurred ? 4 : 0)
-                            .opacity(item.faint ? 0.4 : 1)
-                            .id(std::to_string(i))
-                            .transition({.insertion = {.opacity = 0, .blur = 5, .scaleX = 0.6, .scaleY = 0.6},
-                                         .removal = {.opacity = 0, .offset = {20, 0}}}));
+        const View label =
+            Text("item " + std::to_string(item.number))
+                .font({i % 2 ? 34.0 : 13.0})
+                .contentTransition(ContentTransition::numericText);
+        views.push_back(
+            HStack({.spacing = 3}, {view, label})
+                .blur(item.blurred ? 4 : 0)
+                .opacity(item.faint ? 0.4 : 1)
+                .id(std::to_string(i))
+                .transition({.insertion = {.opacity = 0, .blur = 5, .scaleX = 0.6, .scaleY = 0.6},
+                    .removal = {.opacity = 0, .offset = {20, 0}}}));
       }
       return VStack({.spacing = spacing}, {views})
           .padding(10)

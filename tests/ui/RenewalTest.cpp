@@ -44,10 +44,10 @@ TEST(Renewal, aBodyThatAlwaysChangesWhatItReadsIsLeftAsItIs) {
   bool restless = true;
   Stage stage(observing([&] {
     return VStack({}, {stateful(0, [&](State<int> count) {
-                    ++runs;
-                    if (restless) count.set(count.get() + 1);
-                    return Text("count").onTap([=] { count.set(-1); });
-                  })});
+      ++runs;
+      if (restless) count.set(count.get() + 1);
+      return Text("count").onTap([=] { count.set(-1); });
+    })});
   }));
   stage.play(1);
   EXPECT_LT(runs, 20);

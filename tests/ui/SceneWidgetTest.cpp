@@ -68,8 +68,8 @@ TEST(SceneWidget, tellsAssistiveTechnologyItsControls) {
   VirtualScheduler scheduler;
   int pressed = 0;
   SceneWidget widget(scheduler, {200, 100},
-                     HStack({}, {Button({"Home", Text("H"), {}, [&] { ++pressed; }}), Text("not a control"),
-                                 Button({"Settings", Text("S"), {}, [&] { pressed += 10; }})}));
+      HStack({}, {Button({"Home", Text("H"), {}, [&] { ++pressed; }}), Text("not a control"),
+                     Button({"Settings", Text("S"), {}, [&] { pressed += 10; }})}));
   widget.show();
   const Listener listener;
   QAccessibleInterface* scene = QAccessible::queryAccessibleInterface(&widget);
@@ -94,20 +94,20 @@ TEST(SceneWidget, tellsAssistiveTechnologyWhatChanges) {
     int moved = 0;
   } state;
   SceneWidget widget(scheduler, {200, 100}, observing([&] {
-                       state.noteRead();
-                       Views controls;
-                       for (const std::string& name : state.names) {
-                         controls.push_back(Text(name).accessibility(Role::text, name).id(name));
-                       }
-                       controls.push_back(Text("x")
-                                              .padding(double(state.moved))
-                                              .accessibility(Role::button, state.last)
-                                              .accessibilityChecked(state.on)
-                                              .accessibilityValue({.now = state.level,
-                                                                   .set = [&](double v) { state.level = v; }})
-                                              .id("last"));
-                       return VStack({}, controls);
-                     }));
+    state.noteRead();
+    Views controls;
+    for (const std::string& name : state.names) {
+      controls.push_back(Text(name).accessibility(Role::text, name).id(name));
+    }
+    controls.push_back(
+        Text("x")
+            .padding(double(state.moved))
+            .accessibility(Role::button, state.last)
+            .accessibilityChecked(state.on)
+            .accessibilityValue({.now = state.level, .set = [&](double v) { state.level = v; }})
+            .id("last"));
+    return VStack({}, controls);
+  }));
   widget.show();
   const auto change = [&](const std::function<void()>& alter) {
     alter();
@@ -147,9 +147,9 @@ TEST(SceneWidget, showsAChangeAtOnceButABurstOnlyOnceARefresh) {
   ObservableObject state;
   double width = 0;
   SceneWidget widget(scheduler, {400, 100}, observing([&] {
-                       state.noteRead();
-                       return Rectangle().fill(black()).frame({.width = width, .height = 20});
-                     }));
+    state.noteRead();
+    return Rectangle().fill(black()).frame({.width = width, .height = 20});
+  }));
   widget.show();
   scheduler.advance(1);
   int frames = 0;
@@ -176,8 +176,8 @@ TEST(SceneWidget, showsAChangeAtOnceButABurstOnlyOnceARefresh) {
 TEST(SceneWidget, scrollsWithTheFingersOrByTheClicksOfAWheel) {
   VirtualScheduler scheduler;
   SceneWidget widget(scheduler, {200, 100},
-                     ScrollView(Axis::vertical, Text("x").frame({.width = 100, .height = 1000}).id("content"))
-                         .frame({.width = 200, .height = 100}));
+      ScrollView(Axis::vertical, Text("x").frame({.width = 100, .height = 1000}).id("content"))
+          .frame({.width = 200, .height = 100}));
   widget.show();
   const auto position = [&] {
     widget.scene().frame();
@@ -185,8 +185,8 @@ TEST(SceneWidget, scrollsWithTheFingersOrByTheClicksOfAWheel) {
   };
   // Smooth devices and some wheels tell a raw distance, whose unit is theirs.
   const auto click = [&] {
-    QWheelEvent event({100, 50}, {100, 50}, {0, -120}, {0, -120}, Qt::NoButton, Qt::NoModifier,
-                      Qt::NoScrollPhase, false);
+    QWheelEvent event(
+        {100, 50}, {100, 50}, {0, -120}, {0, -120}, Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase, false);
     QApplication::sendEvent(&widget, &event);
   };
   ASSERT_EQ(position(), 0);
@@ -206,16 +206,15 @@ TEST(SceneWidget, hostsTheToolkitsEditorInPlaceAtRestAndAsAPictureOnItsWay) {
   } state;
   const State<bool> focus(false);
   std::string keyboard;
-  SceneWidget widget(
-      scheduler, {200, 100}, observing([&] {
-        const View editor = TextEditor({.name = "Notes",
-                                        .text = state.text,
-                                        .changed = [&](const auto& text) { state.text = text; },
-                                        .focus = focus});
-        return VStack({}, {state.shown ? editor.frame({.width = 120, .height = 60}) : View(),
-                           Button({.name = "next", .label = Text("Next"), .action = [] {}})})
-            .opacity(state.opacity);
-      }));
+  SceneWidget widget(scheduler, {200, 100}, observing([&] {
+    const View editor = TextEditor({.name = "Notes",
+        .text = state.text,
+        .changed = [&](const auto& text) { state.text = text; },
+        .focus = focus});
+    return VStack({}, {state.shown ? editor.frame({.width = 120, .height = 60}) : View(),
+                          Button({.name = "next", .label = Text("Next"), .action = [] {}})})
+        .opacity(state.opacity);
+  }));
   widget.onTakeKeyboard = [&] {
     keyboard += "take ";
     QApplication::setActiveWindow(&widget);

@@ -18,9 +18,8 @@ const AudioDevice headset{4, "Headset", AudioTransport::usb, false, true};
 /// The open page on devices that a test changes as other programs do.
 struct AudioStage : NotchStage {
   AudioStage() {
-    devices.levels = {{{1, AudioScope::output}, {0.5, false}},
-                      {{2, AudioScope::output}, {0.2, false}},
-                      {{3, AudioScope::input}, {0.8, false}}};
+    devices.levels = {{{1, AudioScope::output}, {0.5, false}}, {{2, AudioScope::output}, {0.2, false}},
+        {{3, AudioScope::input}, {0.8, false}}};
     devices.plug({headphones, screen, microphone, headset}, 1, 3);
     model.audio.start();
     model.expand(Tab::audio);
@@ -41,12 +40,9 @@ TEST(AudioView, ShowsTheLevels) {
     double volume;
     bool muted;
     const char *symbol, *number, *help;
-  } cases[] = {{0, false, "speaker.fill", "0", "Mute"},
-               {0.33, false, "speaker.wave.1.fill", "33", "Mute"},
-               {0.34, false, "speaker.wave.2.fill", "34", "Mute"},
-               {0.67, false, "speaker.wave.3.fill", "67", "Mute"},
-               {1, false, "speaker.wave.3.fill", "100", "Mute"},
-               {0.7, true, "speaker.slash.fill", "0", "Unmute"}};
+  } cases[] = {{0, false, "speaker.fill", "0", "Mute"}, {0.33, false, "speaker.wave.1.fill", "33", "Mute"},
+      {0.34, false, "speaker.wave.2.fill", "34", "Mute"}, {0.67, false, "speaker.wave.3.fill", "67", "Mute"},
+      {1, false, "speaker.wave.3.fill", "100", "Mute"}, {0.7, true, "speaker.slash.fill", "0", "Unmute"}};
   AudioStage stage;
   stage.display.turn(0.25);
   for (const auto& c : cases) {

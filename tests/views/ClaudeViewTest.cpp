@@ -57,7 +57,7 @@ TEST(ClaudeStatusGlyph, CallsBeforeItCounts) {
 
 TEST(ClaudeView, SaysThatThereAreNoSessions) {
   for (const auto& [code, text] :
-       {std::pair{"en", "No Claude Code sessions"}, {"fr", "Aucune session Claude Code"}}) {
+      {std::pair{"en", "No Claude Code sessions"}, {"fr", "Aucune session Claude Code"}}) {
     const ForcedLanguage language(code);
     NotchStage stage;
     openSessions(stage);
@@ -76,8 +76,8 @@ TEST(ClaudeView, ListsTheSessionsThatWantTheUserFirst) {
   openSessions(stage);
   // Rows are built where they can be seen; the last ones after scrolling.
   EXPECT_LT(stage.inspect.text("calling")->frame().y, stage.inspect.text("busy")->frame().y);
-  EXPECT_EQ(stage.inspect.text("busy")->frame().y - stage.inspect.text("calling")->frame().y,
-            sessionRowHeight + 2);
+  EXPECT_EQ(
+      stage.inspect.text("busy")->frame().y - stage.inspect.text("calling")->frame().y, sessionRowHeight + 2);
   stage.inspect.scroll(*stage.inspect.text("busy"), {0, -500});
   stage.settle();
   EXPECT_TRUE(stage.inspect.symbol("checkmark.circle.fill"));
@@ -151,8 +151,8 @@ TEST(SessionRow, LeadsToItsTerminalByClickAndKeyWhereThatIsPossible) {
   const ForcedLanguage english("en");
   NotchStage stage;
   stage.desktop.foreignProcesses.families[7] = {7, 6};
-  stage.hook("a", "UserPromptSubmit",
-             {{"cwd", "/home/me/shop"}, {"process", "7"}, {"process_namespace", "1"}});
+  stage.hook(
+      "a", "UserPromptSubmit", {{"cwd", "/home/me/shop"}, {"process", "7"}, {"process_namespace", "1"}});
   const char* const arrow = "arrow.up.forward.square";
   const auto row = [&] { return *stage.inspect.control("shop: Thinking…"); };
   const auto& forward = stage.desktop.activation.broughtForward;
@@ -227,8 +227,8 @@ TEST(SessionRow, TellsHowLongItTookOrHowLongAgo) {
 
 TEST(SessionRow, CountsUpEachSecond) {
   MemoryDesktop desktop;
-  TerminalVisits terminals(desktop.scheduler, desktop.foreignProcesses, desktop.processes,
-                           desktop.activation);
+  TerminalVisits terminals(
+      desktop.scheduler, desktop.foreignProcesses, desktop.processes, desktop.activation);
   ui::Stage stage(sessionRow(
       {.id = "a", .project = "shop", .phase = Phase::working, .startedAt = VirtualScheduler().now()},
       terminals));

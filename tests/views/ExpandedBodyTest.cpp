@@ -26,8 +26,10 @@ TEST(TabBar, SelectsAndNamesItsTabs) {
     Tab tab;
     const char *english, *french;
   } const tabs[] = {
-      {Tab::notes, "Notes", "Notes"}, {Tab::tray, "Files", "Fichiers"},
-      {Tab::audio, "Sound", "Son"},   {Tab::claude, "Claude Code", "Claude Code"},
+      {Tab::notes, "Notes", "Notes"},
+      {Tab::tray, "Files", "Fichiers"},
+      {Tab::audio, "Sound", "Son"},
+      {Tab::claude, "Claude Code", "Claude Code"},
       {Tab::home, "Home", "Accueil"},
   };
   NotchStage stage;

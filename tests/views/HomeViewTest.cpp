@@ -61,9 +61,8 @@ TEST(Scrubber, WritesTimes) {
   const struct {
     double seconds;
     const char* text;
-  } cases[] = {{0, "0:00"},        {59.9, "0:59"},     {60, "1:00"}, {187, "3:07"},
-               {3600, "60:00"},    {4503.5, "75:03"},  {-4, "0:00"}, {std::nan(""), "0:00"},
-               {infinity, "0:00"}, {-infinity, "0:00"}};
+  } cases[] = {{0, "0:00"}, {59.9, "0:59"}, {60, "1:00"}, {187, "3:07"}, {3600, "60:00"}, {4503.5, "75:03"},
+      {-4, "0:00"}, {std::nan(""), "0:00"}, {infinity, "0:00"}, {-infinity, "0:00"}};
   for (const auto& c : cases) EXPECT_EQ(trackTime(c.seconds), c.text) << c.seconds;
   EXPECT_THAT(trackTime(1e300), Not(testing::HasSubstr("-")));
 }
@@ -73,9 +72,9 @@ TEST(Scrubber, ShowsWhereTheTrackIs) {
     double elapsed, duration;
     const char *time, *left;
     double knob;
-  } cases[] = {{50, 200, "0:50", "-2:30", 0.25}, {260, 200, "3:20", "-0:00", 1},
-               {70, 0, "1:10", "-0:00", 1},      {0, -1, "0:00", "-0:00", 0},
-               {0.5, 0.9, "0:00", "-0:00", 0.5}, {std::nan(""), infinity, "0:00", "-0:00", 0}};
+  } cases[] = {{50, 200, "0:50", "-2:30", 0.25}, {260, 200, "3:20", "-0:00", 1}, {70, 0, "1:10", "-0:00", 1},
+      {0, -1, "0:00", "-0:00", 0}, {0.5, 0.9, "0:00", "-0:00", 0.5},
+      {std::nan(""), infinity, "0:00", "-0:00", 0}};
   HomeStage stage;
   for (const auto& c : cases) {
     stage.playFrom(c.elapsed, c.duration);
@@ -234,8 +233,8 @@ TEST(HomeView, ShowsTheCalendarWhereItIsWanted) {
   EXPECT_LT(bottom(3), surface.bottom() - 12) << "what has no room can be scrolled to";
   stage.model.calendar.authorized = false;
   stage.settle();
-  EXPECT_THAT(stage.inspect.texts(),
-              AllOf(Contains("Calendar access not allowed"), Not(Contains("Event 0"))));
+  EXPECT_THAT(
+      stage.inspect.texts(), AllOf(Contains("Calendar access not allowed"), Not(Contains("Event 0"))));
 }
 
 TEST(EventRow, SaysWhen) {
@@ -246,13 +245,11 @@ TEST(EventRow, SaysWhen) {
     const char *english, *french;
   } cases[] = {
       {{.start = today + 14 * 3600, .end = today + 15 * 3600}, "2:00 PM – 3:00 PM", "14:00 – 15:00"},
-      {{.start = tomorrow + 9 * 3600, .end = tomorrow + 10.5 * 3600},
-       "Tomorrow · 9:00 AM – 10:30 AM",
-       "Demain · 09:00 – 10:30"},
+      {{.start = tomorrow + 9 * 3600, .end = tomorrow + 10.5 * 3600}, "Tomorrow · 9:00 AM – 10:30 AM",
+          "Demain · 09:00 – 10:30"},
       {{.start = today, .end = tomorrow, .allDay = true}, "All day", "Toute la journée"},
-      {{.start = tomorrow, .end = tomorrow, .allDay = true},
-       "Tomorrow · All day",
-       "Demain · Toute la journée"},
+      {{.start = tomorrow, .end = tomorrow, .allDay = true}, "Tomorrow · All day",
+          "Demain · Toute la journée"},
       {{.start = today - 86400, .end = tomorrow, .allDay = true}, "All day", "Toute la journée"},
   };
   for (const auto& c : cases) {

@@ -17,9 +17,12 @@ TEST(HUDAppearance, ChoosesTheSymbolByTheLevel) {
     double level;
     const char* expected;
   } const cases[] = {
-      {HUDKind::volume, 0, "speaker.fill"},           {HUDKind::volume, 0.339, "speaker.wave.1.fill"},
-      {HUDKind::volume, 0.34, "speaker.wave.2.fill"}, {HUDKind::volume, 0.67, "speaker.wave.3.fill"},
-      {HUDKind::mute, 0.5, "speaker.slash.fill"},     {HUDKind::brightness, 0.49, "sun.min.fill"},
+      {HUDKind::volume, 0, "speaker.fill"},
+      {HUDKind::volume, 0.339, "speaker.wave.1.fill"},
+      {HUDKind::volume, 0.34, "speaker.wave.2.fill"},
+      {HUDKind::volume, 0.67, "speaker.wave.3.fill"},
+      {HUDKind::mute, 0.5, "speaker.slash.fill"},
+      {HUDKind::brightness, 0.49, "sun.min.fill"},
       {HUDKind::brightness, 0.5, "sun.max.fill"},
   };
   for (const auto& c : cases) EXPECT_EQ(hudSymbol(c.kind, c.level), c.expected) << c.level;
@@ -50,14 +53,10 @@ const struct Case {
     {Transient::lowPowerMode(true), {"leaf.fill"}, {"Low Power", "On"}, {"Éco. énergie", "Activé"}},
     {Transient::lowPowerMode(false), {"leaf.fill"}, {"Low Power", "Off"}, {"Éco. énergie", "Désactivé"}},
     {Transient::device("Buds", "airpodspro", 84, true), {"airpodspro"}, {"Buds", "84"}, {"Buds", "84"}},
-    {Transient::device("Keys", "keyboard", {}, true),
-     {"keyboard"},
-     {"Keys", "Connected"},
-     {"Keys", "Connecté"}},
-    {Transient::device("Keys", "keyboard", {}, false),
-     {"keyboard"},
-     {"Keys", "Disconnected"},
-     {"Keys", "Déconnecté"}},
+    {Transient::device("Keys", "keyboard", {}, true), {"keyboard"}, {"Keys", "Connected"},
+        {"Keys", "Connecté"}},
+    {Transient::device("Keys", "keyboard", {}, false), {"keyboard"}, {"Keys", "Disconnected"},
+        {"Keys", "Déconnecté"}},
 };
 
 /// Everything stands in the wings, clear of the camera and of the surface's ends.
@@ -153,8 +152,10 @@ TEST(Indicators, ColourTheBatteryByItsLevel) {
     Color expected;
     double width;
   } const levels[] = {
-      {Transient::power(false, 20), colors::red, 3.6},   {Transient::power(false, 21), colors::green, 3.78},
-      {Transient::power(true, 5), colors::green, 2},     {Transient::power(false, 0), colors::red, 2},
+      {Transient::power(false, 20), colors::red, 3.6},
+      {Transient::power(false, 21), colors::green, 3.78},
+      {Transient::power(true, 5), colors::green, 2},
+      {Transient::power(false, 0), colors::red, 2},
       {Transient::power(false, 100), colors::green, 18},
   };
   for (const auto& c : levels) {

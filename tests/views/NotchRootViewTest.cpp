@@ -40,12 +40,11 @@ const Scene scenes[] = {
     {"banner", [](NotchStage& s) { s.model.present(banner(), 9); }, {400, 92}, 22},
     {"expanded", [](NotchStage& s) { s.model.expand(); }, {560, 170}, 26},
     {"files",
-     [](NotchStage& s) {
-       s.model.setDraggingFiles(true);
-       s.model.setHovering(true);
-     },
-     {560, 170},
-     26},
+        [](NotchStage& s) {
+          s.model.setDraggingFiles(true);
+          s.model.setHovering(true);
+        },
+        {560, 170}, 26},
 };
 
 TEST(NotchRootView, HangsTheSurfaceFromTheMiddleOfTheTopEdge) {
@@ -190,7 +189,7 @@ TEST(NotchRootView, RenewsOnlyWhatShowsTheChange) {
       {"cover", playMusic, [](NotchStage& s) { s.model.media.artwork = Image{}; }, 1},
       {"tint", playMusic, [](NotchStage& s) { s.model.media.accent = colors::pink; }, 1},
       {"title, of which the bars read whether there is one", playMusic,
-       [](NotchStage& s) { s.model.media.title = "Other"; }, 1},
+          [](NotchStage& s) { s.model.media.title = "Other"; }, 1},
       {"position", playMusic, [](NotchStage& s) { s.model.media.elapsed = 9; }, 0},
       {"media behind a session", work, playMusic, 0},
       {"what a session does", work, [](NotchStage& s) { s.hook("a", "PostToolUse"); }, 0},

@@ -19,9 +19,15 @@ TEST(NotchShape, RunsFromEarToEar) {
     Point control, end;
   };
   const Step expected[] = {
-      {Verb::move, {}, {0, 0}},        {Verb::quad, {6, 0}, {6, 6}},     {Verb::line, {}, {6, 22}},
-      {Verb::quad, {6, 32}, {16, 32}}, {Verb::line, {}, {184, 32}},      {Verb::quad, {194, 32}, {194, 22}},
-      {Verb::line, {}, {194, 6}},      {Verb::quad, {194, 0}, {200, 0}}, {Verb::close, {}, {}},
+      {Verb::move, {}, {0, 0}},
+      {Verb::quad, {6, 0}, {6, 6}},
+      {Verb::line, {}, {6, 22}},
+      {Verb::quad, {6, 32}, {16, 32}},
+      {Verb::line, {}, {184, 32}},
+      {Verb::quad, {194, 32}, {194, 22}},
+      {Verb::line, {}, {194, 6}},
+      {Verb::quad, {194, 0}, {200, 0}},
+      {Verb::close, {}, {}},
   };
   ASSERT_EQ(path.size(), std::size(expected));
   for (size_t i = 0; i < path.size(); ++i) {
@@ -38,7 +44,11 @@ TEST(NotchShape, RoundsCornersOnlyAsFarAsThereIsRoom) {
     Size size;
     double radius, expected;
   } const cases[] = {
-      {{200, 100}, 26, 26}, {{40, 100}, 26, 14}, {{200, 20}, 26, 14}, {{10, 100}, 10, 0}, {{200, 4}, 10, 0},
+      {{200, 100}, 26, 26},
+      {{40, 100}, 26, 14},
+      {{200, 20}, 26, 14},
+      {{10, 100}, 10, 0},
+      {{200, 4}, 10, 0},
   };
   for (const auto& c : cases) {
     const auto path = outline(c.size, 6, c.radius);

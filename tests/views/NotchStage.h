@@ -18,8 +18,8 @@ struct NotchState {
 /// The whole notch on a virtual clock: a model, and the root view in a window of 940 by 380 points.
 struct NotchStage : NotchState, ui::Stage {
   explicit NotchStage(double pixelRatio = 1)
-      : Stage(notchRootView(model, [this] { ++settingsOpened; }), {940, 380}, pixelRatio,
-              &desktop.scheduler) {
+      : Stage(
+            notchRootView(model, [this] { ++settingsOpened; }), {940, 380}, pixelRatio, &desktop.scheduler) {
     settle();
   }
 

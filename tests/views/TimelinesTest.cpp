@@ -21,7 +21,7 @@ TEST(Timelines, WakeAsSeldomAsTheirPicturesChange) {
       {"sparkle", sparkleSpinner(crabOrange), 10, 9},
       {"paused bars", equalizerBars(white(), false, 4), 0, 0},
       {"crab, sparkle and hand, together",
-       ui::HStack({}, {crabView(CrabMood::working), sparkleSpinner(crabOrange), raisedHand()}), 10, 9},
+          ui::HStack({}, {crabView(CrabMood::working), sparkleSpinner(crabOrange), raisedHand()}), 10, 9},
       {"playing bars", equalizerBars(white(), true, 4), 24, 23},
   };
   for (const auto& c : cases) {

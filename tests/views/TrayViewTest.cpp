@@ -55,9 +55,9 @@ TEST(TrayView, InvitesFiles) {
     const char *english, *french;
     double opacity, fill, border, scale;
   } const cases[] = {{false, false, "Drop files here", "Dépose des fichiers ici", 0.45, 0.02, 0.14, 1},
-                     {true, false, "Drop files here", "Dépose des fichiers ici", 0.8, 0.02, 0.56, 1},
-                     {true, true, "Drop to add", "Lâche pour ajouter", 0.8, 0.08, 0.56, 1.015},
-                     {false, true, "Drop to add", "Lâche pour ajouter", 0.8, 0.08, 0.56, 1.015}};
+      {true, false, "Drop files here", "Dépose des fichiers ici", 0.8, 0.02, 0.56, 1},
+      {true, true, "Drop to add", "Lâche pour ajouter", 0.8, 0.08, 0.56, 1.015},
+      {false, true, "Drop to add", "Lâche pour ajouter", 0.8, 0.08, 0.56, 1.015}};
   for (const bool french : {false, true}) {
     const ForcedLanguage language(french ? "fr" : "en");
     for (const auto& c : cases) {
@@ -95,8 +95,8 @@ TEST(TrayView, ShowsTheFilesAndTakesThemOff) {
   EXPECT_THAT(stage.inspect.texts(), ElementsAre("first.txt", longName + ".pdf", "line break.exe"));
   EXPECT_EQ(stage.inspect.kind("Image").size(), 3u);
   EXPECT_LE(stage.inspect.text(longName + ".pdf")->frame().width, 70);
-  EXPECT_NEAR(stage.inspect.kind("Image")[1].frame().midX() - stage.inspect.kind("Image")[0].frame().midX(),
-              90, 0.1);
+  EXPECT_NEAR(
+      stage.inspect.kind("Image")[1].frame().midX() - stage.inspect.kind("Image")[0].frame().midX(), 90, 0.1);
   EXPECT_FALSE(stage.inspect.control("Remove"));
 
   stage.inspect.hover(stage.inspect.kind("Image")[0]);
@@ -126,11 +126,11 @@ TEST(TrayView, OpensByDoubleClickMenuAndKeys) {
     EXPECT_THAT(stage.desktop.fileManager.opened, ElementsAre("/x/a"));
 
     EXPECT_THAT(stage.menuOf(*stage.inspect.text("b")),
-                ElementsAre(french ? "Ouvrir" : "Open",
-                            french ? "Afficher dans le gestionnaire de fichiers" : "Show in File Manager",
-                            french ? "Retirer" : "Remove"));
-    stage.inspect.tap(*stage.inspect.control(french ? "Afficher dans le gestionnaire de fichiers"
-                                                    : "Show in File Manager"));
+        ElementsAre(french ? "Ouvrir" : "Open",
+            french ? "Afficher dans le gestionnaire de fichiers" : "Show in File Manager",
+            french ? "Retirer" : "Remove"));
+    stage.inspect.tap(*stage.inspect.control(
+        french ? "Afficher dans le gestionnaire de fichiers" : "Show in File Manager"));
     EXPECT_THAT(stage.desktop.fileManager.revealed, ElementsAre("/x/b"));
 
     stage.settle();

@@ -28,8 +28,9 @@ int rank(const std::filesystem::path& panel) {
   std::error_code error;
   const auto connector = std::filesystem::canonical(panel / "device", error);
   const std::string name = connector.filename();
-  const bool isBuiltIn = name.find("-eDP") != std::string::npos || name.find("-LVDS") != std::string::npos ||
-                         name.find("-DSI") != std::string::npos;
+  const bool isBuiltIn =
+      name.find("-eDP") != std::string::npos || name.find("-LVDS") != std::string::npos ||
+      name.find("-DSI") != std::string::npos;
   if (!isBuiltIn) return 4;
   // Of two graphics cards one drives the panel.
   return read<std::string>(connector / "enabled") == "enabled" ? 2 : 3;

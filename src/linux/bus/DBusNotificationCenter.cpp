@@ -20,8 +20,8 @@ constexpr double frame = 1.0 / 60;
 
 QDBusMessage nameRequest() {
   constexpr unsigned doNotQueue = 4;
-  auto request = QDBusMessage::createMethodCall("org.freedesktop.DBus", "/org/freedesktop/DBus",
-                                                "org.freedesktop.DBus", "RequestName");
+  auto request = QDBusMessage::createMethodCall(
+      "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", "RequestName");
   request << QString(busName) << doNotQueue;
   return request;
 }
@@ -95,8 +95,8 @@ void DBusNotificationCenter::post(const std::string& name, const StringMap& payl
   message << QVariant::fromValue(map);
   bus_.connection()->send(message);
   // Answered once it has taken what came before.
-  const auto request = QDBusMessage::createMethodCall("org.freedesktop.DBus", "/org/freedesktop/DBus",
-                                                      "org.freedesktop.DBus", "GetId");
+  const auto request = QDBusMessage::createMethodCall(
+      "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", "GetId");
   bus_.connection()->call(request, QDBus::Block, static_cast<int>(longestWait.count()));
 }
 

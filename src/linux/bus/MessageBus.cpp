@@ -53,9 +53,11 @@ void MessageBus::connect() {
         if (*connection) QDBusConnection::disconnectFromBus(name);
         delete connection;
       });
-  connecting_ = scheduler_.background([name, address = QString::fromStdString(address_()),
-                                       made] { *made = QDBusConnection::connectToBus(address, name); },
-                                      [this, made] { adopt(std::exchange(*made, std::nullopt)); });
+  connecting_ = scheduler_.background(
+      [name, address = QString::fromStdString(address_()), made] {
+        *made = QDBusConnection::connectToBus(address, name);
+      },
+      [this, made] { adopt(std::exchange(*made, std::nullopt)); });
 }
 
 void MessageBus::adopt(std::optional<QDBusConnection> made) {
@@ -66,7 +68,7 @@ void MessageBus::adopt(std::optional<QDBusConnection> made) {
   }
   backoff_.succeeded();
   connection_->connect(QString(), "/org/freedesktop/DBus/Local", "org.freedesktop.DBus.Local", "Disconnected",
-                       this, SLOT(disconnected()));
+      this, SLOT(disconnected()));
   Q_EMIT opened();
 }
 
@@ -86,11 +88,11 @@ void MessageBus::call(const QDBusMessage& message, QObject* receiver, Reply then
   auto* watcher = new QDBusPendingCallWatcher(
       connection_->asyncCall(message, failed ? usualPatience : forever), receiver);
   QObject::connect(watcher, &QDBusPendingCallWatcher::finished, receiver,
-                   [watcher, then = std::move(then), failed = std::move(failed)] {
-                     watcher->deleteLater();
-                     if (!watcher->isError()) return then(watcher->reply());
-                     if (failed) failed(watcher->reply());
-                   });
+      [watcher, then = std::move(then), failed = std::move(failed)] {
+        watcher->deleteLater();
+        if (!watcher->isError()) return then(watcher->reply());
+        if (failed) failed(watcher->reply());
+      });
 }
 
 BusService::BusService(MessageBus& bus, QString name, bool starts)
@@ -102,8 +104,8 @@ void BusService::follow() {
   if (bus_.connection()) busOpened();
 }
 
-void BusService::listen(const QString& path, const QString& interface, const QString& member,
-                        const QString& firstArgument) {
+void BusService::listen(
+    const QString& path, const QString& interface, const QString& member, const QString& firstArgument) {
   matches_.push_back(
       {path, interface, member, firstArgument.isEmpty() ? QStringList() : QStringList{firstArgument}});
 }
@@ -111,10 +113,10 @@ void BusService::listen(const QString& path, const QString& interface, const QSt
 void BusService::busOpened() {
   QDBusConnection& connection = *bus_.connection();
   connection.connect("org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus",
-                     "NameOwnerChanged", {name_}, "sss", this, SLOT(ownerChanged(QString, QString, QString)));
+      "NameOwnerChanged", {name_}, "sss", this, SLOT(ownerChanged(QString, QString, QString)));
   for (const Match& match : matches_) {
     connection.connect(name_, match.path, match.interface, match.member, match.arguments, QString(), this,
-                       SLOT(received(QDBusMessage)));
+        SLOT(received(QDBusMessage)));
   }
   onAppear();
 }
@@ -127,7 +129,7 @@ void BusService::ownerChanged(const QString&, const QString& before, const QStri
 void BusService::received(const QDBusMessage& message) { onSignal(message); }
 
 void BusService::call(const QString& path, const QString& interface, const QString& method,
-                      const QVariantList& arguments, MessageBus::Reply then, MessageBus::Failure failed) {
+    const QVariantList& arguments, MessageBus::Reply then, MessageBus::Failure failed) {
   QDBusMessage message = QDBusMessage::createMethodCall(name_, path, interface, method);
   message.setArguments(arguments);
   message.setAutoStartService(starts_);

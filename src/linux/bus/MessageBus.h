@@ -87,12 +87,12 @@ class BusService : public QObject {
   /// Asks for a signal, before `follow`. An empty path stands for every object, a first argument for
   /// those signals only that begin with it.
   void listen(const QString& path, const QString& interface, const QString& member,
-              const QString& firstArgument = {});
+      const QString& firstArgument = {});
   /// Begins to follow the service, now or as soon as the bus is open.
   void follow();
   /// Calls a method, and then `then` with the answer, or `failed`.
   void call(const QString& path, const QString& interface, const QString& method,
-            const QVariantList& arguments, MessageBus::Reply then, MessageBus::Failure failed = {});
+      const QVariantList& arguments, MessageBus::Reply then, MessageBus::Failure failed = {});
 
  private Q_SLOTS:
   void busOpened();

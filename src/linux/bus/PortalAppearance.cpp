@@ -50,18 +50,18 @@ PortalAppearance::PortalAppearance(MessageBus& sessionBus) : portal_(sessionBus,
 
 void PortalAppearance::fetch() {
   portal_.call(path, settings, "ReadAll", {QStringList{appearance, iconThemes[0].group, iconThemes[1].group}},
-               [this](const QDBusMessage& reply) {
-                 if (reply.signature() != "a{sa{sv}}") return;
-                 const auto all = qdbus_cast<QMap<QString, QVariantMap>>(reply.arguments().value(0));
-                 const QVariantMap values = all[appearance];
-                 for (const char* key : {accentColorKey, colorSchemeKey}) adopt(key, values[key]);
-                 for (const auto& [group, key] : iconThemes) {
-                   const QString name = all[group][key].toString();
-                   if (name.isEmpty()) continue;
-                   iconTheme = name.toStdString();
-                   break;
-                 }
-               });
+      [this](const QDBusMessage& reply) {
+        if (reply.signature() != "a{sa{sv}}") return;
+        const auto all = qdbus_cast<QMap<QString, QVariantMap>>(reply.arguments().value(0));
+        const QVariantMap values = all[appearance];
+        for (const char* key : {accentColorKey, colorSchemeKey}) adopt(key, values[key]);
+        for (const auto& [group, key] : iconThemes) {
+          const QString name = all[group][key].toString();
+          if (name.isEmpty()) continue;
+          iconTheme = name.toStdString();
+          break;
+        }
+      });
 }
 
 void PortalAppearance::adopt(const QString& key, const QVariant& value) {

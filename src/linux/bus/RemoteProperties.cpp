@@ -9,8 +9,8 @@ constexpr auto propertiesInterface = "org.freedesktop.DBus.Properties";
 
 }  // namespace
 
-RemoteProperties::RemoteProperties(MessageBus& bus, const QString& service, QString path, QString interface,
-                                   bool starts)
+RemoteProperties::RemoteProperties(
+    MessageBus& bus, const QString& service, QString path, QString interface, bool starts)
     : path_(std::move(path)), interface_(std::move(interface)), service_(bus, service, starts) {
   service_.listen(path_, propertiesInterface, "PropertiesChanged", interface_);
   service_.onAppear = [this] { fetch(); };
@@ -20,9 +20,8 @@ RemoteProperties::RemoteProperties(MessageBus& bus, const QString& service, QStr
 }
 
 void RemoteProperties::fetch() {
-  service_.call(path_, propertiesInterface, "GetAll", {interface_}, [this](const QDBusMessage& reply) {
-    adopt(qdbus_cast<QVariantMap>(reply.arguments().value(0)));
-  });
+  service_.call(path_, propertiesInterface, "GetAll", {interface_},
+      [this](const QDBusMessage& reply) { adopt(qdbus_cast<QVariantMap>(reply.arguments().value(0))); });
 }
 
 void RemoteProperties::receive(const QDBusMessage& signal) {

@@ -10,7 +10,7 @@ constexpr auto path = "/dev/tarnwick";
 SessionsObject::SessionsObject(Scheduler& scheduler, MessageBus& bus)
     : bus_(bus), telling_(scheduler, [this] { tell(); }) {
   connect(&bus_, &MessageBus::opened, this,
-          [this] { bus_.connection()->registerObject(path, this, QDBusConnection::ExportScriptableSlots); });
+      [this] { bus_.connection()->registerObject(path, this, QDBusConnection::ExportScriptableSlots); });
 }
 
 void SessionsObject::changed() {

@@ -14,7 +14,7 @@ constexpr unsigned chargingState = 1;
 UPowerSources::UPowerSources(MessageBus& bus)
     : manager_(bus, upower, "/org/freedesktop/UPower", upower, true),
       display_(bus, upower, "/org/freedesktop/UPower/devices/DisplayDevice", "org.freedesktop.UPower.Device",
-               true),
+          true),
       // Not started on our account: it takes other power managers' place.
       profiles_(bus, powerProfiles, "/net/hadess/PowerProfiles", powerProfiles, false) {
   manager_.onChange = display_.onChange = [this] { sources_.notifyObservers(); };
@@ -26,10 +26,10 @@ std::optional<std::vector<PowerSource>> UPowerSources::all() const {
   if (manager.isEmpty() || display.isEmpty()) return std::nullopt;
   const bool isBattery = display["Type"].toUInt() == batteryType && display["IsPresent"].toBool();
   return std::vector{PowerSource{.isInternalBattery = isBattery,
-                                 .currentCapacity = display["Percentage"].toDouble(),
-                                 .maxCapacity = 100,
-                                 .onACPower = !manager["OnBattery"].toBool(),
-                                 .isCharging = display["State"].toUInt() == chargingState}};
+      .currentCapacity = display["Percentage"].toDouble(),
+      .maxCapacity = 100,
+      .onACPower = !manager["OnBattery"].toBool(),
+      .isCharging = display["State"].toUInt() == chargingState}};
 }
 
 void UPowerSources::profileChanged() {

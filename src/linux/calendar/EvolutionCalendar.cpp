@@ -41,7 +41,7 @@ struct EvolutionCalendar::Reading {
 };
 
 EvolutionCalendar::EvolutionCalendar(Scheduler& scheduler, MessageBus& bus, ReadCalendar* readCalendar,
-                                     QString identifier, double retrySeconds)
+    QString identifier, double retrySeconds)
     : scheduler_(scheduler),
       bus_(bus),
       readCalendar_(readCalendar),
@@ -84,7 +84,7 @@ void EvolutionCalendar::opened(const QDBusMessage& reply) {
   path_ = reply.arguments().value(0).toString();
   busName_ = reply.arguments().value(1).toString();
   bus_.connection()->connect(busInterface, busPath, busInterface, "NameOwnerChanged", {busName_}, "sss", this,
-                             SLOT(ownerChanged(QString, QString, QString)));
+      SLOT(ownerChanged(QString, QString, QString)));
   callCalendar("Open", {}, [this](const QDBusMessage&) { watch(); });
 }
 
@@ -210,22 +210,21 @@ void EvolutionCalendar::finish(const Reading& reading) {
 }
 
 void EvolutionCalendar::call(const QString& path, const char* interface, const char* method,
-                             const QVariantList& arguments, MessageBus::Reply then,
-                             MessageBus::Failure otherwise) {
+    const QVariantList& arguments, MessageBus::Reply then, MessageBus::Failure otherwise) {
   QDBusMessage message = QDBusMessage::createMethodCall(busName_, path, interface, method);
   message.setArguments(arguments);
   bus_.call(message, answers_.get(), std::move(then), std::move(otherwise));
 }
 
-void EvolutionCalendar::callCalendar(const char* method, const QVariantList& arguments,
-                                     MessageBus::Reply then) {
+void EvolutionCalendar::callCalendar(
+    const char* method, const QVariantList& arguments, MessageBus::Reply then) {
   call(path_, calendarInterface, method, arguments, std::move(then),
-       [this](const QDBusMessage&) { failed(); });
+      [this](const QDBusMessage&) { failed(); });
 }
 
 /// Calls a method whose answer does not matter.
-void EvolutionCalendar::tell(const QString& path, const char* interface, const char* method,
-                             const QVariantList& arguments) {
+void EvolutionCalendar::tell(
+    const QString& path, const char* interface, const char* method, const QVariantList& arguments) {
   if (!bus_.connection()) return;
   QDBusMessage message = QDBusMessage::createMethodCall(busName_, path, interface, method);
   message.setArguments(arguments);

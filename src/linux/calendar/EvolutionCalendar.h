@@ -25,7 +25,7 @@ class EvolutionCalendar : public QObject {
   /// All of these must outlive it, while the bus is connected.
   /// @param retrySeconds see `Backoff`
   EvolutionCalendar(Scheduler& scheduler, MessageBus& bus, ReadCalendar* readCalendar, QString identifier,
-                    double retrySeconds);
+      double retrySeconds);
   ~EvolutionCalendar() override;
 
   /// `events` has another answer.
@@ -47,8 +47,8 @@ class EvolutionCalendar : public QObject {
   void opened(const QDBusMessage& reply);
   void failed();
   void close();
-  void tell(const QString& path, const char* interface, const char* method,
-            const QVariantList& arguments = {});
+  void tell(
+      const QString& path, const char* interface, const char* method, const QVariantList& arguments = {});
   void watch();
   void watching(const QString& view);
   void read();
@@ -57,7 +57,7 @@ class EvolutionCalendar : public QObject {
   void complete(std::shared_ptr<Reading> reading);
   void finish(const Reading& reading);
   void call(const QString& path, const char* interface, const char* method, const QVariantList& arguments,
-            MessageBus::Reply then, MessageBus::Failure otherwise);
+      MessageBus::Reply then, MessageBus::Failure otherwise);
   void callCalendar(const char* method, const QVariantList& arguments, MessageBus::Reply then);
 
   Scheduler& scheduler_;

@@ -72,14 +72,14 @@ ReadCalendar* loadCalendarReader(const std::string& folder) {
 
 bool hasCalendars(const Folders& folders) {
   const std::string places[] = {folders.data() + "/evolution", folders.configuration() + "/evolution",
-                                folders.configuration() + "/goa-1.0"};
+      folders.configuration() + "/goa-1.0"};
   std::error_code ignored;
-  return std::ranges::any_of(places,
-                             [&](const auto& place) { return std::filesystem::exists(place, ignored); });
+  return std::ranges::any_of(
+      places, [&](const auto& place) { return std::filesystem::exists(place, ignored); });
 }
 
 EvolutionCalendars::EvolutionCalendars(Scheduler& scheduler, MessageBus& bus, bool starts,
-                                       std::function<ReadCalendar*()> load, double retrySeconds)
+    std::function<ReadCalendar*()> load, double retrySeconds)
     : scheduler_(scheduler),
       bus_(bus),
       load_(std::move(load)),
@@ -142,10 +142,10 @@ void EvolutionCalendars::setSources(const Colors& colors) {
   if (loading_) return;
   const auto read = std::make_shared<ReadCalendar*>();
   loading_ = scheduler_.background([read, load = load_] { *read = load(); },
-                                   [this, read] {
-                                     read_ = *read;
-                                     read_ ? update() : setAccess(false);
-                                   });
+      [this, read] {
+        read_ = *read;
+        read_ ? update() : setAccess(false);
+      });
 }
 
 void EvolutionCalendars::update() {

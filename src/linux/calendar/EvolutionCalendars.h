@@ -29,7 +29,7 @@ class EvolutionCalendars : public Calendars {
   /// @param load called once, off the main thread, when there is a calendar
   /// @param retrySeconds before what has failed is asked for again
   EvolutionCalendars(Scheduler& scheduler, MessageBus& bus, bool starts, std::function<ReadCalendar*()> load,
-                     double retrySeconds = 60);
+      double retrySeconds = 60);
 
   /// Begins to look for the service; until then, there is no answer.
   void connect();

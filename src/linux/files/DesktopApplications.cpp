@@ -62,7 +62,7 @@ std::string iconFile(const std::string& icon) {
   std::error_code error;
   for (const std::string& folder : dataFolders()) {
     for (const char* size :
-         {"128x128", "256x256", "96x96", "64x64", "512x512", "48x48", "scalable", "32x32"}) {
+        {"128x128", "256x256", "96x96", "64x64", "512x512", "48x48", "scalable", "32x32"}) {
       for (const char* ending : {".png", ".svg"}) {
         const std::string file = folder + "/icons/hicolor/" + size + "/apps/" + icon + ending;
         if (std::filesystem::exists(file, error)) return file;

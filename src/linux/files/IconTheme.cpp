@@ -61,8 +61,8 @@ void IconTheme::add(const std::string& name) {
       const auto type = values.find("Type");
       const bool scalable = type != values.end() && type->second == "Scalable";
       theme.folders.push_back({.name = folder,
-                               .least = scale * (scalable ? number(values, "MinSize", size) : size),
-                               .most = scale * (scalable ? number(values, "MaxSize", size) : size)});
+          .least = scale * (scalable ? number(values, "MinSize", size) : size),
+          .most = scale * (scalable ? number(values, "MaxSize", size) : size)});
     }
   }
   themes_.push_back(std::move(theme));

@@ -35,8 +35,8 @@ void AlarmClock::ring() {
   [[maybe_unused]] const ssize_t count = ::read(timer_, &times, sizeof times);
   const auto end = alarms_.upper_bound({Date::systemNow(), count_});
   std::vector<Key> due;
-  std::transform(alarms_.begin(), end, std::back_inserter(due),
-                 [](const auto& alarm) { return alarm.first; });
+  std::transform(
+      alarms_.begin(), end, std::back_inserter(due), [](const auto& alarm) { return alarm.first; });
   for (const Key& key : due) {
     // One may cancel another.
     if (const auto alarm = alarms_.extract(key)) alarm.mapped()();

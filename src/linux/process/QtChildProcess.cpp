@@ -32,8 +32,8 @@ void closeFile(int& file) {
 
 }  // namespace
 
-QtChildProcess::QtChildProcess(const std::string& executable, const std::vector<std::string>& arguments,
-                               ChildProcesses::Events events)
+QtChildProcess::QtChildProcess(
+    const std::string& executable, const std::vector<std::string>& arguments, ChildProcesses::Events events)
     : events_(std::move(events)) {
   QStringList list;
   for (const std::string& argument : arguments) list << QString::fromStdString(argument);

@@ -13,7 +13,7 @@ namespace tarnwick {
 class QtChildProcess {
  public:
   QtChildProcess(const std::string& executable, const std::vector<std::string>& arguments,
-                 ChildProcesses::Events events);
+      ChildProcesses::Events events);
   QtChildProcess(const QtChildProcess&) = delete;
   ~QtChildProcess();
 

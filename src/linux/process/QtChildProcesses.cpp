@@ -34,9 +34,8 @@ void QtChildProcesses::allowStarting() {
   }
 }
 
-std::unique_ptr<ChildProcess> QtChildProcesses::launch(const std::string& executable,
-                                                       const std::vector<std::string>& arguments,
-                                                       Events events) {
+std::unique_ptr<ChildProcess> QtChildProcesses::launch(
+    const std::string& executable, const std::vector<std::string>& arguments, Events events) {
   auto process = std::make_shared<QtChildProcess>(executable, arguments, std::move(events));
   if (mayStart_) {
     process->start();

@@ -17,8 +17,8 @@ class QtChildProcesses : public ChildProcesses {
   /// the machine's time.
   void allowStarting();
 
-  std::unique_ptr<ChildProcess> launch(const std::string& executable,
-                                       const std::vector<std::string>& arguments, Events events) override;
+  std::unique_ptr<ChildProcess> launch(
+      const std::string& executable, const std::vector<std::string>& arguments, Events events) override;
 
  private:
   bool mayStart_ = false;

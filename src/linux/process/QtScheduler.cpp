@@ -19,8 +19,8 @@ std::chrono::milliseconds milliseconds(double seconds) {
 
 QtScheduler::QtScheduler() {
   clock_.start();
-  // Enough that work which hangs (a sound, a folder of the network) does not hold up the rest. Each is there only while
-  // it is needed.
+  // Enough that work which hangs (a sound, a folder of the network) does not hold up the rest. Each is there
+  // only while it is needed.
   pool_.setMaxThreadCount(8);
   beat_.setTimerType(Qt::PreciseTimer);
   beat_.setSingleShot(true);

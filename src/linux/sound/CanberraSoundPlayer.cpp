@@ -35,9 +35,8 @@ class CanberraSoundPlayer::Player {
   void play(const std::vector<const char*>& sounds) {
     if (!context_ && ca_context_create(&context_) != CA_SUCCESS) return;
     for (const char* sound : sounds) {
-      const int result =
-          ca_context_play(context_, 0, CA_PROP_EVENT_ID, sound, CA_PROP_APPLICATION_NAME, "Tarnwick",
-                          CA_PROP_APPLICATION_ID, "dev.tarnwick.Tarnwick", nullptr);
+      const int result = ca_context_play(context_, 0, CA_PROP_EVENT_ID, sound, CA_PROP_APPLICATION_NAME,
+          "Tarnwick", CA_PROP_APPLICATION_ID, "dev.tarnwick.Tarnwick", nullptr);
       if (result == CA_ERROR_NOTFOUND) continue;
       // A connection that failed does not recover: the next sound opens another.
       if (result != CA_SUCCESS) close();
@@ -70,7 +69,7 @@ void CanberraSoundPlayer::play(Sound sound) {
   }
   startedAt_ = now;
   waiting_[number_] = scheduler_.background([player = player_, sound] { player->play(themeSounds(sound)); },
-                                            [this, number = number_] { waiting_.erase(number); });
+      [this, number = number_] { waiting_.erase(number); });
 }
 
 }  // namespace tarnwick

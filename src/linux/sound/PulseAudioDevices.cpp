@@ -16,10 +16,10 @@ constexpr double rest = 0.1;
 bool sameDevices(const PulseSnapshot& a, const PulseSnapshot& b) {
   return a.defaultOutput == b.defaultOutput && a.defaultInput == b.defaultInput &&
          std::equal(a.devices.begin(), a.devices.end(), b.devices.begin(), b.devices.end(),
-                    [](const PulseDevice& x, const PulseDevice& y) {
-                      return x.scope == y.scope && x.key == y.key && x.name == y.name &&
-                             x.transport == y.transport && x.isUnplugged == y.isUnplugged;
-                    });
+             [](const PulseDevice& x, const PulseDevice& y) {
+               return x.scope == y.scope && x.key == y.key && x.name == y.name &&
+                      x.transport == y.transport && x.isUnplugged == y.isUnplugged;
+             });
 }
 
 }  // namespace
@@ -31,21 +31,21 @@ PulseClientMaker loadPulseModule(const std::string& folder) {
   return [make] { return std::unique_ptr<PulseClient>(make()); };
 }
 
-PulseAudioDevices::PulseAudioDevices(Scheduler& scheduler, std::function<PulseClientMaker()> load,
-                                     double retrySeconds)
+PulseAudioDevices::PulseAudioDevices(
+    Scheduler& scheduler, std::function<PulseClientMaker()> load, double retrySeconds)
     : scheduler_(scheduler), load_(std::move(load)), backoff_(scheduler, retrySeconds) {}
 
 void PulseAudioDevices::connect() {
   const auto loaded = std::make_shared<PulseClientMaker>();
   loading_ = scheduler_.background([loaded, load = load_] { *loaded = load(); },
-                                   [this, loaded] {
-                                     makeClient_ = *loaded;
-                                     if (makeClient_) {
-                                       openClient();
-                                     } else {
-                                       answered();
-                                     }
-                                   });
+      [this, loaded] {
+        makeClient_ = *loaded;
+        if (makeClient_) {
+          openClient();
+        } else {
+          answered();
+        }
+      });
 }
 
 void PulseAudioDevices::openClient() {
@@ -126,8 +126,7 @@ void PulseAudioDevices::adopt(PulseSnapshot snapshot) {
   const PulseSnapshot before = std::exchange(state_, std::move(snapshot));
   std::vector<uint32_t> changedLevels;
   for (const PulseDevice& device : state_.devices) {
-    const auto old = std::find_if(
-        before.devices.begin(), before.devices.end(),
+    const auto old = std::find_if(before.devices.begin(), before.devices.end(),
         [&](const PulseDevice& other) { return other.scope == device.scope && other.key == device.key; });
     if (old == before.devices.end()) continue;
     if (old->volume != device.volume || old->muted != device.muted) {

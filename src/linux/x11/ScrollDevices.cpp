@@ -47,10 +47,9 @@ ScrollDevices::Traits ScrollDevices::read(uint16_t device) const {
 
 std::vector<uint8_t> ScrollDevices::property(uint16_t device, const char* name) const {
   if (!connection_.inputOpcode()) return {};
-  const auto reply = owned(xcb_input_xi_get_property_reply(
-      connection_,
-      xcb_input_xi_get_property(connection_, device, 0, connection_.atom(name), XCB_GET_PROPERTY_TYPE_ANY, 0,
-                                16),
+  const auto reply = owned(xcb_input_xi_get_property_reply(connection_,
+      xcb_input_xi_get_property(
+          connection_, device, 0, connection_.atom(name), XCB_GET_PROPERTY_TYPE_ANY, 0, 16),
       nullptr));
   if (!reply || reply->num_items == 0) return {};
   // The items follow the fixed part of the reply.

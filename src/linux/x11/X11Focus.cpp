@@ -36,8 +36,7 @@ void X11Focus::giveBack() {
 }
 
 bool X11Focus::focus(xcb_window_t window) {
-  const auto error = owned(xcb_request_check(
-      connection_,
+  const auto error = owned(xcb_request_check(connection_,
       xcb_set_input_focus_checked(connection_, XCB_INPUT_FOCUS_POINTER_ROOT, window, XCB_CURRENT_TIME)));
   return !error;
 }

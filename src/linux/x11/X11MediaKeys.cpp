@@ -11,10 +11,8 @@ constexpr struct {
   xcb_keysym_t keysym;
   MediaKey meaning;
 } specialKeys[] = {{XF86XK_AudioRaiseVolume, MediaKey::soundUp},
-                   {XF86XK_AudioLowerVolume, MediaKey::soundDown},
-                   {XF86XK_AudioMute, MediaKey::mute},
-                   {XF86XK_MonBrightnessUp, MediaKey::brightnessUp},
-                   {XF86XK_MonBrightnessDown, MediaKey::brightnessDown}};
+    {XF86XK_AudioLowerVolume, MediaKey::soundDown}, {XF86XK_AudioMute, MediaKey::mute},
+    {XF86XK_MonBrightnessUp, MediaKey::brightnessUp}, {XF86XK_MonBrightnessDown, MediaKey::brightnessDown}};
 
 /// Programs that start and end by the second must not keep this one busy.
 constexpr double releaseDelay = 0.5;
@@ -41,7 +39,7 @@ class X11MediaKeys::Tap {
     std::vector<xcb_void_cookie_t> cookies;
     for (const Key& key : keys_) {
       cookies.push_back(xcb_grab_key_checked(connection_, 1, connection_.root(), XCB_MOD_MASK_ANY,
-                                             key.keycode, XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC));
+          key.keycode, XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC));
     }
     bool grabbed = true;
     for (const auto cookie : cookies) grabbed &= owned(xcb_request_check(connection_, cookie)) == nullptr;
@@ -49,8 +47,8 @@ class X11MediaKeys::Tap {
   }
 
   void handle(const xcb_key_press_event_t& event, bool down) {
-    const auto key = std::find_if(keys_.begin(), keys_.end(),
-                                  [&](const Key& candidate) { return candidate.keycode == event.detail; });
+    const auto key = std::find_if(
+        keys_.begin(), keys_.end(), [&](const Key& candidate) { return candidate.keycode == event.detail; });
     if (key == keys_.end()) return;
     // A key that repeats is released and pressed at the same instant.
     const auto now = std::make_pair(event.detail, event.time);
@@ -59,9 +57,9 @@ class X11MediaKeys::Tap {
     // Holding the mute key must not toggle for ever.
     if (repeats && key->meaning == MediaKey::mute) return;
     handler_({.key = key->meaning,
-              .down = down,
-              .shift = (event.state & XCB_MOD_MASK_SHIFT) != 0,
-              .alt = (event.state & XCB_MOD_MASK_1) != 0});
+        .down = down,
+        .shift = (event.state & XCB_MOD_MASK_SHIFT) != 0,
+        .alt = (event.state & XCB_MOD_MASK_1) != 0});
   }
 
   bool holds(xcb_keycode_t keycode) const {

@@ -23,13 +23,13 @@ QRect roundedOut(const Rect& rect, double ratio) {
   const int left = static_cast<int>(std::floor(rect.x * ratio)),
             top = static_cast<int>(std::floor(rect.y * ratio));
   return {left, top, static_cast<int>(std::ceil(rect.right() * ratio)) - left,
-          static_cast<int>(std::ceil(rect.bottom() * ratio)) - top};
+      static_cast<int>(std::ceil(rect.bottom() * ratio)) - top};
 }
 
 }  // namespace
 
-X11NotchPanel::X11NotchPanel(X11Connection& connection, const X11Screens& screens, Scheduler& scheduler,
-                             PanelContent content)
+X11NotchPanel::X11NotchPanel(
+    X11Connection& connection, const X11Screens& screens, Scheduler& scheduler, PanelContent content)
     : connection_(connection),
       screens_(screens),
       content_(content.widget),
@@ -71,8 +71,8 @@ void X11NotchPanel::moveTo(const Screen& screen) {
 }
 
 void X11NotchPanel::place() {
-  frame_ = {std::round(screen_.midX() - size().width / 2), std::round(screen_.y), size().width,
-            size().height};
+  frame_ = {
+      std::round(screen_.midX() - size().width / 2), std::round(screen_.y), size().width, size().height};
   pointer_.setOrigin(frame_.origin());
   if (!connection_.isXWayland()) {
     window_.setGeometry(int(frame_.x), int(frame_.y), content_.width(), content_.height());
@@ -137,7 +137,7 @@ void X11NotchPanel::setBoundingShape(const std::optional<QRegion>& region) {
   boundingShape_ = region;
   if (region) return setShape(XCB_SHAPE_SK_BOUNDING, *region);
   xcb_shape_mask(toolkitConnection(), XCB_SHAPE_SO_SET, XCB_SHAPE_SK_BOUNDING,
-                 static_cast<xcb_window_t>(window_.winId()), 0, 0, XCB_PIXMAP_NONE);
+      static_cast<xcb_window_t>(window_.winId()), 0, 0, XCB_PIXMAP_NONE);
   xcb_flush(toolkitConnection());
 }
 
@@ -145,11 +145,11 @@ void X11NotchPanel::setShape(uint8_t kind, const QRegion& pixels) {
   std::vector<xcb_rectangle_t> rectangles;
   for (const QRect& rect : pixels) {
     rectangles.push_back({static_cast<int16_t>(rect.x()), static_cast<int16_t>(rect.y()),
-                          static_cast<uint16_t>(rect.width()), static_cast<uint16_t>(rect.height())});
+        static_cast<uint16_t>(rect.width()), static_cast<uint16_t>(rect.height())});
   }
   xcb_shape_rectangles(toolkitConnection(), XCB_SHAPE_SO_SET, kind, XCB_CLIP_ORDERING_YX_BANDED,
-                       static_cast<xcb_window_t>(window_.winId()), 0, 0,
-                       static_cast<uint32_t>(rectangles.size()), rectangles.data());
+      static_cast<xcb_window_t>(window_.winId()), 0, 0, static_cast<uint32_t>(rectangles.size()),
+      rectangles.data());
   xcb_flush(toolkitConnection());
 }
 
@@ -191,10 +191,10 @@ bool X11NotchPanel::scroll(const QWheelEvent& event) {
   const QPointF way = QPointF(event.angleDelta()) / anglePerClick * traits.pointsPerClick;
   const QPointF place = event.position() - content_.pos();
   return scrollGesture_.step({.precise = smoothPointsPerClick(event).has_value(),
-                              .directionInverted = traits.natural,
-                              .deltaX = way.x(),
-                              .deltaY = way.y(),
-                              .contentCanFollow = canFollow_({place.x(), place.y()}, {way.x(), way.y()})});
+      .directionInverted = traits.natural,
+      .deltaX = way.x(),
+      .deltaY = way.y(),
+      .contentCanFollow = canFollow_({place.x(), place.y()}, {way.x(), way.y()})});
 }
 
 }  // namespace tarnwick

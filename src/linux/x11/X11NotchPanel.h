@@ -19,8 +19,8 @@ namespace tarnwick {
 /// part of it that the surface covers.
 class X11NotchPanel : public QObject, public HostingPanel {
  public:
-  X11NotchPanel(X11Connection& connection, const X11Screens& screens, Scheduler& scheduler,
-                PanelContent content);
+  X11NotchPanel(
+      X11Connection& connection, const X11Screens& screens, Scheduler& scheduler, PanelContent content);
   ~X11NotchPanel() override;
 
   void moveTo(const Screen& screen) override;

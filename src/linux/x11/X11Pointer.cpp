@@ -42,10 +42,10 @@ X11Pointer::X11Pointer(X11Connection& connection, const X11Screens& screens, Sch
       scheduler_(scheduler),
       requestor_(xcb_generate_id(connection)) {
   xcb_create_window(connection_, 0, requestor_, connection_.root(), -1, -1, 1, 1, 0,
-                    XCB_WINDOW_CLASS_INPUT_ONLY, XCB_COPY_FROM_PARENT, 0, nullptr);
+      XCB_WINDOW_CLASS_INPUT_ONLY, XCB_COPY_FROM_PARENT, 0, nullptr);
   if (connection_.xfixesEventBase()) {
     xcb_xfixes_select_selection_input(connection_, requestor_, connection_.atom(dragSelection),
-                                      XCB_XFIXES_SELECTION_EVENT_MASK_SET_SELECTION_OWNER);
+        XCB_XFIXES_SELECTION_EVENT_MASK_SET_SELECTION_OWNER);
   }
   xcb_flush(connection_);
   events_ = connection_.onEvent([this](const xcb_generic_event_t& event) { handle(event); });
@@ -64,9 +64,8 @@ const X11Pointer::Query& X11Pointer::query() const {
       xcb_query_pointer_reply(connection_, xcb_query_pointer(connection_, connection_.root()), nullptr));
   query_ = {};
   if (reply) {
-    query_ = {{double(reply->root_x), double(reply->root_y)},
-              (reply->mask & buttons) != 0,
-              reply->child != XCB_WINDOW_NONE};
+    query_ = {{double(reply->root_x), double(reply->root_y)}, (reply->mask & buttons) != 0,
+        reply->child != XCB_WINDOW_NONE};
   }
   return query_;
 }
@@ -90,12 +89,11 @@ void X11Pointer::setWantsActivity(bool wants) {
   queryTurn_.reset();
   // A mouse reports up to eight thousand times a second: not one of these comes while nobody waits for it.
   if (connection_.inputOpcode()) {
-    selectRawEvents(connection_, wants ? XCB_INPUT_XI_EVENT_MASK_RAW_MOTION |
-                                             XCB_INPUT_XI_EVENT_MASK_RAW_BUTTON_PRESS |
-                                             XCB_INPUT_XI_EVENT_MASK_RAW_BUTTON_RELEASE |
-                                             XCB_INPUT_XI_EVENT_MASK_RAW_TOUCH_BEGIN |
-                                             XCB_INPUT_XI_EVENT_MASK_RAW_TOUCH_END
-                                       : 0);
+    selectRawEvents(connection_,
+        wants ? XCB_INPUT_XI_EVENT_MASK_RAW_MOTION | XCB_INPUT_XI_EVENT_MASK_RAW_BUTTON_PRESS |
+                    XCB_INPUT_XI_EVENT_MASK_RAW_BUTTON_RELEASE | XCB_INPUT_XI_EVENT_MASK_RAW_TOUCH_BEGIN |
+                    XCB_INPUT_XI_EVENT_MASK_RAW_TOUCH_END
+              : 0);
   }
 }
 
@@ -167,9 +165,8 @@ void X11Pointer::askAgain() {
   constexpr size_t mostTimes = 4;
   queryTurn_.reset();
   if (!buttonDown()) return;
-  const auto reply = owned(xcb_get_motion_events_reply(
-      connection_, xcb_get_motion_events(connection_, connection_.root(), dragTimestamp_, XCB_CURRENT_TIME),
-      nullptr));
+  const auto reply = owned(xcb_get_motion_events_reply(connection_,
+      xcb_get_motion_events(connection_, connection_.root(), dragTimestamp_, XCB_CURRENT_TIME), nullptr));
   std::vector<xcb_timestamp_t> times{XCB_CURRENT_TIME};
   const xcb_timecoord_t* motions = reply ? xcb_get_motion_events_events(reply.get()) : nullptr;
   for (int i = reply ? xcb_get_motion_events_events_length(reply.get()) : 0; i > 0; --i) {
@@ -182,8 +179,7 @@ void X11Pointer::askAgain() {
 
 bool X11Pointer::holdsFiles(xcb_atom_t property) const {
   constexpr uint32_t limit = 65536;  // in units of four bytes; enough to see whether there is a file
-  const auto reply = owned(xcb_get_property_reply(
-      connection_,
+  const auto reply = owned(xcb_get_property_reply(connection_,
       xcb_get_property(connection_, 0, requestor_, property, XCB_GET_PROPERTY_TYPE_ANY, 0, limit), nullptr));
   if (!reply) return false;
   // Announced as too long for one piece: no link is that long. Deleting the property would ask for the
@@ -191,8 +187,9 @@ bool X11Pointer::holdsFiles(xcb_atom_t property) const {
   if (reply->format == 32) return true;
   xcb_delete_property(connection_, requestor_, property);
   xcb_flush(connection_);
-  return !filesOfUriList({static_cast<const char*>(xcb_get_property_value(reply.get())),
-                          static_cast<size_t>(xcb_get_property_value_length(reply.get()))})
+  return !filesOfUriList(
+      {static_cast<const char*>(xcb_get_property_value(reply.get())),
+          static_cast<size_t>(xcb_get_property_value_length(reply.get()))})
               .empty();
 }
 

@@ -21,9 +21,9 @@ std::vector<Rect> reservedStrips(const std::vector<uint32_t>& strut, Size displa
   };
   const double left = strut[0], right = strut[1], top = strut[2], bottom = strut[3];
   return {{0, begin(0), left, length(0, display.height)},
-          {display.width - right, begin(1), right, length(1, display.height)},
-          {begin(2), 0, length(2, display.width), top},
-          {begin(3), display.height - bottom, length(3, display.width), bottom}};
+      {display.width - right, begin(1), right, length(1, display.height)},
+      {begin(2), 0, length(2, display.width), top},
+      {begin(3), display.height - bottom, length(3, display.width), bottom}};
 }
 
 /// `area` without the strip, which lies along one of its edges: `edge` as in `reservedStrips`.
@@ -37,7 +37,7 @@ Rect without(Rect area, const Rect& strip, size_t edge) {
 Rect intersection(const Rect& a, const Rect& b) {
   const double left = std::max(a.x, b.x), top = std::max(a.y, b.y);
   return {left, top, std::max(0.0, std::min(a.right(), b.right()) - left),
-          std::max(0.0, std::min(a.bottom(), b.bottom()) - top)};
+      std::max(0.0, std::min(a.bottom(), b.bottom()) - top)};
 }
 
 std::vector<Rect> rectangles(const std::optional<std::vector<uint32_t>>& numbers) {
@@ -62,7 +62,7 @@ X11Screens::X11Screens(X11Connection& connection, Scheduler& scheduler)
     } else if (type == XCB_PROPERTY_NOTIFY) {
       const auto& change = reinterpret_cast<const xcb_property_notify_event_t&>(event);
       for (const char* name : {"_NET_CLIENT_LIST", "_NET_WORKAREA", "_NET_CURRENT_DESKTOP", "_NET_WM_STRUT",
-                               "_NET_WM_STRUT_PARTIAL"}) {
+               "_NET_WM_STRUT_PARTIAL"}) {
         if (change.atom == connection_.atom(name)) return refreshSoon();
       }
     }
@@ -81,7 +81,7 @@ X11Screens::X11Screens(X11Connection& connection, Scheduler& scheduler)
 
 Rect X11Screens::Monitor::toPoints(const Rect& rect) const {
   return {pixels.x + (rect.x - pixels.x) / ratio, pixels.y + (rect.y - pixels.y) / ratio, rect.width / ratio,
-          rect.height / ratio};
+      rect.height / ratio};
 }
 
 std::vector<Screen> X11Screens::all() const {
@@ -124,8 +124,8 @@ std::vector<X11Screens::Monitor> X11Screens::readMonitors() const {
   for (auto it = xcb_randr_get_monitors_monitors_iterator(reply.get()); it.rem;
        xcb_randr_monitor_info_next(&it)) {
     Monitor monitor;
-    monitor.pixels = {double(it.data->x), double(it.data->y), double(it.data->width),
-                      double(it.data->height)};
+    monitor.pixels = {
+        double(it.data->x), double(it.data->y), double(it.data->width), double(it.data->height)};
     // Mirrored outputs are one screen.
     const auto same = [&](const Monitor& other) { return other.pixels == monitor.pixels; };
     if (std::any_of(monitors.begin(), monitors.end(), same)) continue;
@@ -151,9 +151,8 @@ void X11Screens::subtractPanels(std::vector<Monitor>& monitors) {
   std::vector<Request> requests;
   for (const xcb_window_t window : *clients) {
     requests.push_back({connection_.requestProperty(window, "_NET_WM_STRUT_PARTIAL"),
-                        connection_.requestProperty(window, "_NET_WM_STRUT"),
-                        xcb_get_geometry(connection_, window),
-                        xcb_translate_coordinates(connection_, window, connection_.root(), 0, 0)});
+        connection_.requestProperty(window, "_NET_WM_STRUT"), xcb_get_geometry(connection_, window),
+        xcb_translate_coordinates(connection_, window, connection_.root(), 0, 0)});
   }
   Rect display;
   for (const Monitor& monitor : monitors) display = display.united(monitor.pixels);
@@ -168,8 +167,8 @@ void X11Screens::subtractPanels(std::vector<Monitor>& monitors) {
     const uint32_t mask = XCB_EVENT_MASK_PROPERTY_CHANGE;
     xcb_change_window_attributes(connection_, (*clients)[i], XCB_CW_EVENT_MASK, &mask);
 
-    const Rect panel{double(place->dst_x), double(place->dst_y), double(geometry->width),
-                     double(geometry->height)};
+    const Rect panel{
+        double(place->dst_x), double(place->dst_y), double(geometry->width), double(geometry->height)};
     const auto strips = reservedStrips(*strut, {display.right(), display.bottom()});
     for (Monitor& monitor : monitors) {
       // Between two monitors the strip reaches across the outer one, which the panel does not lie on.
@@ -212,7 +211,7 @@ const X11Screens::Monitor& X11Screens::monitorAt(double xPixels, double yPixels)
   for (const Monitor& monitor : monitors_) {
     const Rect& area = monitor.pixels;
     const double distance = std::hypot(xPixels - std::clamp(xPixels, area.x, area.right() - 1),
-                                       yPixels - std::clamp(yPixels, area.y, area.bottom() - 1));
+        yPixels - std::clamp(yPixels, area.y, area.bottom() - 1));
     if (distance < nearestDistance) {
       nearest = &monitor;
       nearestDistance = distance;

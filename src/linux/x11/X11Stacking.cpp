@@ -18,8 +18,9 @@ X11Stacking::X11Stacking(X11Connection& connection, Scheduler& scheduler, xcb_wi
 void X11Stacking::handle(const xcb_generic_event_t& event) {
   // What can put a window above: mapping, restacking, and a window manager taking it into a frame.
   const uint8_t type = event.response_type & 0x7f;
-  const bool restacks = type == XCB_MAP_NOTIFY || type == XCB_CONFIGURE_NOTIFY ||
-                        type == XCB_REPARENT_NOTIFY || type == XCB_CIRCULATE_NOTIFY;
+  const bool restacks =
+      type == XCB_MAP_NOTIFY || type == XCB_CONFIGURE_NOTIFY || type == XCB_REPARENT_NOTIFY ||
+      type == XCB_CIRCULATE_NOTIFY;
   if (!restacks || raisePending_) return;
   // These all begin with the window that tells, followed by the one that it happened to.
   if (reinterpret_cast<const xcb_map_notify_event_t&>(event).window == window_) return;
@@ -42,8 +43,8 @@ void X11Stacking::raise() {
   const xcb_window_t below = highestToPass({self + 1, end});
   if (below == XCB_WINDOW_NONE) return;
   const uint32_t values[] = {below, XCB_STACK_MODE_ABOVE};
-  xcb_configure_window(connection_, window_, XCB_CONFIG_WINDOW_SIBLING | XCB_CONFIG_WINDOW_STACK_MODE,
-                       values);
+  xcb_configure_window(
+      connection_, window_, XCB_CONFIG_WINDOW_SIBLING | XCB_CONFIG_WINDOW_STACK_MODE, values);
   xcb_flush(connection_);
 }
 
@@ -57,8 +58,7 @@ xcb_window_t X11Stacking::highestToPass(const std::vector<xcb_window_t>& above) 
   std::vector<Request> requests;
   for (auto window = above.rbegin(); window != above.rend(); ++window) {
     requests.push_back({*window, xcb_get_window_attributes(connection_, *window),
-                        xcb_query_tree(connection_, *window),
-                        connection_.requestProperty(*window, "_NET_WM_WINDOW_TYPE")});
+        xcb_query_tree(connection_, *window), connection_.requestProperty(*window, "_NET_WM_WINDOW_TYPE")});
   }
   const auto clients =
       connection_.property(connection_.requestProperty(connection_.root(), "_NET_CLIENT_LIST"));
@@ -74,8 +74,9 @@ xcb_window_t X11Stacking::highestToPass(const std::vector<xcb_window_t>& above) 
     // A managed window lies on the root itself or in the window manager's frame.
     const xcb_window_t* child = xcb_query_tree_children(children.get());
     const bool framed = std::any_of(child, child + xcb_query_tree_children_length(children.get()), isManaged);
-    const bool isPanel = type && std::find(type->begin(), type->end(),
-                                           connection_.atom("_NET_WM_WINDOW_TYPE_DOCK")) != type->end();
+    const bool isPanel =
+        type &&
+        std::find(type->begin(), type->end(), connection_.atom("_NET_WM_WINDOW_TYPE_DOCK")) != type->end();
     if (framed || isManaged(request.window) || isPanel) highest = request.window;
   }
   return highest;

@@ -25,13 +25,13 @@ bool X11WindowActivation::bringForward(const std::vector<std::string>& names) {
     const auto reply = owned(xcb_get_property_reply(connection_, requests[i], nullptr));
     if (!reply) continue;
     const std::string classes(static_cast<const char*>(xcb_get_property_value(reply.get())),
-                              static_cast<size_t>(xcb_get_property_value_length(reply.get())));
+        static_cast<size_t>(xcb_get_property_value_length(reply.get())));
     // The name of the instance and that of the class, each with a zero.
     const std::string instance = classes.c_str();
     const std::string group = instance.size() < classes.size() ? classes.c_str() + instance.size() + 1 : "";
     for (const std::string& wanted : names) {
       if (!wanted.empty() && (strcasecmp(wanted.c_str(), instance.c_str()) == 0 ||
-                              strcasecmp(wanted.c_str(), group.c_str()) == 0)) {
+                                 strcasecmp(wanted.c_str(), group.c_str()) == 0)) {
         found = (*clients)[i];
       }
     }
@@ -53,8 +53,8 @@ std::optional<uint32_t> X11WindowActivation::windowOf(uint32_t told, const std::
   std::vector<std::optional<int32_t>> owners;
   for (const auto& request : requests) {
     const auto owner = connection_.property(request);
-    owners.push_back(owner && !owner->empty() ? std::optional(static_cast<int32_t>(owner->front()))
-                                              : std::nullopt);
+    owners.push_back(
+        owner && !owner->empty() ? std::optional(static_cast<int32_t>(owner->front())) : std::nullopt);
   }
   // Some programs name a window within the one that the window manager knows.
   xcb_window_t window = told;
@@ -86,8 +86,8 @@ void X11WindowActivation::bringForward(uint32_t window) {
   message.type = connection_.atom("_NET_ACTIVE_WINDOW");
   message.data.data32[0] = fromUser;
   xcb_send_event(connection_, 0, connection_.root(),
-                 XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY | XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT,
-                 reinterpret_cast<const char*>(&message));
+      XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY | XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT,
+      reinterpret_cast<const char*>(&message));
   xcb_flush(connection_);
 }
 

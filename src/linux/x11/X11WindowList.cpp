@@ -33,7 +33,7 @@ void X11WindowList::handle(const xcb_generic_event_t& event) {
       return changed();
     case XCB_PROPERTY_NOTIFY:
       for (const char* name :
-           {"_NET_CLIENT_LIST", "_NET_CURRENT_DESKTOP", "_NET_WM_STATE", "_NET_WM_DESKTOP"}) {
+          {"_NET_CLIENT_LIST", "_NET_CURRENT_DESKTOP", "_NET_WM_STATE", "_NET_WM_DESKTOP"}) {
         const auto& change = reinterpret_cast<const xcb_property_notify_event_t&>(event);
         if (change.atom == connection_.atom(name)) return changed();
       }
@@ -86,12 +86,11 @@ std::optional<std::vector<X11WindowList::PixelWindow>> X11WindowList::read() con
   std::vector<Request> requests;
   for (const xcb_window_t window : *clients) {
     requests.push_back({window, xcb_get_window_attributes(connection_, window),
-                        connection_.requestProperty(window, "_NET_WM_DESKTOP"),
-                        connection_.requestProperty(window, "_NET_WM_STATE"),
-                        connection_.requestProperty(window, "_NET_WM_WINDOW_TYPE"),
-                        connection_.requestProperty(window, "_NET_WM_PID"),
-                        xcb_get_geometry(connection_, window),
-                        xcb_translate_coordinates(connection_, window, connection_.root(), 0, 0)});
+        connection_.requestProperty(window, "_NET_WM_DESKTOP"),
+        connection_.requestProperty(window, "_NET_WM_STATE"),
+        connection_.requestProperty(window, "_NET_WM_WINDOW_TYPE"),
+        connection_.requestProperty(window, "_NET_WM_PID"), xcb_get_geometry(connection_, window),
+        xcb_translate_coordinates(connection_, window, connection_.root(), 0, 0)});
   }
   const bool hiddenOnesAreMapped = managerComposes();
   std::vector<PixelWindow> windows;
@@ -105,22 +104,21 @@ std::optional<std::vector<X11WindowList::PixelWindow>> X11WindowList::read() con
     const auto place = owned(xcb_translate_coordinates_reply(connection_, request.place, nullptr));
     if (!attributes || !geometry || !place) continue;  // it has just been closed
 
-    const bool elsewhere = hiddenOnesAreMapped && desktop && !desktop->empty() && current &&
-                           !current->empty() && desktop->front() != everyDesktop &&
-                           desktop->front() != current->front();
+    const bool elsewhere =
+        hiddenOnesAreMapped && desktop && !desktop->empty() && current && !current->empty() &&
+        desktop->front() != everyDesktop && desktop->front() != current->front();
     const auto has = [&](const char* name) { return holds(state, connection_.atom(name)); };
     if (attributes->map_state != XCB_MAP_STATE_VIEWABLE || elsewhere || has("_NET_WM_STATE_HIDDEN") ||
         holds(type, connection_.atom("_NET_WM_WINDOW_TYPE_DOCK")) ||
         holds(type, connection_.atom("_NET_WM_WINDOW_TYPE_DESKTOP"))) {
       continue;
     }
-    windows.push_back(
-        {.window = request.window,
-         .owner = process && !process->empty() ? std::optional<int64_t>(process->front()) : std::nullopt,
-         .pixels = {double(place->dst_x), double(place->dst_y), double(geometry->width),
-                    double(geometry->height)},
-         .maximized = has("_NET_WM_STATE_MAXIMIZED_VERT") && has("_NET_WM_STATE_MAXIMIZED_HORZ") &&
-                      !has("_NET_WM_STATE_FULLSCREEN")});
+    windows.push_back({.window = request.window,
+        .owner = process && !process->empty() ? std::optional<int64_t>(process->front()) : std::nullopt,
+        .pixels = {double(place->dst_x), double(place->dst_y), double(geometry->width),
+            double(geometry->height)},
+        .maximized = has("_NET_WM_STATE_MAXIMIZED_VERT") && has("_NET_WM_STATE_MAXIMIZED_HORZ") &&
+                     !has("_NET_WM_STATE_FULLSCREEN")});
   }
   return windows;
 }

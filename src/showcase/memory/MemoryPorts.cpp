@@ -16,8 +16,8 @@ std::optional<Image> MemoryFileIcons::icon(const FilePath& file) {
   return Image{side, side, std::make_shared<std::vector<uint32_t>>(side * side, color)};
 }
 
-Subscription MemoryNotificationCenter::observe(const std::string& name,
-                                               std::function<void(const StringMap&)> receive) {
+Subscription MemoryNotificationCenter::observe(
+    const std::string& name, std::function<void(const StringMap&)> receive) {
   auto observer = std::make_shared<std::function<void(const StringMap&)>>(std::move(receive));
   observers_.emplace(name, observer);
   return Subscription(observer);
@@ -97,8 +97,8 @@ std::optional<bool> MemoryAudioDevices::isMuted(uint32_t id, AudioScope scope) c
   return found == levels.end() ? std::nullopt : std::optional(found->second.muted);
 }
 
-Subscription MemoryAudioDevices::observeLevels(uint32_t id, AudioScope scope,
-                                               std::function<void()> onChange) {
+Subscription MemoryAudioDevices::observeLevels(
+    uint32_t id, AudioScope scope, std::function<void()> onChange) {
   ++attachments;
   return levelChanges_[{id, scope}].observe(std::move(onChange));
 }
@@ -189,8 +189,8 @@ void MemoryForeignProcesses::end(int32_t process) {
   }
 }
 
-Subscription MemoryGrowingFiles::follow(const FilePath& file,
-                                        std::function<void(const std::string& line)> line) {
+Subscription MemoryGrowingFiles::follow(
+    const FilePath& file, std::function<void(const std::string& line)> line) {
   auto follower = std::make_shared<std::function<void(const std::string&)>>(std::move(line));
   followers_.emplace(file, follower);
   return Subscription(follower);
@@ -208,8 +208,8 @@ bool MemoryGrowingFiles::isFollowed(const FilePath& file) const {
   return std::any_of(begin, last, [](const auto& entry) { return !entry.second.expired(); });
 }
 
-std::optional<uint32_t> MemoryWindowActivation::windowOf(uint32_t told,
-                                                         const std::vector<int32_t>& processes) {
+std::optional<uint32_t> MemoryWindowActivation::windowOf(
+    uint32_t told, const std::vector<int32_t>& processes) {
   for (const int32_t process : processes) {
     if (std::ranges::count(windows[process], told) > 0) return told;
   }

@@ -30,9 +30,8 @@ class MemoryChildProcesses::Child : public ChildProcess {
   MemoryChildProcesses& all_;
 };
 
-std::unique_ptr<ChildProcess> MemoryChildProcesses::launch(const std::string& executable,
-                                                           const std::vector<std::string>& arguments,
-                                                           Events events) {
+std::unique_ptr<ChildProcess> MemoryChildProcesses::launch(
+    const std::string& executable, const std::vector<std::string>& arguments, Events events) {
   launches.push_back({executable, arguments});
   events_ = std::move(events);
   auto child = std::make_unique<Child>(*this);

@@ -18,8 +18,8 @@ class MemoryChildProcesses : public ChildProcesses {
     std::string executable;
     std::vector<std::string> arguments;
   };
-  std::unique_ptr<ChildProcess> launch(const std::string& executable,
-                                       const std::vector<std::string>& arguments, Events events) override;
+  std::unique_ptr<ChildProcess> launch(
+      const std::string& executable, const std::vector<std::string>& arguments, Events events) override;
 
   bool isRunning() const { return child_; }
   /// The program writes that.

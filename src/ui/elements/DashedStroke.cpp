@@ -15,8 +15,8 @@ void drawDash(QPainter& painter, const QPolygonF& dash, const QBrush& brush, dou
   if (dash.size() == 2 && (isUpright || a.y() == b.y())) {
     const double around = width / 2;
     const QRectF line = QRectF(a, b).normalized();
-    painter.fillRect(isUpright ? line.adjusted(-around, 0, around, 0) : line.adjusted(0, -around, 0, around),
-                     brush);
+    painter.fillRect(
+        isUpright ? line.adjusted(-around, 0, around, 0) : line.adjusted(0, -around, 0, around), brush);
     return;
   }
   QPainterPath path;
@@ -27,7 +27,7 @@ void drawDash(QPainter& painter, const QPolygonF& dash, const QBrush& brush, dou
 }  // namespace
 
 void strokeDashed(QPainter& painter, const QPainterPath& path, const QBrush& brush, double width,
-                  const std::vector<double>& pattern, double phase) {
+    const std::vector<double>& pattern, double phase) {
   const double period = std::accumulate(pattern.begin(), pattern.end(), 0.0);
   if (period <= 0) return;
   for (const QPolygonF& fine : path.toSubpathPolygons(QTransform::fromScale(fineness, fineness))) {

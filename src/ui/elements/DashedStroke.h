@@ -11,6 +11,6 @@ namespace tarnwick::ui {
 /// @param pattern lengths of dashes and gaps in turn, in the path's units
 /// @param phase where in the pattern the path begins
 void strokeDashed(QPainter& painter, const QPainterPath& path, const QBrush& brush, double width,
-                  const std::vector<double>& pattern, double phase);
+    const std::vector<double>& pattern, double phase);
 
 }  // namespace tarnwick::ui

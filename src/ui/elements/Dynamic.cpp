@@ -46,7 +46,7 @@ View observing(std::function<View()> body) {
 
 View timeline(double interval, bool paused, std::function<View(Date)> body) {
   return dynamic({.body = [body = std::move(body)](const auto&, Date now) { return body(now); },
-                  .beat = paused ? std::nullopt : std::optional(Beat{interval})});
+      .beat = paused ? std::nullopt : std::optional(Beat{interval})});
 }
 
 View everySecond(std::function<View(Date)> body) { return timeline(1, false, std::move(body)); }

@@ -23,27 +23,27 @@ class FrameElement : public Element {
 };
 
 Proposal FrameElement::inner(Proposal proposal) const {
-  const auto limit = [](std::optional<double> fixed, std::optional<double> most,
-                        std::optional<double> offered) {
-    if (fixed) return fixed;
-    if (most && offered) return std::optional(std::min(*most, *offered));
-    return offered;
-  };
+  const auto limit =
+      [](std::optional<double> fixed, std::optional<double> most, std::optional<double> offered) {
+        if (fixed) return fixed;
+        if (most && offered) return std::optional(std::min(*most, *offered));
+        return offered;
+      };
   return {limit(options_.width, options_.maxWidth, proposal.width),
-          limit(options_.height, options_.maxHeight, proposal.height)};
+      limit(options_.height, options_.maxHeight, proposal.height)};
 }
 
 Measured FrameElement::measure(Node& node, Proposal proposal) const {
   Node* child = node.firstChild();
   const Measured content = child ? child->measure(inner(proposal)) : Measured{};
   const auto own = [](std::optional<double> fixed, std::optional<double> most, std::optional<double> offered,
-                      double inside) {
+                       double inside) {
     if (fixed) return *fixed;
     if (most && offered) return std::max(inside, std::min(*most, *offered));
     return inside;
   };
   const Size size{own(options_.width, options_.maxWidth, proposal.width, content.size.width),
-                  own(options_.height, options_.maxHeight, proposal.height, content.size.height)};
+      own(options_.height, options_.maxHeight, proposal.height, content.size.height)};
   Measured answer{size};
   if (content.baseline) answer.baseline = *content.baseline + aligned(content.size, size, options_.align).y;
   return answer;

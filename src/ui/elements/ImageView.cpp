@@ -40,7 +40,7 @@ class ImageElement : public Element {
         mode_ == ContentMode::fill ? std::max(byWidth, byHeight) : std::min(byWidth, byHeight);
     const QImage& picture = scaledFor(scale * context.painter.deviceTransform().m11());
     const QRectF target(w / 2 - image_.width * scale / 2, h / 2 - image_.height * scale / 2,
-                        image_.width * scale, image_.height * scale);
+        image_.width * scale, image_.height * scale);
     context.painter.save();
     context.painter.setClipRect(QRectF(0, 0, w, h), Qt::IntersectClip);
     context.painter.setRenderHint(QPainter::SmoothPixmapTransform);
@@ -55,11 +55,13 @@ class ImageElement : public Element {
     while (wanted / 2 > scale) wanted /= 2;
     if (reduced_.isNull() || wanted != reducedBy_) {
       const QImage whole(reinterpret_cast<const uchar*>(image_.pixels->data()), image_.width, image_.height,
-                         QImage::Format_ARGB32_Premultiplied);
-      reduced_ = wanted == 1 ? whole
-                             : whole.scaled(std::max(1, int(image_.width * wanted)),
-                                            std::max(1, int(image_.height * wanted)), Qt::IgnoreAspectRatio,
-                                            Qt::SmoothTransformation);
+          QImage::Format_ARGB32_Premultiplied);
+      reduced_ =
+          wanted == 1
+              ? whole
+              : whole.scaled(std::max(1, int(image_.width * wanted)),
+                    std::max(1, int(image_.height * wanted)), Qt::IgnoreAspectRatio,
+                    Qt::SmoothTransformation);
       reducedBy_ = wanted;
     }
     return reduced_;

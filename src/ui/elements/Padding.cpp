@@ -40,8 +40,8 @@ Measured PaddingElement::measure(Node& node, Proposal proposal) const {
 void PaddingElement::place(Node& node, Size size) const {
   if (Node* child = node.firstChild()) {
     child->place({inset(Edge::leading), inset(Edge::top),
-                  std::max(0.0, size.width - inset(Edge::leading) - inset(Edge::trailing)),
-                  std::max(0.0, size.height - inset(Edge::top) - inset(Edge::bottom))});
+        std::max(0.0, size.width - inset(Edge::leading) - inset(Edge::trailing)),
+        std::max(0.0, size.height - inset(Edge::top) - inset(Edge::bottom))});
   }
 }
 

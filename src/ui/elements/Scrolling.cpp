@@ -62,10 +62,11 @@ void ScrollElement::place(Node& node, Size size) const {
   Node* content = node.firstChild();
   if (!content) return;
   const bool vertical = axis_ == Axis::vertical;
-  Size wanted = content
-                    ->measure({vertical ? std::optional(size.width) : std::nullopt,
-                               vertical ? std::nullopt : std::optional(size.height)})
-                    .size;
+  Size wanted =
+      content
+          ->measure({vertical ? std::optional(size.width) : std::nullopt,
+              vertical ? std::nullopt : std::optional(size.height)})
+          .size;
   (vertical ? wanted.width : wanted.height) = vertical ? size.width : size.height;
   content->place({0, 0, wanted.width, wanted.height});
   scroll(node, {});
@@ -128,8 +129,8 @@ void LazyElement::place(Node& node, Size size) const {
   const size_t first = node.state<LazyState>().first;
   for (const auto& item : node.children) {
     const double start = double(first + size_t(item->slot)) * (items_.length + items_.spacing);
-    item->place(vertical() ? Rect{0, start, size.width, items_.length}
-                           : Rect{start, 0, items_.length, size.height});
+    item->place(
+        vertical() ? Rect{0, start, size.width, items_.length} : Rect{start, 0, items_.length, size.height});
   }
 }
 

@@ -116,7 +116,7 @@ void fill(QPainter& painter, const Shape& shape, Size size, const QBrush& brush)
   const double from = (top - toPixels.dy()) / toPixels.m22(), to = (bottom - toPixels.dy()) / toPixels.m22();
   painter.fillRect(QRectF(0, from, size.width, to - from), brush);
   for (const QRectF& part :
-       {QRectF(-1, -1, size.width + 2, from + 1), QRectF(-1, to, size.width + 2, size.height - to + 1)}) {
+      {QRectF(-1, -1, size.width + 2, from + 1), QRectF(-1, to, size.width + 2, size.height - to + 1)}) {
     painter.save();
     painter.setClipRect(part, Qt::IntersectClip);
     painter.fillPath(path, brush);

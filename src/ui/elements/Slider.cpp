@@ -12,17 +12,15 @@ namespace {
 View bar(double fraction, bool active) {
   const double height = active ? 10 : 6;
   return GeometryReader([=](Size size) {
-           return ZStack(
-                      UnitPoint::leading,
-                      {
-                          Capsule().fill(white(0.15)),
-                          Capsule().fill(white()).frame({.width = std::max(height, fraction * size.width)}),
-                      })
-               .frame({.width = size.width, .height = height})
-               .animation(spring(0.25, 0.75), active)
-               .frame({.height = size.height});
-         })
-      .frame({.height = 14});
+    return ZStack(UnitPoint::leading,
+        {
+            Capsule().fill(white(0.15)),
+            Capsule().fill(white()).frame({.width = std::max(height, fraction * size.width)}),
+        })
+        .frame({.width = size.width, .height = height})
+        .animation(spring(0.25, 0.75), active)
+        .frame({.height = size.height});
+  }).frame({.height = 14});
 }
 
 }  // namespace
@@ -59,11 +57,11 @@ View Slider(SliderOptions options) {
           .onDrag({.changed = drag, .ended = end, .cancelled = cancel})
           .accessibility(Role::slider, o.name)
           .accessibilityValue({.now = value,
-                               .least = o.least,
-                               .most = o.most,
-                               .step = o.step,
-                               .text = o.text.empty() ? percent : o.text,
-                               .set = set});
+              .least = o.least,
+              .most = o.most,
+              .step = o.step,
+              .text = o.text.empty() ? percent : o.text,
+              .set = set});
     });
   });
 }

@@ -83,7 +83,7 @@ std::vector<StackElement::Share> StackElement::shares(Node& node, Proposal propo
   };
   const auto spacers = std::stable_partition(order.begin(), order.end(), std::not_fn(isSpacer));
   std::stable_sort(order.begin(), spacers,
-                   [](const Share* a, const Share* b) { return a->most - a->least < b->most - b->least; });
+      [](const Share* a, const Share* b) { return a->most - a->least < b->most - b->least; });
   const auto hasPriority = [](const Share* share) {
     return share->node->element->kind() == PriorityElement::itsKind;
   };
@@ -153,8 +153,8 @@ void StackElement::place(Node& node, Size size) const {
       }
       share.node->place({position, y, part.width, part.height}, {along, across});
     } else {
-      share.node->place({(size.width - part.width) * across, position, part.width, part.height},
-                        {across, along});
+      share.node->place(
+          {(size.width - part.width) * across, position, part.width, part.height}, {across, along});
     }
     position += (horizontal ? part.width : part.height) + options_.spacing;
   }

@@ -26,10 +26,11 @@ QPainterPath fontOutline(const SymbolGlyph& symbol) {
   const auto indexes = font.glyphIndexesForString(QString::fromUcs4(&symbol.codepoint, 1));
   if (indexes.isEmpty() || indexes[0] == 0) return {};
   // Centred by the em square, as the designers of the glyphs meant it.
-  const QTransform aboutCenter = QTransform::fromTranslate(0.5, 0.5)
-                                     .rotate(symbol.turn)
-                                     .scale(symbol.scale / size, symbol.scale / size)
-                                     .translate(-size / 2, -size / 2);
+  const QTransform aboutCenter =
+      QTransform::fromTranslate(0.5, 0.5)
+          .rotate(symbol.turn)
+          .scale(symbol.scale / size, symbol.scale / size)
+          .translate(-size / 2, -size / 2);
   return aboutCenter.map(font.pathForGlyph(indexes[0]).translated(0, size));
 }
 

@@ -96,39 +96,38 @@ void TextEditorElement::draw(DrawContext& context) const {
   QPainter& painter = context.painter;
   if (!editor_->hosted) {
     const Font& font = context.environment.font;
-    return drawText(painter, text_, fontBook::face(font).font, context.environment.foreground,
-                    context.layoutSize);
+    return drawText(
+        painter, text_, fontBook::face(font).font, context.environment.foreground, context.layoutSize);
   }
   if (editor_->shown) return;
   const double scale = std::sqrt(std::abs(painter.deviceTransform().determinant()));
-  painter.drawImage(QRectF(0, 0, context.layoutSize.width, context.layoutSize.height),
-                    editor_->hosted->picture(scale));
+  painter.drawImage(
+      QRectF(0, 0, context.layoutSize.width, context.layoutSize.height), editor_->hosted->picture(scale));
 }
 
 }  // namespace
 
 View TextEditor(TextEditorOptions options) {
   return dynamic({.makeState = [] { return std::make_shared<Editor>(); },
-                  .body =
-                      [options = std::move(options)](const std::shared_ptr<void>& state, Date) {
-                        const auto editor = std::static_pointer_cast<Editor>(state);
-                        editor->options = options;
-                        if (options.focus) editor->wantsFocus = *options.focus;
-                        const auto focus = [editor](bool focused) {
-                          if (editor->hosted)
-                            editor->hosted->setFocused(focused);
-                          else if (editor->options.focus)
-                            editor->options.focus->set(focused);
-                        };
-                        return View(std::make_shared<TextEditorElement>(editor))
-                            .onTap([focus] { focus(true); })
-                            .onFocus(focus)
-                            .contextMenu([editor] {
-                              return editor->hosted ? editor->hosted->menu() : std::vector<MenuItem>();
-                            })
-                            .cursor(Cursor::text)
-                            .accessibility(Role::textField, options.name);
-                      }});
+      .body =
+          [options = std::move(options)](const std::shared_ptr<void>& state, Date) {
+            const auto editor = std::static_pointer_cast<Editor>(state);
+            editor->options = options;
+            if (options.focus) editor->wantsFocus = *options.focus;
+            const auto focus = [editor](bool focused) {
+              if (editor->hosted)
+                editor->hosted->setFocused(focused);
+              else if (editor->options.focus)
+                editor->options.focus->set(focused);
+            };
+            return View(std::make_shared<TextEditorElement>(editor))
+                .onTap([focus] { focus(true); })
+                .onFocus(focus)
+                .contextMenu(
+                    [editor] { return editor->hosted ? editor->hosted->menu() : std::vector<MenuItem>(); })
+                .cursor(Cursor::text)
+                .accessibility(Role::textField, options.name);
+          }});
 }
 
 }  // namespace tarnwick::ui

@@ -25,8 +25,8 @@ Measured ZStackElement::measure(Node& node, Proposal proposal) const {
   Measured answer;
   for (const auto& child : node.children) {
     const Measured part = child->measure(proposal);
-    answer.size = {std::max(answer.size.width, part.size.width),
-                   std::max(answer.size.height, part.size.height)};
+    answer.size = {
+        std::max(answer.size.width, part.size.width), std::max(answer.size.height, part.size.height)};
     if (!answer.baseline) answer.baseline = part.baseline;
   }
   return answer;

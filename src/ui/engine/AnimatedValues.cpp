@@ -4,8 +4,8 @@
 
 namespace tarnwick::ui {
 
-void AnimatedValues::set(const std::vector<double>& target, const std::optional<Animation>& animation,
-                         double now) {
+void AnimatedValues::set(
+    const std::vector<double>& target, const std::optional<Animation>& animation, double now) {
   if (target.size() != target_.size()) return jump(target);
   for (size_t i = 0; i < target.size(); ++i) {
     if (target[i] == target_[i]) continue;
@@ -27,16 +27,16 @@ void AnimatedValues::jump(std::vector<double> values) {
   target_ = std::move(values);
 }
 
-void AnimatedValues::startFrom(const std::vector<double>& values, const std::optional<Animation>& animation,
-                               double now) {
+void AnimatedValues::startFrom(
+    const std::vector<double>& values, const std::optional<Animation>& animation, double now) {
   const std::vector<double> target = target_;
   jump(values);
   set(target, animation, now);
 }
 
 bool AnimatedValues::onlyRepeats() const {
-  return std::ranges::all_of(motions_,
-                             [](const auto& motion) { return !motion || motion->animation.forever; });
+  return std::ranges::all_of(
+      motions_, [](const auto& motion) { return !motion || motion->animation.forever; });
 }
 
 bool AnimatedValues::update(double now) {

@@ -24,8 +24,8 @@ Measured WrapperElement::measure(Node& node, Proposal proposal) const {
 }
 
 bool WrapperElement::isNothing(const Node& node) const {
-  return std::ranges::all_of(node.children,
-                             [](const auto& child) { return child->element->isNothing(*child); });
+  return std::ranges::all_of(
+      node.children, [](const auto& child) { return child->element->isNothing(*child); });
 }
 
 void Element::place(Node& node, Size size) const {

@@ -152,12 +152,14 @@ bool Focus::move(const KeyEvent& event) {
   const std::vector<Node*> all = members(group);
   if (all.empty()) return false;
   const auto last = std::ptrdiff_t(all.size()) - 1;
-  const std::ptrdiff_t here = current     ? std::ranges::find(all, current) - all.begin()
-                              : *step > 0 ? -1
-                                          : last + 1;
-  const std::ptrdiff_t there = *step == -2  ? 0
-                               : *step == 2 ? last
-                                            : std::clamp<std::ptrdiff_t>(here + *step, 0, last);
+  const std::ptrdiff_t here =
+      current     ? std::ranges::find(all, current) - all.begin()
+      : *step > 0 ? -1
+                  : last + 1;
+  const std::ptrdiff_t there =
+      *step == -2  ? 0
+      : *step == 2 ? last
+                   : std::clamp<std::ptrdiff_t>(here + *step, 0, last);
   moveTo(all[size_t(there)], true);
   return true;
 }
@@ -172,8 +174,8 @@ void Focus::reveal(Node& node) {
     const auto way = [](double from, double to, double window) {
       return from < 0 ? -from : to > window ? std::max(window - to, -from) : 0;
     };
-    const Point delta{way(rect.x, rect.right(), outer->frame.width),
-                      way(rect.y, rect.bottom(), outer->frame.height)};
+    const Point delta{
+        way(rect.x, rect.right(), outer->frame.width), way(rect.y, rect.bottom(), outer->frame.height)};
     if (delta == Point{} || !outer->element->canScroll(*outer, delta)) continue;
     outer->element->scroll(*outer, delta);
     rect = rect.movedBy(scrolled - outer->element->scrolled(*outer));

@@ -21,7 +21,7 @@ double distance(Point a, Point b) { return std::hypot(a.x - b.x, a.y - b.y); }
 bool takesPointer(const Node& node) {
   const auto& i = node.attributes.interaction;
   return i && (i->onPointer || i->onTap || i->onDoubleTap || i->onPress || i->menu || i->contextMenu ||
-               i->files || !i->drags.empty());
+                  i->files || !i->drags.empty());
 }
 
 bool takesTaps(const Interaction& i) { return i.onTap || i.onDoubleTap || i.menu; }
@@ -42,8 +42,9 @@ std::shared_ptr<const Interaction> Gestures::Part::interaction() const {
 void Gestures::press(Point point, PointerButton button, Modifiers modifiers) {
   if (button_) return;
   const double now = scene_.uptime();
-  const bool again = button == lastButton_ && now - lastTime_ < doubleClickTime &&
-                     distance(point, lastPoint_) <= doubleClickReach;
+  const bool again =
+      button == lastButton_ && now - lastTime_ < doubleClickTime &&
+      distance(point, lastPoint_) <= doubleClickReach;
   clicks_ = again ? clicks_ + 1 : 1;
   lastButton_ = button;
   lastTime_ = now;
@@ -145,8 +146,8 @@ void Gestures::openMenu() {
   const auto interaction = menu_.interaction();
   const bool atPointer = button_ == PointerButton::secondary;
   const Rect anchor = atPointer ? Rect{start_.x, start_.y, 0, 0} : node->presentedInScene();
-  scene_.input().menus().open(atPointer ? interaction->contextMenu() : interaction->menu(), anchor, *node,
-                              false);
+  scene_.input().menus().open(
+      atPointer ? interaction->contextMenu() : interaction->menu(), anchor, *node, false);
 }
 
 /// @return whether the window has taken the gesture over

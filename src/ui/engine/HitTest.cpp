@@ -15,7 +15,7 @@ Point inFrame(const Node& node, Point point) {
 }
 
 void collect(Node& node, Point point, const std::function<bool(const Node&)>& wanted, const Node* held,
-             std::vector<Node*>& found) {
+    std::vector<Node*>& found) {
   const auto& interaction = node.attributes.interaction;
   if (node.isLeaving || (interaction && interaction->disabled)) return;
   if (std::abs(node.transform.determinant()) < 1e-6) return;
@@ -36,8 +36,8 @@ void collect(Node& node, Point point, const std::function<bool(const Node&)>& wa
 
 }  // namespace
 
-std::vector<Node*> at(Node& root, Point point, const std::function<bool(const Node&)>& wanted,
-                      const Node* held) {
+std::vector<Node*> at(
+    Node& root, Point point, const std::function<bool(const Node&)>& wanted, const Node* held) {
   std::vector<Node*> found;
   collect(root, point, wanted, held, found);
   return found;

@@ -14,8 +14,8 @@ namespace hitTest {
 /// Those of the nodes at `point` that are wanted, from the front to the back: what is inside of a node before
 /// the node. `held`, which may be null, keeps the area that it has without its effects, so that a button that
 /// shrinks while it is pressed stays under the pointer.
-std::vector<Node*> at(Node& root, Point point, const std::function<bool(const Node&)>& wanted,
-                      const Node* held = nullptr);
+std::vector<Node*> at(
+    Node& root, Point point, const std::function<bool(const Node&)>& wanted, const Node* held = nullptr);
 
 /// The point in the node's own coordinates.
 Point inNode(const Node& node, Point point);

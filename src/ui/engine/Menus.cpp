@@ -72,20 +72,23 @@ View Menus::view() {
     changes_.noteRead();
     if (!open_) return View();
     // A press beside the menu closes it, and does nothing else.
-    const View around = ZStack(UnitPoint::center, {})
-                            .frame({.maxWidth = infinity, .maxHeight = infinity})
-                            .onPointer([this](const PointerEvent& event) {
-                              if (event.phase == PointerEvent::Phase::press) close();
-                              return true;
-                            });
+    const View around =
+        ZStack(UnitPoint::center, {})
+            .frame({.maxWidth = infinity, .maxHeight = infinity})
+            .onPointer([this](const PointerEvent& event) {
+              if (event.phase == PointerEvent::Phase::press) close();
+              return true;
+            });
     const Size scene = scene_.size();
-    return ZStack(UnitPoint::center, {around, Beside({.anchor = open_->anchor,
-                                                      .surface = {0, 0, scene.width, scene.height},
-                                                      .below = gap,
-                                                      .above = gap,
-                                                      .margin = margin,
-                                                      .align = 0},
-                                                     panel())});
+    return ZStack(UnitPoint::center,
+        {around,
+            Beside({.anchor = open_->anchor,
+                       .surface = {0, 0, scene.width, scene.height},
+                       .below = gap,
+                       .above = gap,
+                       .margin = margin,
+                       .align = 0},
+                panel())});
   });
 }
 
@@ -117,13 +120,14 @@ View Menus::row(const MenuItem& item, bool hasChecks) {
     if (hasChecks) {
       check = Symbol("checkmark").font({9, Weight::bold}).opacity(item.checked ? 1 : 0).frame({.width = 14});
     }
-    View line = HStack({.spacing = 5}, {check, Text(item.title).font({12, Weight::medium}), Spacer()})
-                    .foreground(white(item.enabled ? 0.92 : 0.35))
-                    .padding(Edge::horizontal, 8)
-                    .frame({.height = rowHeight, .maxWidth = infinity})
-                    .background(chosen ? RoundedRectangle(5).fill(highlight) : View())
-                    .onFocus(chosen)
-                    .accessibility(Role::menuItem, item.title);
+    View line =
+        HStack({.spacing = 5}, {check, Text(item.title).font({12, Weight::medium}), Spacer()})
+            .foreground(white(item.enabled ? 0.92 : 0.35))
+            .padding(Edge::horizontal, 8)
+            .frame({.height = rowHeight, .maxWidth = infinity})
+            .background(chosen ? RoundedRectangle(5).fill(highlight) : View())
+            .onFocus(chosen)
+            .accessibility(Role::menuItem, item.title);
     if (hasChecks) line = line.accessibilityChecked(item.checked);
     return line.onTap(
         [this, action = item.action] {

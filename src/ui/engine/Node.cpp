@@ -64,8 +64,8 @@ std::vector<double> numbers(const Effects& e) {
 std::vector<double> shadowNumbers(const std::vector<Attributes::Shadow>& shadows) {
   std::vector<double> result;
   for (const auto& [color, radius, offset] : shadows) {
-    result.insert(result.end(),
-                  {color.red, color.green, color.blue, color.alpha, radius, offset.x, offset.y});
+    result.insert(
+        result.end(), {color.red, color.green, color.blue, color.alpha, radius, offset.x, offset.y});
   }
   return result;
 }
@@ -83,13 +83,13 @@ std::vector<Attributes::Shadow> shadowsOf(const std::vector<double>& numbers) {
 Effects effectsOf(const std::vector<double>& n, UnitPoint anchor) {
   if (n.empty()) return {};
   return {.opacity = n[0],
-          .blur = n[1],
-          .brightness = n[2],
-          .scaleX = n[3],
-          .scaleY = n[4],
-          .rotation = n[5],
-          .offset = {n[6], n[7]},
-          .anchor = anchor};
+      .blur = n[1],
+      .brightness = n[2],
+      .scaleX = n[3],
+      .scaleY = n[4],
+      .rotation = n[5],
+      .offset = {n[6], n[7]},
+      .anchor = anchor};
 }
 
 }  // namespace tarnwick::ui

@@ -15,7 +15,7 @@ constexpr double bounceHeight = 0.24;
 Rect intersection(const Rect& a, const Rect& b) {
   const double left = std::max(a.x, b.x), top = std::max(a.y, b.y);
   return {left, top, std::max(0.0, std::min(a.right(), b.right()) - left),
-          std::max(0.0, std::min(a.bottom(), b.bottom()) - top)};
+      std::max(0.0, std::min(a.bottom(), b.bottom()) - top)};
 }
 
 bool contains(const Rect& a, const Rect& b) {
@@ -58,7 +58,7 @@ bool Presenter::advance(Node& node) {
     redraw = true;
   }
   for (AnimatedValues* motion :
-       {&node.frameMotion, &node.effects, &node.transition, &node.clip, &node.shadows, &node.bounce}) {
+      {&node.frameMotion, &node.effects, &node.transition, &node.clip, &node.shadows, &node.bounce}) {
     motion->update(now_);
   }
   return redraw;
@@ -107,9 +107,10 @@ bool Presenter::present(Node& node, const Outer& outer) {
 
   bool redraw = advance(node) || node.needsDraw;
   placeInScene(node, outer);
-  const bool looksChanged = oldSize != node.presentedSize || oldOpacity != node.opacity ||
-                            oldBlur != node.blurRadius || oldBrightening != node.brightening ||
-                            oldClip != node.clip.presented() || oldShadows != node.shadows.presented();
+  const bool looksChanged =
+      oldSize != node.presentedSize || oldOpacity != node.opacity || oldBlur != node.blurRadius ||
+      oldBrightening != node.brightening || oldClip != node.clip.presented() ||
+      oldShadows != node.shadows.presented();
   node.shadowsShown = node.shadows.presented();
   const bool movedInScene = looksChanged || oldTransform != node.transform;
   const bool movedInParent = looksChanged || oldLocal != node.local;
@@ -117,14 +118,15 @@ bool Presenter::present(Node& node, const Outer& outer) {
   const bool clips = node.attributes.clip || node.element->clips();
   const Rect box{0, 0, node.presentedSize.width, node.presentedSize.height};
   const double overflow = node.element->overflow(node.environment);
-  node.ownBounds = node.element->draws() || node.hasFocusRing
-                       ? mapped(node, drawnBox(node).grownBy(overflow, overflow))
-                       : Rect{};
+  node.ownBounds =
+      node.element->draws() || node.hasFocusRing
+          ? mapped(node, drawnBox(node).grownBy(overflow, overflow))
+          : Rect{};
   const Rect clip = clips ? intersection(outer.clip, mapped(node, box)) : outer.clip;
   const bool shown = outer.visible && node.opacity > 0.002 && std::abs(node.transform.determinant()) > 1e-6;
-  const bool undisturbed = outer.undisturbed && !node.isLeaving && node.opacity > 0.998 &&
-                           node.blurRadius == 0 && node.brightening == 0 &&
-                           node.transform.type() <= QTransform::TxTranslate;
+  const bool undisturbed =
+      outer.undisturbed && !node.isLeaving && node.opacity > 0.998 && node.blurRadius == 0 &&
+      node.brightening == 0 && node.transform.type() <= QTransform::TxTranslate;
   redraw |= node.element->presented(node, undisturbed && contains(outer.clip, node.presentedInScene()));
 
   const double scale = std::sqrt(std::abs(node.transform.determinant()));

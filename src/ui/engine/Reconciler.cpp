@@ -109,7 +109,7 @@ std::unique_ptr<Node> Reconciler::build(const View& view) {
 
 Reconciler::Context Reconciler::contextInside(const Node& node) const {
   return {node.environment, node.commitNumber == scene_.commitNumber_ ? node.commitAnimation : animation_,
-          !first_};
+      !first_};
 }
 
 void Reconciler::update(Node& node, const View& view, Context context) {
@@ -224,7 +224,7 @@ void Reconciler::updateChildren(Node& node, const Views& views, const Context& c
       update(*child, view, context);
     } else {
       const auto gone = std::find_if(node.leaving.begin(), node.leaving.end(),
-                                     [&](const auto& leaving) { return leaving->identity == identity; });
+          [&](const auto& leaving) { return leaving->identity == identity; });
       if (gone != node.leaving.end()) {
         child = std::move(*gone);
         node.leaving.erase(gone);
@@ -312,8 +312,7 @@ void Reconciler::noteMatches(Node& node, Node& root, bool hasTransition) {
   if (node.attributes.match && !node.isNew) {
     const Size size = node.presentedFrame().size();
     const QRectF rect = node.transform.mapRect(QRectF(0, 0, size.width, size.height));
-    handovers_.emplace_back(
-        *node.attributes.match,
+    handovers_.emplace_back(*node.attributes.match,
         Handover{node, root, {rect.x(), rect.y(), rect.width(), rect.height()}, hasTransition});
   }
   for (const auto& child : node.children) noteMatches(*child, root, hasTransition);
@@ -333,9 +332,8 @@ void Reconciler::takeAway(Node& root) {
 void Reconciler::handOver() {
   for (Node* node : newMatches_) {
     if (!node) continue;
-    const auto found = std::find_if(handovers_.begin(), handovers_.end(), [&](const auto& entry) {
-      return entry.first == *node->attributes.match;
-    });
+    const auto found = std::find_if(handovers_.begin(), handovers_.end(),
+        [&](const auto& entry) { return entry.first == *node->attributes.match; });
     if (found == handovers_.end() || !node->commitAnimation) continue;
     const Handover handover = found->second;
     // From the old view's place in the scene, seen from the new parent as it is presented now.
@@ -344,8 +342,8 @@ void Reconciler::handOver() {
     const bool parentShown = !node->parent->isNew || node->parent->visible;
     const Point start =
         parentShown ? Point{corner.x(), corner.y()} : handover.rect.origin() - presentedOrigin(*node->parent);
-    node->frameMotion.startFrom({start.x, start.y, handover.rect.width, handover.rect.height},
-                                node->commitAnimation, now_);
+    node->frameMotion.startFrom(
+        {start.x, start.y, handover.rect.width, handover.rect.height}, node->commitAnimation, now_);
     if (!handover.hasTransition) {
       // The thing itself moves over: nothing fades.
       for (Node* n = node; n && n->isNew; n = n->parent) {
@@ -356,8 +354,8 @@ void Reconciler::handOver() {
     } else if (handover.root && handover.root->isLeaving) {
       Node& old = *handover.leaving;
       const Point place = targetOrigin(*node) - targetOrigin(*old.parent);
-      old.frameMotion.set(numbersOf({place.x, place.y, node->frame.width, node->frame.height}),
-                          node->commitAnimation, now_);
+      old.frameMotion.set(
+          numbersOf({place.x, place.y, node->frame.width, node->frame.height}), node->commitAnimation, now_);
     }
     handovers_.erase(found);
   }
@@ -395,7 +393,7 @@ void Reconciler::settle(Node& node) {
   }
   for (const auto& child : node.leaving) {
     const Point growth{child->pin.x * (node.frame.width - node.oldSize.width),
-                       child->pin.y * (node.frame.height - node.oldSize.height)};
+        child->pin.y * (node.frame.height - node.oldSize.height)};
     child->frame = child->frame.movedBy(growth);
     child->frameMotion.set(numbersOf(child->frame), animation, now_);
   }

@@ -96,8 +96,8 @@ void Scene::commit(const std::optional<Animation>& animation) {
   Reconciler reconciler(*this, moves ? std::optional(animation->delayed(-lead_)) : std::nullopt, false);
   while (!dirty_.empty()) {
     // The outermost first: it may renew the others on the way.
-    Node* next = *std::min_element(dirty_.begin(), dirty_.end(),
-                                   [](const Node* a, const Node* b) { return depth(a) < depth(b); });
+    Node* next = *std::min_element(
+        dirty_.begin(), dirty_.end(), [](const Node* a, const Node* b) { return depth(a) < depth(b); });
     dirty_.erase(next);
     if (!next->leaves()) reconciler.renew(*next);
   }
@@ -240,8 +240,8 @@ std::vector<Scene::Control> Scene::controls() const {
     if (!node.visible || (interaction && interaction->disabled)) return;
     if (interaction && interaction->role != Role::none) {
       controls.push_back({node.serial, interaction->role, interaction->accessibilityName,
-                          interaction->checked, node.presentedInScene(), interaction->action(),
-                          interaction->value, interaction->takesFocus(), &node == input_.focused()});
+          interaction->checked, node.presentedInScene(), interaction->action(), interaction->value,
+          interaction->takesFocus(), &node == input_.focused()});
     }
     for (const auto& child : node.children) collect(*child);
   };

@@ -57,9 +57,8 @@ void SceneInput::pressed(Point point, PointerButton button, Modifiers modifiers)
   pointer_ = point;
   tooltip_.hide();
   updateHover();
-  const auto control = hitTest::at(scene_.root(), point, [](const Node& node) {
-    return isInteractive(node) && node.attributes.interaction->takesFocus();
-  });
+  const auto control = hitTest::at(scene_.root(), point,
+      [](const Node& node) { return isInteractive(node) && node.attributes.interaction->takesFocus(); });
   // Where it was clicked Tab goes on.
   if (!control.empty()) focus_.moveTo(control.front(), false);
   gestures_.press(point, button, modifiers);
@@ -94,8 +93,8 @@ bool SceneInput::canScroll(Point point, Point delta) const { return scrollable(p
 
 /// The innermost content there that has a way to go, or null.
 Node* SceneInput::scrollable(Point point, Point delta) const {
-  const auto found = hitTest::at(scene_.root(), point,
-                                 [&](const Node& node) { return node.element->canScroll(node, delta); });
+  const auto found = hitTest::at(
+      scene_.root(), point, [&](const Node& node) { return node.element->canScroll(node, delta); });
   return found.empty() ? nullptr : found.front();
 }
 
@@ -150,8 +149,9 @@ bool SceneInput::offer(const KeyEvent& event, Node* focused) {
 bool SceneInput::openMenu(Node* focused, const KeyEvent& event) {
   if (!focused) return false;
   const auto interaction = focused->attributes.interaction;
-  const bool operates = event.modifiers == Modifiers{} &&
-                        (event.key == Key::enter || event.key == Key::space || event.key == Key::down);
+  const bool operates =
+      event.modifiers == Modifiers{} &&
+      (event.key == Key::enter || event.key == Key::space || event.key == Key::down);
   if (interaction->menu && operates) {
     menus_.open(interaction->menu(), focused->presentedInScene(), *focused, true);
     return true;
@@ -189,9 +189,11 @@ bool SceneInput::operate(Node& control, Key key) {
   }
   if (!interaction->value || !interaction->value->set) return false;
   const AdjustableValue& value = *interaction->value;
-  const double wanted = key == Key::home  ? value.least
-                        : key == Key::end ? value.most
-                                          : value.now + stepsOf(key) * value.step;
+  const double wanted =
+      key == Key::home ? value.least
+      : key == Key::end
+          ? value.most
+          : value.now + stepsOf(key) * value.step;
   if (wanted == value.now && stepsOf(key) == 0) return key == Key::home || key == Key::end;
   value.set(std::clamp(wanted, value.least, value.most));
   return true;
@@ -231,9 +233,8 @@ Node* SceneInput::updateHover() {
   }
   const std::vector<WeakNode> before = std::exchange(hovered_, {inside.begin(), inside.end()});
   const auto first = [](const auto& nodes, const std::function<bool(const Interaction&)>& wanted) {
-    const auto found = std::ranges::find_if(nodes, [&](Node* node) {
-      return node && isInteractive(*node) && wanted(*node->attributes.interaction);
-    });
+    const auto found = std::ranges::find_if(nodes,
+        [&](Node* node) { return node && isInteractive(*node) && wanted(*node->attributes.interaction); });
     return found == nodes.end() ? nullptr : static_cast<Node*>(*found);
   };
   const WeakNode withTooltip = first(inside, [](const Interaction& i) { return !i.tooltip.empty(); });

@@ -54,21 +54,23 @@ View Tooltip::view() const {
   return observing([this] {
     changes_.noteRead();
     if (!shown_) return View();
-    View bubble = Text(shown_->text)
-                      .font({11, Weight::medium})
-                      .foreground(white(0.92))
-                      .padding(Edge::horizontal, 8)
-                      .padding(Edge::vertical, 4)
-                      .background(RoundedRectangle(6).fill(Color{0.17, 0.17, 0.18, 0.97}))
-                      .overlay(RoundedRectangle(6).stroke(white(0.12), {.width = 1, .inside = true}))
-                      .id(bubbleKey);
+    View bubble =
+        Text(shown_->text)
+            .font({11, Weight::medium})
+            .foreground(white(0.92))
+            .padding(Edge::horizontal, 8)
+            .padding(Edge::vertical, 4)
+            .background(RoundedRectangle(6).fill(Color{0.17, 0.17, 0.18, 0.97}))
+            .overlay(RoundedRectangle(6).stroke(white(0.12), {.width = 1, .inside = true}))
+            .id(bubbleKey);
     const Point point = shown_->point;
-    return Beside({.anchor = {point.x, point.y, 0, 0},
-                   .surface = shown_->surface,
-                   .below = 18,
-                   .above = 8,
-                   .margin = 12},  // room for the surface's round corners
-                  std::move(bubble))
+    return Beside(
+        {.anchor = {point.x, point.y, 0, 0},
+            .surface = shown_->surface,
+            .below = 18,
+            .above = 8,
+            .margin = 12},  // room for the surface's round corners
+        std::move(bubble))
         .allowsHitTesting(false);
   });
 }

@@ -47,9 +47,10 @@ void send(QAccessible::Event type, QAccessibleInterface& about) {
 }
 
 /// One control of a scene, for as long as its view is there.
-class AccessibleControl : public QAccessibleInterface,
-                          public QAccessibleActionInterface,
-                          public QAccessibleValueInterface {
+class AccessibleControl
+    : public QAccessibleInterface,
+      public QAccessibleActionInterface,
+      public QAccessibleValueInterface {
  public:
   AccessibleControl(SceneWidget& widget, Scene::Control control)
       : widget_(&widget), known_(std::move(control)) {}
@@ -202,7 +203,7 @@ class AccessibleScene : public QAccessibleWidget {
   QAccessibleInterface* childAt(int x, int y) const override {
     // The frontmost is drawn last.
     const auto found = std::find_if(children_.rbegin(), children_.rend(),
-                                    [=](const auto* child) { return child->rect().contains(x, y); });
+        [=](const auto* child) { return child->rect().contains(x, y); });
     return found == children_.rend() ? nullptr : *found;
   }
 

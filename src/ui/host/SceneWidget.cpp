@@ -35,17 +35,16 @@ std::optional<PointerButton> fromQt(Qt::MouseButton button) {
 
 Modifiers fromQt(Qt::KeyboardModifiers modifiers) {
   return {modifiers.testFlag(Qt::ShiftModifier), modifiers.testFlag(Qt::ControlModifier),
-          modifiers.testFlag(Qt::AltModifier)};
+      modifiers.testFlag(Qt::AltModifier)};
 }
 
 Key keyOf(int key) {
-  static constexpr std::pair<Qt::Key, Key> keys[] = {
-      {Qt::Key_Tab, Key::tab},       {Qt::Key_Backtab, Key::tab},       {Qt::Key_Return, Key::enter},
-      {Qt::Key_Enter, Key::enter},   {Qt::Key_Space, Key::space},       {Qt::Key_Escape, Key::escape},
-      {Qt::Key_Left, Key::left},     {Qt::Key_Right, Key::right},       {Qt::Key_Up, Key::up},
-      {Qt::Key_Down, Key::down},     {Qt::Key_Home, Key::home},         {Qt::Key_End, Key::end},
+  static constexpr std::pair<Qt::Key, Key> keys[] = {{Qt::Key_Tab, Key::tab}, {Qt::Key_Backtab, Key::tab},
+      {Qt::Key_Return, Key::enter}, {Qt::Key_Enter, Key::enter}, {Qt::Key_Space, Key::space},
+      {Qt::Key_Escape, Key::escape}, {Qt::Key_Left, Key::left}, {Qt::Key_Right, Key::right},
+      {Qt::Key_Up, Key::up}, {Qt::Key_Down, Key::down}, {Qt::Key_Home, Key::home}, {Qt::Key_End, Key::end},
       {Qt::Key_PageUp, Key::pageUp}, {Qt::Key_PageDown, Key::pageDown}, {Qt::Key_Menu, Key::menu},
-      {Qt::Key_Delete, Key::erase},  {Qt::Key_Backspace, Key::erase}};
+      {Qt::Key_Delete, Key::erase}, {Qt::Key_Backspace, Key::erase}};
   const auto found = std::ranges::find(keys, key, &std::pair<Qt::Key, Key>::first);
   return found == std::end(keys) ? Key::other : found->second;
 }
@@ -152,8 +151,9 @@ void SceneWidget::leaveEvent(QEvent*) { scene_.input().left(); }
 
 void SceneWidget::wheelEvent(QWheelEvent* event) {
   const std::optional<double> smoothStep = smoothPointsPerClick ? smoothPointsPerClick(*event) : std::nullopt;
-  const QPointF delta = QPointF(event->angleDelta()) / QWheelEvent::DefaultDeltasPerStep *
-                        smoothStep.value_or(SceneInput::pointsPerClick);
+  const QPointF delta =
+      QPointF(event->angleDelta()) / QWheelEvent::DefaultDeltasPerStep *
+      smoothStep.value_or(SceneInput::pointsPerClick);
   event->setAccepted(scene_.input().scrolled(fromQt(event->position()), {delta.x(), delta.y()}, !smoothStep));
 }
 

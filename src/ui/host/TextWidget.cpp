@@ -146,37 +146,37 @@ std::vector<MenuItem> TextWidget::menu() {
                 if (e) e->undo();
               },
               edit_->document()->isUndoAvailable()),
-          item(
-              tr("Redo", "Rétablir"),
-              [e] {
-                if (e) e->redo();
-              },
-              edit_->document()->isRedoAvailable()),
-          MenuItem::separator(),
-          item(
-              tr("Cut", "Couper"),
-              [e] {
-                if (e) e->cut();
-              },
-              selected),
-          item(
-              tr("Copy", "Copier"),
-              [e] {
-                if (e) e->copy();
-              },
-              selected),
-          item(
-              tr("Paste", "Coller"),
-              [e] {
-                if (e) e->paste();
-              },
-              edit_->canPaste()),
-          item(
-              tr("Select all", "Tout sélectionner"),
-              [e] {
-                if (e) e->selectAll();
-              },
-              !edit_->document()->isEmpty())};
+      item(
+          tr("Redo", "Rétablir"),
+          [e] {
+            if (e) e->redo();
+          },
+          edit_->document()->isRedoAvailable()),
+      MenuItem::separator(),
+      item(
+          tr("Cut", "Couper"),
+          [e] {
+            if (e) e->cut();
+          },
+          selected),
+      item(
+          tr("Copy", "Copier"),
+          [e] {
+            if (e) e->copy();
+          },
+          selected),
+      item(
+          tr("Paste", "Coller"),
+          [e] {
+            if (e) e->paste();
+          },
+          edit_->canPaste()),
+      item(
+          tr("Select all", "Tout sélectionner"),
+          [e] {
+            if (e) e->selectAll();
+          },
+          !edit_->document()->isEmpty())};
 }
 
 }  // namespace tarnwick::ui

@@ -28,7 +28,7 @@ constexpr int widestBox = 255;
 /// the lanes are what the compiler turns into vector instructions.
 template<int fixedLanes>
 void movingSum(const uint8_t* source, uint8_t* target, int count, std::ptrdiff_t stride, int freeLanes,
-               int width, uint16_t* sum) {
+    int width, uint16_t* sum) {
   const int lanes = fixedLanes ? fixedLanes : freeLanes;
   const int radius = width / 2;
   const uint32_t scale = (1u << 16) / uint32_t(width) + 1;
@@ -102,15 +102,15 @@ void blurSlightly(QImage& image, double sigma) {
     if (y < image.height()) {
       std::copy_n(image.constScanLine(y), bytes, padded.data() + reach * pixel);
       const uint8_t* p = padded.data();
-      weightedSum({p, p + pixel, p + 2 * pixel, p + 3 * pixel, p + 4 * pixel}, line(y).data(), bytes,
-                  weights);
+      weightedSum(
+          {p, p + pixel, p + 2 * pixel, p + 3 * pixel, p + 4 * pixel}, line(y).data(), bytes, weights);
     } else {
       std::ranges::fill(line(y), uint8_t(0));
     }
     if (y < reach) continue;
     const auto around = [&](int step) { return line(y - reach + step + int(lines.size())).data(); };
-    weightedSum({around(-2), around(-1), around(0), around(1), around(2)}, image.scanLine(y - reach), bytes,
-                weights);
+    weightedSum(
+        {around(-2), around(-1), around(0), around(1), around(2)}, image.scanLine(y - reach), bytes, weights);
   }
 }
 

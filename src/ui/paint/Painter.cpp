@@ -89,7 +89,7 @@ QImage picture(Scene& scene) {
   const double ratio = scene.pixelRatio();
   const Size size = scene.size();
   QImage image(int(std::lround(size.width * ratio)), int(std::lround(size.height * ratio)),
-               QImage::Format_ARGB32_Premultiplied);
+      QImage::Format_ARGB32_Premultiplied);
   paint(scene, image, {0, 0, size.width, size.height});
   return image;
 }
@@ -100,8 +100,8 @@ void Painter::paint(Node& root, QImage& target, const Rect& area, Point origin) 
   const QRect pixels = toPixels.mapRect(toQt(area)).toAlignedRect() & target.rect();
   if (pixels.isEmpty()) return;
   QPainter painter(&target);
-  painter.setRenderHints(QPainter::Antialiasing | QPainter::TextAntialiasing |
-                         QPainter::SmoothPixmapTransform);
+  painter.setRenderHints(
+      QPainter::Antialiasing | QPainter::TextAntialiasing | QPainter::SmoothPixmapTransform);
   painter.setClipRect(pixels);
   painter.setCompositionMode(QPainter::CompositionMode_Source);
   painter.fillRect(pixels, Qt::transparent);
@@ -139,14 +139,9 @@ void Painter::drawContent(Node& node, Surface& surface, double opacity) {
     painter.setTransform(node.transform * surface.toPixels);
     painter.setOpacity(opacity);
     static const std::vector<double> none;
-    DrawContext context{painter,
-                        node.presentedSize,
-                        node.frame.size(),
-                        node.previousSize,
-                        node.environment,
-                        node.values.presented().empty() ? none : node.values.presented(),
-                        node.previous.get(),
-                        node.change.presented().empty() ? 1 : node.change.presented()[0]};
+    DrawContext context{painter, node.presentedSize, node.frame.size(), node.previousSize, node.environment,
+        node.values.presented().empty() ? none : node.values.presented(), node.previous.get(),
+        node.change.presented().empty() ? 1 : node.change.presented()[0]};
     node.element->draw(context);
     surface.blank = false;
   }
@@ -155,8 +150,8 @@ void Painter::drawContent(Node& node, Surface& surface, double opacity) {
     painter.save();
     painter.setTransform(node.transform * surface.toPixels);
     painter.setClipRect(box, Qt::IntersectClip);
-    Surface inside{surface.image, painter, surface.toPixels,
-                   fromQt(node.transform.mapRect(box) & toQt(surface.clip))};
+    Surface inside{
+        surface.image, painter, surface.toPixels, fromQt(node.transform.mapRect(box) & toQt(surface.clip))};
     drawInside(node, inside, opacity);
     surface.blank &= inside.blank;
     painter.restore();
@@ -169,11 +164,12 @@ void Painter::drawContent(Node& node, Surface& surface, double opacity) {
 /// Inside the view's edges, so that nothing around it can cut the ring.
 void Painter::drawFocusRing(const Node& node, Surface& surface, double opacity) {
   constexpr double width = 2;
-  const Size size{std::max(0.0, node.presentedSize.width - width),
-                  std::max(0.0, node.presentedSize.height - width)};
-  const Shape shape = node.attributes.interaction && node.attributes.interaction->hitShape
-                          ? *node.attributes.interaction->hitShape
-                          : RoundedRectangle(6);
+  const Size size{
+      std::max(0.0, node.presentedSize.width - width), std::max(0.0, node.presentedSize.height - width)};
+  const Shape shape =
+      node.attributes.interaction && node.attributes.interaction->hitShape
+          ? *node.attributes.interaction->hitShape
+          : RoundedRectangle(6);
   QPainter& painter = surface.painter;
   painter.setTransform(QTransform::fromTranslate(width / 2, width / 2) * node.transform * surface.toPixels);
   painter.setOpacity(opacity);
@@ -191,8 +187,9 @@ void Painter::drawInside(Node& node, Surface& surface, double opacity) {
 /// corners are cut off, and the shadows are put underneath.
 void Painter::drawClipped(Node& node, Surface& surface, double opacity) {
   const QTransform toPixels = node.transform * surface.toPixels;
-  const bool direct = surface.blank && opacity >= 0.998 && !isBlurred(node) && node.brightening == 0 &&
-                      toPixels.type() <= QTransform::TxScale;
+  const bool direct =
+      surface.blank && opacity >= 0.998 && !isBlurred(node) && node.brightening == 0 &&
+      toPixels.type() <= QTransform::TxScale;
   if (!direct) {
     drawShadows(node, surface, opacity, false);
     return drawGroup(node, surface, opacity);
@@ -211,7 +208,7 @@ void Painter::drawInsideClip(Node& node, Surface& surface) {
   painter.resetTransform();
   painter.setClipRect(box, Qt::IntersectClip);
   Surface inside{surface.image, painter, surface.toPixels,
-                 fromQt(surface.toPixels.inverted().mapRect(QRectF(box)) & toQt(surface.clip))};
+      fromQt(surface.toPixels.inverted().mapRect(QRectF(box)) & toQt(surface.clip))};
   drawContent(node, inside, 1);
   cutCorners(node, painter, toPixels);
   painter.restore();
@@ -250,15 +247,15 @@ void Painter::cutCorners(const Node& node, QPainter& painter, const QTransform& 
 
 QImage Painter::render(Node& node, const Rect& rect, double scale) {
   QImage image(std::max(1, int(std::ceil(rect.width * scale - 1e-6))),
-               std::max(1, int(std::ceil(rect.height * scale - 1e-6))), QImage::Format_ARGB32_Premultiplied);
+      std::max(1, int(std::ceil(rect.height * scale - 1e-6))), QImage::Format_ARGB32_Premultiplied);
   image.fill(Qt::transparent);
   QPainter painter(&image);
-  painter.setRenderHints(QPainter::Antialiasing | QPainter::TextAntialiasing |
-                         QPainter::SmoothPixmapTransform);
+  painter.setRenderHints(
+      QPainter::Antialiasing | QPainter::TextAntialiasing | QPainter::SmoothPixmapTransform);
   const QTransform toPixels =
       QTransform::fromTranslate(-rect.x, -rect.y) * QTransform::fromScale(scale, scale);
-  Surface surface{image, painter, node.transform.inverted() * toPixels,
-                  fromQt(node.transform.mapRect(toQt(rect)))};
+  Surface surface{
+      image, painter, node.transform.inverted() * toPixels, fromQt(node.transform.mapRect(toQt(rect)))};
   node.attributes.clip ? drawInsideClip(node, surface) : drawContent(node, surface, 1);
   painter.end();
   if (node.brightening != 0) brighten(image, node.brightening);
@@ -281,13 +278,13 @@ void Painter::drawGroup(Node& node, Surface& surface, double opacity) {
     const Rect seen = fromQt(toScene.inverted().mapRect(toQt(surface.clip))).grownBy(room, room);
     const double left = std::max(wanted.x, seen.x), top = std::max(wanted.y, seen.y);
     wanted = {left, top, std::min(wanted.right(), seen.right()) - left,
-              std::min(wanted.bottom(), seen.bottom()) - top};
+        std::min(wanted.bottom(), seen.bottom()) - top};
     if (wanted.isEmpty()) return;
   }
   const auto down = [&](double v) { return std::floor(v * scale) / scale; };
   const auto up = [&](double v) { return std::ceil(v * scale) / scale; };
   const Rect rect{down(wanted.x), down(wanted.y), up(wanted.right()) - down(wanted.x),
-                  up(wanted.bottom()) - down(wanted.y)};
+      up(wanted.bottom()) - down(wanted.y)};
 
   // Kept is what is not blurred yet; what moves on top of it (opacity, place, blur) costs no drawing of
   // views.
@@ -304,8 +301,9 @@ void Painter::drawGroup(Node& node, Surface& surface, double opacity) {
 
   surface.blank = false;
   QPainter& painter = surface.painter;
-  const QTransform place = QTransform::fromScale(1 / scale, 1 / scale) *
-                           QTransform::fromTranslate(rect.x, rect.y) * toScene * surface.toPixels;
+  const QTransform place =
+      QTransform::fromScale(1 / scale, 1 / scale) * QTransform::fromTranslate(rect.x, rect.y) * toScene *
+      surface.toPixels;
   painter.setOpacity(opacity);
   if (std::abs(place.m11() - 1) < 1e-6 && std::abs(place.m22() - 1) < 1e-6 && place.m12() == 0) {
     // Whole pixels: as crisp as drawn directly, and a plain copy.

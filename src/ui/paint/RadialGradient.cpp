@@ -29,8 +29,8 @@ Ramp rampOf(const std::vector<std::pair<double, QColor>>& stops) {
     const auto fine = [](double value) { return uint16_t(std::lround(255 * 256 * value)); };
     const double a = first.alphaF(), b = second.alphaF();
     ramp[size_t(i)] = {fine(mixed(a, b)), fine(mixed(first.redF() * a, second.redF() * b)),
-                       fine(mixed(first.greenF() * a, second.greenF() * b)),
-                       fine(mixed(first.blueF() * a, second.blueF() * b))};
+        fine(mixed(first.greenF() * a, second.greenF() * b)),
+        fine(mixed(first.blueF() * a, second.blueF() * b))};
   }
   return ramp;
 }

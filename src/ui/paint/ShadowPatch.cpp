@@ -23,8 +23,8 @@ struct Key {
 
 }  // namespace
 
-std::shared_ptr<const ShadowPatch> ShadowPatch::of(const Shape& shape, Size size, double radius,
-                                                   double scale) {
+std::shared_ptr<const ShadowPatch> ShadowPatch::of(
+    const Shape& shape, Size size, double radius, double scale) {
   const double sigma = std::max(0.5, radius * scale);
   // Beyond this a blurred edge is below half a level of the strongest shadow that we draw.
   const double reach = std::ceil(2.5 * sigma);
@@ -71,8 +71,8 @@ std::shared_ptr<const ShadowPatch> ShadowPatch::of(const Shape& shape, Size size
   return patch;
 }
 
-std::vector<ShadowPatch::Sample> ShadowPatch::samples(double start, double length, int from, int count,
-                                                      bool horizontal) const {
+std::vector<ShadowPatch::Sample> ShadowPatch::samples(
+    double start, double length, int from, int count, bool horizontal) const {
   const double box = horizontal ? box_.width() : box_.height();
   const int last = (horizontal ? map_.width : map_.height) - 1;
   std::vector<Sample> result(static_cast<size_t>(count));
@@ -128,8 +128,8 @@ struct Blend {
     green = byte(color.green);
   }
 
-  void run(uint32_t* pixels, const uint16_t* upper, const uint16_t* lower, uint32_t fraction,
-           int count) const {
+  void run(
+      uint32_t* pixels, const uint16_t* upper, const uint16_t* lower, uint32_t fraction, int count) const {
     if (beneath)
       runBeneath(pixels, upper, lower, fraction, count);
     else
@@ -137,8 +137,8 @@ struct Blend {
   }
 
  private:
-  void runBeneath(uint32_t* pixels, const uint16_t* upper, const uint16_t* lower, uint32_t fraction,
-                  int count) const {
+  void runBeneath(
+      uint32_t* pixels, const uint16_t* upper, const uint16_t* lower, uint32_t fraction, int count) const {
     const uint32_t rest = 256 - fraction;
     for (int x = 0; x < count; ++x) {
       const uint32_t coverage = (upper[x] * rest + lower[x] * fraction) >> 8;
@@ -148,8 +148,8 @@ struct Blend {
     }
   }
 
-  void runOver(uint32_t* pixels, const uint16_t* upper, const uint16_t* lower, uint32_t fraction,
-               int count) const {
+  void runOver(
+      uint32_t* pixels, const uint16_t* upper, const uint16_t* lower, uint32_t fraction, int count) const {
     const uint32_t rest = 256 - fraction;
     for (int x = 0; x < count; ++x) {
       const uint32_t coverage = (upper[x] * rest + lower[x] * fraction) >> 8;
@@ -166,7 +166,7 @@ struct Blend {
 }  // namespace
 
 void ShadowPatch::draw(QImage& target, QPointF corner, QSizeF size, Color color, const QRect& clip,
-                       const QRect& hidden, bool beneath) const {
+    const QRect& hidden, bool beneath) const {
   if (map_.values.empty() || color.alpha <= 0) return;
   const QRect reachable = QRectF(corner, size).adjusted(-reach_, -reach_, reach_, reach_).toAlignedRect();
   const QRect area = reachable & clip & target.rect();
@@ -194,7 +194,7 @@ void ShadowPatch::draw(QImage& target, QPointF corner, QSizeF size, Color color,
     if (!crosses) continue;
     const int right = skipped.right() + 1 - area.x();
     blend.run(pixels + right, upper.data() + right, lower.data() + right, uint32_t(row.fraction),
-              area.width() - right);
+        area.width() - right);
   }
 }
 

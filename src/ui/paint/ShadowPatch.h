@@ -21,7 +21,7 @@ class ShadowPatch {
   /// and whose size is `size`, all in pixels; over what is there or `beneath` it; only inside `clip`, and not
   /// inside `hidden`, which something opaque covers.
   void draw(QImage& target, QPointF corner, QSizeF size, Color color, const QRect& clip, const QRect& hidden,
-            bool beneath) const;
+      bool beneath) const;
 
  private:
   /// For each pixel of a line: the two samples that it lies between, and how far it is to the second, 0…256.

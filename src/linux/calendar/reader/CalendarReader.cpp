@@ -65,15 +65,16 @@ time_t seconds(const icaltimetype& time) {
 /// The library looks at each step of a rule before it tells one that fits, or that none does.
 bool isEndless(const icalrecurrencetype& rule, time_t span) {
   constexpr time_t mostSteps = 100'000;
-  const short* const filters[] = {rule.by_month,     rule.by_week_no, rule.by_year_day,
-                                  rule.by_month_day, rule.by_day,     rule.by_set_pos,
-                                  rule.by_hour,      rule.by_minute,  rule.by_second};
+  const short* const filters[] = {rule.by_month, rule.by_week_no, rule.by_year_day, rule.by_month_day,
+      rule.by_day, rule.by_set_pos, rule.by_hour, rule.by_minute, rule.by_second};
   const bool isFiltered =
       std::ranges::any_of(filters, [](const short* filter) { return *filter != ICAL_RECURRENCE_ARRAY_MAX; });
-  const time_t step = rule.freq == ICAL_SECONDLY_RECURRENCE   ? 1
-                      : rule.freq == ICAL_MINUTELY_RECURRENCE ? 60
-                      : rule.freq == ICAL_HOURLY_RECURRENCE   ? 3600
-                                                              : day;
+  const time_t step =
+      rule.freq == ICAL_SECONDLY_RECURRENCE   ? 1
+      : rule.freq == ICAL_MINUTELY_RECURRENCE ? 60
+      : rule.freq == ICAL_HOURLY_RECURRENCE
+          ? 3600
+          : day;
   return isFiltered && span / step > mostSteps;
 }
 
@@ -160,8 +161,8 @@ class Reader {
     const icaltimetype end = icalcomponent_get_dtend(event);
     if (icaltime_is_null_time(start) || icalcomponent_get_status(event) == ICAL_STATUS_CANCELLED) return;
     CalendarEvent pattern{.identifier = text(icalcomponent_get_uid(event)),
-                          .title = text(icalcomponent_get_summary(event)),
-                          .allDay = start.is_date != 0};
+        .title = text(icalcomponent_get_summary(event)),
+        .allDay = start.is_date != 0};
     const bool isLocal = start.is_date || !start.zone;
     time_t length = icaltime_is_null_time(end) ? 0 : seconds(end) - seconds(start);
     if (start.is_date && length < day) length = day;
@@ -181,9 +182,10 @@ class Reader {
         return true;
       }
       pattern.start = isLocal ? local(clock) : Date{static_cast<double>(clock)};
-      pattern.end = pattern.allDay ? local(clock, static_cast<int>(length / day))
-                    : isLocal      ? local(clock + length)
-                                   : Date{static_cast<double>(clock + length)};
+      pattern.end =
+          pattern.allDay ? local(clock, static_cast<int>(length / day))
+          : isLocal      ? local(clock + length)
+                         : Date{static_cast<double>(clock + length)};
       if (pattern.start < to_ && pattern.end >= from_) reading_.events.push_back(pattern);
       return true;
     };
@@ -228,8 +230,8 @@ class Reader {
 }  // namespace
 }  // namespace tarnwick
 
-extern "C" tarnwick::CalendarReading tarnwickReadCalendar(const std::vector<std::string>& components,
-                                                          tarnwick::Date from, tarnwick::Date to) {
+extern "C" tarnwick::CalendarReading tarnwickReadCalendar(
+    const std::vector<std::string>& components, tarnwick::Date from, tarnwick::Date to) {
   // The library's time zones are everybody's.
   static std::mutex mutex;
   const std::lock_guard lock(mutex);

@@ -47,12 +47,12 @@ bool isUnplugged(const Info& info) {
 template<typename Info>
 PulseDevice describe(const Info& info, AudioScope scope, bool isHardware, bool isNetwork) {
   return {.scope = scope,
-          .key = info.name,
-          .name = info.description && *info.description ? info.description : info.name,
-          .transport = transportOf(info, isHardware, isNetwork),
-          .volume = pa_cvolume_max(&info.volume),
-          .muted = info.mute != 0,
-          .isUnplugged = isUnplugged(info)};
+      .key = info.name,
+      .name = info.description && *info.description ? info.description : info.name,
+      .transport = transportOf(info, isHardware, isNetwork),
+      .volume = pa_cvolume_max(&info.volume),
+      .muted = info.mute != 0,
+      .isUnplugged = isUnplugged(info)};
 }
 
 class LibpulseClient : public PulseClient {
@@ -100,8 +100,10 @@ class LibpulseClient : public PulseClient {
     } else {
       pa_cvolume_set(&channels, 1, volume);
     }
-    const auto set = scope == AudioScope::output ? pa_context_set_sink_volume_by_name
-                                                 : pa_context_set_source_volume_by_name;
+    const auto set =
+        scope == AudioScope::output
+            ? pa_context_set_sink_volume_by_name
+            : pa_context_set_source_volume_by_name;
     drop(set(context_, key.c_str(), &channels, &LibpulseClient::written, this));
   }
 
