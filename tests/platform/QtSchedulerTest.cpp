@@ -11,14 +11,14 @@ using namespace tarnwick;
 TEST(QtScheduler, RunsInTheOrderOfTime) {
   QtScheduler scheduler;
   std::string order;
-  const Task later = scheduler.after(0.06, [&] { order += 'd'; });
+  const Task later = scheduler.after(0.3, [&] { order += 'd'; });
   Task never;
-  const Task alarm = scheduler.at(scheduler.now() + 0.04, [&] {
+  const Task alarm = scheduler.at(scheduler.now() + 0.2, [&] {
     order += 'c';
     never.cancel();
   });
-  never = scheduler.at(scheduler.now() + 0.0401, [&] { order += 'x'; });
-  const Task sooner = scheduler.after(0.02, [&] { order += 'b'; });
+  never = scheduler.at(scheduler.now() + 0.2001, [&] { order += 'x'; });
+  const Task sooner = scheduler.after(0.1, [&] { order += 'b'; });
   const Task next = scheduler.post([&] { order += 'a'; });
   EXPECT_EQ(order, "");
   EXPECT_TRUE(waitUntil([&] { return order.size() == 4; }));

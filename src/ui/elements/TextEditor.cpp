@@ -77,6 +77,8 @@ bool TextEditorElement::presented(Node& node, bool undisturbed) const {
       if (editor->options.changed) editor->options.changed(text);
     };
     hosted.onFocus = [editor = editor_.get(), weak = WeakNode(node)](bool focused) {
+      // It knows already. A view that leaves is not described anew: what was wished before would come true.
+      editor->wantsFocus = editor->toldFocus = focused;
       if (editor->options.focus) editor->options.focus->set(focused);
       if (weak && focused) weak->scene.input().focus(*weak, false);
     };
