@@ -26,8 +26,18 @@ inline double millisecondsSince(Clock::time_point start) {
   std::exit(EXIT_FAILURE);
 }
 
+/// Lets hooks take this program for a shell, as which Claude Code runs them: their sessions then belong to
+/// whoever has started it, and do not end with it.
+inline void passForShell() {
+  if (FILE* name = std::fopen("/proc/self/comm", "w")) {
+    std::fputs("sh", name);
+    std::fclose(name);
+  }
+}
+
 /// Starts a program that reads the file `input` and writes nowhere. Ends this one when that fails.
 inline pid_t start(const std::vector<std::string>& command, const std::string& input) {
+  [[maybe_unused]] static const bool passes = (passForShell(), true);
   std::vector<char*> arguments;
   for (const std::string& argument : command) arguments.push_back(const_cast<char*>(argument.c_str()));
   arguments.push_back(nullptr);
