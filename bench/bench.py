@@ -182,15 +182,20 @@ def start_to_first_frame(desktop, events):
 
 
 class Usage:
-    """What a process has used so far."""
+    """What each thread of a process has used so far: processor seconds and wake-ups."""
 
     def __init__(self, process):
         self.time = time.monotonic()
-        self.processor_seconds = self.wake_ups = 0
+        self.threads = {}
         for task in Path(f"/proc/{process.pid}/task").iterdir():
-            self.processor_seconds += int((task / "schedstat").read_text().split()[0]) / 1e9
             status = (task / "status").read_text()
-            self.wake_ups += int(status.split("\nvoluntary_ctxt_switches:")[1].split()[0])
+            self.threads[task.name] = (int((task / "schedstat").read_text().split()[0]) / 1e9,
+                                       int(status.split("\nvoluntary_ctxt_switches:")[1].split()[0]))
+
+    def since(self, before):
+        """The same for what was used since then, without threads that have ended meanwhile."""
+        return [sum(used[i] - before.threads.get(name, (0, 0))[i] for name, used in self.threads.items())
+                for i in range(2)]
 
 
 def usage_over(process, seconds):
@@ -198,9 +203,9 @@ def usage_over(process, seconds):
     before = Usage(process)
     time.sleep(seconds)
     after = Usage(process)
+    processor_seconds, wake_ups = after.since(before)
     passed = after.time - before.time
-    return ((after.wake_ups - before.wake_ups) / passed,
-            (after.processor_seconds - before.processor_seconds) / passed * 100)
+    return wake_ups / passed, processor_seconds / passed * 100
 
 
 def resident_megabytes(process_id):
