@@ -54,7 +54,9 @@ TEST_F(SessionWatchTest, WorksAgainOnceTheGrantedCommandRuns) {
     children().push_back({2, one.arguments});
     desktop.scheduler.advance(20);
     EXPECT_EQ(session().phase, one.runs ? Phase::working : Phase::waiting);
-    if (one.runs) EXPECT_TRUE(session().activity.starts_with("Running · "));
+    if (one.runs) {
+      EXPECT_TRUE(session().activity.starts_with("Running · "));
+    }
     EXPECT_EQ(session().request.has_value(), !one.runs);
     send("PostToolUse");
   }
@@ -94,7 +96,9 @@ TEST_F(SessionWatchTest, RestsWhenTheTranscriptSaysThatTheUserInterrupted) {
     ask("make");
     desktop.growingFiles.append(transcript, line);
     EXPECT_EQ(session().phase, interrupts ? Phase::idle : Phase::waiting);
-    if (interrupts) EXPECT_EQ(session().activity, "Interrupted");
+    if (interrupts) {
+      EXPECT_EQ(session().activity, "Interrupted");
+    }
     EXPECT_EQ(desktop.growingFiles.isFollowed(transcript), !interrupts) << "only while it works or waits";
   }
 }
