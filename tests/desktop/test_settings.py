@@ -24,7 +24,8 @@ class Settings(DesktopTest):
     def windows(self):
         """Those that the window manager knows."""
         atom = self.desktop.x.intern_atom("_NET_CLIENT_LIST")
-        return self.desktop.root.get_full_property(atom, X.AnyPropertyType).value.tolist()
+        windows = self.desktop.root.get_full_property(atom, X.AnyPropertyType)
+        return windows.value.tolist() if windows else []  # no window has been opened yet
 
     def wait_for_window(self):
         def focused():

@@ -160,14 +160,16 @@ TEST_F(X11NotchPanelTest, BorrowsTheKeyboardFocus) {
   auto dying = desktop().startWindow("dying", {400, 400, 300, 300});
   const xcb_window_t otherWindow = desktop().awaitWindow("other"),
                      dyingWindow = desktop().awaitWindow("dying");
+  // The window manager gives new windows the focus, which it must have done.
+  ASSERT_TRUE(waitUntil([=] {
+    const xcb_window_t focused = desktop().focusedWindow();
+    return desktop().isManaged(otherWindow) && desktop().isManaged(dyingWindow) &&
+           (focused == otherWindow || focused == dyingWindow);
+  }));
   const auto focus = [=](xcb_window_t target) {
-    // The window manager may not have placed a new window yet. Clicks that it has not handled would take the
-    // focus away again later, so there are few.
-    constexpr int pollsPerClick = 200;
-    return waitUntil([=, polls = 0]() mutable {
-      if (polls++ % pollsPerClick == 0) desktop().hands.click(target == otherWindow ? 150 : 550, 550);
-      return desktop().focusedWindow() == target;
-    });
+    // Once: a click that is handled late would take the focus away again.
+    desktop().hands.click(target == otherWindow ? 150 : 550, 550);
+    return waitUntil([=] { return desktop().focusedWindow() == target; });
   };
   content.editor.show();
 
