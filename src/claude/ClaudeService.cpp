@@ -160,9 +160,10 @@ void ClaudeService::handle(const StringMap& event) {
   session.project = folder.empty() ? "Claude Code" : displayText(lastPathComponent(folder));
   session.updatedAt = now;
   session.restingSince.reset();
-  session.process = processOf(event);
-  session.transcript = valueOf(event, "transcript_path").value_or("");
-  session.terminal = terminalOf(event);
+  session.elsewhere = textOf(event, machineKey);
+  session.process = session.elsewhere ? std::nullopt : processOf(event);
+  session.transcript = session.elsewhere ? "" : valueOf(event, "transcript_path").value_or("");
+  session.terminal = session.elsewhere ? StringMap() : terminalOf(event);
   const auto requested = std::exchange(session.request, std::nullopt);
 
   if (name == "SessionStart") {

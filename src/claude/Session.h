@@ -39,6 +39,10 @@ struct Session {
     friend bool operator==(const Request&, const Request&) = default;
   };
   std::optional<Request> request = {};
+  /// The name of the machine or the container in which it runs, where that is not this one; empty where it
+  /// has not told its name. Then it has no process, no transcript and no terminal here, and is asked for
+  /// nothing.
+  std::optional<std::string> elsewhere = {};
   /// The Claude Code process, where it has told.
   std::optional<ForeignProcess> process = {};
   /// What is said in the session, line by line as JSON; empty where it has not told.

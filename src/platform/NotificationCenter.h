@@ -26,6 +26,9 @@ class NotificationCenter {
 
 /// Names of the notifications.
 inline constexpr const char* eventNotification = "dev.tarnwick.event";
+/// Its key with the name of the machine or container of a session that does not run on this one, and only of
+/// such a session.
+inline constexpr const char* machineKey = "machine";
 inline constexpr const char* showcaseNotification = "dev.tarnwick.showcase";
 /// The program was started again. Its key "window" says what is wanted: "settings", or else the notch; there
 /// "action" may be "open", "close", "toggle" or "next", for somebody at the keyboard, and "tab" the raw value

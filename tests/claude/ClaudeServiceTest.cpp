@@ -214,6 +214,23 @@ TEST_F(ClaudeServiceTest, NamesAndIdentifiers) {
   EXPECT_EQ(claude.sessions->size(), 3u);
 }
 
+TEST_F(ClaudeServiceTest, NothingOfAnotherMachineIsTakenForSomethingHere) {
+  const StringMap caller{{"process", "1234"}, {"process_namespace", "4026531836"},
+      {"transcript_path", "/home/ada/t.jsonl"}, {"WINDOWID", "7"}};
+  send("SessionStart", caller);
+  EXPECT_FALSE(session().elsewhere);
+  EXPECT_EQ(session().process, (ForeignProcess{1234, 4026531836}));
+  EXPECT_EQ(session().transcript, "/home/ada/t.jsonl");
+  EXPECT_EQ(session().terminal, (StringMap{{"WINDOWID", "7"}}));
+  StringMap remote = caller;
+  remote[machineKey] = "build\tserver";
+  send("SessionStart", remote);
+  EXPECT_EQ(session().elsewhere, "build server");
+  EXPECT_EQ(session().process, std::nullopt);
+  EXPECT_EQ(session().transcript, "");
+  EXPECT_TRUE(session().terminal.empty());
+}
+
 TEST_F(ClaudeServiceTest, SoundsFollowTheSetting) {
   AppSettings settings(desktop.defaults);
   claude.settings = &settings;
