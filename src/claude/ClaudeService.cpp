@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <iterator>
 #include <utility>
 
 #include "base/DisplayText.h"
@@ -90,6 +91,25 @@ StringMap terminalOf(const StringMap& event) {
 
 std::string thinking() { return tr("Thinking…", "Réfléchit…"); }
 
+/// The tool's call that an event is about; without a text and a number.
+Session::Request callOf(const StringMap& event) {
+  return {
+      .tool = textOf(event, "tool_name").value_or(""), .detail = textOf(event, "tool_detail").value_or("")};
+}
+
+/// Of two that are equal one is left.
+void removeFirst(std::vector<Session::Request>& requests, const auto& isIt) {
+  const auto found = std::ranges::find_if(requests, isIt);
+  if (found != requests.end()) requests.erase(found);
+}
+
+/// It works, unless something waits for the user all the same, such as another tool's call beside this one.
+void goOn(Session& session, std::string activity) {
+  const Session::Request* waiting = session.request();
+  session.phase = waiting ? Phase::waiting : Phase::working;
+  session.activity = waiting ? waiting->text : std::move(activity);
+}
+
 }  // namespace
 
 ClaudeService::ClaudeService(Scheduler& scheduler, SoundPlayer& sounds)
@@ -140,14 +160,14 @@ void ClaudeService::announce(const char* icon, Color tint, const Session& sessio
             .title = session.project,
             .subtitle = session.activity,
             .crab = crab,
-            .detail = session.request ? session.request->detail : "",
+            .detail = session.request() ? session.request()->detail : "",
             .session = session.id},
         seconds);
   }
   if (!settings || settings->claudeSounds) sounds_.play(sound);
 }
 
-void ClaudeService::handle(const StringMap& event) {
+void ClaudeService::handle(const StringMap& event, uint64_t request) {
   const std::string id = valueOf(event, "session_id").value_or("default");
   const std::string folder = valueOf(event, "cwd").value_or("");
   const std::string name = valueOf(event, "hook_event_name").value_or("");
@@ -164,7 +184,10 @@ void ClaudeService::handle(const StringMap& event) {
   session.process = session.elsewhere ? std::nullopt : processOf(event);
   session.transcript = session.elsewhere ? "" : valueOf(event, "transcript_path").value_or("");
   session.terminal = session.elsewhere ? StringMap() : terminalOf(event);
-  const auto requested = std::exchange(session.request, std::nullopt);
+  const auto requested = std::exchange(session.requests, {});
+  // Of the others the next event tells that they were answered.
+  std::vector<Session::Request> open;
+  std::ranges::copy_if(requested, std::back_inserter(open), [](const auto& one) { return one.number != 0; });
 
   if (name == "SessionStart") {
     // Only its being there is news.
@@ -175,25 +198,33 @@ void ClaudeService::handle(const StringMap& event) {
     session.activity = thinking();
   } else if (name == "PreToolUse") {
     if (isAtRest(session)) session.startedAt = now;
-    session.phase = Phase::working;
-    session.activity = describe(textOf(event, "tool_name"), textOf(event, "tool_detail"));
+    session.requests = std::move(open);
+    goOn(session, describe(textOf(event, "tool_name"), textOf(event, "tool_detail")));
   } else if (name == "PermissionRequest") {
     // Without a banner or a sound: the user may be looking at the dialog. A notification follows after some
     // seconds.
     session.phase = Phase::waiting;
-    session.request = {
-        .tool = textOf(event, "tool_name").value_or(""), .detail = textOf(event, "tool_detail").value_or("")};
-    session.activity = describeRequest(session.request->tool, textOf(event, "question"));
+    session.requests = std::move(open);
+    Session::Request asked = callOf(event);
+    asked.text = describeRequest(asked.tool, textOf(event, "question"));
+    asked.number = session.elsewhere ? 0 : request;
+    session.requests.push_back(std::move(asked));
+    session.activity = session.request()->text;
   } else if (name == "PostToolUse") {
-    session.phase = Phase::working;
-    session.activity = thinking();
+    session.requests = std::move(open);
+    const Session::Request call = callOf(event);
+    removeFirst(session.requests,
+        [&](const auto& one) { return one.tool == call.tool && one.detail == call.detail; });
+    goOn(session, thinking());
   } else if (name == "Notification") {
     const std::string message = valueOf(event, "message").value_or("");
     if (isIdleReminder(event, message)) return;
     session.phase = Phase::waiting;
-    if (requested && valueOf(event, "notification_type") == "permission_prompt") session.request = requested;
+    const bool isAboutRequest = valueOf(event, "notification_type") == "permission_prompt";
+    session.requests = isAboutRequest ? requested : std::move(open);
     // Newer ones say only that a permission is needed, which the request has said better.
-    if (!session.request || namesTool(message)) session.activity = translate(displayText(message));
+    if (!isAboutRequest || requested.empty() || namesTool(message))
+      session.activity = translate(displayText(message));
     announce("hand.raised.fill", colors::yellow, session, CrabMood::waiting, 8, Sound::message);
   } else if (name == "Stop") {
     session.phase = Phase::done;
@@ -234,14 +265,25 @@ void ClaudeService::interrupt(const std::string& id) {
     session.phase = Phase::idle;
     session.activity = tr("Interrupted", "Interrompu");
     session.restingSince = scheduler_.now();
+    session.requests.clear();
   });
 }
 
-void ClaudeService::resume(const std::string& id) {
-  change(id, [](Session& session) {
-    session.phase = Phase::working;
-    session.activity =
-        session.request ? describe(session.request->tool, session.request->detail) : thinking();
+void ClaudeService::resume(const std::string& id, Session::Request request, bool isGranted) {
+  change(id, [&](Session& session) {
+    removeFirst(session.requests, [&](const auto& one) { return one == request; });
+    goOn(session, isGranted ? describe(request.tool, request.detail) : thinking());
+  });
+}
+
+void ClaudeService::withdraw(const std::string& id, uint64_t request) {
+  sessions.mutate([&](auto& all) {
+    const auto session = all.find(id);
+    if (session == all.end()) return false;
+    const auto found = std::ranges::find(session->second.requests, request, &Session::Request::number);
+    if (found == session->second.requests.end()) return false;
+    found->number = 0;
+    return true;
   });
 }
 
@@ -255,7 +297,6 @@ void ClaudeService::change(const std::string& id, Change apply) {
     apply(session);
     session.updatedAt = scheduler_.now();
     if (session.phase != before) session.phaseSince = session.updatedAt;
-    session.request.reset();
     return true;
   });
 }

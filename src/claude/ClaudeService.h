@@ -43,13 +43,16 @@ class ClaudeService : public ObservableObject {
 
   /// Applies one hook event. Without a session identifier it is filed under "default"; an event of an unknown
   /// name is ignored.
-  void handle(const StringMap& event);
+  /// @param request of a permission that can be answered here, its number
+  void handle(const StringMap& event, uint64_t request = 0);
   /// The program of that session has ended: it is forgotten.
   void end(const std::string& id);
   /// The user has refused or interrupted what that session does: it rests.
   void interrupt(const std::string& id);
-  /// What that session waits for was granted: it works again.
-  void resume(const std::string& id);
+  /// What that session waits for was granted or refused: it works again, unless it waits for more.
+  void resume(const std::string& id, Session::Request request, bool isGranted = true);
+  /// That request can be answered in the terminal only from now on.
+  void withdraw(const std::string& id, uint64_t request);
   /// Forgets that session, unless it works or waits.
   void forget(const std::string& id);
   /// Forgets all sessions.

@@ -1,6 +1,8 @@
 #pragma once
+#include <cstdint>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "base/Date.h"
 #include "base/FilePath.h"
@@ -31,14 +33,19 @@ struct Session {
   Date updatedAt;
   /// Since when it rests because nothing was heard of it.
   std::optional<Date> restingSince;
-  /// The tool's call for which it waits for permission; none while it does not wait for one.
+  /// A tool's call that waits for permission, or for the answer to its question.
   struct Request {
     std::string tool;
     /// What exactly it would do, in one line; empty where that is not known.
     std::string detail;
+    /// What is waited for, in one line.
+    std::string text;
+    /// Of the request that can be answered here; 0: it is answered in the terminal.
+    uint64_t number = 0;
     friend bool operator==(const Request&, const Request&) = default;
   };
-  std::optional<Request> request = {};
+  /// Those that it waits for, in the order in which they were made.
+  std::vector<Request> requests = {};
   /// The name of the machine or the container in which it runs, where that is not this one; empty where it
   /// has not told its name. Then it has no process, no transcript and no terminal here, and is asked for
   /// nothing.
@@ -49,6 +56,9 @@ struct Session {
   FilePath transcript = {};
   /// What its environment tells of its terminal, by the names of the variables. Others have written it.
   StringMap terminal = {};
+
+  /// The one that it waits for first; null where it waits for none.
+  const Request* request() const { return requests.empty() ? nullptr : &requests.front(); }
 
   friend bool operator==(const Session&, const Session&) = default;
 };

@@ -1,6 +1,7 @@
 #include "claude/SessionWatch.h"
 
 #include <algorithm>
+#include <iterator>
 
 #include "base/Animation.h"
 #include "json/JsonValue.h"
@@ -86,32 +87,41 @@ void SessionWatch::update(const Session& session, Watched& watched) {
 }
 
 void SessionWatch::await(const Session& session, Watched& watched) {
-  const bool isCommand = session.request && session.request->tool == "Bash";
-  const std::string command = isCommand && session.process ? session.request->detail : "";
-  if (watched.command == command) return;
-  watched.command = command;
+  std::vector<Session::Request> commands;
+  std::ranges::copy_if(session.requests, std::back_inserter(commands), [&](const auto& request) {
+    return session.process && request.tool == "Bash" && !request.detail.empty();
+  });
+  if (watched.commands == commands) return;
+  const bool hasMore = commands.size() >= watched.commands.size();
+  watched.commands = std::move(commands);
   watched.look = {};
-  if (command.empty()) return;
-  watched.children.clear();
-  for (const auto& child : processes_.children(*session.process)) watched.children.insert(child.number);
+  if (watched.commands.empty()) return watched.children.clear();
+  if (hasMore) {
+    for (const auto& child : processes_.children(*session.process)) watched.children.insert(child.number);
+  }
   lookLater(session.id, firstLook);
 }
 
 void SessionWatch::lookLater(const std::string& id, double pause) {
   watched_[id].look = scheduler_.after(pause, [this, id, pause] {
-    if (runsCommand(watched_[id])) {
-      withAnimation(notchOpen, [&] { claude_.resume(id); });
+    if (const auto granted = grantedCommand(watched_[id])) {
+      withAnimation(notchOpen, [&] { claude_.resume(id, *granted); });
     } else {
       lookLater(id, std::min(pause * growth, lastLook));
     }
   });
 }
 
-bool SessionWatch::runsCommand(const Watched& watched) const {
-  const auto children = processes_.children(*watched.process);
-  return std::ranges::any_of(children, [&](const auto& child) {
-    return !watched.children.contains(child.number) && holds(child.arguments, watched.command);
-  });
+std::optional<Session::Request> SessionWatch::grantedCommand(Watched& watched) {
+  for (const auto& child : processes_.children(*watched.process)) {
+    if (watched.children.contains(child.number)) continue;
+    for (const Session::Request& request : watched.commands) {
+      if (!holds(child.arguments, request.detail)) continue;
+      watched.children.insert(child.number);
+      return request;
+    }
+  }
+  return std::nullopt;
 }
 
 }  // namespace tarnwick

@@ -24,9 +24,9 @@ class SessionWatch {
     /// Empty while it is not followed.
     FilePath transcript;
     Subscription lines;
-    /// The command that is waited for; empty: none is.
-    std::string command;
-    /// The children that there were when the wait began.
+    /// The commands that are waited for.
+    std::vector<Session::Request> commands;
+    /// The children that none of them is.
     std::set<int32_t> children;
     Task look;
   };
@@ -35,7 +35,7 @@ class SessionWatch {
   void update(const Session& session, Watched& watched);
   void await(const Session& session, Watched& watched);
   void lookLater(const std::string& id, double pause);
-  bool runsCommand(const Watched& watched) const;
+  std::optional<Session::Request> grantedCommand(Watched& watched);
 
   ClaudeService& claude_;
   Scheduler& scheduler_;

@@ -40,7 +40,7 @@ View texts(const Session& session) {
             .truncated(Truncation::middle)
             .contentTransition(ContentTransition::opacity);
   }
-  if (const std::string request = session.request ? session.request->detail : ""; !request.empty()) {
+  if (const std::string request = session.request() ? session.request()->detail : ""; !request.empty()) {
     activity = HStack({.spacing = 8},
         {activity.prioritized(),
             Text(request)

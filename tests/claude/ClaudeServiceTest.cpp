@@ -108,7 +108,7 @@ TEST_F(ClaudeServiceTest, WaitsForWhatIsRequestedAndKeepsTheBetterText) {
     send("PermissionRequest", one.request);
     EXPECT_EQ(session().phase, Phase::waiting);
     EXPECT_EQ(session().activity, one.activity);
-    EXPECT_EQ(session().request->detail, one.detail);
+    EXPECT_EQ(session().request()->detail, one.detail);
     EXPECT_TRUE(banners.empty() && desktop.sounds.played.empty()) << "the user may be looking at it";
     send("Notification", one.notification);
     ASSERT_EQ(banners.size(), 1u);
@@ -116,8 +116,53 @@ TEST_F(ClaudeServiceTest, WaitsForWhatIsRequestedAndKeepsTheBetterText) {
     EXPECT_EQ(banners[0].first.detail, one.announcedDetail);
     EXPECT_THAT(desktop.sounds.played, ElementsAre(Sound::message));
     send("PostToolUse");
-    EXPECT_FALSE(session().request);
+    EXPECT_FALSE(session().request());
   }
+}
+
+TEST_F(ClaudeServiceTest, WaitsUntilAllRequestsThatCanBeAnsweredHereHaveBeen) {
+  const StringMap first{{"tool_name", "Bash"}, {"tool_detail", "make"}};
+  const StringMap second{{"tool_name", "Edit"}, {"tool_detail", "a.c"}};
+  const auto ask = [&](StringMap event, uint64_t number) {
+    event.merge(StringMap{{"hook_event_name", "PermissionRequest"}, {"session_id", "s"}});
+    claude.handle(event, number);
+  };
+  const auto numbers = [&] {
+    std::vector<uint64_t> all;
+    for (const auto& request : session().requests) all.push_back(request.number);
+    return all;
+  };
+  ask(first, 0);
+  ask(first, 1);
+  ask(first, 2);
+  ask(second, 3);
+  EXPECT_THAT(numbers(), ElementsAre(1, 2, 3)) << "of those that are answered elsewhere only the last counts";
+  send("PreToolUse", {{"tool_name", "Read"}});
+  send("PostToolUse", {{"tool_name", "Read"}});
+  send("Notification", {{"message", "Log in"}});
+  EXPECT_THAT(numbers(), ElementsAre(1, 2, 3));
+  EXPECT_EQ(session().phase, Phase::waiting);
+  send("PostToolUse", first);
+  EXPECT_THAT(numbers(), ElementsAre(2, 3)) << "one of two equal calls";
+  claude.resume("s", session().requests[0]);
+  EXPECT_EQ(session().activity, "Permission needed: Edit");
+  claude.withdraw("s", 3);
+  EXPECT_THAT(numbers(), ElementsAre(0)) << "it waits in the terminal";
+  EXPECT_EQ(session().phase, Phase::waiting);
+  claude.resume("s", session().requests[0], false);
+  EXPECT_EQ(session().phase, Phase::working);
+  EXPECT_EQ(session().activity, "Thinking…");
+
+  for (const char* end : {"Stop", "UserPromptSubmit", "StopFailure"}) {
+    ask(first, 4);
+    send(end);
+    EXPECT_THAT(numbers(), testing::IsEmpty()) << end;
+  }
+  ask(first, 5);
+  claude.interrupt("s");
+  EXPECT_THAT(numbers(), testing::IsEmpty());
+  claude.handle({{"hook_event_name", "PermissionRequest"}, {"session_id", "s"}, {machineKey, "far"}}, 6);
+  EXPECT_THAT(numbers(), ElementsAre(0)) << "it is asked elsewhere";
 }
 
 TEST_F(ClaudeServiceTest, WaitsWhenAnErrorHasStoppedIt) {

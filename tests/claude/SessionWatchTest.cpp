@@ -57,9 +57,31 @@ TEST_F(SessionWatchTest, WorksAgainOnceTheGrantedCommandRuns) {
     if (one.runs) {
       EXPECT_TRUE(session().activity.starts_with("Running · "));
     }
-    EXPECT_EQ(session().request.has_value(), !one.runs);
+    EXPECT_EQ(session().request() != nullptr, !one.runs);
     send("PostToolUse");
   }
+}
+
+TEST_F(SessionWatchTest, TellsTheCommandsOfOneSessionApart) {
+  uint64_t number = 0;
+  for (const char* command : {"make", "npm test", "make"}) {
+    claude.handle(
+        {{"hook_event_name", "PermissionRequest"}, {"session_id", "s"}, {"tool_name", "Bash"},
+            {"tool_detail", command}, {"process", std::to_string(process)}, {"process_namespace", "1"}},
+        ++number);
+  }
+  const auto numbers = [&] {
+    std::string all;
+    for (const auto& request : session().requests) all += std::to_string(request.number);
+    return all;
+  };
+  children() = {{1, "sh -c make"}};
+  desktop.scheduler.advance(20);
+  EXPECT_EQ(numbers(), "23") << "one process is one command";
+  children().push_back({2, "sh -c npm test"});
+  desktop.scheduler.advance(20);
+  EXPECT_EQ(numbers(), "3");
+  EXPECT_EQ(session().phase, Phase::waiting);
 }
 
 TEST_F(SessionWatchTest, LooksLessAndLessOftenAndOnlyWhileACommandWaits) {

@@ -36,7 +36,7 @@ TEST(SessionsJson, TellsEachSessionAndSinceWhen) {
 
   hook("later", "Notification", {{"message", "Look"}});
   EXPECT_EQ(claude.longestWaiting()->id, "ask");
-  claude.resume("ask");
+  claude.resume("ask", *claude.sessions->at("ask").request());
   EXPECT_EQ(claude.longestWaiting()->id, "later");
   claude.interrupt("later");
   EXPECT_EQ(claude.longestWaiting(), std::nullopt);
