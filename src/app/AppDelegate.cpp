@@ -103,11 +103,27 @@ void AppDelegate::applicationDidFinishLaunching(bool withSettings) {
     systemBus_.open();
     calendars_.connect();
     appearance_.connect();
+    listenElsewhere();
   });
+}
+
+void AppDelegate::listenElsewhere() {
+  const QByteArray runtime = qgetenv("XDG_RUNTIME_DIR");
+  if (!runtime.startsWith('/')) return;
+  const FilePath path = runtime.toStdString() + "/tarnwick/events";
+  eventListener_.emplace(
+      [this](const StringMap& event) { notifications_.receive(eventNotification, event); });
+  if (const std::string problem = eventListener_->listen(path); !problem.empty()) {
+    return log_.write("Tarnwick: cannot listen at " + path + ": " + problem);
+  }
+  eventNotifier_ = std::make_unique<QSocketNotifier>(eventListener_->descriptor(), QSocketNotifier::Read);
+  QObject::connect(eventNotifier_.get(), &QSocketNotifier::activated, [this] { eventListener_->proceed(); });
 }
 
 void AppDelegate::applicationWillTerminate() {
   if (controller_) controller_->model().flush();
+  eventNotifier_.reset();
+  eventListener_.reset();
 }
 
 void AppDelegate::openSettings() {

@@ -1,8 +1,10 @@
 #pragma once
+#include <QSocketNotifier>
 #include <memory>
 #include <optional>
 
 #include "app/HookProgram.h"
+#include "cli/EventListener.h"
 #include "core/NotchController.h"
 #include "linux/bus/BacklightBrightness.h"
 #include "linux/bus/BluezDevices.h"
@@ -53,6 +55,7 @@ class AppDelegate {
   void applicationWillTerminate();
 
  private:
+  void listenElsewhere();
   std::unique_ptr<NotchPanel> makePanel(NotchModel& model);
   void openSettings();
   void focusSession(const std::string& id);
@@ -63,6 +66,8 @@ class AppDelegate {
   // Before the name is asked for: who sees that one finds this one, too.
   SessionsObject sessionsObject_{scheduler_, sessionBus_};
   DBusNotificationCenter notifications_{scheduler_, sessionBus_};
+  std::optional<EventListener> eventListener_;
+  std::unique_ptr<QSocketNotifier> eventNotifier_;
   XdgFolders folders_;
   JsonUserDefaults defaults_{folders_};
   CanberraSoundPlayer sounds_{scheduler_};

@@ -6,14 +6,18 @@
 #include <string.h>
 #include <unistd.h>
 
+#include <optional>
 #include <string>
 
+#include "base/Environment.h"
 #include "base/StandardDescriptors.h"
 #include "cli/CommandLine.h"
 #include "cli/HomeFolder.h"
 #include "cli/HookCLI.h"
 #include "cli/HookInstaller.h"
+#include "cli/ListenCLI.h"
 #include "cli/OverlayClient.h"
+#include "cli/RemotePoster.h"
 #include "cli/SessionBus.h"
 #include "dbus/SessionBusAddress.h"
 
@@ -45,6 +49,13 @@ HookInstaller installer(const char* argument0) {
   return HookInstaller(homeFolder(), executablePath(argument0));
 }
 
+/// The way to an overlay elsewhere, where one is named.
+std::optional<RemotePoster> remotePoster() {
+  const std::string_view socket = environment("TARNWICK_SOCKET");
+  return socket.empty() ? std::nullopt
+                        : std::optional<RemotePoster>(std::in_place, FilePath(socket), machineName());
+}
+
 int openThere(StringMap wanted) {
   wanted["window"] = "notch";
   return OverlayClient::open(sessionBusAddress(), wanted) ? EXIT_SUCCESS : EXIT_FAILURE;
@@ -57,6 +68,10 @@ int main(int count, char** arguments) {
   const auto commandLine = CommandLine::parse({arguments, static_cast<size_t>(count)});
   switch (commandLine.role) {
     case Role::hook: {
+      if (auto remote = remotePoster()) {
+        HookCLI::run(*remote);
+        return EXIT_SUCCESS;
+      }
       SessionBus bus(sessionBusAddress());
       bus.greet();
       HookCLI::run(bus);
@@ -73,10 +88,17 @@ int main(int count, char** arguments) {
       return EXIT_SUCCESS;
     }
     case Role::demo: {
+      const auto pause = [](unsigned seconds) { ::sleep(seconds); };
+      if (auto remote = remotePoster()) {
+        HookCLI::demo(*remote, pause);
+        return EXIT_SUCCESS;
+      }
       SessionBus bus(sessionBusAddress());
-      HookCLI::demo(bus, [](unsigned seconds) { ::sleep(seconds); });
+      HookCLI::demo(bus, pause);
       return EXIT_SUCCESS;
     }
+    case Role::listen:
+      return ListenCLI::run(FilePath(commandLine.value), sessionBusAddress()) ? EXIT_SUCCESS : EXIT_FAILURE;
     case Role::help:
       ::fputs(helpText, stdout);
       return EXIT_SUCCESS;

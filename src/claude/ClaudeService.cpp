@@ -17,7 +17,8 @@ constexpr double idleAfter = 900;
 constexpr double forgottenAfter = 1200;
 /// A session is seen at rest before it goes.
 constexpr double shortestRest = forgottenAfter - idleAfter;
-constexpr size_t mostSessions = 100;
+/// Of those here, and of all others together.
+constexpr size_t mostSessions = 100, mostElsewhere = 50;
 
 int rank(Phase phase) {
   switch (phase) {
@@ -56,11 +57,14 @@ std::optional<Date> nextAge(const Session& session) {
   return session.restingSince ? std::max(forgotten, *session.restingSince + shortestRest) : forgotten;
 }
 
-/// Makes room for the latest: the oldest ones at rest go first.
-void forgetTheOldest(std::map<std::string, Session>& sessions) {
-  while (sessions.size() > mostSessions) {
-    sessions.erase(std::ranges::min_element(sessions, {},
-        [](const auto& entry) { return std::pair(!isAtRest(entry.second), entry.second.updatedAt); }));
+/// Makes room for the latest of those that run here or elsewhere: the oldest ones at rest go first.
+void forgetTheOldest(std::map<std::string, Session>& sessions, bool elsewhere) {
+  const auto isOther = [&](const auto& entry) { return entry.second.elsewhere.has_value() != elsewhere; };
+  const auto others = static_cast<size_t>(std::ranges::count_if(sessions, isOther));
+  while (sessions.size() - others > (elsewhere ? mostElsewhere : mostSessions)) {
+    sessions.erase(std::ranges::min_element(sessions, {}, [&](const auto& entry) {
+      return std::tuple(isOther(entry), !isAtRest(entry.second), entry.second.updatedAt);
+    }));
   }
 }
 
@@ -153,11 +157,12 @@ ClaudeService::Tally ClaudeService::tally() const {
 
 void ClaudeService::announce(const char* icon, Color tint, const Session& session,
     std::optional<CrabMood> crab, double seconds, Sound sound) const {
+  const std::string machine = session.elsewhere.value_or("");
   if (onBanner) {
     onBanner(
         {.icon = icon,
             .tint = tint,
-            .title = session.project,
+            .title = session.project + (machine.empty() ? "" : " · " + machine),
             .subtitle = session.activity,
             .crab = crab,
             .detail = session.request() ? session.request()->detail : "",
@@ -240,9 +245,10 @@ void ClaudeService::handle(const StringMap& event, uint64_t request) {
     return;
   }
   if (known == sessions->end() || known->second.phase != session.phase) session.phaseSince = now;
+  const bool isElsewhere = session.elsewhere.has_value();
   sessions.mutate([&](auto& all) {
     all[id] = std::move(session);
-    forgetTheOldest(all);
+    forgetTheOldest(all, isElsewhere);
     return true;
   });
 }

@@ -22,7 +22,9 @@ const char* nameOf(Phase phase) {
 std::string jsonOf(const Session& session) {
   const Date since = session.phase == Phase::working ? session.startedAt : session.phaseSince;
   return R"({"phase":")" + std::string(nameOf(session.phase)) + R"(","project":)" +
-         jsonString(session.project) + R"(,"activity":)" + jsonString(session.activity) + R"(,"since":)" +
+         jsonString(session.project) +
+         (session.elsewhere ? R"(,"machine":)" + jsonString(*session.elsewhere) : "") + R"(,"activity":)" +
+         jsonString(session.activity) + R"(,"since":)" +
          std::to_string(static_cast<long long>(since.secondsSince1970)) + "}";
 }
 

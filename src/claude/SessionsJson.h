@@ -7,8 +7,9 @@
 namespace tarnwick {
 
 /// The sessions in their order as one line of JSON: an array of objects with the strings "phase" ("waiting",
-/// "working", "done" or "idle"), "project" and "activity", and "since" in whole seconds since 1970: the start
-/// of the work of one that works, and for others when they came into their phase.
+/// "working", "done" or "idle"), "project" and "activity", of those that run elsewhere "machine", and "since"
+/// in whole seconds since 1970: the start of the work of one that works, and for others when they came into
+/// their phase.
 std::string sessionsJson(const std::vector<Session>& sessions);
 
 }  // namespace tarnwick

@@ -30,6 +30,7 @@ CommandLine CommandLine::parse(std::span<const char* const> arguments) {
   if (has("--demo")) return {Role::demo};
   if (has("--help")) return {Role::help};
   if (has("--version")) return {Role::version};
+  if (const auto values = valuesOf("--listen"); !values.empty()) return {Role::listen, values[0]};
   if (has("--settings")) return {Role::settings};
   if (has("--open")) {
     const auto values = valuesOf("--open");
@@ -57,6 +58,7 @@ const char* const helpText =
     "  --install-hooks               add Tarnwick's hooks to ~/.claude/settings.json\n"
     "  --uninstall-hooks             remove them again\n"
     "  --hook                        relay one hook event from standard input to the overlay\n"
+    "  --listen SOCKET               relay hook events from other machines or containers, too\n"
     "  --demo                        play a short scripted session in the overlay\n"
     "  --showcase COMMAND [ARGUMENT] drive the demonstration in the running overlay, from \"begin\"\n"
     "                                to \"end\"; the README lists the commands\n"

@@ -21,6 +21,7 @@ enum class Role {
   next,
   sessions,
   followSessions,
+  listen,
   application
 };
 
@@ -28,7 +29,8 @@ enum class Role {
 /// anywhere in the list; unknown arguments are ignored.
 struct CommandLine {
   Role role = Role::application;
-  /// The snapshot's folder, the showcase command, or the raw value of the tab to open; that may be absent.
+  /// The snapshot's folder, the showcase command, the socket to listen at, or the raw value of the tab to
+  /// open; that may be absent.
   std::string_view value;
   /// The showcase command's argument; empty when there is none.
   std::string_view argument;

@@ -10,13 +10,15 @@
 namespace tarnwick {
 namespace {
 
+/// The key of the first question in the map, whose place in the event is tool_input.questions[0].question.
+constexpr const char* question = "question";
 constexpr std::string_view toolInput = "tool_input", transcriptPath = "transcript_path";
 constexpr std::array<std::string_view, 11> eventKeys{"hook_event_name", "session_id", "cwd", "tool_name",
     "message", "notification_type", "prompt", "error", "last_assistant_message", transcriptPath, toolInput};
+/// What only a relay has put there.
+constexpr std::array<std::string_view, 3> relayKeys{machineKey, "tool_detail", question};
 constexpr std::array<std::string_view, 6> detailKeys{
     "command", "file_path", "pattern", "description", "url", "query"};
-/// The key of the first question in the map, whose place in the event is tool_input.questions[0].question.
-constexpr const char* question = "question";
 constexpr size_t textLimit = 200;
 constexpr size_t detailLimit = 120;
 /// A path that is cut leads nowhere.
@@ -29,6 +31,8 @@ constexpr size_t heldBytes = byteLimit + 4;
 /// Keeps what goes into the map. Of a key given twice the last value counts.
 class EventHandler : public JsonHandler {
  public:
+  explicit EventHandler(HookEventForm form) : form_(form) {}
+
   /// Nothing when the text was another value than an object.
   std::optional<StringMap> takeMap() {
     if (!isObject_) return std::nullopt;
@@ -62,6 +66,7 @@ class EventHandler : public JsonHandler {
     collect(part);
     if (!isEnd) return;
     if (depth_ == 1) key_ = known(eventKeys, text_);
+    if (depth_ == 1 && key_.empty() && form_ == HookEventForm::reduced) key_ = known(relayKeys, text_);
     if (depth_ == 2) detailKey_ = known(detailKeys, text_);
     if (depth_ == 2) areQuestions_ = isToolInput_ && text_ == "questions";
     if (depth_ == 4) isQuestion_ = areQuestions_ && text_ == question && !map_.contains(question);
@@ -107,6 +112,7 @@ class EventHandler : public JsonHandler {
     if (isDetail()) detail().reset();
   }
 
+  const HookEventForm form_;
   StringMap map_;
   std::array<std::optional<std::string>, detailKeys.size()> details_;
   size_t depth_ = 0;
@@ -124,8 +130,8 @@ class EventHandler : public JsonHandler {
 
 }  // namespace
 
-std::optional<StringMap> readHookEvent(const ByteSource& input) {
-  EventHandler handler;
+std::optional<StringMap> readHookEvent(const ByteSource& input, HookEventForm form) {
+  EventHandler handler(form);
   JsonReader reader(handler, JsonReader::Halves::replaced);
   // To the end in any case, so that whoever writes it meets no closed pipe.
   for (std::string_view bytes = input(); !bytes.empty(); bytes = input()) reader.read(bytes);

@@ -30,6 +30,18 @@ View phaseIndicator(Phase phase) {
   return {};
 }
 
+std::string machineOf(const Session& session) {
+  return session.elsewhere->empty() ? tr("elsewhere", "ailleurs") : *session.elsewhere;
+}
+
+/// What stands in the way of a visit.
+std::string obstacle(const Session& session) {
+  if (session.elsewhere)
+    return tr("It runs on another machine or in a container",
+        "Elle s'exécute sur une autre machine ou dans un conteneur");
+  return tr("Its terminal cannot be brought forward", "Son terminal ne peut pas être mis au premier plan");
+}
+
 View texts(const Session& session) {
   View activity;
   if (!session.activity.empty()) {
@@ -49,8 +61,15 @@ View texts(const Session& session) {
                 .truncated(Truncation::middle)
                 .tooltip(request)});
   }
-  const View project = Text(session.project).font({13, Weight::semibold, Design::rounded});
-  return VStack({.spacing = 1, .align = Align::leading}, {project, activity});
+  View title = Text(session.project).font({13, Weight::semibold, Design::rounded});
+  if (session.elsewhere) {
+    title = HStack({.spacing = 6},
+        {title.prioritized(),
+            HStack({.spacing = 3},
+                {Symbol("server.rack").font({11}), Text(machineOf(session)).font({11, Weight::medium})})
+                .foreground(white(0.55))});
+  }
+  return VStack({.spacing = 1, .align = Align::leading}, {title, activity});
 }
 
 /// What the pointer does with a row.
@@ -106,12 +125,12 @@ View sessionRow(const Session& session, TerminalVisits& terminals, std::function
             })
             .onTap([session, &terminals] { terminals.visit(session); }, session.process.has_value())
             .focusable()
-            .accessibility(
-                session.process ? Role::button : Role::text, session.project + ": " + session.activity);
+            .accessibility(session.process ? Role::button : Role::text,
+                session.project + (session.elsewhere ? " (" + machineOf(session) + ")" : "") + ": " +
+                    session.activity);
     if (forget) row = row.onKey(Key::erase, forget);
     if (!hovering || canVisit) return row;
-    return row.tooltip(
-        tr("Its terminal cannot be brought forward", "Son terminal ne peut pas être mis au premier plan"));
+    return row.tooltip(obstacle(session));
   });
 }
 

@@ -370,6 +370,11 @@ TEST_F(ClaudeServiceTest, AFloodOfSessionsIsBounded) {
   for (int i = 0; i < 1000; ++i) send("SessionStart", {{"session_id", "flood " + std::to_string(i)}});
   EXPECT_EQ(claude.sessions->size(), 100u);
   EXPECT_TRUE(claude.sessions->contains("working") && claude.sessions->contains("waiting"));
+  for (int i = 0; i < 1000; ++i) {
+    send("Notification", {{"session_id", "other " + std::to_string(i)}, {machineKey, "build server"}});
+  }
+  EXPECT_EQ(claude.sessions->size(), 150u) << "those elsewhere do not push out those here";
+  EXPECT_TRUE(claude.sessions->contains("working"));
 
   const std::string hostile = "Bash\u202e\n" + std::string(1 << 20, 'x');
   const StringMap texts{

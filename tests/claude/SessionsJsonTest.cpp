@@ -1,6 +1,6 @@
 #include "claude/SessionsJson.h"
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 #include "claude/ClaudeService.h"
 #include "support/MemoryDesktop.h"
@@ -34,6 +34,10 @@ TEST(SessionsJson, TellsEachSessionAndSinceWhen) {
           line("working", R"(\"é\")", claude.sessions->at("\"é\"").activity.c_str(), 10) + "," +
           line("done", "done", "Done in 0s", 60) + "," + line("idle", "new", "", 0) + "]");
 
+  hook("there", "SessionStart", {{machineKey, "build server"}});
+  EXPECT_THAT(sessionsJson(claude.ordered()),
+      testing::HasSubstr(R"("project":"there","machine":"build server","activity")"));
+  claude.end("there");
   hook("later", "Notification", {{"message", "Look"}});
   EXPECT_EQ(claude.longestWaiting()->id, "ask");
   claude.resume("ask", *claude.sessions->at("ask").request());

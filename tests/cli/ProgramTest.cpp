@@ -243,6 +243,31 @@ TEST(Program, AnswersWithItsExitStatus) {
       ChildProcess::run({program, "--version"}, {}).output, testing::MatchesRegex("Tarnwick [0-9.]+\n"));
 }
 
+TEST(Program, PassesOnWhatComesFromElsewhere) {
+  const PrivateBus bus;
+  BusListener listener(bus);
+  const TemporaryFolder folder;
+  const std::string socket = folder.path() + "/events";
+  ChildProcess listening({program, "--listen", socket}, at(bus.address()));
+  while (!fs::exists(socket)) std::this_thread::sleep_for(1ms);
+  const auto second = ChildProcess::run({program, "--listen", socket}, at(bus.address()));
+  EXPECT_EQ(second.status, 1);
+  EXPECT_EQ(second.error, "Tarnwick: cannot listen at " + socket + ": somebody listens there already\n");
+
+  // With a bus of its own, to which it says nothing then.
+  auto environment = at(bus.address());
+  environment.insert(
+      environment.end(), {"TARNWICK_SOCKET=" + socket, "TARNWICK_MACHINE=devbox", "WINDOWID=7"});
+  expectSilence({"--hook"}, environment, R"({"session_id":"s","transcript_path":"/t"})");
+  const StringMap event{{"machine", "devbox"}, {"session_id", "elsewhere,6,devbox,s"}};
+  EXPECT_EQ(listener.waitFor(1).at(0).map, event);
+
+  listening.signal(SIGTERM);
+  EXPECT_EQ(listening.wait().status, 0);
+  EXPECT_FALSE(fs::exists(socket));
+  expectSilence({"--hook"}, environment);
+}
+
 TEST(Program, SaysThatNoOverlayRuns) {
   const auto expectRefusal = [](const std::string& address, std::vector<std::string> arguments) {
     arguments.insert(arguments.begin(), program);

@@ -9,6 +9,7 @@ import subprocess
 class ClaudeCode:
     def __init__(self, desktop, session, folder="/src/shop"):
         self.desktop, self.session, self.folder = desktop, session, folder
+        self.environment = dict(desktop.environment)
 
     def fire(self, event, **fields):
         settings = json.loads((self.desktop.home / ".claude/settings.json").read_text())
@@ -21,7 +22,7 @@ class ClaudeCode:
                 continue
             for hook in group["hooks"]:
                 results.append(subprocess.run(["sh", "-c", hook["command"]], input=body, capture_output=True,
-                                              env=self.desktop.environment, cwd=self.desktop.home,
+                                              env=self.environment, cwd=self.desktop.home,
                                               timeout=hook["timeout"]))
         assert results, f"no hook is installed for {event}"
         for result in results:

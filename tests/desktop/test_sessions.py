@@ -4,6 +4,7 @@ import json
 import subprocess
 import time
 import unittest
+from pathlib import Path
 
 from claude_code import ClaudeCode
 from desktop import PATIENCE, PROGRAM, wait_until
@@ -115,6 +116,27 @@ class Sessions(DesktopTest):
         other.communicate(timeout=PATIENCE)
         self.assertEqual(other.returncode, 0)
         follower.stdout.close()
+
+    def test_sessions_elsewhere_are_heard_through_a_socket(self):
+        socket = Path(self.desktop.environment["XDG_RUNTIME_DIR"], "tarnwick/events")
+        wait_until(socket.exists, "the socket")
+        # One that is killed leaves it behind.
+        self.desktop.kill_overlay()
+        self.assertTrue(socket.exists())
+        remote = ClaudeCode(self.desktop, "one")
+        del remote.environment["DBUS_SESSION_BUS_ADDRESS"]
+        remote.environment.update(TARNWICK_SOCKET=str(socket), TARNWICK_MACHINE="devbox")
+        remote.fire("SessionStart", source="startup")
+        self.desktop.start_overlay()
+
+        def machines():
+            remote.fire("Notification", message="May I?")
+            return [each.get("machine") for each in json.loads(self.desktop.run("--sessions").stdout)]
+        wait_until(lambda: machines() == ["devbox"], "the session on the other machine")
+        self.desktop.wait_for_notch(*BANNER)
+        self.desktop.overlay.terminate()
+        self.desktop.overlay.wait(PATIENCE)
+        self.assertFalse(socket.exists())
 
     def test_the_keyboard_opens_the_list_and_weeds_it(self):
         for name in ("first", "second"):

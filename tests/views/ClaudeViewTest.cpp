@@ -225,6 +225,17 @@ TEST(SessionRow, TellsHowLongItTookOrHowLongAgo) {
   }
 }
 
+TEST(SessionRow, TellsTheMachineOfASessionElsewhere) {
+  MemoryDesktop desktop;
+  TerminalVisits terminals(
+      desktop.scheduler, desktop.foreignProcesses, desktop.processes, desktop.activation);
+  for (const auto& [told, shown] : {std::pair{"devbox", "devbox"}, {"", "elsewhere"}}) {
+    ui::Stage stage(sessionRow({.id = "a", .project = "shop", .elsewhere = told}, terminals));
+    EXPECT_TRUE(stage.inspect.text(shown));
+    EXPECT_TRUE(stage.inspect.control("shop (" + std::string(shown) + "): "));
+  }
+}
+
 TEST(SessionRow, CountsUpEachSecond) {
   MemoryDesktop desktop;
   TerminalVisits terminals(

@@ -109,7 +109,11 @@ Subscription DBusNotificationCenter::observe(const std::string& name, Receiver r
 }
 
 void DBusNotificationCenter::receive(const QDBusMessage& message) {
-  Received received{(message.interface() + '.' + message.member()).toStdString(), payload(message), 0};
+  receive((message.interface() + '.' + message.member()).toStdString(), payload(message));
+}
+
+void DBusNotificationCenter::receive(const std::string& name, StringMap payload) {
+  Received received{name, std::move(payload), 0};
   for (const auto& [key, value] : received.payload) received.length += key.size() + value.size();
   if (waiting_.size() == mostWaiting || waitingLength_ + received.length > longestWaiting) return;
   waitingLength_ += received.length;

@@ -32,6 +32,9 @@ class DBusNotificationCenter : public QObject, public NotificationCenter {
   /// Sends a notification, and waits half a second at most for the bus to take it.
   void post(const std::string& name, const StringMap& payload);
 
+  /// Delivers a notification that came another way than by the bus.
+  void receive(const std::string& name, StringMap payload);
+
   Subscription observe(const std::string& name, std::function<void(const StringMap&)> receive) override;
 
  private Q_SLOTS:

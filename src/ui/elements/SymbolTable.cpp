@@ -56,6 +56,7 @@ constexpr Entry table[] = {
     {"play.fill", {0xe037}},                            // play_arrow
     {"powerplug.fill", {0xe63c}},                       // power
     {"rectangle.and.hand.point.up.left", {0xe913}},     // touch_app
+    {"server.rack", {0xe875}},                          // dns
     {"sun.max.fill", {0xe518, full}},                   // light_mode
     {"sun.min.fill", {0xe518, dim}},                    // light_mode, smaller
     {"trash", {0xe92e}},                                // delete_outline
