@@ -74,7 +74,8 @@ void AppDelegate::applicationDidFinishLaunching(bool withSettings) {
       .sharing = sharing_,
       .foreignProcesses = foreignProcesses_,
       .growingFiles = growingFiles_,
-      .activation = display_->activation()};
+      .activation = display_->activation(),
+      .permissions = permissions_};
   controller_ =
       std::make_unique<NotchController>(desktop, [this](NotchModel& model) { return makePanel(model); });
   settings_.emplace(SettingsContext{.model = controller_->model(),

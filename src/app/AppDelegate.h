@@ -12,6 +12,7 @@
 #include "linux/bus/DesktopDeviceSharing.h"
 #include "linux/bus/DesktopFileManager.h"
 #include "linux/bus/MessageBus.h"
+#include "linux/bus/PermissionsObject.h"
 #include "linux/bus/PortalAppearance.h"
 #include "linux/bus/SessionsObject.h"
 #include "linux/bus/UPowerSources.h"
@@ -65,6 +66,7 @@ class AppDelegate {
   MessageBus sessionBus_{scheduler_, sessionBusAddress};
   // Before the name is asked for: who sees that one finds this one, too.
   SessionsObject sessionsObject_{scheduler_, sessionBus_};
+  PermissionsObject permissions_{sessionBus_, notifications_};
   DBusNotificationCenter notifications_{scheduler_, sessionBus_};
   std::optional<EventListener> eventListener_;
   std::unique_ptr<QSocketNotifier> eventNotifier_;

@@ -44,6 +44,8 @@ class AppSettings : public ObservableObject {
   Flag bluetoothAlerts{*this, "bluetoothAlerts", true};
   Flag calendarEnabled{*this, "calendarEnabled", true};
   Flag claudeSounds{*this, "claudeSounds", true};
+  /// Permissions that Claude Code asks for can be given in the notch.
+  Flag answerPermissions{*this, "answerPermissions", true};
 };
 
 }  // namespace tarnwick

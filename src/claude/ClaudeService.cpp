@@ -172,8 +172,12 @@ void ClaudeService::announce(const char* icon, Color tint, const Session& sessio
   if (!settings || settings->claudeSounds) sounds_.play(sound);
 }
 
+std::string ClaudeService::sessionOf(const StringMap& event) {
+  return valueOf(event, "session_id").value_or("default");
+}
+
 void ClaudeService::handle(const StringMap& event, uint64_t request) {
-  const std::string id = valueOf(event, "session_id").value_or("default");
+  const std::string id = sessionOf(event);
   const std::string folder = valueOf(event, "cwd").value_or("");
   const std::string name = valueOf(event, "hook_event_name").value_or("");
   const Date now = scheduler_.now();

@@ -41,8 +41,9 @@ class ClaudeService : public ObservableObject {
   /// The session that has waited for the user longest; none where none waits.
   std::optional<Session> longestWaiting() const;
 
-  /// Applies one hook event. Without a session identifier it is filed under "default"; an event of an unknown
-  /// name is ignored.
+  /// The identifier of the session that an event is of; "default" where it names none.
+  static std::string sessionOf(const StringMap& event);
+  /// Applies one hook event; one of an unknown name is ignored.
   /// @param request of a permission that can be answered here, its number
   void handle(const StringMap& event, uint64_t request = 0);
   /// The program of that session has ended: it is forgotten.

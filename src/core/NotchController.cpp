@@ -110,6 +110,8 @@ void NotchController::listen() {
   fullscreenCheck_ = desktop_.scheduler.post([this] { checkFullscreen(); });
   subscriptions_.push_back(desktop_.notifications.observe(
       eventNotification, [this](const StringMap& event) { handleEvent(event); }));
+  subscriptions_.push_back(desktop_.permissions.observe(
+      [this](const PermissionRequests::Request& request) { handleRequest(request); }));
   subscriptions_.push_back(desktop_.notifications.observe(
       showcaseNotification, [this](const StringMap& payload) { handleShowcase(payload); }));
   subscriptions_.push_back(desktop_.notifications.observe(
@@ -137,6 +139,12 @@ void NotchController::handleEvent(const StringMap& event) {
   // Real sessions do not disturb a running demonstration.
   if (model_.showcase && !valueOf(event, "session_id").value_or("").starts_with("showcase")) return;
   withAnimation(notchOpen, [&] { model_.claude.handle(event); });
+}
+
+void NotchController::handleRequest(const PermissionRequests::Request& request) {
+  // A demonstration answers nothing.
+  if (model_.showcase) return model_.permissions.decline(request.number);
+  withAnimation(notchOpen, [&] { model_.permissions.ask(request); });
 }
 
 void NotchController::handleShowcase(const StringMap& payload) {

@@ -46,6 +46,7 @@ class NotchController {
   void checkFullscreen();
 
   void handleEvent(const StringMap& event);
+  void handleRequest(const PermissionRequests::Request& request);
   void handleShowcase(const StringMap& payload);
   void handleOpen(const StringMap& payload);
   void act(const std::string& action, std::optional<Tab> tab);

@@ -35,6 +35,7 @@ NotchModel::NotchModel(const Desktop& desktop)
       brightness(desktop.brightness),
       settings(desktop.defaults),
       claude(desktop.scheduler, desktop.sounds),
+      permissions(desktop.scheduler, claude, desktop.permissions, settings),
       terminals(desktop.scheduler, desktop.foreignProcesses, desktop.processes, desktop.activation),
       media({desktop.scheduler, desktop.folders, desktop.processes, desktop.applications, desktop.images,
           desktop.log}),
@@ -123,6 +124,12 @@ void NotchModel::dismissBanner() {
 
 void NotchModel::followBanner() {
   const auto session = *banner ? claude.sessions->find(banner.get()->session) : claude.sessions->end();
+  if (session != claude.sessions->end() && PermissionService::requestOf(session->second) != 0) {
+    const std::string id = session->first;
+    expand(Tab::claude);
+    permissions.disclosed = id;
+    return;
+  }
   const bool canVisit = session != claude.sessions->end() && terminals.canVisit(session->second);
   if (!canVisit || !terminals.visit(session->second)) expand();
 }
@@ -135,6 +142,7 @@ void NotchModel::expand(std::optional<Tab> on) {
     } else if (claudeCalls) {
       tab = Tab::claude;
     }
+    if (tab == Tab::claude && !isExpanded) permissions.disclosed = permissions.onlySession();
     bannerTask_.cancel();
     banner = std::nullopt;
     transient = std::nullopt;

@@ -12,6 +12,7 @@
 #include "base/Tab.h"
 #include "base/Transient.h"
 #include "claude/ClaudeService.h"
+#include "claude/PermissionService.h"
 #include "claude/SessionWatch.h"
 #include "claude/TerminalVisits.h"
 #include "services/AudioService.h"
@@ -61,6 +62,7 @@ class NotchModel : public ObservableObject {
   DisplayBrightness& brightness;
   AppSettings settings;
   ClaudeService claude;
+  PermissionService permissions;
   TerminalVisits terminals;
   MediaService media;
   AudioService audio;
@@ -84,10 +86,11 @@ class NotchModel : public ObservableObject {
   /// body.
   void present(const Banner& value, double seconds);
   void dismissBanner();
-  /// A click on the banner: goes to the terminal of the session that it is about, else opens the body.
+  /// A click on the banner: shows the request of the session that it is about, where that can be answered
+  /// here; else goes to its terminal, or opens the body.
   void followBanner();
   /// Opens the body: on the given tab, else on the sessions when one of them calls, else on the tab of
-  /// before.
+  /// before. Of the sessions, where a single one can be answered, that one's request is shown.
   void expand(std::optional<Tab> on = std::nullopt);
   void collapse();
   void setHovering(bool hovering);

@@ -19,6 +19,7 @@ class HapticPerformer;
 class ImageDecoder;
 class MediaKeys;
 class NotificationCenter;
+class PermissionRequests;
 class PowerSources;
 class Scheduler;
 class Screens;
@@ -56,6 +57,7 @@ struct Desktop {
   ForeignProcesses& foreignProcesses;
   GrowingFiles& growingFiles;
   WindowActivation& activation;
+  PermissionRequests& permissions;
 };
 
 }  // namespace tarnwick

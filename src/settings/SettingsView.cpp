@@ -135,6 +135,8 @@ void SettingsView::addKeys() {
 void SettingsView::addClaudeCode() {
   SettingsCard& card = addSection("Claude Code");
   addToggle(card, text("Notification sounds", "Sons de notification"), context_.model.settings.claudeSounds);
+  addToggle(card, text("Answer permissions here", "Répondre aux permissions ici"),
+      context_.model.settings.answerPermissions);
   hooks_ = button("");
   connect(hooks_, &QPushButton::clicked, this, [this] { changeHooks(); });
   card.add(labelledRow("Hooks", {hooks_}));

@@ -22,6 +22,7 @@ const struct {
     {"bluetoothAlerts", &AppSettings::bluetoothAlerts, true},
     {"calendarEnabled", &AppSettings::calendarEnabled, true},
     {"claudeSounds", &AppSettings::claudeSounds, true},
+    {"answerPermissions", &AppSettings::answerPermissions, true},
 };
 
 TEST(AppSettings, EachSwitchIsStoredUnderItsKey) {

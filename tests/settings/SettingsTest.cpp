@@ -99,6 +99,7 @@ TEST_F(SettingsTest, EachSwitchIsItsPreference) {
       {"Calendar", "Calendrier", "calendarEnabled", all.calendarEnabled},
       {"Replace system HUDs", "Remplacer les HUD système", "replaceHUD", all.replaceHUD},
       {"Notification sounds", "Sons de notification", "claudeSounds", all.claudeSounds},
+      {"Answer permissions here", "Répondre aux permissions ici", "answerPermissions", all.answerPermissions},
   };
   for (const bool french : {false, true}) {
     const ForcedLanguage language(french ? "fr" : "en");

@@ -1,8 +1,9 @@
 #include "linux/bus/DBusNotificationCenter.h"
 
-#include <QDBusArgument>
 #include <QDBusMetaType>
 #include <chrono>
+
+#include "linux/bus/BusPayload.h"
 
 namespace tarnwick {
 namespace {
@@ -11,9 +12,6 @@ constexpr auto busName = "dev.tarnwick.Tarnwick";
 constexpr auto signalPath = "/dev/tarnwick";
 constexpr auto longestWait = std::chrono::milliseconds(500);
 
-/// Far above what the programs of ours send.
-constexpr int mostEntries = 32;
-constexpr qsizetype longestPayload = 1 << 16;
 /// More than this may wait only of a flood.
 constexpr size_t mostWaiting = 20'000, longestWaiting = 16 << 20;
 constexpr double frame = 1.0 / 60;
@@ -30,29 +28,6 @@ QDBusMessage nameRequest() {
 std::pair<QString, QString> signal(const std::string& name) {
   const size_t dot = name.rfind('.');
   return {QString::fromStdString(name.substr(0, dot)), QString::fromStdString(name.substr(dot + 1))};
-}
-
-StringMap payload(const QDBusMessage& message) {
-  const QVariantList arguments = message.arguments();
-  if (message.signature() != "a{ss}") return {};
-  const auto argument = arguments.first().value<QDBusArgument>();
-  StringMap map;
-  int entries = 0;
-  qsizetype length = 0;
-  bool tooMuch = false;
-  argument.beginMap();
-  while (!tooMuch && !argument.atEnd()) {
-    QString key, value;
-    argument.beginMapEntry();
-    argument >> key >> value;
-    argument.endMapEntry();
-    length += key.size() + value.size();
-    tooMuch = ++entries > mostEntries || length > longestPayload;
-    if (!tooMuch) map[key.toStdString()] = value.toStdString();
-  }
-  // Without this the library would keep the message for ever.
-  argument.endMap();
-  return tooMuch ? StringMap() : map;
 }
 
 }  // namespace
@@ -109,19 +84,24 @@ Subscription DBusNotificationCenter::observe(const std::string& name, Receiver r
 }
 
 void DBusNotificationCenter::receive(const QDBusMessage& message) {
-  receive((message.interface() + '.' + message.member()).toStdString(), payload(message));
+  receive((message.interface() + '.' + message.member()).toStdString(), stringMapOf(message, longestEvent));
 }
 
 void DBusNotificationCenter::receive(const std::string& name, StringMap payload) {
-  Received received{name, std::move(payload), 0};
-  for (const auto& [key, value] : received.payload) received.length += key.size() + value.size();
-  if (waiting_.size() == mostWaiting || waitingLength_ + received.length > longestWaiting) return;
-  waitingLength_ += received.length;
-  waiting_.push_back(std::move(received));
-  if (!pause_) deliver();
+  size_t length = 0;
+  for (const auto& [key, value] : payload) length += key.size() + value.size();
+  enqueue(length, [this, name, payload = std::move(payload)] { deliver(name, payload); });
 }
 
-void DBusNotificationCenter::deliver() {
+bool DBusNotificationCenter::enqueue(size_t length, std::function<void()> deliver) {
+  if (waiting_.size() == mostWaiting || waitingLength_ + length > longestWaiting) return false;
+  waitingLength_ += length;
+  waiting_.push_back({std::move(deliver), length});
+  if (!pause_) deliverWaiting();
+  return true;
+}
+
+void DBusNotificationCenter::deliverWaiting() {
   pause_ = Task();
   while (!waiting_.empty()) {
     const double start = scheduler_.uptime();
@@ -130,13 +110,13 @@ void DBusNotificationCenter::deliver() {
       spent_ = 0;
     }
     if (spent_ > frame / 2) {
-      pause_ = scheduler_.after(frame / 2, [this] { deliver(); });
+      pause_ = scheduler_.after(frame / 2, [this] { deliverWaiting(); });
       return;
     }
     const Received next = std::move(waiting_.front());
     waiting_.pop_front();
     waitingLength_ -= next.length;
-    deliver(next.name, next.payload);
+    next.deliver();
     spent_ += scheduler_.uptime() - start;
   }
 }

@@ -34,6 +34,10 @@ class DBusNotificationCenter : public QObject, public NotificationCenter {
 
   /// Delivers a notification that came another way than by the bus.
   void receive(const std::string& name, StringMap payload);
+  /// Has something else that came in wait for its turn. @param length how much of the memory that
+  /// may wait it takes, in bytes
+  /// @return false when too much waits already
+  bool enqueue(size_t length, std::function<void()> deliver);
 
   Subscription observe(const std::string& name, std::function<void(const StringMap&)> receive) override;
 
@@ -46,7 +50,7 @@ class DBusNotificationCenter : public QObject, public NotificationCenter {
   void opened();
   void nameAnswered(const QDBusMessage& reply);
   void listen(const std::string& name);
-  void deliver();
+  void deliverWaiting();
   void deliver(const std::string& name, const StringMap& payload);
 
   Scheduler& scheduler_;
@@ -55,8 +59,7 @@ class DBusNotificationCenter : public QObject, public NotificationCenter {
   std::map<std::string, std::vector<std::weak_ptr<Receiver>>> receivers_;
 
   struct Received {
-    std::string name;
-    StringMap payload;
+    std::function<void()> deliver;
     size_t length;
   };
   /// What waits for its turn, and how long all of it is.

@@ -219,4 +219,24 @@ std::optional<uint32_t> MemoryWindowActivation::windowOf(
   return std::nullopt;
 }
 
+Subscription MemoryPermissionRequests::observe(std::function<void(const Request&)> asked) {
+  const auto kept = std::make_shared<std::function<void(const Request&)>>(std::move(asked));
+  asked_ = kept;
+  return Subscription(kept);
+}
+
+Subscription MemoryPermissionRequests::observeEnd(std::function<void(uint64_t)> gone) {
+  const auto kept = std::make_shared<std::function<void(uint64_t)>>(std::move(gone));
+  gone_ = kept;
+  return Subscription(kept);
+}
+
+void MemoryPermissionRequests::ask(const Request& request) const {
+  if (const auto asked = asked_.lock()) (*asked)(request);
+}
+
+void MemoryPermissionRequests::end(uint64_t number) const {
+  if (const auto gone = gone_.lock()) (*gone)(number);
+}
+
 }  // namespace tarnwick

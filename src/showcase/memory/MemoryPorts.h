@@ -24,6 +24,7 @@
 #include "platform/ImageDecoder.h"
 #include "platform/MediaKeys.h"
 #include "platform/NotificationCenter.h"
+#include "platform/PermissionRequests.h"
 #include "platform/Pointer.h"
 #include "platform/PowerSources.h"
 #include "platform/Screens.h"
@@ -354,6 +355,24 @@ class MemoryWindowActivation : public WindowActivation {
   std::vector<uint32_t> broughtForward;
 };
 
+class MemoryPermissionRequests : public PermissionRequests {
+ public:
+  Subscription observe(std::function<void(const Request&)> asked) override;
+  Subscription observeEnd(std::function<void(uint64_t)> gone) override;
+  void answer(uint64_t number, const PermissionAnswer& answer) override { answers.emplace(number, answer); }
+  /// A program asks.
+  void ask(const Request& request) const;
+  /// It ends.
+  void end(uint64_t number) const;
+
+  /// The first one counts.
+  std::map<uint64_t, PermissionAnswer> answers;
+
+ private:
+  std::weak_ptr<std::function<void(const Request&)>> asked_;
+  std::weak_ptr<std::function<void(uint64_t)>> gone_;
+};
+
 /// A whole desktop in memory but for its folders, with a clock that stands still until somebody moves it.
 struct MemoryPorts {
   /// `folders` must outlive the rest.
@@ -385,6 +404,7 @@ struct MemoryPorts {
   MemoryForeignProcesses foreignProcesses;
   MemoryGrowingFiles growingFiles;
   MemoryWindowActivation activation;
+  MemoryPermissionRequests permissions;
 
   Desktop ports{.scheduler = scheduler,
       .notifications = notifications,
@@ -410,7 +430,8 @@ struct MemoryPorts {
       .sharing = sharing,
       .foreignProcesses = foreignProcesses,
       .growingFiles = growingFiles,
-      .activation = activation};
+      .activation = activation,
+      .permissions = permissions};
 };
 
 }  // namespace tarnwick
