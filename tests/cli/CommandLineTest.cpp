@@ -1,7 +1,10 @@
 #include "cli/CommandLine.h"
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
+#include <fstream>
+#include <regex>
+#include <sstream>
 #include <vector>
 
 using namespace tarnwick;
@@ -65,4 +68,25 @@ TEST(CommandLine, SelectsTheFirstRoleThatMatches) {
     EXPECT_EQ(result.value, one.value) << shown;
     EXPECT_EQ(result.argument, one.argument) << shown;
   }
+}
+
+TEST(CommandLine, EachOptionOfTheHelpIsInTheManualAndCompleted) {
+  const auto contents = [](const std::string& name) {
+    std::stringstream text;
+    text << std::ifstream(TARNWICK_ASSETS "/" + name).rdbuf();
+    return std::regex_replace(text.str(), std::regex(R"(\\-)"), "-");
+  };
+  const std::string manual = contents("Tarnwick.1.in"), bash = contents("completions/Tarnwick.bash"),
+                    zsh = contents("completions/_tarnwick"), fish = contents("completions/Tarnwick.fish");
+  const std::string help = helpText;
+  const std::regex option("--([a-z-]+)");
+  int options = 0;
+  for (std::sregex_iterator found(help.begin(), help.end(), option), end; found != end; ++found, ++options) {
+    const std::string whole = found->str(), name = found->str(1);
+    EXPECT_THAT(manual, testing::HasSubstr(whole));
+    EXPECT_THAT(bash, testing::HasSubstr(whole));
+    EXPECT_THAT(zsh, testing::HasSubstr(whole + "["));
+    EXPECT_THAT(fish, testing::HasSubstr("-l " + name + " "));
+  }
+  EXPECT_GT(options, 0);
 }
