@@ -3,12 +3,13 @@ _tarnwick() {
   local current=$2 previous=$3
   case $previous in
     --open) mapfile -t COMPREPLY < <(compgen -W 'home audio claude tray notes' -- "$current") ;;
+    --listen) compopt -o filenames && mapfile -t COMPREPLY < <(compgen -f -- "$current") ;;
     --snapshot) compopt -o filenames && mapfile -t COMPREPLY < <(compgen -d -- "$current") ;;
     --sessions) mapfile -t COMPREPLY < <(compgen -W '--follow' -- "$current") ;;
     *)
       ((COMP_CWORD == 1)) || return 0
       mapfile -t COMPREPLY < <(compgen -W '--settings --open --close --toggle --next --sessions --install-hooks
-        --uninstall-hooks --hook --demo --showcase --snapshot --help --version' -- "$current")
+        --uninstall-hooks --hook --listen --demo --showcase --snapshot --help --version' -- "$current")
       ;;
   esac
 }

@@ -11,6 +11,7 @@ for program in Tarnwick tarnwick
     complete -c $program -n __fish_is_first_arg -l install-hooks -d 'Add the hooks to Claude Code'
     complete -c $program -n __fish_is_first_arg -l uninstall-hooks -d 'Remove the hooks again'
     complete -c $program -n __fish_is_first_arg -l hook -d 'Relay one hook event'
+    complete -c $program -n __fish_is_first_arg -l listen -r -F -d 'Relay hook events of other machines'
     complete -c $program -n __fish_is_first_arg -l demo -d 'Play a short session'
     complete -c $program -n __fish_is_first_arg -l showcase -x -d 'Drive the demonstration'
     complete -c $program -n __fish_is_first_arg -l snapshot -x -a '(__fish_complete_directories)' -d 'Save pictures'

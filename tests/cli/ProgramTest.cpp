@@ -252,7 +252,8 @@ TEST(Program, PassesOnWhatComesFromElsewhere) {
   while (!fs::exists(socket)) std::this_thread::sleep_for(1ms);
   const auto second = ChildProcess::run({program, "--listen", socket}, at(bus.address()));
   EXPECT_EQ(second.status, 1);
-  EXPECT_EQ(second.error, "Tarnwick: cannot listen at " + socket + ": somebody listens there already\n");
+  // The first one may be about to only.
+  EXPECT_THAT(second.error, testing::StartsWith("Tarnwick: cannot listen at " + socket + ": somebody "));
 
   // With a bus of its own, to which it says nothing then.
   auto environment = at(bus.address());
