@@ -42,8 +42,11 @@ def wait_until(condition, what, patience=PATIENCE):
         time.sleep(0.01)
 
 
-class Desktop:
-    def __init__(self, compositor=True, size=(1280, 800), scale=1, language="en"):
+class PrivateDesktop:
+    """What all of them have: a home, a bus and the overlay. Each kind starts its display in `start_display`, takes a
+    `picture` of it, and has a hand: `move_pointer`, `press`, `release` and `key`."""
+
+    def __init__(self, size=(1280, 800), language="en"):
         self.size = size
         self.processes = []
         self.overlay = None
@@ -62,10 +65,8 @@ class Desktop:
         # The C locale would make nothing of LANGUAGE. The other one need not be installed: its name is enough.
         locale = {"en": "C.UTF-8", "fr": "fr_FR.UTF-8"}[language]
         self.environment.update(LANG=locale, LANGUAGE=language, QT_ACCESSIBILITY="0")
-        if scale != 1:
-            self.environment["QT_SCALE_FACTOR"] = str(scale)
         try:
-            self._start(compositor)
+            self.start_display()
         except BaseException:
             self.close()
             raise
@@ -76,24 +77,11 @@ class Desktop:
     def __exit__(self, *_):
         self.close()
 
-    def _start(self, compositor):
-        width, height = self.size
-        number = self._start_telling("-displayfd", ["Xvfb", "-screen", "0", f"{width}x{height}x24", "-nolisten",
-                                                    "tcp", "-noreset", "+extension", "Composite"])
-        self.display_server = self.processes[-1]
-        self.environment["DISPLAY"] = f":{number}"
-        self.x = Display(f":{number}")
-        self.root = self.x.screen().root
+    def start_bus(self):
         self.bus_address = self._start_telling("--print-address", ["dbus-daemon", "--session", "--nofork"])
         self.bus_daemon = self.processes[-1]
         self.environment["DBUS_SESSION_BUS_ADDRESS"] = self.bus_address
         self.bus = dbus.bus.BusConnection(self.bus_address)
-        self.paint_wallpaper(lambda _: WALLPAPER)
-        self.start(["openbox"])
-        wait_until(lambda: self._property(self.root, "_NET_SUPPORTING_WM_CHECK"), "the window manager")
-        if compositor:
-            self.start(["picom", "--backend", "xrender", "--config", "/dev/null"])
-            wait_until(lambda: self.selection_is_owned("_NET_WM_CM_S0"), "the compositor")
 
     def _start_telling(self, option, command):
         """Starts a server that writes where it is to be found into a descriptor, and returns that."""
@@ -107,11 +95,13 @@ class Desktop:
             raise AssertionError(f"{command[0]} did not start")
         return line
 
-    def start(self, command, **options):
-        """Starts a program on this desktop; it ends with the desktop."""
+    def start(self, command, environment=None, output=None, **options):
+        """Starts a program on this desktop; it ends with the desktop. `environment` adds to the desktop's; what it
+        prints goes to its log, but for what goes to `output`."""
         log = open(self.root_folder / f"{len(self.processes)}-{Path(command[0]).name}.log", "wb")
-        process = subprocess.Popen([str(part) for part in command], env=self.environment, cwd=self.home,
-                                   stdin=options.pop("stdin", subprocess.DEVNULL), stdout=log, stderr=log,
+        process = subprocess.Popen([str(part) for part in command], env=self.environment | (environment or {}),
+                                   cwd=self.home, stdin=options.pop("stdin", subprocess.DEVNULL),
+                                   stdout=output or log, stderr=log,
                                    start_new_session=True, **options)
         process.log = Path(log.name)
         log.close()
@@ -135,13 +125,7 @@ class Desktop:
         self.environment["DBUS_SYSTEM_BUS_ADDRESS"] = self._start_telling(
             "--print-address", ["dbus-daemon", "--session", "--nofork"])
 
-    def kill_display(self):
-        del self.x
-        self.display_server.kill()
-
     def close(self):
-        if hasattr(self, "x"):
-            self.x.close()
         for process in reversed(self.processes):
             if process.poll() is None:
                 process.terminate()
@@ -161,21 +145,7 @@ class Desktop:
             self.defaults_file.write_text(json.dumps(defaults))
         self.overlay = self.start([PROGRAM, *arguments])
         wait_until(lambda: self.overlay_runs() and self.bus.name_has_owner(BUS_NAME), "the overlay's bus name")
-        # It hears and follows before its window shows, which is open to the pointer at the top only.
-        wait_until(lambda: self.overlay_runs() and 0 < self._height_open_to_pointer() < 100, "the overlay's window")
         return self.overlay
-
-    def _height_open_to_pointer(self):
-        for window in self.root.query_tree().children:
-            try:
-                process = self._property(window, "_NET_WM_PID")
-                if (process and process.value[0] == self.overlay.pid
-                        and window.get_attributes().map_state == X.IsViewable):
-                    areas = window.shape_get_rectangles(shape.SK.Input).rectangles
-                    return max((area.y + area.height for area in areas), default=0)
-            except BadWindow:
-                pass  # it has gone meanwhile
-        return 0
 
     def overlay_runs(self):
         """Fails with what it said when the overlay has ended by itself."""
@@ -203,25 +173,6 @@ class Desktop:
         return json.loads(self.defaults_file.read_text()) if self.defaults_file.exists() else {}
 
     # The screen
-
-    def paint_wallpaper(self, colour_of_row):
-        """Fills the root window, for the server and for the compositor alike."""
-        width, height = self.size
-        self.wallpaper = self.root.create_pixmap(width, height, 24)
-        brush = self.wallpaper.create_gc()
-        for y in range(height):
-            red, green, blue = colour_of_row(y)
-            brush.change(foreground=red << 16 | green << 8 | blue)
-            self.wallpaper.fill_rectangle(brush, 0, y, width, 1)
-        self.root.change_property(self.x.intern_atom("_XROOTPMAP_ID"), Xatom.PIXMAP, 32, [self.wallpaper.id])
-        self.root.change_attributes(background_pixmap=self.wallpaper)
-        self.root.clear_area(0, 0, width, height)
-        self.x.sync()
-
-    def picture(self, x=0, y=0, width=None, height=None):
-        width, height = width or self.size[0] - x, height or self.size[1] - y
-        image = self.root.get_image(x, y, width, height, X.ZPixmap, 0xFFFFFFFF)
-        return Picture(x, y, width, height, bytes(image.data))
 
     def top(self):
         """The part of the screen that the overlay may draw on."""
@@ -252,27 +203,9 @@ class Desktop:
 
     # The pointer
 
-    def move_pointer(self, x, y):
-        self.x.xtest_fake_input(X.MotionNotify, x=x, y=y)
-        self.x.sync()
-
-    def press(self, button=1):
-        self.x.xtest_fake_input(X.ButtonPress, button)
-        self.x.sync()
-
-    def release(self, button=1):
-        self.x.xtest_fake_input(X.ButtonRelease, button)
-        self.x.sync()
-
     def click(self, button=1):
         self.press(button)
         self.release(button)
-
-    def key(self, name):
-        code = self.x.keysym_to_keycode(XK.string_to_keysym(name))
-        for event in (X.KeyPress, X.KeyRelease):
-            self.x.xtest_fake_input(event, code)
-        self.x.sync()
 
     def open_page(self, tab):
         """Opens the notch by a tap and selects a tab: home, audio, claude, tray or notes."""
@@ -287,7 +220,95 @@ class Desktop:
         self.move_pointer(middle - EXPANDED[0] // 2 + 20 + 32 * number + 15, 12)
         self.click()
 
-    # Small helpers
+
+class Desktop(PrivateDesktop):
+    """An X server, with a window manager and, on request, a compositor."""
+
+    def __init__(self, compositor=True, size=(1280, 800), scale=1, language="en"):
+        self.compositor, self.scale = compositor, scale
+        super().__init__(size, language)
+
+    def start_display(self):
+        width, height = self.size
+        if self.scale != 1:
+            self.environment["QT_SCALE_FACTOR"] = str(self.scale)
+        number = self._start_telling("-displayfd", ["Xvfb", "-screen", "0", f"{width}x{height}x24", "-nolisten",
+                                                    "tcp", "-noreset", "+extension", "Composite"])
+        self.display_server = self.processes[-1]
+        self.environment["DISPLAY"] = f":{number}"
+        self.x = Display(f":{number}")
+        self.root = self.x.screen().root
+        self.start_bus()
+        self.paint_wallpaper(lambda _: WALLPAPER)
+        self.start(["openbox"])
+        wait_until(lambda: self._property(self.root, "_NET_SUPPORTING_WM_CHECK"), "the window manager")
+        if self.compositor:
+            self.start(["picom", "--backend", "xrender", "--config", "/dev/null"])
+            wait_until(lambda: self.selection_is_owned("_NET_WM_CM_S0"), "the compositor")
+
+    def close(self):
+        if hasattr(self, "x"):
+            self.x.close()
+        super().close()
+
+    def kill_display(self):
+        del self.x
+        self.display_server.kill()
+
+    def start_overlay(self, defaults=None, arguments=()):
+        super().start_overlay(defaults, arguments)
+        # It hears and follows before its window shows, which is open to the pointer at the top only.
+        wait_until(lambda: self.overlay_runs() and 0 < self._height_open_to_pointer() < 100, "the overlay's window")
+        return self.overlay
+
+    def _height_open_to_pointer(self):
+        for window in self.root.query_tree().children:
+            try:
+                process = self._property(window, "_NET_WM_PID")
+                if (process and process.value[0] == self.overlay.pid
+                        and window.get_attributes().map_state == X.IsViewable):
+                    areas = window.shape_get_rectangles(shape.SK.Input).rectangles
+                    return max((area.y + area.height for area in areas), default=0)
+            except BadWindow:
+                pass  # it has gone meanwhile
+        return 0
+
+    def paint_wallpaper(self, colour_of_row):
+        """Fills the root window, for the server and for the compositor alike."""
+        width, height = self.size
+        self.wallpaper = self.root.create_pixmap(width, height, 24)
+        brush = self.wallpaper.create_gc()
+        for y in range(height):
+            red, green, blue = colour_of_row(y)
+            brush.change(foreground=red << 16 | green << 8 | blue)
+            self.wallpaper.fill_rectangle(brush, 0, y, width, 1)
+        self.root.change_property(self.x.intern_atom("_XROOTPMAP_ID"), Xatom.PIXMAP, 32, [self.wallpaper.id])
+        self.root.change_attributes(background_pixmap=self.wallpaper)
+        self.root.clear_area(0, 0, width, height)
+        self.x.sync()
+
+    def picture(self, x=0, y=0, width=None, height=None):
+        width, height = width or self.size[0] - x, height or self.size[1] - y
+        image = self.root.get_image(x, y, width, height, X.ZPixmap, 0xFFFFFFFF)
+        return Picture(x, y, width, height, bytes(image.data))
+
+    def move_pointer(self, x, y):
+        self.x.xtest_fake_input(X.MotionNotify, x=x, y=y)
+        self.x.sync()
+
+    def press(self, button=1):
+        self.x.xtest_fake_input(X.ButtonPress, button)
+        self.x.sync()
+
+    def release(self, button=1):
+        self.x.xtest_fake_input(X.ButtonRelease, button)
+        self.x.sync()
+
+    def key(self, name):
+        code = self.x.keysym_to_keycode(XK.string_to_keysym(name))
+        for event in (X.KeyPress, X.KeyRelease):
+            self.x.xtest_fake_input(event, code)
+        self.x.sync()
 
     def selection_is_owned(self, name):
         return self.x.get_selection_owner(self.x.intern_atom(name)) != X.NONE

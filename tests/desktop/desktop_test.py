@@ -19,8 +19,11 @@ class DesktopTest(unittest.TestCase):
 
     compositor = True
 
+    def make_desktop(self):
+        return Desktop(compositor=self.compositor)
+
     def setUp(self):
-        self.desktop = Desktop(compositor=self.compositor)
+        self.desktop = self.make_desktop()
         self.addCleanup(self.desktop.close)
         self.addCleanup(self.keep_picture_of_failure)
         self.middle = self.desktop.size[0] // 2

@@ -3,7 +3,7 @@
 #include <QRegion>
 
 #include "linux/display/DisplayServer.h"
-#include "linux/x11/NotchWindow.h"
+#include "linux/display/NotchWindow.h"
 #include "linux/x11/ScrollDevices.h"
 #include "linux/x11/ScrollGesture.h"
 #include "linux/x11/X11Compositor.h"

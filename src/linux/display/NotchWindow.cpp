@@ -1,4 +1,4 @@
-#include "linux/x11/NotchWindow.h"
+#include "linux/display/NotchWindow.h"
 
 #include <QDropEvent>
 #include <QMimeData>
