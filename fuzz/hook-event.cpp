@@ -6,6 +6,7 @@
 #include "cli/HookEvent.h"
 #include "dbus/BusMessage.h"
 #include "json/JsonValue.h"
+#include "platform/PermissionRequests.h"
 
 using namespace tarnwick;
 
@@ -33,6 +34,16 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     check(firstCharacters(value, key == "tool_detail" ? 120 : 200, 16384) == value,
         "a cut text is not cut again");
   }
+  auto asked = readHookEvent(inPieces(65536), HookEventForm::withInput);
+  check(asked == readHookEvent(inPieces(1 + data[0]), HookEventForm::withInput), "nor does a tool's input");
+  if (const auto input = asked->extract(toolInputKey); !input.empty()) {
+    const auto copy = parseJson(input.mapped());
+    check(copy && copy->as<JsonObject>() && isValidUtf8(input.mapped()), "a tool's input is a JSON object");
+    check(
+        copy->as<JsonObject>()->size() == memberOf<JsonObject>(*json->as<JsonObject>(), toolInputKey)->size(),
+        "and a whole one");
+  }
+  check(asked == event, "it adds nothing else");
   check(isValidUtf8(withoutInvalidUtf8(text)), "a cleaned text is valid");
   BusMessage::signal(1, "/dev/tarnwick", "dev.tarnwick", "event", *event);
   return 0;

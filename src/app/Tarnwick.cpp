@@ -74,7 +74,8 @@ int main(int count, char** arguments) {
       }
       SessionBus bus(sessionBusAddress());
       bus.greet();
-      HookCLI::run(bus);
+      ::signal(SIGPIPE, SIG_IGN);
+      HookCLI::run(bus, &bus);
       return EXIT_SUCCESS;
     }
     case Role::installHooks:

@@ -8,6 +8,7 @@
 
 #include "cli/Caller.h"
 #include "cli/HookEvent.h"
+#include "json/JsonString.h"
 
 namespace tarnwick::HookCLI {
 namespace {
@@ -26,13 +27,33 @@ std::string_view readChunk(int input, std::span<char> buffer) {
   }
 }
 
+/// What Claude Code takes for a decision of the user's; empty where there is none.
+std::string decision(const PermissionAnswer& answer) {
+  using enum PermissionAnswer::Behavior;
+  if (answer.behavior == none) return "";
+  const std::string behavior =
+      answer.behavior == allow ? R"("allow")" : R"("deny","message":)" + jsonString(answer.message);
+  return R"({"hookSpecificOutput":{"hookEventName":"PermissionRequest","decision":{"behavior":)" + behavior +
+         "}}}\n";
+}
+
 }  // namespace
 
-void run(NotificationPoster& poster, int input) {
+void run(NotificationPoster& poster, PermissionAsker* asker, int input, int output) {
   char buffer[16384];
-  auto event = readHookEvent([&] { return readChunk(input, buffer); });
+  auto event = readHookEvent(
+      [&] { return readChunk(input, buffer); }, asker ? HookEventForm::withInput : HookEventForm::whole);
   if (!event) return;
   if (event->contains("session_id")) addCaller(*event);
+  if (event->contains(toolInputKey)) {
+    if (const auto answer = asker->ask(*event, output)) {
+      const std::string text = decision(*answer);
+      // It fits into any pipe, and whoever reads it may have gone.
+      (void)!::write(output, text.data(), text.size());
+      return;
+    }
+    event->erase(toolInputKey);
+  }
   poster.post(notificationName, *event);
 }
 

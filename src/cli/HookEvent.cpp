@@ -5,20 +5,23 @@
 #include <span>
 
 #include "base/Characters.h"
+#include "json/JsonCopy.h"
 #include "json/JsonReader.h"
+#include "platform/PermissionRequests.h"
 
 namespace tarnwick {
 namespace {
 
 /// The key of the first question in the map, whose place in the event is tool_input.questions[0].question.
 constexpr const char* question = "question";
-constexpr std::string_view toolInput = "tool_input", transcriptPath = "transcript_path";
+constexpr std::string_view toolInput = toolInputKey, transcriptPath = "transcript_path";
 constexpr std::array<std::string_view, 11> eventKeys{"hook_event_name", "session_id", "cwd", "tool_name",
     "message", "notification_type", "prompt", "error", "last_assistant_message", transcriptPath, toolInput};
 /// What only a relay has put there.
 constexpr std::array<std::string_view, 3> relayKeys{machineKey, "tool_detail", question};
 constexpr std::array<std::string_view, 6> detailKeys{
     "command", "file_path", "pattern", "description", "url", "query"};
+constexpr const char* permissionRequest = "PermissionRequest";
 constexpr size_t textLimit = 200;
 constexpr size_t detailLimit = 120;
 /// A path that is cut leads nowhere.
@@ -42,27 +45,38 @@ class EventHandler : public JsonHandler {
       break;
     }
     // Only of a failure the answer is the news; nobody else needs to hear it.
-    if (const auto name = map_.find("hook_event_name"); name == map_.end() || name->second != "StopFailure") {
+    if (eventName() != "StopFailure") {
       map_.erase("last_assistant_message");
+    }
+    if (!input_.text().empty() && eventName() == permissionRequest &&
+        !isAnsweredInTerminal(valueOf(map_, "tool_name").value_or(""))) {
+      map_[toolInputKey] = input_.text();
     }
     return std::move(map_);
   }
 
   void beginObject() override {
     isObject_ = isObject_ || depth_ == 0;
-    beginArray();
-    isToolInput_ = isToolInput_ || (depth_ == 2 && key_ == toolInput);
+    beginContainer();
+    if (depth_ == 2 && key_ == toolInput) {
+      isToolInput_ = true;
+      // Others' inputs are of no use.
+      const auto name = eventName();
+      isCopiedInput_ = form_ == HookEventForm::withInput && (!name || name == permissionRequest);
+    }
+    if (isCopiedInput_) input_.beginObject();
   }
   void beginArray() override {
-    forgetValue();
-    isQuestion_ = false;
-    ++depth_;
+    beginContainer();
+    if (isCopiedInput_) input_.beginArray();
   }
   void endContainer() override {
+    if (isCopiedInput_) input_.endContainer();
     --depth_;
-    if (depth_ == 1) isToolInput_ = false;
+    if (depth_ == 1) isToolInput_ = isCopiedInput_ = false;
   }
   void key(std::string_view part, bool isEnd) override {
+    if (isCopiedInput_) input_.key(part, isEnd);
     collect(part);
     if (!isEnd) return;
     if (depth_ == 1) key_ = known(eventKeys, text_);
@@ -73,6 +87,7 @@ class EventHandler : public JsonHandler {
     text_.clear();
   }
   void string(std::string_view part, bool isEnd) override {
+    if (isCopiedInput_) input_.string(part, isEnd);
     if (isCopied() || isDetail() || isQuestion()) collect(part);
     if (!isEnd) return;
     forgetValue();
@@ -84,9 +99,18 @@ class EventHandler : public JsonHandler {
     if (isQuestion()) map_[question] = firstCharacters(text_, textLimit, byteLimit);
     text_.clear();
   }
-  void number(std::string_view, bool) override { forgetValue(); }
-  void boolean(bool) override { forgetValue(); }
-  void null() override { forgetValue(); }
+  void number(std::string_view part, bool isEnd) override {
+    if (isCopiedInput_) input_.number(part, isEnd);
+    forgetValue();
+  }
+  void boolean(bool value) override {
+    if (isCopiedInput_) input_.boolean(value);
+    forgetValue();
+  }
+  void null() override {
+    if (isCopiedInput_) input_.null();
+    forgetValue();
+  }
 
  private:
   static std::string_view known(std::span<const std::string_view> keys, std::string_view text) {
@@ -101,12 +125,21 @@ class EventHandler : public JsonHandler {
     return details_[static_cast<size_t>(std::ranges::find(detailKeys, detailKey_) - detailKeys.begin())];
   }
 
+  std::optional<std::string> eventName() const { return valueOf(map_, "hook_event_name"); }
+
+  void beginContainer() {
+    forgetValue();
+    isQuestion_ = false;
+    ++depth_;
+  }
+
   void collect(std::string_view part) { text_ += part.substr(0, heldBytes - text_.size()); }
 
   void forgetValue() {
     if (isCopied()) map_.erase(std::string(key_));
     if (depth_ == 1 && key_ == toolInput) {
       details_ = {};
+      input_.clear();
       map_.erase(question);
     }
     if (isDetail()) detail().reset();
@@ -119,6 +152,9 @@ class EventHandler : public JsonHandler {
   bool isObject_ = false;
   /// Whether the object at depth 2 is the tool's input.
   bool isToolInput_ = false;
+  /// It, and whether what is being read is written down there.
+  JsonCopy input_{longestToolInput};
+  bool isCopiedInput_ = false;
   /// Whether what is read at depth 3 are the tool's questions, and the value at depth 4 the text of the
   /// first.
   bool areQuestions_ = false, isQuestion_ = false;

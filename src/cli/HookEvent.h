@@ -14,6 +14,9 @@ using ByteSource = std::function<std::string_view()>;
 enum class HookEventForm {
   /// As Claude Code gives it to a hook.
   whole,
+  /// The same; and of a permission that can be given in the notch the map has, under `toolInputKey`, what the
+  /// tool would be called with, as JSON, unless that is too long.
+  withInput,
   /// That, or what a relay has made of it: the map itself, with the key `machine`.
   reduced
 };

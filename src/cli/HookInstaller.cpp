@@ -132,7 +132,9 @@ bool HookInstaller::save(Settings settings) const {
 }
 
 JsonObject HookInstaller::ourGroup(std::string_view event) const {
-  JsonObject entry{{"type", {"command"}}, {"command", {command()}}, {"timeout", {JsonNumber{"5"}}}};
+  const int seconds = event == "PermissionRequest" ? permissionTimeout : timeout;
+  JsonObject entry{
+      {"type", {"command"}}, {"command", {command()}}, {"timeout", {JsonNumber{std::to_string(seconds)}}}};
   JsonObject group{{"hooks", {JsonArray{{std::move(entry)}}}}};
   if (std::ranges::find(toolEvents, event) != toolEvents.end()) group["matcher"] = {std::string("*")};
   return group;

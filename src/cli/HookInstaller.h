@@ -24,6 +24,8 @@ class HookInstaller {
   /// The hook events that the program wants to hear of.
   static constexpr std::array<std::string_view, 9> events{"SessionStart", "UserPromptSubmit", "PreToolUse",
       "PermissionRequest", "PostToolUse", "Notification", "Stop", "StopFailure", "SessionEnd"};
+  /// How long a hook may take, in seconds: one that waits for the user's answer, and any other.
+  static constexpr int permissionTimeout = 600, timeout = 5;
   /// The events that take a tool matcher.
   static constexpr std::array<std::string_view, 3> toolEvents{
       "PreToolUse", "PermissionRequest", "PostToolUse"};

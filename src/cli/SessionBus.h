@@ -5,13 +5,14 @@
 
 #include "cli/Courier.h"
 #include "cli/NotificationPoster.h"
+#include "cli/PermissionAsker.h"
 #include "dbus/BusConnection.h"
 
 namespace tarnwick {
 
 /// Posts notifications as signals on the session's message bus, and leaves to a courier what it does not take
-/// in time.
-class SessionBus : public NotificationPoster {
+/// in time. Asks the overlay there for permissions.
+class SessionBus : public NotificationPoster, public PermissionAsker {
  public:
   /// @param address a list as of `sessionBusAddress`.
   explicit SessionBus(std::string address) : address_(std::move(address)), courier_(address_) {}
@@ -19,6 +20,7 @@ class SessionBus : public NotificationPoster {
   /// Connects ahead of the first post: the bus lets the program in while that still reads what to post.
   void greet();
   void post(std::string_view name, const StringMap& userInfo) override;
+  std::optional<PermissionAnswer> ask(const StringMap& event, int reader) override;
 
  private:
   void connect();

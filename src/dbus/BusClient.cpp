@@ -80,6 +80,7 @@ std::optional<BusEvent> read(std::string_view message) {
     if (type == "s" || type == "o") {
       const std::string_view value = reader.string();
       if (field == "\3") event.member = value;
+      if (field == "\4") event.error = value;
     } else if (type == "g") {
       const std::string_view value = reader.signature();
       if (field == "\10") shape = value;
@@ -113,6 +114,12 @@ uint32_t BusClient::call(std::string_view destination, std::string_view path, st
   return calls_;
 }
 
+uint32_t BusClient::call(std::string_view destination, std::string_view path, std::string_view interface,
+    std::string_view member, const std::map<std::string, std::string>& argument) {
+  send(BusMessage::call(++calls_, destination, path, interface, member, argument));
+  return calls_;
+}
+
 std::optional<BusEvent> BusClient::next(Patience patience, int output) {
   const Clock::time_point deadline = Clock::now() + patience.value_or(Milliseconds::zero());
   while (socket_ >= 0) {
@@ -128,9 +135,9 @@ std::optional<BusEvent> BusClient::next(Patience patience, int output) {
   return std::nullopt;
 }
 
-std::optional<BusEvent> BusClient::answer(uint32_t call, Milliseconds patience) {
+std::optional<BusEvent> BusClient::answer(uint32_t call, Milliseconds patience, int output) {
   const Clock::time_point deadline = Clock::now() + patience;
-  while (auto event = next(std::chrono::ceil<Milliseconds>(deadline - Clock::now()))) {
+  while (auto event = next(std::chrono::ceil<Milliseconds>(deadline - Clock::now()), output)) {
     if (event->answered == call) return event;
   }
   return std::nullopt;

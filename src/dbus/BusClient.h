@@ -2,6 +2,7 @@
 #include <chrono>
 #include <cstdint>
 #include <initializer_list>
+#include <map>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -9,6 +10,7 @@
 
 #include "base/Descriptor.h"
 #include "dbus/BusAddress.h"
+#include "dbus/BusConnection.h"
 
 namespace tarnwick {
 
@@ -19,6 +21,8 @@ struct BusEvent {
   /// The serial number of the call that it answers; 0: none.
   uint32_t answered = 0;
   std::string member;
+  /// The name of the error.
+  std::string error;
   /// Its arguments up to the first that is no string.
   std::vector<std::string> arguments;
 };
@@ -32,16 +36,24 @@ class BusClient {
   /// Turns to the first address at which this user or root listens.
   explicit BusClient(const std::vector<BusAddress>& addresses);
 
+  /// Takes over a connection that has greeted the bus and done nothing else yet.
+  explicit BusClient(BusConnection connection) { socket_ = connection.release(unsent_); }
+
+  /// The serial number of the call by which the bus takes a program in.
+  static constexpr uint32_t greeting = 1;
   /// Calls a method of another program. @return the call's serial number
   uint32_t call(std::string_view destination, std::string_view path, std::string_view interface,
       std::string_view member, std::initializer_list<std::string_view> arguments = {});
+  uint32_t call(std::string_view destination, std::string_view path, std::string_view interface,
+      std::string_view member, const std::map<std::string, std::string>& argument);
   /// Sends a message that was made elsewhere.
   void send(std::string_view message) { unsent_ += message; }
   /// The next message; waits so long at most, or as long as it takes. @param output ends the wait when it has
   /// no reader any more. @return none when it has not come, and when the connection has ended
   std::optional<BusEvent> next(Patience patience, int output = -1);
   /// The answer to a call; what else comes meanwhile is dropped.
-  std::optional<BusEvent> answer(uint32_t call, std::chrono::milliseconds patience);
+  /// @param output as of `next`
+  std::optional<BusEvent> answer(uint32_t call, std::chrono::milliseconds patience, int output = -1);
 
  private:
   bool exchange();
@@ -49,7 +61,7 @@ class BusClient {
   std::optional<BusEvent> take();
 
   Descriptor socket_;
-  uint32_t calls_ = 1;
+  uint32_t calls_ = greeting;
   std::string unsent_, received_;
   bool isAccepted_ = false;
 };

@@ -34,6 +34,12 @@ void BusConnection::send(std::string_view message) {
   write();
 }
 
+Descriptor BusConnection::release(std::string& unsent) {
+  write();
+  unsent = std::move(unsent_);
+  return std::move(socket_);
+}
+
 void BusConnection::proceed() {
   write();
   read();

@@ -37,6 +37,9 @@ class BusConnection {
   void send(std::string_view message);
   /// Takes in what the bus has said, and hands over what it had no room for.
   void proceed();
+  /// Gives the connection to somebody who understands what the bus says: only before anything was sent, and
+  /// none where there is none. @param unsent what is left to be sent of the greeting
+  Descriptor release(std::string& unsent);
   /// Waits until the bus can be proceeded with, so long at most. What else becomes readable ends it as well.
   void pause(std::chrono::milliseconds longest, int other = -1) const;
   /// Proceeds while the bus is silent, so long at most.

@@ -69,38 +69,22 @@ void endFields(Writer& writer, size_t lengthPlace) {
   writer.align(8);
 }
 
-}  // namespace
-
-std::string busCall(uint32_t serial, std::string_view interface, std::string_view member) {
-  return call(serial, busName, busPath, interface, member);
-}
-
-std::string call(uint32_t serial, std::string_view destination, std::string_view path,
-    std::string_view interface, std::string_view member, std::initializer_list<std::string_view> arguments) {
-  Writer writer;
+/// The fields of a method call, up to its signature.
+/// @return the place of the fields' length.
+size_t beginCall(Writer& writer, uint32_t serial, std::string_view destination, std::string_view path,
+    std::string_view interface, std::string_view member) {
   const size_t fields = begin(writer, Type::methodCall, noAutoStart, serial);
   writer.field(Field::path, 'o', path);
   writer.field(Field::destination, 's', destination);
   writer.field(Field::interface, 's', interface);
   writer.field(Field::member, 's', member);
-  if (arguments.size() > 0) writer.field(Field::signature, 'g', std::string(arguments.size(), 's'));
-  endFields(writer, fields);
-  const size_t body = writer.bytes.size();
-  for (const std::string_view argument : arguments) writer.string(withoutInvalidUtf8(argument));
-  writer.setNumber(bodyLengthPlace, writer.bytes.size() - body);
-  return std::move(writer.bytes);
+  return fields;
 }
 
-std::string signal(uint32_t serial, std::string_view path, std::string_view interface,
-    std::string_view member, const std::map<std::string, std::string>& argument) {
-  Writer writer;
-  const size_t fields = begin(writer, Type::signal, noReplyExpected, serial);
-  writer.field(Field::path, 'o', path);
-  writer.field(Field::interface, 's', interface);
-  writer.field(Field::member, 's', member);
+/// All of a message but the fields before its signature: one argument, a map.
+std::string endWithMap(Writer& writer, size_t fields, const std::map<std::string, std::string>& argument) {
   writer.field(Field::signature, 'g', "a{ss}");
   endFields(writer, fields);
-
   const size_t body = writer.bytes.size();
   const size_t length = writer.reserveNumber();
   writer.align(8);
@@ -113,6 +97,41 @@ std::string signal(uint32_t serial, std::string_view path, std::string_view inte
   writer.setNumber(length, writer.bytes.size() - entries);
   writer.setNumber(bodyLengthPlace, writer.bytes.size() - body);
   return std::move(writer.bytes);
+}
+
+}  // namespace
+
+std::string busCall(uint32_t serial, std::string_view interface, std::string_view member) {
+  return call(serial, busName, busPath, interface, member);
+}
+
+std::string call(uint32_t serial, std::string_view destination, std::string_view path,
+    std::string_view interface, std::string_view member, std::initializer_list<std::string_view> arguments) {
+  Writer writer;
+  const size_t fields = beginCall(writer, serial, destination, path, interface, member);
+  if (arguments.size() > 0) writer.field(Field::signature, 'g', std::string(arguments.size(), 's'));
+  endFields(writer, fields);
+  const size_t body = writer.bytes.size();
+  for (const std::string_view argument : arguments) writer.string(withoutInvalidUtf8(argument));
+  writer.setNumber(bodyLengthPlace, writer.bytes.size() - body);
+  return std::move(writer.bytes);
+}
+
+std::string call(uint32_t serial, std::string_view destination, std::string_view path,
+    std::string_view interface, std::string_view member, const std::map<std::string, std::string>& argument) {
+  Writer writer;
+  const size_t fields = beginCall(writer, serial, destination, path, interface, member);
+  return endWithMap(writer, fields, argument);
+}
+
+std::string signal(uint32_t serial, std::string_view path, std::string_view interface,
+    std::string_view member, const std::map<std::string, std::string>& argument) {
+  Writer writer;
+  const size_t fields = begin(writer, Type::signal, noReplyExpected, serial);
+  writer.field(Field::path, 'o', path);
+  writer.field(Field::interface, 's', interface);
+  writer.field(Field::member, 's', member);
+  return endWithMap(writer, fields, argument);
 }
 
 }  // namespace tarnwick::BusMessage

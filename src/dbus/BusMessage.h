@@ -5,7 +5,8 @@
 #include <string>
 #include <string_view>
 
-/// The bytes of the few messages that we send over D-Bus ourselves.
+/// The bytes of the few messages that we send over D-Bus ourselves. What the bus would refuse in a string
+/// (invalid UTF-8, U+0000) is replaced by U+FFFD.
 namespace tarnwick::BusMessage {
 
 /// Of the bus itself, and of the methods that it has.
@@ -23,8 +24,11 @@ std::string call(uint32_t serial, std::string_view destination, std::string_view
     std::string_view interface, std::string_view member,
     std::initializer_list<std::string_view> arguments = {});
 
-/// A broadcast signal whose one argument is a map from string to string. What the bus would refuse in a
-/// string (invalid UTF-8, U+0000) is replaced by U+FFFD.
+/// The same with one argument, a map from string to string.
+std::string call(uint32_t serial, std::string_view destination, std::string_view path,
+    std::string_view interface, std::string_view member, const std::map<std::string, std::string>& argument);
+
+/// A broadcast signal whose one argument is a map from string to string.
 std::string signal(uint32_t serial, std::string_view path, std::string_view interface,
     std::string_view member, const std::map<std::string, std::string>& argument);
 

@@ -2,6 +2,8 @@
 
 #include <gmock/gmock.h>
 
+#include "platform/PermissionRequests.h"
+
 using namespace tarnwick;
 using namespace std::string_literals;
 
@@ -95,6 +97,37 @@ TEST(HookEvent, CutsLongTexts) {
   std::string marked = "xxx";
   for (int marks = 0; marks < 10000; ++marks) marked += "\u0301";
   EXPECT_EQ(read(R"({"prompt":")" + marked + R"("})"), (StringMap{{"prompt", marked.substr(0, 16383)}}));
+}
+
+TEST(HookEvent, KeepsTheInputOfAToolThatAsksForAPermission) {
+  const std::string asks = R"("hook_event_name":"PermissionRequest")";
+  const struct {
+    std::string json;
+    std::optional<std::string> input;
+  } cases[] = {
+      {"{" + asks + R"(,"tool_input":{"a" : [ ], "b":[{},1.50,"x\u00e9\n\u001b"],"c":{"d":null,"e":true}}})",
+          R"({"a":[],"b":[{},1.50,"xé\n\u001b"],"c":{"d":null,"e":true}})"},
+      {R"({"tool_input":{"b":2,"a":1},)" + asks + "}", R"({"b":2,"a":1})"},
+      {"{" + asks + R"(,"tool_input":{"a":1},"tool_input":{},"other":{"a":2}})", "{}"},
+      {"{" + asks + R"(,"tool_input":{"a":1},"tool_input":[2]})", std::nullopt},
+      {"{" + asks + R"(,"tool_input":{"a":"\ud83d"}})", "{\"a\":\"\uFFFD\"}"},
+      {"{" + asks + R"(,"tool_name":"AskUserQuestion","tool_input":{"a":1}})", std::nullopt},
+      {R"({"hook_event_name":"PreToolUse","tool_input":{"a":1}})", std::nullopt},
+      {R"({"tool_input":{"a":1}})", std::nullopt},
+  };
+  for (const auto& one : cases) {
+    for (size_t size = 1; size < 20; ++size) {
+      const auto event = readHookEvent(inPieces(one.json, size), HookEventForm::withInput);
+      EXPECT_EQ(valueOf(*event, toolInputKey), one.input) << one.json << " in pieces of " << size;
+    }
+    EXPECT_FALSE(read(one.json)->contains(toolInputKey));
+  }
+  for (const size_t more : {0, 1}) {
+    const std::string input = "{\"a\":\"" + std::string(longestToolInput - 8 + more, 'x') + "\"}";
+    const std::string json = "{" + asks + ",\"tool_input\":" + input + "}";
+    const auto event = readHookEvent(inPieces(json, 4096), HookEventForm::withInput);
+    EXPECT_EQ(valueOf(*event, toolInputKey), more ? std::nullopt : std::optional(input));
+  }
 }
 
 TEST(HookEvent, IsNothingUnlessTheInputIsAJsonObject) {

@@ -45,14 +45,18 @@ class HookInstallerTest : public testing::Test {
 };
 
 const std::string ours = R"({"command":"'/opt/Tarnwick/bin/Tarnwick' --hook","timeout":5,"type":"command"})";
+/// It waits for the user.
+const std::string asking =
+    R"({"command":"'/opt/Tarnwick/bin/Tarnwick' --hook","timeout":600,"type":"command"})";
 
 /// Hooks with our group at the end of every event; `stop` stands before it in Stop, `others` beside the
 /// events.
 std::string installedHooks(const std::string& stop = "", const std::string& others = "") {
   const std::string group = R"({"hooks":[)" + ours + "]}",
-                    tool = R"({"hooks":[)" + ours + R"(],"matcher":"*"})";
+                    tool = R"({"hooks":[)" + ours + R"(],"matcher":"*"})",
+                    permission = R"({"hooks":[)" + asking + R"(],"matcher":"*"})";
   return R"({"SessionStart":[)" + group + R"(],"UserPromptSubmit":[)" + group + R"(],"PreToolUse":[)" + tool +
-         R"(],"PermissionRequest":[)" + tool + R"(],"PostToolUse":[)" + tool + R"(],"Notification":[)" +
+         R"(],"PermissionRequest":[)" + permission + R"(],"PostToolUse":[)" + tool + R"(],"Notification":[)" +
          group + R"(],"Stop":[)" + stop + group + R"(],"StopFailure":[)" + group + R"(],"SessionEnd":[)" +
          group + "]" + others + "}";
 }
