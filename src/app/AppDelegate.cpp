@@ -87,7 +87,7 @@ void AppDelegate::applicationDidFinishLaunching(bool withSettings) {
       .scheduler = scheduler_,
       .keysStayWithDesktop = qEnvironmentVariable("XDG_SESSION_TYPE") == "wayland",
       .quit = [] { QCoreApplication::quit(); }});
-  controller_->onFocusSession = [this](const std::string& id) { focusSession(id); };
+  controller_->onFocus = [this](const std::string& id) { focus(id); };
   sessionsObject_.describe = [this] { return sessionsJson(controller_->model().claude.ordered()); };
   sessionChanges_ = controller_->model().claude.observe([this] { sessionsObject_.changed(); });
   showcase_.emplace(controller_->model(), scheduler_, folders_);
@@ -134,8 +134,10 @@ void AppDelegate::openSettings() {
   settings_->show(QGuiApplication::primaryScreen());
 }
 
-void AppDelegate::focusSession(const std::string& id) {
+void AppDelegate::focus(const std::string& id) {
   ui::Scene& scene = content_->scene();
+  scene.frame();
+  if (scene.input().focus(id)) return;
   // The list has only the rows that can be seen: each one brings the next ones into view.
   for (const Session& session : controller_->model().claude.ordered()) {
     scene.frame();

@@ -59,7 +59,7 @@ class AppDelegate {
   void listenElsewhere();
   std::unique_ptr<NotchPanel> makePanel(NotchModel& model);
   void openSettings();
-  void focusSession(const std::string& id);
+  void focus(const std::string& id);
 
   QtScheduler scheduler_;
   const std::unique_ptr<DisplayServer> display_;

@@ -8,8 +8,9 @@
 namespace tarnwick {
 
 /// A value that follows from what `compute` reads. It is computed when it is first asked for after one of
-/// those has changed; while somebody has read it within a `ReadScope`, at once, and he is told only when the
-/// result differs. So `compute` is quick, and makes sense of its sources in any order of their changes.
+/// those has changed; while somebody observes it, or has read it within a `ReadScope`, at once, and he is
+/// told only when the result differs. So `compute` is quick, and makes sense of its sources in any order of
+/// their changes.
 template<typename T>
 class Derived {
  public:
@@ -19,6 +20,12 @@ class Derived {
     readers_.noteRead();
     if (!value_) update();
     return *value_;
+  }
+
+  Subscription observe(std::function<void()> onChange) const {
+    // Only what has been computed has sources to hear of.
+    get();
+    return readers_.observe(std::move(onChange));
   }
 
  private:

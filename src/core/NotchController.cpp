@@ -99,13 +99,13 @@ void NotchController::listen() {
     checkFullscreen();
   }));
   // However the body is closed, who had the keyboard before gets it back.
-  subscriptions_.push_back(model_.observe([this] {
-    if (std::exchange(wasExpanded_, model_.isExpanded) && !model_.isExpanded) {
-      openedByKeyboard_ = false;
-      panel_->resignKey();
-    }
-    model_.trayFiles.setOnShow(model_.presentation() == Presentation::expanded && model_.tab == Tab::tray);
+  subscriptions_.push_back(isOpen_.observe([this] {
+    if (isOpen_.get()) return;
+    openedByKeyboard_ = false;
+    panel_->resignKey();
   }));
+  subscriptions_.push_back(
+      trayIsOnShow_.observe([this] { model_.trayFiles.setOnShow(trayIsOnShow_.get()); }));
   subscriptions_.push_back(desktop_.windows.observe([this] { checkFullscreen(); }));
   fullscreenCheck_ = desktop_.scheduler.post([this] { checkFullscreen(); });
   subscriptions_.push_back(desktop_.notifications.observe(
@@ -169,10 +169,16 @@ void NotchController::act(const std::string& action, std::optional<Tab> tab) {
   if (action.empty()) return;
   openedByKeyboard_ = true;
   panel_->becomeKey();
+  if (onFocus) focusContent(action == "next");
+}
+
+/// What somebody at the keyboard wants to use first.
+void NotchController::focusContent(bool onNext) {
+  if (model_.tab == Tab::notes) return onFocus(std::string(rawValue(Tab::notes)));
   const std::vector<Session>& sessions = model_.claude.ordered();
-  if (model_.tab != Tab::claude || sessions.empty() || !onFocusSession) return;
-  const auto next = action == "next" ? model_.claude.longestWaiting() : std::nullopt;
-  onFocusSession(next.value_or(sessions.front()).id);
+  if (model_.tab != Tab::claude || sessions.empty()) return;
+  const auto next = onNext ? model_.claude.longestWaiting() : std::nullopt;
+  onFocus(next.value_or(sessions.front()).id);
 }
 
 bool NotchController::handleScroll(const ScrollEvent& event) {

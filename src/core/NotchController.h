@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "base/Derived.h"
 #include "core/HUDService.h"
 #include "core/HapticFeedback.h"
 #include "core/NotchModel.h"
@@ -34,8 +35,8 @@ class NotchController {
   std::function<void(const std::string& command, const std::string& argument)> onShowcaseCommand;
   /// Opens the settings window.
   std::function<void()> onOpenSettings;
-  /// Gives the keyboard's focus to a session's row in the list.
-  std::function<void(const std::string& id)> onFocusSession;
+  /// Gives the keyboard's focus to what is shown under that id: a session's row, or a page's first control.
+  std::function<void(const std::string& id)> onFocus;
 
  private:
   std::optional<Screen> targetScreen() const;
@@ -50,6 +51,7 @@ class NotchController {
   void handleShowcase(const StringMap& payload);
   void handleOpen(const StringMap& payload);
   void act(const std::string& action, std::optional<Tab> tab);
+  void focusContent(bool onNext);
 
   bool handleScroll(const ScrollEvent& event);
   bool actOnSwipe();
@@ -73,7 +75,9 @@ class NotchController {
   bool swipeHandled_ = false;
 
   Task calendarStart_, fullscreenCheck_;
-  bool wasExpanded_ = false;
+  Derived<bool> isOpen_{[this] { return model_.isExpanded.get(); }};
+  Derived<bool> trayIsOnShow_{
+      [this] { return model_.presentation() == Presentation::expanded && model_.tab == Tab::tray; }};
   /// The body was opened by somebody at the keyboard.
   bool openedByKeyboard_ = false;
   std::vector<Subscription> subscriptions_;

@@ -61,8 +61,7 @@ View tabButton(Tab tab, View label, bool selected, double height, std::function<
         .contentShape(Capsule());
   };
   return Button({.name = tabTitle(tab), .label = label, .style = style, .action = std::move(action)})
-      .tooltip(tabTitle(tab))
-      .id(std::string(rawValue(tab)));
+      .tooltip(tabTitle(tab));
 }
 
 }  // namespace

@@ -185,7 +185,7 @@ TEST_F(NotchControllerTest, OpensWhatAnotherStartAsksFor) {
 TEST_F(NotchControllerTest, ObeysTheKeyboard) {
   start();
   std::vector<std::string> focused;
-  controller->onFocusSession = [&](const std::string& id) { focused.push_back(id); };
+  controller->onFocus = [&](const std::string& id) { focused.push_back(id); };
   for (const char* id : {"first", "second", "third"}) {
     pass(1);
     desktop.notifications.post(eventNotification, {{"hook_event_name", "Notification"}, {"session_id", id}});
@@ -202,7 +202,7 @@ TEST_F(NotchControllerTest, ObeysTheKeyboard) {
   } cases[] = {
       {"close", "tray", false, Tab::home, ""},
       {"open", "tray", true, Tab::tray, ""},
-      {"open", "notes", true, Tab::notes, ""},
+      {"open", "notes", true, Tab::notes, "notes"},
       {"toggle", "", false, Tab::notes, ""},
       {"toggle", "", true, Tab::claude, "first"},
       {"open", "home", true, Tab::home, ""},

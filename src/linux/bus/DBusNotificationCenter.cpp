@@ -9,7 +9,7 @@ namespace tarnwick {
 namespace {
 
 constexpr auto busName = "dev.tarnwick.Tarnwick";
-constexpr auto signalPath = "/dev/tarnwick";
+constexpr auto signalPath = "/dev/tarnwick", signalInterface = "dev.tarnwick";
 constexpr auto longestWait = std::chrono::milliseconds(500);
 
 /// More than this may wait only of a flood.
@@ -24,11 +24,8 @@ QDBusMessage nameRequest() {
   return request;
 }
 
-/// The interface and the member that a notification is sent as.
-std::pair<QString, QString> signal(const std::string& name) {
-  const size_t dot = name.rfind('.');
-  return {QString::fromStdString(name.substr(0, dot)), QString::fromStdString(name.substr(dot + 1))};
-}
+/// The member that a notification is sent as.
+QString signal(const std::string& name) { return QString::fromStdString(name.substr(name.rfind('.') + 1)); }
 
 }  // namespace
 
@@ -36,14 +33,15 @@ DBusNotificationCenter::DBusNotificationCenter(Scheduler& scheduler, MessageBus&
     : scheduler_(scheduler), bus_(bus) {
   // A second overlay must not even show itself; but a bus that hangs must not keep the first one from it.
   if (bus_.openWithin(longestWait)) {
+    listen();
     nameAnswered(bus_.connection()->call(nameRequest(), QDBus::Block, static_cast<int>(longestWait.count())));
   }
   connect(&bus_, &MessageBus::opened, this, &DBusNotificationCenter::opened);
 }
 
 void DBusNotificationCenter::opened() {
+  listen();
   bus_.call(nameRequest(), this, [this](const QDBusMessage& reply) { nameAnswered(reply); });
-  for (const auto& [notification, receivers] : receivers_) listen(notification);
 }
 
 void DBusNotificationCenter::nameAnswered(const QDBusMessage& reply) {
@@ -54,16 +52,16 @@ void DBusNotificationCenter::nameAnswered(const QDBusMessage& reply) {
   if (anotherOverlayRuns_ && onAnotherOverlay) onAnotherOverlay();
 }
 
-void DBusNotificationCenter::listen(const std::string& name) {
-  if (!bus_.connection()) return;
-  const auto [interface, member] = signal(name);
-  bus_.connection()->connect(QString(), signalPath, interface, member, this, SLOT(receive(QDBusMessage)));
+/// To whatever it will be, and before the name is asked for: who sees that is heard, however soon. What comes
+/// before the first turn of the loop waits for it.
+void DBusNotificationCenter::listen() {
+  bus_.connection()->connect(
+      QString(), signalPath, signalInterface, QString(), this, SLOT(receive(QDBusMessage)));
 }
 
 void DBusNotificationCenter::post(const std::string& name, const StringMap& payload) {
   if (!bus_.connection()) return;
-  const auto [interface, member] = signal(name);
-  auto message = QDBusMessage::createSignal(signalPath, interface, member);
+  auto message = QDBusMessage::createSignal(signalPath, signalInterface, signal(name));
   QMap<QString, QString> map;
   for (const auto& [key, value] : payload) map[QString::fromStdString(key)] = QString::fromStdString(value);
   qDBusRegisterMetaType<QMap<QString, QString>>();
@@ -77,9 +75,7 @@ void DBusNotificationCenter::post(const std::string& name, const StringMap& payl
 
 Subscription DBusNotificationCenter::observe(const std::string& name, Receiver receive) {
   auto receiver = std::make_shared<Receiver>(std::move(receive));
-  auto& receivers = receivers_[name];
-  if (receivers.empty()) listen(name);
-  receivers.push_back(receiver);
+  receivers_[name].push_back(receiver);
   return Subscription(receiver);
 }
 

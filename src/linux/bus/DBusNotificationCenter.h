@@ -49,7 +49,7 @@ class DBusNotificationCenter : public QObject, public NotificationCenter {
 
   void opened();
   void nameAnswered(const QDBusMessage& reply);
-  void listen(const std::string& name);
+  void listen();
   void deliverWaiting();
   void deliver(const std::string& name, const StringMap& payload);
 
