@@ -238,6 +238,41 @@ TEST(Input, doubleTapsCountWithinTheirTime) {
   EXPECT_EQ(doubles, 1);
 }
 
+TEST(Input, clicksCountForWhatIsStillOnItsWayButNotThoseThatHaveBroughtIt) {
+  bool open = false;
+  int pressed = 0;
+  Stage stage([&] {
+    const View button = Button({.name = "go",
+        .label = Rectangle().fill(white()).frame({.width = 30, .height = 30}),
+        .action = [&] { ++pressed; }});
+    return ZStack(UnitPoint::center, {open ? button : View()})
+        .frame({.width = open ? 300.0 : 100.0, .height = 40, .align = UnitPoint::trailing})
+        .clipShape(Rectangle())
+        .onTap([&] { stage.change([&] { open = true; }, spring(0.4, 0.8)); }, !open);
+  });
+  const Point opening{200, 150}, rest{335, 150};
+  stage.inspect.tap(opening);
+  ASSERT_TRUE(open);
+  stage.play(0.03);
+  stage.inspect.tap(Point{335, 50});
+  EXPECT_EQ(pressed, 0) << "nothing will be there";
+  ASSERT_LT(stage.inspect.control("go")->frame().right(), rest.x);
+  stage.inspect.tap(rest);
+  EXPECT_EQ(pressed, 1);
+
+  // Where a double click has opened it.
+  stage.play(1);
+  stage.change([&] { open = false; });
+  stage.play(1);
+  const Point edge{245, 150};
+  stage.inspect.tap(edge);
+  ASSERT_TRUE(open);
+  for (int i = 0; i < 30 && !stage.inspect.control("go")->frame().contains(edge); ++i) stage.play(0.01);
+  ASSERT_TRUE(stage.inspect.control("go")->frame().contains(edge));
+  stage.inspect.tap(edge);
+  EXPECT_EQ(pressed, 1);
+}
+
 TEST(Input, aTooltipShowsWhereThePointerRests) {
   Stage stage([] {
     return Rectangle()

@@ -25,6 +25,10 @@ bool takesPointer(const Node& node) {
 }
 
 bool takesTaps(const Interaction& i) { return i.onTap || i.onDoubleTap || i.menu; }
+bool takesTap(const Node& node) {
+  const auto& i = node.attributes.interaction;
+  return i && (i->onTap || i->onDoubleTap);
+}
 bool showsPresses(const Interaction& i) { return bool(i.onPress); }
 
 }  // namespace
@@ -51,7 +55,10 @@ void Gestures::press(Point point, PointerButton button, Modifiers modifiers) {
   lastPoint_ = start_ = point;
   button_ = button;
   modifiers_ = modifiers;
-  assign(hitTest::at(scene_.root(), point, takesPointer));
+  std::vector<Node*> under = hitTest::at(scene_.root(), point, takesPointer);
+  if (Node* const coming = comingTo(point, under)) under = {coming};
+  if (again) std::erase_if(under, [this](const Node* node) { return belongsToLastTap(*node); });
+  assign(under);
   if (button_ && press_) showPress(true);
   if (button_) startDrags(point);
   if (button_ && menu_) openMenu();
@@ -212,13 +219,29 @@ void Gestures::tellDrags(std::function<void(const DragValue&)> DragGesture::*han
   }
 }
 
+/// A quick hand clicks where something will be that is still on its way there. Instead of what passes by,
+/// which nobody aims at, that gets the tap; null: there is nothing like that.
+Node* Gestures::comingTo(Point point, const std::vector<Node*>& under) const {
+  Node* const coming = hitTest::atRest(scene_.root(), point, takesPointer);
+  const bool counts = coming && takesTap(*coming) && (under.empty() || coming->arrives());
+  return counts ? coming : nullptr;
+}
+
+/// Whether the view is inside of the one that was tapped last. That was in front then, so its tap has brought
+/// the view there: the second click of a double click is not for it.
+bool Gestures::belongsToLastTap(const Node& node) const {
+  const Node* around = node.parent;
+  while (around && around->serial != lastTapped_) around = around->parent;
+  return around;
+}
+
 /// Whether the view is the frontmost at `point` that wants the same.
 bool Gestures::isOver(const Part& part, Point point, bool (*wanted)(const Interaction&)) const {
   const Node* node = part.node();
   const auto under = hitTest::at(
       scene_.root(), point,
       [=](const Node& n) { return n.attributes.interaction && wanted(*n.attributes.interaction); }, node);
-  return node && !under.empty() && under.front() == node;
+  return node && (comingTo(point, under) == node || (!under.empty() && under.front() == node));
 }
 
 }  // namespace tarnwick::ui

@@ -53,6 +53,8 @@ class Gestures {
   void cancelPointer();
   void cancelDrags();
   bool isOver(const Part& part, Point point, bool (*wanted)(const Interaction&)) const;
+  Node* comingTo(Point point, const std::vector<Node*>& under) const;
+  bool belongsToLastTap(const Node& node) const;
 
   Scene& scene_;
   /// The one that began the gesture; none between gestures.

@@ -14,24 +14,31 @@ Point inFrame(const Node& node, Point point) {
   return Point{p.x(), p.y()} - node.presentedFrame().origin();
 }
 
+/// Whether the node, whose size is `size`, is there for a pointer at `here`, in its own coordinates.
+bool isUnder(const Node& node, Point here, Size size) {
+  const auto& interaction = node.attributes.interaction;
+  return Rect{0, 0, size.width, size.height}.contains(here) &&
+         (!interaction || !interaction->hitShape ||
+             outline(*interaction->hitShape, size).contains(QPointF(here.x, here.y)));
+}
+
+bool isOff(const Node& node) {
+  return node.isLeaving || (node.attributes.interaction && node.attributes.interaction->disabled);
+}
+
+bool cutsOff(const Node& node) { return node.attributes.clip || node.element->clips(); }
+
 void collect(Node& node, Point point, const std::function<bool(const Node&)>& wanted, const Node* held,
     std::vector<Node*>& found) {
-  const auto& interaction = node.attributes.interaction;
-  if (node.isLeaving || (interaction && interaction->disabled)) return;
+  if (isOff(node)) return;
   if (std::abs(node.transform.determinant()) < 1e-6) return;
   const Point here = &node == held ? inFrame(node, point) : inNode(node, point);
-  const Rect box{0, 0, node.presentedSize.width, node.presentedSize.height};
-  const bool inside = box.contains(here);
-  if (!inside && (node.attributes.clip || node.element->clips())) return;
+  const Size size = node.presentedSize;
+  if (cutsOff(node) && !Rect{0, 0, size.width, size.height}.contains(here)) return;
   for (auto child = node.children.rbegin(); child != node.children.rend(); ++child) {
     collect(**child, point, wanted, held, found);
   }
-  if (!inside || !wanted(node)) return;
-  if (interaction && interaction->hitShape &&
-      !outline(*interaction->hitShape, box.size()).contains(QPointF(here.x, here.y))) {
-    return;
-  }
-  found.push_back(&node);
+  if (wanted(node) && isUnder(node, here, size)) found.push_back(&node);
 }
 
 }  // namespace
@@ -43,6 +50,18 @@ std::vector<Node*> at(
   return found;
 }
 
+Node* atRest(Node& node, Point point, const std::function<bool(const Node&)>& wanted) {
+  if (isOff(node)) return nullptr;
+  // No scale and no rotation: they show that something is pressed, or that it comes or goes.
+  const Point here = point - node.frame.origin() - node.attributes.effects.offset;
+  if (cutsOff(node) && !Rect{0, 0, node.frame.width, node.frame.height}.contains(here)) return nullptr;
+  const Point content = here + node.element->scrolled(node);
+  for (auto child = node.children.rbegin(); child != node.children.rend(); ++child) {
+    if (Node* const found = atRest(**child, content, wanted)) return found;
+  }
+  return wanted(node) && isUnder(node, here, node.frame.size()) ? &node : nullptr;
+}
+
 Point inNode(const Node& node, Point point) {
   const QPointF p = node.transform.inverted().map(QPointF(point.x, point.y));
   return {p.x(), p.y()};
@@ -50,7 +69,7 @@ Point inNode(const Node& node, Point point) {
 
 bool takesInput(const Node& node) {
   for (const Node* n = &node; n; n = n->parent) {
-    if (n->isLeaving || (n->attributes.interaction && n->attributes.interaction->disabled)) return false;
+    if (isOff(*n)) return false;
   }
   return true;
 }

@@ -17,6 +17,9 @@ namespace hitTest {
 std::vector<Node*> at(
     Node& root, Point point, const std::function<bool(const Node&)>& wanted, const Node* held = nullptr);
 
+/// The frontmost of the wanted nodes that will be at `point` when all motion is over; null: none.
+Node* atRest(Node& root, Point point, const std::function<bool(const Node&)>& wanted);
+
 /// The point in the node's own coordinates.
 Point inNode(const Node& node, Point point);
 

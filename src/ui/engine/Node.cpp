@@ -57,6 +57,13 @@ bool Node::leaves() const {
   return false;
 }
 
+bool Node::arrives() const {
+  for (const Node* node = this; node; node = node->parent) {
+    if (node->transition.isMoving()) return true;
+  }
+  return false;
+}
+
 std::vector<double> numbers(const Effects& e) {
   return {e.opacity, e.blur, e.brightness, e.scaleX, e.scaleY, e.rotation, e.offset.x, e.offset.y};
 }

@@ -130,6 +130,8 @@ class Node {
   bool isSettling() const;
   /// It, or a view around it, is on its way out.
   bool leaves() const;
+  /// It, or a view around it, is making its entrance.
+  bool arrives() const;
 
  private:
   friend class WeakNode;
