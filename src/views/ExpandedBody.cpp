@@ -13,7 +13,7 @@ namespace tarnwick {
 using namespace ui;
 
 namespace {
-View page(NotchModel& model, Namespace names) {
+View page(NotchModel& model, Namespace names, const TextMemory& notes) {
   switch (model.tab) {
     case Tab::home:
       return homeView(model, names);
@@ -24,16 +24,16 @@ View page(NotchModel& model, Namespace names) {
     case Tab::tray:
       return trayView(model);
     case Tab::notes:
-      return notesView(model.notes);
+      return notesView(model.notes, notes);
   }
   return {};
 }
 
 }  // namespace
 
-View expandedBody(NotchModel& model, Namespace names) {
+View expandedBody(NotchModel& model, Namespace names, const TextMemory& notes) {
   const View shown =
-      ZStack(UnitPoint::top, {page(model, names)})
+      ZStack(UnitPoint::top, {page(model, names, notes)})
           .frame({.maxWidth = infinity, .maxHeight = infinity, .align = UnitPoint::top})
           .id(std::string(rawValue(model.tab)))
           .transition(tabSlide(model.tabDirection));

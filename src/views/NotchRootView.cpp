@@ -48,23 +48,24 @@ View banner(const NotchModel& model) {
       .transition(notchContent(0.06, UnitPoint::top));
 }
 
-View body(NotchModel& model, Namespace names) {
+View body(NotchModel& model, Namespace names, const TextMemory& notes) {
   if (model.presentation() != Presentation::expanded) return {};
-  return expandedBody(model, names)
+  return expandedBody(model, names, notes)
       .padding(Edge::top, model.notchSize->height)
       .id("expanded")
       .transition(notchContent(0.07, UnitPoint::top));
 }
 
-View surface(
-    NotchModel& model, Namespace names, const std::function<void()>& openSettings, bool roomForShadow) {
+View surface(NotchModel& model, Namespace names, const TextMemory& notes,
+    const std::function<void()>& openSettings, bool roomForShadow) {
   const Presentation presentation = model.presentation();
   const Size size = model.size();
   const Shape shape = NotchShape(notchFlare, notchBottomRadius(presentation, model.isHovering));
   const bool expanded = presentation == Presentation::expanded;
   const bool casts = roomForShadow && (expanded || presentation == Presentation::banner);
   const bool hidden = presentation == Presentation::idle && !model.hasNotch && !model.isHovering;
-  return ZStack(UnitPoint::top, {topStrip(model, names, openSettings), banner(model), body(model, names)})
+  return ZStack(
+      UnitPoint::top, {topStrip(model, names, openSettings), banner(model), body(model, names, notes)})
       .padding(Edge::horizontal, notchFlare)
       .foreground(white())
       .frame({.width = size.width, .height = size.height, .align = UnitPoint::top})
@@ -89,8 +90,10 @@ View surface(
 
 View notchRootView(NotchModel& model, std::function<void()> openSettings, bool roomForShadow) {
   const Namespace names = Namespace::make();
+  // What can be undone outlasts the page.
+  const TextMemory notes = makeTextMemory();
   return observing([=, &model] {
-    return VStack({}, {surface(model, names, openSettings, roomForShadow)})
+    return VStack({}, {surface(model, names, notes, openSettings, roomForShadow)})
         .frame({.maxWidth = infinity, .maxHeight = infinity, .align = UnitPoint::top});
   });
 }

@@ -13,8 +13,8 @@ namespace {
 /// Between the field's edge and what is written in it.
 constexpr double beside = 15, above = 10;
 
-View editor(NotesStore& notes, State<bool> focused) {
-  return observing([&notes, focused] {
+View editor(NotesStore& notes, const TextMemory& memory, State<bool> focused) {
+  return observing([&notes, memory, focused] {
     View placeholder;
     if (notes.text().empty()) {
       placeholder =
@@ -27,7 +27,8 @@ View editor(NotesStore& notes, State<bool> focused) {
         {TextEditor({.name = tr("Notes", "Notes"),
              .text = notes.sharedText(),
              .changed = [&notes](const SharedText& text) { notes.setText(text); },
-             .focus = focused}),
+             .focus = focused,
+             .memory = memory}),
             placeholder})
         .font({13})
         .padding(Edge::horizontal, beside)
@@ -37,10 +38,10 @@ View editor(NotesStore& notes, State<bool> focused) {
 
 }  // namespace
 
-View notesView(NotesStore& notes) {
-  return stateful(false, [&notes](State<bool> focused) {
+View notesView(NotesStore& notes, const TextMemory& memory) {
+  return stateful(false, [&notes, memory](State<bool> focused) {
     const Shape field = RoundedRectangle(14);
-    return editor(notes, focused)
+    return editor(notes, memory, focused)
         .background(field.fill(white(focused ? 0.08 : 0.05)))
         .overlay(field.stroke(white(focused ? 0.18 : 0)).allowsHitTesting(false))
         .animation(easeOut(0.2), focused.get());

@@ -3,7 +3,7 @@
 import subprocess
 import unittest
 
-from desktop import BUILD, wait_until
+from desktop import BUILD, BUS_NAME, PROGRAM, wait_until
 from desktop_test import EXPANDED, HIDDEN, DesktopTest
 
 
@@ -68,6 +68,25 @@ class Notes(DesktopTest):
         self.desktop.overlay.terminate()
         self.desktop.overlay.wait()
         self.assertEqual(self.file.read_text(), "y")
+
+    def test_a_command_brings_the_caret_and_a_kill_loses_no_more_than_a_moment(self):
+        self.desktop.overlay = self.desktop.start([PROGRAM])
+        # It has only just begun.
+        wait_until(lambda: self.desktop.bus.name_has_owner(BUS_NAME), "its name")
+        self.assertEqual(self.desktop.run("--open", "notes").returncode, 0)
+        wait_until(lambda: self.focus() != self.other, "the keyboard")
+        self.keys("a", "b")
+        self.wait_for_text("ab")
+        # The page goes and comes again: the caret is where it was.
+        self.desktop.run("--close")
+        wait_until(lambda: self.focus() == self.other, "the keyboard to be given back")
+        self.desktop.run("--open", "notes")
+        wait_until(lambda: self.focus() != self.other, "the keyboard")
+        self.keys("ctrl+z", "c")
+        self.wait_for_text("c")
+        self.keys("d")
+        self.desktop.kill_overlay()
+        self.assertIn(self.file.read_text(), ("c", "cd"))
 
 
 if __name__ == "__main__":

@@ -206,11 +206,12 @@ TEST(SceneWidget, hostsTheToolkitsEditorInPlaceAtRestAndAsAPictureOnItsWay) {
   } state;
   const State<bool> focus(false);
   std::string keyboard;
-  SceneWidget widget(scheduler, {200, 100}, observing([&] {
+  SceneWidget widget(scheduler, {200, 100}, observing([&, memory = makeTextMemory()] {
     const View editor = TextEditor({.name = "Notes",
         .text = state.text,
         .changed = [&](const auto& text) { state.text = text; },
-        .focus = focus});
+        .focus = focus,
+        .memory = memory});
     return VStack({}, {state.shown ? editor.frame({.width = 120, .height = 60}) : View(),
                           Button({.name = "next", .label = Text("Next"), .action = [] {}})})
         .opacity(state.opacity);
@@ -274,6 +275,33 @@ TEST(SceneWidget, hostsTheToolkitsEditorInPlaceAtRestAndAsAPictureOnItsWay) {
   state.shown = false;
   frame();
   EXPECT_EQ(keyboard, "give ") << "nobody is left to type for";
+  EXPECT_FALSE(edit->isVisible());
+  const auto showAgain = [&] {
+    state.shown = true;
+    frame();
+    focus.set(true);
+    frame();
+    ASSERT_TRUE(QApplication::focusWidget());
+  };
+  showAgain();
+  press(Qt::Key_B, "b");
+  EXPECT_EQ(state.text->get(), "brewritten");
+  state.shown = false;
+  frame();
+  showAgain();
+  press(Qt::Key_C, "c");
+  EXPECT_EQ(state.text->get(), "bcrewritten") << "where the caret was";
+  state.shown = false;
+  frame();
+  showAgain();
+  const auto undo = [&] {
+    static_cast<QPlainTextEdit*>(QApplication::focusWidget())->undo();
+    frame();
+  };
+  undo();
+  EXPECT_EQ(state.text->get(), "rewritten");
+  undo();
+  EXPECT_EQ(state.text->get(), "rewritten") << "what others have written is not the user's to undo";
 }
 
 }  // namespace

@@ -223,5 +223,31 @@ TEST(NotchRootView, RepaintsNothingButTheWingsWhileASessionWorks) {
   EXPECT_GT(painted, 15);
 }
 
+TEST(NotchRootView, AQuickHandHitsTheTabsThatAreStillOnTheirWay) {
+  NotchStage stage;
+  const auto open = [&] {
+    stage.model.collapse();
+    stage.settle();
+    stage.model.expand(Tab::home);
+  };
+  open();
+  stage.settle();
+  const auto middle = [&](const char* name) {
+    const Rect frame = stage.inspect.control(name)->frame();
+    return Point{frame.midX(), frame.midY()};
+  };
+  const Point notes = middle("Notes"), gear = middle("Settings");
+  for (const double after : {0.02, 0.06, 0.1, 0.14, 0.2}) {
+    open();
+    stage.play(after);
+    stage.inspect.tap(notes);
+    EXPECT_EQ(stage.model.tab, Tab::notes) << after;
+    open();
+    stage.play(after);
+    stage.inspect.tap(gear);
+  }
+  EXPECT_EQ(stage.settingsOpened, 5);
+}
+
 }  // namespace
 }  // namespace tarnwick

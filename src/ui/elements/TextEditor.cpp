@@ -13,16 +13,54 @@
 #include "ui/paint/FontBook.h"
 
 namespace tarnwick::ui {
+
+struct KeptText {
+  std::unique_ptr<HostedText> hosted;
+  /// The editor that shows it.
+  const void* user = nullptr;
+};
+
+TextMemory makeTextMemory() { return std::make_shared<KeptText>(); }
+
 namespace {
 
 /// What outlasts a description of the editor: the toolkit's own, and what was described last.
 struct Editor {
-  std::unique_ptr<HostedText> hosted;
+  ~Editor() {
+    if (HostedText* const text = hosted()) leave(*text);
+  }
+  /// Null: there is none yet, or another one shows it.
+  HostedText* hosted() const { return memory && memory->user == this ? memory->hosted.get() : nullptr; }
+  void adopt(Node& node, Host& host);
+  void leave(HostedText& text) const {
+    text.onText = nullptr;
+    text.onFocus = nullptr;
+    text.leave();
+    memory->user = nullptr;
+  }
+
+  TextMemory memory;
   TextEditorOptions options;
   /// The toolkit's own is in its place.
   bool shown = false;
   bool wantsFocus = false, toldFocus = false;
 };
+
+void Editor::adopt(Node& node, Host& host) {
+  if (!memory) memory = options.memory ? options.memory : makeTextMemory();
+  if (!memory->hosted) memory->hosted = host.makeText();
+  memory->user = this;
+  memory->hosted->leave();
+  memory->hosted->onText = [this](const SharedText& text) {
+    if (options.changed) options.changed(text);
+  };
+  memory->hosted->onFocus = [this, weak = WeakNode(node)](bool focused) {
+    // It knows already. A view that leaves is not described anew: what was wished before would come true.
+    wantsFocus = toldFocus = focused;
+    if (options.focus) options.focus->set(focused);
+    if (weak && focused) weak->scene.input().focus(*weak, false);
+  };
+}
 
 /// What the editor would show first, for scenes without a window.
 void drawText(QPainter& painter, const std::string& text, const QFont& font, Color color, Size size) {
@@ -70,20 +108,12 @@ class TextEditorElement : public Element {
 bool TextEditorElement::presented(Node& node, bool undisturbed) const {
   Host* const host = node.scene.host();
   if (!host) return false;
-  if (!editor_->hosted) {
-    editor_->hosted = host->makeText();
-    HostedText& hosted = *editor_->hosted;
-    hosted.onText = [editor = editor_.get()](const SharedText& text) {
-      if (editor->options.changed) editor->options.changed(text);
-    };
-    hosted.onFocus = [editor = editor_.get(), weak = WeakNode(node)](bool focused) {
-      // It knows already. A view that leaves is not described anew: what was wished before would come true.
-      editor->wantsFocus = editor->toldFocus = focused;
-      if (editor->options.focus) editor->options.focus->set(focused);
-      if (weak && focused) weak->scene.input().focus(*weak, false);
-    };
+  if (!editor_->hosted()) {
+    // The one that comes has taken it over.
+    if (node.leaves()) return false;
+    editor_->adopt(node, *host);
   }
-  HostedText& hosted = *editor_->hosted;
+  HostedText& hosted = *editor_->hosted();
   const Rect place = node.presentedInScene();
   const bool wasShown = std::exchange(editor_->shown, undisturbed && !node.scene.isCovered(place));
   hosted.setLook(node.environment.font, node.environment.foreground);
@@ -96,7 +126,8 @@ bool TextEditorElement::presented(Node& node, bool undisturbed) const {
 
 void TextEditorElement::draw(DrawContext& context) const {
   QPainter& painter = context.painter;
-  if (!editor_->hosted) {
+  HostedText* const hosted = editor_->hosted();
+  if (!hosted) {
     const Font& font = context.environment.font;
     return drawText(
         painter, text_, fontBook::face(font).font, context.environment.foreground, context.layoutSize);
@@ -104,7 +135,7 @@ void TextEditorElement::draw(DrawContext& context) const {
   if (editor_->shown) return;
   const double scale = std::sqrt(std::abs(painter.deviceTransform().determinant()));
   painter.drawImage(
-      QRectF(0, 0, context.layoutSize.width, context.layoutSize.height), editor_->hosted->picture(scale));
+      QRectF(0, 0, context.layoutSize.width, context.layoutSize.height), hosted->picture(scale));
 }
 
 }  // namespace
@@ -117,16 +148,17 @@ View TextEditor(TextEditorOptions options) {
             editor->options = options;
             if (options.focus) editor->wantsFocus = *options.focus;
             const auto focus = [editor](bool focused) {
-              if (editor->hosted)
-                editor->hosted->setFocused(focused);
+              if (HostedText* const hosted = editor->hosted())
+                hosted->setFocused(focused);
               else if (editor->options.focus)
                 editor->options.focus->set(focused);
             };
             return View(std::make_shared<TextEditorElement>(editor))
                 .onTap([focus] { focus(true); })
                 .onFocus(focus)
-                .contextMenu(
-                    [editor] { return editor->hosted ? editor->hosted->menu() : std::vector<MenuItem>(); })
+                .contextMenu([editor] {
+                  return editor->hosted() ? editor->hosted()->menu() : std::vector<MenuItem>();
+                })
                 .cursor(Cursor::text)
                 .accessibility(Role::textField, options.name);
           }});

@@ -22,6 +22,8 @@ class HostedText {
   virtual void setLook(const Font& font, Color color) = 0;
   /// Where it is, in points of the scene; to be seen there or, while something is in the way, not.
   virtual void place(const Rect& frame, bool shown) = 0;
+  /// No view shows it any more: it is not to be seen, and gives the keyboard back where it has it.
+  virtual void leave() = 0;
   /// What it looks like, at `scale` pixels a point.
   virtual QImage picture(double scale) = 0;
   /// Gives it the keyboard's focus, or takes it away.

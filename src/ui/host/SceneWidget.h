@@ -66,8 +66,9 @@ class SceneWidget : public QWidget, public Host {
   void adoptPixelRatio();
 
   Scheduler& scheduler_;
-  Scene scene_;
+  // Editors end with the scene.
   QPointer<QWidget> writing_;
+  Scene scene_;
   Task next_;
   double nextTime_ = 0;
   /// When the frames so far would end at the screen's rate; what changed nothing to be seen does not count.

@@ -30,7 +30,6 @@ class TextWidget::Edit : public QPlainTextEdit {
   void release() {
     owner_ = nullptr;
     disconnect();
-    hide();
     deleteLater();
   }
 
@@ -75,8 +74,14 @@ TextWidget::TextWidget(SceneWidget& scene) : scene_(scene), edit_(new Edit(scene
 }
 
 TextWidget::~TextWidget() {
-  const bool focused = edit_->hasFocus();
+  leave();
   edit_->release();
+}
+
+void TextWidget::leave() {
+  const bool focused = edit_->hasFocus();
+  setReturnsToFocus(false);
+  edit_->hide();
   if (focused) scene_.giveBackKeyboard();
 }
 

@@ -17,6 +17,7 @@ class TextWidget : public HostedText {
   void setText(const SharedText& text) override;
   void setLook(const Font& font, Color color) override;
   void place(const Rect& frame, bool shown) override;
+  void leave() override;
   QImage picture(double scale) override;
   void setFocused(bool focused) override;
   std::vector<MenuItem> menu() override;
