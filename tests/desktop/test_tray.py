@@ -1,5 +1,6 @@
 """The tray with real programs around it: files are dragged out, opened and shown, by pointer and by keys."""
 
+import os
 import subprocess
 import unittest
 from pathlib import Path
@@ -13,7 +14,8 @@ from desktop_test import EXPANDED, HIDDEN, DesktopTest
 class Tray(DesktopTest):
     def setUp(self):
         super().setUp()
-        self.files = [self.desktop.home / name for name in ("Plan für morgen.txt", "picture.png")]
+        # Names need not be text.
+        self.files = [self.desktop.home / os.fsdecode(name) for name in (b"Plan f\xfcr morgen.txt", b"picture.png")]
         for file in self.files:
             file.write_text("x")
         # The first item, beside the shelf's left edge.
@@ -45,6 +47,14 @@ class Tray(DesktopTest):
             target = self.start_target(*command)
             self.open_tray()
             self.drag_item_to(600, 550, lambda: "entered" in target.log.read_text())
+            if gtk in command:
+                self.key("Escape")
+                wait_until(lambda: "left" in target.log.read_text(), "the drag to be given up")
+                self.desktop.release()
+                self.assertNotIn("file:", target.log.read_text())
+                self.desktop.wait_for_notch(*HIDDEN)
+                self.open_tray()
+                self.drag_item_to(600, 550, lambda: target.log.read_text().endswith("entered\n"))
             self.desktop.release()
             wait_until(lambda: self.files[0].as_uri() in target.log.read_text(), "the dropped file")
             self.desktop.wait_for_notch(*HIDDEN)

@@ -224,7 +224,10 @@ void SceneWidget::dragFiles(const std::vector<FilePath>& files, Node& source) {
   const QPixmap picture = QPixmap::fromImage(pictureOf(source, devicePixelRatioF()));
   drag->setPixmap(picture);
   drag->setHotSpot(QRectF(QPointF(), picture.deviceIndependentSize()).center().toPoint());
+  // Escape ends it, whoever has the keyboard.
+  grabKeyboard();
   drag->exec(Qt::CopyAction | Qt::MoveAction | Qt::LinkAction, Qt::CopyAction);
+  releaseKeyboard();
   // Nobody was told of the pointer meanwhile.
   const QPoint place = mapFromGlobal(QCursor::pos());
   rect().contains(place) ? scene_.input().moved(fromQt(QPointF(place))) : scene_.input().left();
