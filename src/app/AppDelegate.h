@@ -86,7 +86,7 @@ class AppDelegate {
   PortalAppearance appearance_{sessionBus_};
   EvolutionCalendars calendars_{
       scheduler_, sessionBus_, hasCalendars(folders_), [] { return loadCalendarReader(moduleFolder()); }};
-  DesktopFileIcons fileIcons_{appearance_};
+  DesktopFileIcons fileIcons_{appearance_, [this] { return display_->iconTheme(); }};
   DesktopFileManager fileManager_{sessionBus_};
   DesktopDeviceSharing sharing_{sessionBus_};
   ProcProcesses foreignProcesses_;

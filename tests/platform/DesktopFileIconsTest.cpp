@@ -56,7 +56,8 @@ class DesktopFileIconsTest : public testing::Test {
 
   const TemporaryFolder root;
   DesktopAppearance appearance;
-  DesktopFileIcons icons{appearance};
+  std::string themeOfDisplay;
+  DesktopFileIcons icons{appearance, [this] { return themeOfDisplay; }};
 };
 
 TEST_F(DesktopFileIconsTest, FindsTheIconOfAKindInTheThemeAndThoseItInherits) {
@@ -67,6 +68,10 @@ TEST_F(DesktopFileIconsTest, FindsTheIconOfAKindInTheThemeAndThoseItInherits) {
   std::filesystem::remove(root.path() + "/icons/chosen/16/kinds/text-x-generic.png");
   EXPECT_EQ(colorOf(root.path() + "/a.pdf"), "yellow");
   EXPECT_EQ(colorOf(root.path() + "/a.txt"), "black");
+  themeOfDisplay = "parent";
+  icons.refresh();
+  paint("icons/chosen/16/kinds/text-x-generic.png", "green");
+  EXPECT_EQ(colorOf(root.path() + "/a.txt"), "black") << "its own come before those that it inherits";
 }
 
 TEST_F(DesktopFileIconsTest, ShowsWhatTheDesktopHasMadeOfAPicture) {

@@ -5,6 +5,7 @@
 
 #include "linux/x11/X11Pointer.h"
 #include "linux/x11/X11WindowList.h"
+#include "linux/x11/XSettings.h"
 #include "platform/TestDesktop.h"
 
 using namespace tarnwick;
@@ -210,4 +211,34 @@ TEST(X11Pointer, KnowsADragOfFilesFromOneOfText) {
     desktop().hands.release();
     EXPECT_NE(source->waitForLine("dropped"), "");
   }
+}
+
+TEST(XSettings, TellWhatTheSettingsManagerHasSet) {
+  using namespace std::string_view_literals;
+  // In both orders of bytes: a whole number, a colour, and the texts.
+  const std::string_view little =
+      "\0\0\0\0\7\0\0\0\4\0\0\0"
+      "\0\0\3\0Dpi\0\1\0\0\0\1\1\1\1"
+      "\2\0\1\0C\0\0\0\1\0\0\0\1\1\1\1\1\1\1\1"
+      "\1\0\4\0Long\1\0\0\0\3\0\0\0abc\0"
+      "\1\0\21\0Net/IconThemeName\0\0\0\1\0\0\0\7\0\0\0Papirus\0"sv;
+  const std::string_view big = "\1\0\0\0\0\0\0\7\0\0\0\1\1\0\0\4Long\0\0\0\1\0\0\0\3abc\0"sv;
+  EXPECT_EQ(textOfXSettings(little, "Long"), "abc");
+  EXPECT_EQ(textOfXSettings(big, "Long"), "abc");
+  EXPECT_EQ(textOfXSettings(little, "Dpi"), "");
+  for (size_t length = 0; length < little.size() - 8; ++length) {
+    EXPECT_EQ(textOfXSettings(little.substr(0, length), "Net/IconThemeName"), "");
+  }
+
+  X11Connection& connection = desktop().connection();
+  EXPECT_EQ(xSetting(connection, "Net/IconThemeName"), "") << "nobody tells";
+  const xcb_window_t manager = xcb_generate_id(connection);
+  xcb_create_window(
+      connection, 0, manager, connection.root(), 0, 0, 1, 1, 0, XCB_WINDOW_CLASS_INPUT_ONLY, 0, 0, nullptr);
+  const xcb_atom_t settings = connection.atom("_XSETTINGS_SETTINGS");
+  xcb_change_property(connection, XCB_PROP_MODE_REPLACE, manager, settings, settings, 8,
+      static_cast<uint32_t>(little.size()), little.data());
+  xcb_set_selection_owner(connection, manager, connection.atom("_XSETTINGS_S0"), XCB_CURRENT_TIME);
+  EXPECT_EQ(xSetting(connection, "Net/IconThemeName"), "Papirus");
+  xcb_destroy_window(connection, manager);
 }

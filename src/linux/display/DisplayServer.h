@@ -5,6 +5,7 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <string>
 
 #include "base/Scheduler.h"
 #include "core/NotchPanel.h"
@@ -54,6 +55,8 @@ class DisplayServer {
   virtual WindowList& windows() = 0;
   virtual WindowActivation& activation() = 0;
   virtual MediaKeys& mediaKeys() = 0;
+  /// The icon theme that programs on it are told; empty: they are told none.
+  virtual std::string iconTheme() const { return {}; }
 
   /// A window may be larger than the surface, which can cast a shadow then.
   virtual bool hasRoomForShadow() const = 0;

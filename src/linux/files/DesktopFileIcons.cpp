@@ -33,9 +33,17 @@ std::vector<std::string> iconNames(const FilePath& file, bool isFolder) {
 
 }  // namespace
 
-void DesktopFileIcons::refresh() {
+/// What the display tells comes first, as for the file manager: a portal tells the defaults of a desktop that
+/// is not the one that runs.
+std::string DesktopFileIcons::themeThatIsSet() const {
+  const std::string ofDisplay = themeOfDisplay_ ? themeOfDisplay_() : "";
+  if (!ofDisplay.empty()) return ofDisplay;
   const std::string told = appearance_.iconTheme;
-  const std::string name = told.empty() ? iconThemeOfFiles() : told;
+  return told.empty() ? iconThemeOfFiles() : told;
+}
+
+void DesktopFileIcons::refresh() {
+  const std::string name = themeThatIsSet();
   const std::lock_guard lock(mutex_);
   if (name == themeName_) return;
   themeName_ = name;

@@ -1,8 +1,10 @@
 #pragma once
+#include <functional>
 #include <map>
 #include <memory>
 #include <mutex>
 #include <string>
+#include <utility>
 
 #include "linux/files/IconTheme.h"
 #include "linux/files/QtImageDecoder.h"
@@ -15,7 +17,11 @@ namespace tarnwick {
 /// the file's kind from the icon theme.
 class DesktopFileIcons : public FileIcons {
  public:
-  explicit DesktopFileIcons(const DesktopAppearance& appearance) : appearance_(appearance) {}
+  /// `themeOfDisplay` says which icon theme programs on this display are told, or nothing. It is asked on the
+  /// main thread, and only when there are icons to show.
+  explicit DesktopFileIcons(
+      const DesktopAppearance& appearance, std::function<std::string()> themeOfDisplay = nullptr)
+      : appearance_(appearance), themeOfDisplay_(std::move(themeOfDisplay)) {}
 
   std::optional<uint64_t> version(const FilePath& file) override;
   std::optional<Image> icon(const FilePath& file) override;
@@ -24,7 +30,10 @@ class DesktopFileIcons : public FileIcons {
  private:
   std::optional<Image> iconOfKind(const FilePath& file);
 
+  std::string themeThatIsSet() const;
+
   const DesktopAppearance& appearance_;
+  const std::function<std::string()> themeOfDisplay_;
   /// Pictures as large as the tray shows them at pixel ratio 2.
   const QtImageDecoder images_{QtImageDecoder::fewPixels, 92};
   /// Of all that follows.

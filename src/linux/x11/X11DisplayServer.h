@@ -5,6 +5,7 @@
 #include "linux/x11/X11Screens.h"
 #include "linux/x11/X11WindowActivation.h"
 #include "linux/x11/X11WindowList.h"
+#include "linux/x11/XSettings.h"
 
 namespace tarnwick {
 
@@ -17,6 +18,7 @@ class X11DisplayServer : public DisplayServer {
   WindowList& windows() override { return windows_; }
   WindowActivation& activation() override { return activation_; }
   MediaKeys& mediaKeys() override { return mediaKeys_; }
+  std::string iconTheme() const override { return xSetting(connection_, "Net/IconThemeName"); }
 
   /// Under XWayland it is as large as the surface.
   bool hasRoomForShadow() const override { return !connection_.isXWayland(); }
