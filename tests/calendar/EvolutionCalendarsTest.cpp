@@ -21,6 +21,7 @@
 
 #include "base/LocalTime.h"
 #include "linux/process/QtScheduler.h"
+#include "support/BusThreadEnd.h"
 #include "support/TemporaryFolder.h"
 
 // The calendars, with the real calendar service in a session and a home of its own.
@@ -281,6 +282,8 @@ TEST_F(EvolutionCalendarsTest, FollowsTheUsersCalendars) {
 
 }  // namespace
 }  // namespace tarnwick
+
+static const tarnwick::BusThreadEnd busThreadEnd;
 
 int main(int argc, char** argv) {
   testing::InitGoogleTest(&argc, argv);

@@ -7,11 +7,14 @@
 
 #include "platform/Roles.h"
 #include "platform/TestDesktop.h"
+#include "support/BusThreadEnd.h"
 #include "support/TemporaryFolder.h"
 
 using namespace tarnwick;
 
 namespace {
+
+const BusThreadEnd busThreadEnd;
 
 void run(const QString& program, const QStringList& arguments) {
   if (QProcess::execute(program, arguments) != 0) throw std::runtime_error(program.toStdString() + " failed");
