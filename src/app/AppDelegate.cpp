@@ -90,6 +90,8 @@ void AppDelegate::applicationDidFinishLaunching(bool withSettings) {
   controller_->onFocus = [this](const std::string& id) { focus(id); };
   sessionsObject_.describe = [this] { return sessionsJson(controller_->model().claude.ordered()); };
   sessionChanges_ = controller_->model().claude.observe([this] { sessionsObject_.changed(); });
+  disclosures_ = controller_->model().permissions.observe(
+      [this] { showing_ = scheduler_.post([this] { showRequest(); }); });
   showcase_.emplace(controller_->model(), scheduler_, folders_);
   controller_->onShowcaseCommand = [this](const std::string& command, const std::string& argument) {
     showcase_->handle(command, argument);
@@ -142,6 +144,16 @@ void AppDelegate::focus(const std::string& id) {
   for (const Session& session : controller_->model().claude.ordered()) {
     scene.frame();
     if (!scene.input().focus(session.id) || session.id == id) return;
+  }
+}
+
+void AppDelegate::showRequest() {
+  ui::Scene& scene = content_->scene();
+  const std::string id = controller_->model().permissions.disclosed;
+  if (id.empty()) return;
+  for (const Session& session : controller_->model().claude.ordered()) {
+    scene.frame();
+    if (!scene.input().reveal(session.id) || session.id == id) return;
   }
 }
 

@@ -60,6 +60,7 @@ class AppDelegate {
   std::unique_ptr<NotchPanel> makePanel(NotchModel& model);
   void openSettings();
   void focus(const std::string& id);
+  void showRequest();
 
   QtScheduler scheduler_;
   const std::unique_ptr<DisplayServer> display_;
@@ -94,7 +95,8 @@ class AppDelegate {
   /// Belongs to the controller's panel.
   ui::SceneWidget* content_ = nullptr;
   std::unique_ptr<NotchController> controller_;
-  Subscription sessionChanges_;
+  Subscription sessionChanges_, disclosures_;
+  Task showing_;
   std::optional<Showcase> showcase_;
   AutostartEntry loginItem_{folders_, commandPath()};
   DesktopSettingsPages settingsPages_;

@@ -41,9 +41,9 @@ void PermissionService::ask(const PermissionRequests::Request& request) {
   makeRoom();
 }
 
-uint64_t PermissionService::requestOf(const Session& session) {
+const Session::Request* PermissionService::requestOf(const Session& session) {
   const auto found = std::ranges::find_if(session.requests, [](const auto& one) { return one.number != 0; });
-  return found == session.requests.end() ? 0 : found->number;
+  return found == session.requests.end() ? nullptr : &*found;
 }
 
 std::string PermissionService::onlySession() const {

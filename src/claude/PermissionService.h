@@ -32,8 +32,8 @@ class PermissionService : public ObservableObject {
   /// Leaves a request to its terminal of which nobody else is to hear.
   void decline(uint64_t number) { requests_.answer(number, {}); }
 
-  /// The number of the request that a session can be answered first; 0: there is none.
-  static uint64_t requestOf(const Session& session);
+  /// The first request of a session that can be answered here; null: there is none.
+  static const Session::Request* requestOf(const Session& session);
   /// The one session that can be answered; empty where there is none, or more than one.
   std::string onlySession() const;
   /// What the tool would be called with, as JSON; empty where the request is not open.

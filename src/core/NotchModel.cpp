@@ -124,7 +124,7 @@ void NotchModel::dismissBanner() {
 
 void NotchModel::followBanner() {
   const auto session = *banner ? claude.sessions->find(banner.get()->session) : claude.sessions->end();
-  if (session != claude.sessions->end() && PermissionService::requestOf(session->second) != 0) {
+  if (session != claude.sessions->end() && PermissionService::requestOf(session->second)) {
     const std::string id = session->first;
     expand(Tab::claude);
     permissions.disclosed = id;
@@ -142,7 +142,10 @@ void NotchModel::expand(std::optional<Tab> on) {
     } else if (claudeCalls) {
       tab = Tab::claude;
     }
-    if (tab == Tab::claude && !isExpanded) permissions.disclosed = permissions.onlySession();
+    if (tab == Tab::claude && (on || !isExpanded))
+      permissions.disclosed = permissions.onlySession();
+    else if (!isExpanded)
+      permissions.disclosed = std::string();
     bannerTask_.cancel();
     banner = std::nullopt;
     transient = std::nullopt;

@@ -206,6 +206,24 @@ View Spacer();
 
 /// One line of text in the inherited font and colour.
 View Text(std::string text);
+/// A piece of a line; without a colour in the inherited one.
+struct TextPiece {
+  std::string text;
+  std::optional<Color> color = {};
+  friend bool operator==(const TextPiece&, const TextPiece&) = default;
+};
+/// A line of text before a background.
+struct TextLine {
+  std::vector<TextPiece> pieces;
+  Color background = colors::clear;
+  friend bool operator==(const TextLine&, const TextLine&) = default;
+};
+/// By how many characters a line is indented where it goes on.
+inline constexpr int wrappedIndent = 2;
+/// Lines that are to be read to the letter, in a monospaced font: all of every line is shown, from left to
+/// right in the order in which it stands there, whatever its scripts are; a line that is full goes on below,
+/// indented.
+View TextLines(std::vector<TextLine> lines);
 /// A text whose digits stand in cells of one width, and roll to the new ones when it changes.
 View RollingNumber(std::string text, const Animation& animation = easeInOut(0.35));
 /// A symbol by name, sized by the inherited font, in the inherited colour. An unknown name draws nothing and
@@ -229,11 +247,14 @@ View GeometryReader(std::function<View(Size)> body);
 /// what its content needs.
 View ScrollView(Axis axis, View content);
 
-/// A long list of items of one length along it, of which only those in view are built. Across it they are as
-/// large as the list.
+/// A long list of items of one length along it but for one, of which only those in view are built. Across it
+/// they are as large as the list.
 struct LazyItems {
   size_t count = 0;
   double length = 0;
+  /// The item that is longer than the others, and by how much.
+  std::optional<size_t> longer = {};
+  double excess = 0;
   double spacing = 0;
   /// Identity of an item; does not depend on its place.
   std::function<std::string(size_t)> key;

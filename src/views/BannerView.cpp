@@ -1,6 +1,7 @@
 #include "views/BannerView.h"
 
 #include "ui/Dynamic.h"
+#include "views/RequestDetail.h"
 
 namespace tarnwick {
 
@@ -19,17 +20,8 @@ View badge(const Banner& banner, bool appeared) {
 }
 
 View subtitle(const Banner& banner) {
-  View detail;
-  if (!banner.detail.empty()) {
-    detail =
-        Text(banner.detail)
-            .font({11, Weight::regular, Design::monospaced})
-            .foreground(white(0.85))
-            .truncated(Truncation::middle)
-            .tooltip(banner.detail);
-  }
   return HStack({.spacing = 8, .align = Align::firstTextBaseline},
-      {Text(banner.subtitle).font({12}).foreground(white(0.65)).prioritized(), detail});
+      {Text(banner.subtitle).font({12}).foreground(white(0.65)).prioritized(), requestDetail(banner.detail)});
 }
 
 }  // namespace

@@ -8,6 +8,7 @@
 #include "ui/Dynamic.h"
 #include "views/ButtonStyles.h"
 #include "views/CrabView.h"
+#include "views/PermissionView.h"
 #include "views/SessionRow.h"
 #include "views/Transitions.h"
 
@@ -40,20 +41,50 @@ std::function<void()> forgetting(ClaudeService& claude, const Session& session) 
   return [&claude, id = session.id] { withAnimation(listChange, [&] { claude.forget(id); }); };
 }
 
-View list(ClaudeService& claude, TerminalVisits& terminals) {
-  const auto sessions = std::make_shared<const std::vector<Session>>(claude.ordered());
+/// What shows and hides the request of a session; none where it cannot be answered here.
+std::function<void()> disclosing(PermissionService& permissions, const Session& session) {
+  if (!PermissionService::requestOf(session)) return {};
+  return [&permissions, id = session.id] {
+    withAnimation(
+        listChange, [&] { permissions.disclosed = *permissions.disclosed == id ? std::string() : id; });
+  };
+}
+
+/// The place in the list of the session whose request is shown.
+std::optional<size_t> disclosedRow(
+    const std::vector<Session>& sessions, const PermissionService& permissions) {
+  const auto found = std::ranges::find(sessions, *permissions.disclosed, &Session::id);
+  const bool isShown = found != sessions.end() && PermissionService::requestOf(*found);
+  return isShown ? std::optional(size_t(found - sessions.begin())) : std::nullopt;
+}
+
+View item(NotchModel& model, const Session& session, size_t row, bool isDisclosed) {
+  const View header = sessionRow(session, model.terminals,
+      {.forget = forgetting(model.claude, session),
+          .disclose = disclosing(model.permissions, session),
+          .isDisclosed = isDisclosed});
+  View request;
+  if (isDisclosed) {
+    request = permissionView(model.permissions, *PermissionService::requestOf(session), std::to_string(row))
+                  .transition(Transition::opacity());
+  }
+  return VStack({}, {header, request})
+      .background(RoundedRectangle(10).fill(white(isDisclosed ? 0.04 : 0)))
+      .transition(notchContent(0.04 * double(row), UnitPoint::top));
+}
+
+View list(NotchModel& model, std::optional<size_t> disclosed) {
+  const auto sessions = std::make_shared<const std::vector<Session>>(model.claude.ordered());
   return ScrollView(Axis::vertical,
       LazyVStack({
           .count = sessions->size(),
           .length = sessionRowHeight,
+          .longer = disclosed,
+          .excess = disclosed ? permissionHeight : 0,
           .spacing = 2,
           .key = [sessions](size_t row) { return (*sessions)[row].id; },
-          .item =
-              [sessions, &claude, &terminals](size_t row) {
-                const Session& session = (*sessions)[row];
-                return sessionRow(session, terminals, forgetting(claude, session))
-                    .transition(notchContent(0.04 * double(row), UnitPoint::top));
-              },
+          .item = [sessions, &model, disclosed](
+                      size_t row) { return item(model, (*sessions)[row], row, disclosed == row); },
       }))
       .arrowKeys(Axis::vertical)
       .accessibility(Role::list, tr("Claude Code sessions", "Sessions Claude Code"));
@@ -69,17 +100,19 @@ View clearButton(ClaudeService& claude) {
 
 }  // namespace
 
-View claudeView(ClaudeService& claude, TerminalVisits& terminals) {
-  return observing([&claude, &terminals] {
-    const std::vector<Session>& sessions = claude.ordered();
+View claudeView(NotchModel& model) {
+  return observing([&model] {
+    const std::vector<Session>& sessions = model.claude.ordered();
     if (sessions.empty()) return noSessions().id("none").transition(Transition::opacity());
     std::vector<Phase> phases;
     for (const Session& session : sessions) phases.push_back(session.phase);
+    const auto disclosed = disclosedRow(sessions, model.permissions);
     View buttonRow;
-    if (std::ranges::any_of(sessions, isClearable)) {
-      buttonRow = HStack({}, {Spacer(), clearButton(claude)}).transition(Transition::opacity());
+    // A request needs the room.
+    if (!disclosed && std::ranges::any_of(sessions, isClearable)) {
+      buttonRow = HStack({}, {Spacer(), clearButton(model.claude)}).transition(Transition::opacity());
     }
-    return VStack({.spacing = 6}, {list(claude, terminals), buttonRow})
+    return VStack({.spacing = 6}, {list(model, disclosed), buttonRow})
         .animation(listChange, phases)
         .id("list")
         .transition(Transition::opacity());

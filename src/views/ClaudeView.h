@@ -1,11 +1,11 @@
 #pragma once
-#include "claude/ClaudeService.h"
-#include "claude/TerminalVisits.h"
+#include "core/NotchModel.h"
 #include "ui/View.h"
 
 namespace tarnwick {
 
-/// The page of all Claude Code sessions, and a button to clear away those that neither work nor wait.
-ui::View claudeView(ClaudeService& claude, TerminalVisits& terminals);
+/// The page of all Claude Code sessions, with the request of one of them, and a button to clear away those
+/// that neither work nor wait.
+ui::View claudeView(NotchModel& model);
 
 }  // namespace tarnwick

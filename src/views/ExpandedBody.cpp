@@ -20,7 +20,7 @@ View page(NotchModel& model, Namespace names, const TextMemory& notes) {
     case Tab::audio:
       return audioView(model);
     case Tab::claude:
-      return claudeView(model.claude, model.terminals);
+      return claudeView(model);
     case Tab::tray:
       return trayView(model);
     case Tab::notes:

@@ -2,9 +2,12 @@
 
 #include "base/L10n.h"
 #include "claude/ClaudeService.h"
+#include "ui/Button.h"
 #include "ui/Dynamic.h"
+#include "views/ButtonStyles.h"
 #include "views/ClaudeStatusGlyph.h"
 #include "views/CrabView.h"
+#include "views/RequestDetail.h"
 #include "views/SparkleSpinner.h"
 
 namespace tarnwick {
@@ -52,15 +55,8 @@ View texts(const Session& session) {
             .truncated(Truncation::middle)
             .contentTransition(ContentTransition::opacity);
   }
-  if (const std::string request = session.request() ? session.request()->detail : ""; !request.empty()) {
-    activity = HStack({.spacing = 8},
-        {activity.prioritized(),
-            Text(request)
-                .font({11, Weight::regular, Design::monospaced})
-                .foreground(white(0.85))
-                .truncated(Truncation::middle)
-                .tooltip(request)});
-  }
+  if (session.request())
+    activity = HStack({.spacing = 8}, {activity.prioritized(), requestDetail(session.request()->detail)});
   View title = Text(session.project).font({13, Weight::semibold, Design::rounded});
   if (session.elsewhere) {
     title = HStack({.spacing = 6},
@@ -70,6 +66,21 @@ View texts(const Session& session) {
                 .foreground(white(0.55))});
   }
   return VStack({.spacing = 1, .align = Align::leading}, {title, activity});
+}
+
+View chevron(const SessionRowActions& actions) {
+  if (!actions.disclose) return {};
+  return Button(
+      {.name = actions.isDisclosed ? tr("Hide the request", "Masquer la demande")
+                                   : tr("Show the request", "Afficher la demande"),
+          .label = Symbol("chevron.down")
+                       .font({16})
+                       .foreground(white(0.6))
+                       .rotation(actions.isDisclosed ? 180 : 0),
+          .style = notchButtonStyle(22, 1.08),
+          .action = actions.disclose})
+      // Arrows go from row to row.
+      .arrowKeys(Axis::horizontal);
 }
 
 /// What the pointer does with a row.
@@ -90,8 +101,8 @@ std::string elapsedText(const Session& session, Date now) {
   return tr(minutes + " min ago", "il y a " + minutes + " min");
 }
 
-View sessionRow(const Session& session, TerminalVisits& terminals, std::function<void()> forget) {
-  return stateful(Pointed(), [session, &terminals, forget = std::move(forget)](State<Pointed> pointed) {
+View sessionRow(const Session& session, TerminalVisits& terminals, SessionRowActions actions) {
+  return stateful(Pointed(), [session, &terminals, actions = std::move(actions)](State<Pointed> pointed) {
     const bool hovering = pointed.get().hovering;
     const bool canVisit = pointed.get().canVisit && *terminals.failed != session.id;
     View arrow;
@@ -113,6 +124,7 @@ View sessionRow(const Session& session, TerminalVisits& terminals, std::function
                       .monospacedDigits()
                       .foreground(white(0.45));
                 }),
+                chevron(actions),
                 arrow,
             })
             .padding(Edge::horizontal, 10)
@@ -128,7 +140,8 @@ View sessionRow(const Session& session, TerminalVisits& terminals, std::function
             .accessibility(session.process ? Role::button : Role::text,
                 session.project + (session.elsewhere ? " (" + machineOf(session) + ")" : "") + ": " +
                     session.activity);
-    if (forget) row = row.onKey(Key::erase, forget);
+    if (actions.forget) row = row.onKey(Key::erase, actions.forget);
+    if (actions.disclose) row = row.onKey(actions.isDisclosed ? Key::left : Key::right, actions.disclose);
     if (!hovering || canVisit) return row;
     return row.tooltip(obstacle(session));
   });

@@ -46,7 +46,7 @@ class PermissionServiceTest : public testing::Test {
 
 TEST_F(PermissionServiceTest, AnswersExactlyTheRequestThatWasPressed) {
   const uint64_t first = ask("a"), second = ask("a"), other = ask("b", {{"tool_detail", "rm"}});
-  EXPECT_EQ(PermissionService::requestOf(session("a")), first);
+  EXPECT_EQ(PermissionService::requestOf(session("a"))->number, first);
   EXPECT_EQ(service.onlySession(), "");
   show(first);
   service.allow(first);
@@ -56,7 +56,7 @@ TEST_F(PermissionServiceTest, AnswersExactlyTheRequestThatWasPressed) {
   service.allow(first);
   service.deny(first);
   EXPECT_EQ(answerTo(first), "allow") << "a second press";
-  EXPECT_EQ(PermissionService::requestOf(session("a")), second);
+  EXPECT_EQ(PermissionService::requestOf(session("a"))->number, second);
   show(second);
   service.deny(second);
   EXPECT_EQ(answerTo(second), "deny");
@@ -149,7 +149,7 @@ TEST_F(PermissionServiceTest, WaitsInTheTerminalWhereItCannotBeAnsweredHere) {
     const uint64_t request = ask("a", one.event);
     EXPECT_EQ(answerTo(request), "none");
     EXPECT_EQ(session("a").phase, Phase::waiting);
-    EXPECT_EQ(PermissionService::requestOf(session("a")), 0u);
+    EXPECT_FALSE(PermissionService::requestOf(session("a")));
   }
   settings.answerPermissions = false;
   EXPECT_EQ(answerTo(ask("a")), "none");
@@ -158,7 +158,7 @@ TEST_F(PermissionServiceTest, WaitsInTheTerminalWhereItCannotBeAnsweredHere) {
 
   const uint64_t request = ask("a");
   desktop.permissions.end(request);
-  EXPECT_EQ(PermissionService::requestOf(session("a")), 0u) << "who asks is gone";
+  EXPECT_FALSE(PermissionService::requestOf(session("a"))) << "who asks is gone";
   EXPECT_EQ(session("a").phase, Phase::waiting) << "but not the dialog";
   EXPECT_THAT(service.input(request), IsEmpty());
 }

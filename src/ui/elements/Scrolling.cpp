@@ -98,6 +98,11 @@ class LazyElement : public Element {
   /// The items that can be seen in the scroll view around `node`, and some beyond.
   std::pair<size_t, size_t> rangeInView(const Node& node) const;
   Views views(const Node& node) const;
+  double startOf(size_t item) const {
+    return double(item) * (items_.length + items_.spacing) +
+           (items_.longer && item > *items_.longer ? items_.excess : 0);
+  }
+  double lengthOf(size_t item) const { return items_.length + (items_.longer == item ? items_.excess : 0); }
 
   Axis axis_;
   LazyItems items_;
@@ -119,8 +124,7 @@ void LazyElement::buildForLayout(Node& node, Content& content) const {
 }
 
 Measured LazyElement::measure(Node&, Proposal proposal) const {
-  const double count = double(items_.count);
-  const double length = count == 0 ? 0 : count * items_.length + (count - 1) * items_.spacing;
+  const double length = items_.count == 0 ? 0 : startOf(items_.count) - items_.spacing;
   if (vertical()) return {{proposal.width.value_or(0), length}};
   return {{length, proposal.height.value_or(0)}};
 }
@@ -128,9 +132,9 @@ Measured LazyElement::measure(Node&, Proposal proposal) const {
 void LazyElement::place(Node& node, Size size) const {
   const size_t first = node.state<LazyState>().first;
   for (const auto& item : node.children) {
-    const double start = double(first + size_t(item->slot)) * (items_.length + items_.spacing);
-    item->place(
-        vertical() ? Rect{0, start, size.width, items_.length} : Rect{start, 0, items_.length, size.height});
+    const size_t index = first + size_t(item->slot);
+    const double start = startOf(index), length = lengthOf(index);
+    item->place(vertical() ? Rect{0, start, size.width, length} : Rect{start, 0, length, size.height});
   }
 }
 
@@ -147,7 +151,8 @@ std::pair<size_t, size_t> LazyElement::rangeInView(const Node& node) const {
   const double length = vertical() ? window->frame.height : window->frame.width;
   const double step = items_.length + items_.spacing;
   constexpr double beyond = 2;
-  const double first = std::max(0.0, std::floor(start / step) - beyond);
+  // One that is longer may begin so much sooner.
+  const double first = std::max(0.0, std::floor((start - items_.excess) / step) - beyond);
   const double last = std::min(double(items_.count), std::ceil((start + length) / step) + beyond);
   if (last <= first) return {0, 0};
   return {size_t(first), size_t(last - first)};

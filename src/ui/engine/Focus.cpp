@@ -164,7 +164,6 @@ bool Focus::move(const KeyEvent& event) {
   return true;
 }
 
-/// Has the windows on longer contents around a view scroll until it can be seen.
 void Focus::reveal(Node& node) {
   Rect rect{0, 0, node.frame.width, node.frame.height};
   for (Node *inner = &node, *outer = node.parent; outer; inner = outer, outer = outer->parent) {

@@ -27,13 +27,14 @@ class Focus {
   void forgetVanished();
   /// The view that keys and focus stay inside of: the frontmost `modal` one, or all.
   Node& scope() const;
+  /// Has the windows on longer contents around a view scroll until it can be seen.
+  void reveal(Node& node);
 
  private:
   std::vector<Node*> controls() const;
   std::vector<Node*> members(const Node* group) const;
   void tell(bool focused);
   void showRing(bool shown);
-  void reveal(Node& node);
 
   Scene& scene_;
   WeakNode node_;

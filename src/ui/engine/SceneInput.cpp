@@ -214,6 +214,19 @@ bool SceneInput::focus(const std::string& id) {
   return found;
 }
 
+bool SceneInput::reveal(const std::string& id) {
+  const std::function<Node*(Node&)> search = [&](Node& node) -> Node* {
+    if (node.attributes.key == id) return &node;
+    for (const auto& child : node.children) {
+      if (Node* found = search(*child)) return found;
+    }
+    return nullptr;
+  };
+  Node* const found = search(scene_.root());
+  if (found) focus_.reveal(*found);
+  return found;
+}
+
 /// The content may have moved under a resting pointer, and views may have gone.
 void SceneInput::sceneMoved() {
   gestures_.cancelVanished();

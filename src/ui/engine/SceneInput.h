@@ -43,6 +43,8 @@ class SceneInput {
   /// Gives it, as if by a key, to the first control in the view of that id. @return false where there is
   /// none
   bool focus(const std::string& id);
+  /// Scrolls until the view of that id can be seen. @return false where there is none
+  bool reveal(const std::string& id);
   /// Gives it the focus. `shown`: as if by a key.
   void focus(Node& node, bool shown) { focus_.moveTo(&node, shown); }
 
