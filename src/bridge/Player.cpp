@@ -143,7 +143,12 @@ void Player::apply(GVariant* properties) {
   if (const Owned<GVariant> metadata{
           g_variant_lookup_value(properties, "Metadata", G_VARIANT_TYPE_VARDICT)}) {
     Track track = Track::from(metadata.get());
-    if (track.isAnotherThan(track_)) setPosition(0);
+    if (track.isAnotherThan(track_)) {
+      setPosition(0);
+    } else if (track.artUrl.empty() && track.artist == track_.artist) {
+      // Of the same track some players (Firefox) tell the cover once, and not with what changes later.
+      track.artUrl = track_.artUrl;
+    }
     if (track != track_) {
       track_ = std::move(track);
       onChange_();

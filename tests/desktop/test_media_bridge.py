@@ -223,6 +223,8 @@ class MediaBridge(unittest.TestCase):
         player.play(status="Paused")
         paused = self.wait_for_line(playing=False)
         self.assertEqual((paused["artworkId"], "artwork" in paused), (line["artworkId"], False))
+        player.play(metadata={"title": "1", "album": "told later, without the cover"})
+        self.assertEqual(self.wait_for_line(album="told later, without the cover")["artworkId"], line["artworkId"])
         player.play(metadata={"title": "2", "art": second}, status="Playing")
         other = self.wait_for_cover()
         self.assertNotIn(other["artworkId"], (0, line["artworkId"]))
