@@ -65,6 +65,13 @@ class Sway(PrivateDesktop):
             self.hand.stdin.close()
             self.hand.stdout.close()
 
+    def start_overlay(self, defaults=None, arguments=()):
+        super().start_overlay(defaults, arguments)
+        # It hears and follows before its window shows.
+        maps = Path(f"/proc/{self.overlay.pid}/maps")
+        wait_until(lambda: self.overlay_runs() and "wayland-shm" in maps.read_text(), "the overlay's window")
+        return self.overlay
+
     def message(self, *words):
         """What sway answers to a message."""
         return subprocess.run(["swaymsg", *words], env=self.environment, capture_output=True, text=True,

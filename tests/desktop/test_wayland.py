@@ -1,7 +1,9 @@
 """The overlay on a Wayland compositor that gives its window a layer."""
 
+from pathlib import Path
+
 from desktop import wait_until
-from desktop_test import CLAUDE, EXPANDED, HIDDEN, HOVERED, DesktopTest
+from desktop_test import BANNER, CLAUDE, EXPANDED, HIDDEN, HOVERED, DesktopTest
 from sway import Sway
 
 
@@ -9,72 +11,115 @@ class Wayland(DesktopTest):
     def make_desktop(self):
         return Sway()
 
-    def start_terminal(self):
-        """It fills the screen and writes down what reaches it: clicks and keys."""
-        self.desktop.start(["foot", "-o", "colors.background=00d0d0", "sh", "-c",
-                            r"stty raw -echo; printf '\033[?1000h'; cat > heard"])
-        self.desktop.wait_for_window("foot")
-        return self.desktop.home / "heard"
+    def start_neighbour(self, *arguments, platform="wayland"):
+        # Fixed as it is here: its cursor and icon themes are not looked for.
+        self.neighbour = self.desktop.start(
+            ["/usr/bin/python3", Path(__file__).with_name("neighbour.py"), *arguments],
+            environment={"GDK_BACKEND": platform})
+        self.hears("ready")
+        wait_until(self.neighbour_has_keyboard, "the other window to have the keyboard")
 
-    def heard(self, what):
-        wait_until(lambda: what in (self.desktop.home / "heard").read_bytes(), f"the terminal to hear {what}")
+    def heard(self):
+        return self.neighbour.log.read_text().splitlines()
 
-    def terminal_has_keyboard(self):
-        return self.desktop.windows()["foot"]["focused"]
+    def hears(self, line):
+        wait_until(lambda: line in self.heard(), f"the other window to hear of {line}")
+
+    def neighbour_has_keyboard(self):
+        return [line for line in self.heard() if line.startswith("focus")][-1:] == ["focus in"]
 
     def click_at(self, x, y):
         self.desktop.move_pointer(x, y)
         self.desktop.click()
 
+    def start_working_session(self):
+        self.desktop.hook(hook_event_name="UserPromptSubmit", session_id="a", cwd="/src/shop", prompt="go")
+        self.desktop.wait_for_notch(*CLAUDE)
+
     def test_it_takes_the_pointer_on_its_surface_only(self):
-        self.start_terminal()
+        self.start_neighbour()
         self.desktop.start_overlay()
         self.hover_notch()
         self.desktop.wait_for_notch(*HOVERED)
         self.desktop.click()
         self.desktop.wait_for_notch(*EXPANDED)
-        self.click_at(self.middle, 400)
-        self.desktop.wait_for_notch(*HIDDEN)
-        self.heard(b"\x1b[M")
-        heard = (self.desktop.home / "heard").read_bytes()
-        for place in ((self.middle, 120), (self.middle - 240, 10)):
+        beside = ((self.middle, 400), (self.middle, 120), (self.middle - 240, 10))
+        for place in beside:
             self.click_at(*place)
-            self.heard(heard + b"\x1b[M")
-            heard = (self.desktop.home / "heard").read_bytes()
+            self.hears("click %d %d" % place)
+            self.desktop.wait_for_notch(*HIDDEN)
+        heard = {line for line in self.heard() if line.startswith("click")}
+        self.assertEqual(heard, {"click %d %d" % place for place in beside})
 
     def test_it_has_the_keyboard_while_a_note_is_written(self):
-        self.start_terminal()
+        self.start_neighbour()
         self.desktop.start_overlay()
         self.desktop.open_page("notes")
         self.desktop.wait_for_notch(*EXPANDED)
+        self.assertTrue(self.neighbour_has_keyboard(), "a click alone took the keyboard")
         self.click_at(self.middle, 100)
         notes = self.desktop.home / ".local/share/Tarnwick/notes.txt"
-        wait_until(lambda: not self.terminal_has_keyboard(), "the keyboard")
+        wait_until(lambda: not self.neighbour_has_keyboard(), "the keyboard")
         self.desktop.key("a")
         wait_until(lambda: notes.exists() and notes.read_text() == "a", "the note to be saved")
         self.leave_notch()
         self.desktop.wait_for_notch(*HIDDEN)
-        wait_until(self.terminal_has_keyboard, "the keyboard to be given back")
+        wait_until(self.neighbour_has_keyboard, "the keyboard to be given back")
         self.desktop.key("b")
-        self.heard(b"b")
+        self.hears("key b")
 
     def test_who_opened_it_by_keyboard_leaves_it_by_a_click_elsewhere(self):
-        self.start_terminal()
+        self.start_neighbour()
         self.desktop.start_overlay()
         self.desktop.run("--open", "notes")
-        wait_until(lambda: not self.terminal_has_keyboard(), "the keyboard")
+        wait_until(lambda: not self.neighbour_has_keyboard(), "the keyboard")
         self.desktop.wait_for_notch(*EXPANDED)
         self.click_at(self.middle, 400)
         self.desktop.wait_for_notch(*HIDDEN)
-        wait_until(self.terminal_has_keyboard, "the keyboard to be given back")
+        wait_until(self.neighbour_has_keyboard, "the keyboard to be given back")
 
     def test_it_hides_from_what_fills_the_screen(self):
-        self.start_terminal()
+        self.start_neighbour()
         self.desktop.start_overlay()
-        self.desktop.hook(hook_event_name="UserPromptSubmit", session_id="a", cwd="/src/shop", prompt="go")
+        self.start_working_session()
+        self.desktop.key("f")
+        self.desktop.wait_for_notch(*HIDDEN)
+        self.desktop.hook(hook_event_name="Notification", session_id="a", cwd="/src/shop", message="May I?")
+        self.desktop.wait_for_notch(*BANNER)
+        self.desktop.key("f")
         self.desktop.wait_for_notch(*CLAUDE)
-        for command, size in (("fullscreen enable", HIDDEN), ("workspace empty", CLAUDE), ("workspace 1", HIDDEN),
-                              ("fullscreen disable", CLAUDE)):
-            with self.subTest(command):
-                self.desktop.command(command)
-                self.desktop.wait_for_notch(*size)
+
+    def drag_from_neighbour(self, file):
+        self.desktop.move_pointer(self.middle, 600)
+        self.desktop.press()
+        for y in range(600, 0, -59):
+            self.desktop.move_pointer(self.middle, y)
+
+    def test_files_of_other_programs_are_dropped_on_it(self):
+        file = self.desktop.home / "plan.pdf"
+        file.write_text("x")
+        self.start_neighbour(file)
+        self.desktop.start_overlay()
+        self.drag_from_neighbour(file)
+        self.desktop.wait_for_notch(*EXPANDED)
+        self.desktop.release()
+        wait_until(lambda: self.desktop.defaults().get("trayItems") == [str(file)], "the dropped file")
+        self.leave_notch()
+        self.desktop.wait_for_notch(*HIDDEN)
+
+    def test_files_are_dragged_out_to_other_programs(self):
+        file = self.desktop.home / "plan.pdf"
+        file.write_text("x")
+        self.start_neighbour()
+        self.desktop.start_overlay({"trayItems": [str(file)]})
+        self.desktop.open_page("tray")
+        self.desktop.wait_for_notch(*EXPANDED)
+        self.desktop.move_pointer(self.middle - 225, 90)
+        self.desktop.press()
+        for y in range(90, 600, 30):
+            self.desktop.move_pointer(self.middle, y)
+        wait_until(lambda: self.desktop.move_pointer(self.middle, 600) or self.desktop.move_pointer(self.middle, 602)
+                   or "entered" in self.heard(), "the other window to see the drag")
+        self.desktop.release()
+        self.hears(file.as_uri())
+        self.desktop.wait_for_notch(*HIDDEN)

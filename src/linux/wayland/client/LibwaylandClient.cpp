@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <map>
 
+#include "linux/wayland/client/PlasmaToplevels.h"
 #include "linux/wayland/client/ToolkitResources.h"
 #include "linux/wayland/client/WlrToplevels.h"
 
@@ -31,12 +32,12 @@ class Globals {
   bool has(const wl_interface& interface) const { return offered_.contains(interface.name); }
   /// Null when it is not offered. Its events come with the toolkit's.
   template<typename T>
-  T* bind(const wl_interface& interface) const {
+  T* bind(const wl_interface& interface, uint32_t newest = ~0U) const {
     const auto found = offered_.find(interface.name);
     if (found == offered_.end()) return nullptr;
     const auto [name, version] = found->second;
-    void* proxy = wl_registry_bind(
-        registry_, name, &interface, std::min(version, static_cast<uint32_t>(interface.version)));
+    const uint32_t known = std::min(newest, static_cast<uint32_t>(interface.version));
+    void* proxy = wl_registry_bind(registry_, name, &interface, std::min(version, known));
     wl_proxy_set_queue(static_cast<wl_proxy*>(proxy), nullptr);
     return static_cast<T*>(proxy);
   }
@@ -78,6 +79,9 @@ void LibwaylandClient::start() {
   if (auto* manager =
           globals.bind<zwlr_foreign_toplevel_manager_v1>(zwlr_foreign_toplevel_manager_v1_interface))
     toplevels_ = std::make_unique<WlrToplevels>(manager);
+  else if (auto* plasma = globals.bind<org_kde_plasma_window_management>(
+               org_kde_plasma_window_management_interface, PlasmaToplevels::version))
+    toplevels_ = std::make_unique<PlasmaToplevels>(plasma);
 }
 
 std::unique_ptr<LayerSurface> LibwaylandClient::makeLayerSurface(QWindow& window, QScreen& screen) {
