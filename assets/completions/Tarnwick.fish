@@ -6,6 +6,8 @@ for program in Tarnwick tarnwick
     complete -c $program -n __fish_is_first_arg -l close -d 'Close the notch'
     complete -c $program -n __fish_is_first_arg -l toggle -d 'Open or close the notch'
     complete -c $program -n __fish_is_first_arg -l next -d 'Go to the session that has waited longest'
+    complete -c $program -n __fish_is_first_arg -l volume -x -a 'up down mute' -d 'Change the volume'
+    complete -c $program -n __fish_is_first_arg -l brightness -x -a 'up down' -d 'Change the brightness'
     complete -c $program -n __fish_is_first_arg -l sessions -d 'Print the sessions as JSON'
     complete -c $program -n '__fish_contains_opt sessions' -l follow -d 'Print a line at each change'
     complete -c $program -n __fish_is_first_arg -l install-hooks -d 'Add the hooks to Claude Code'

@@ -61,6 +61,13 @@ int openThere(StringMap wanted) {
   return OverlayClient::open(sessionBusAddress(), wanted) ? EXIT_SUCCESS : EXIT_FAILURE;
 }
 
+/// @param ways for who has asked for none of them
+int changeLevel(const char* level, std::string_view way, const char* ways) {
+  if (!way.empty()) return openThere({{"action", level}, {"way", std::string(way)}});
+  ::fprintf(stderr, "Tarnwick: --%s takes %s\n", level, ways);
+  return EXIT_FAILURE;
+}
+
 }  // namespace
 
 int main(int count, char** arguments) {
@@ -114,6 +121,10 @@ int main(int count, char** arguments) {
       return openThere({{"action", "toggle"}});
     case Role::next:
       return openThere({{"action", "next"}});
+    case Role::volume:
+      return changeLevel("volume", commandLine.value, "up, down or mute");
+    case Role::brightness:
+      return changeLevel("brightness", commandLine.value, "up or down");
     case Role::sessions:
     case Role::followSessions: {
       const bool follow = commandLine.role == Role::followSessions;

@@ -39,6 +39,12 @@ CommandLine CommandLine::parse(std::span<const char* const> arguments) {
   if (has("--close")) return {Role::close};
   if (has("--toggle")) return {Role::toggle};
   if (has("--next")) return {Role::next};
+  const auto wayOf = [&](std::string_view name, std::initializer_list<std::string_view> ways) {
+    const auto values = valuesOf(name);
+    return !values.empty() && std::ranges::find(ways, values[0]) != ways.end() ? values[0] : "";
+  };
+  if (has("--volume")) return {Role::volume, wayOf("--volume", {"up", "down", "mute"})};
+  if (has("--brightness")) return {Role::brightness, wayOf("--brightness", {"up", "down"})};
   if (has("--sessions")) return {has("--follow") ? Role::followSessions : Role::sessions};
   return {};
 }
@@ -54,6 +60,8 @@ const char* const helpText =
     "  --close                       close it\n"
     "  --toggle                      close it where it is open, else open it\n"
     "  --next                        open the list at the session that has waited for you longest\n"
+    "  --volume up|down|mute         change the volume as the key would, and show it in the notch\n"
+    "  --brightness up|down          the same for the screen's brightness\n"
     "  --sessions [--follow]         print the sessions as JSON, with --follow a line at each change\n"
     "  --install-hooks               add Tarnwick's hooks to ~/.claude/settings.json\n"
     "  --uninstall-hooks             remove them again\n"

@@ -19,6 +19,8 @@ enum class Role {
   close,
   toggle,
   next,
+  volume,
+  brightness,
   sessions,
   followSessions,
   listen,
@@ -29,8 +31,8 @@ enum class Role {
 /// anywhere in the list; unknown arguments are ignored.
 struct CommandLine {
   Role role = Role::application;
-  /// The snapshot's folder, the showcase command, the socket to listen at, or the raw value of the tab to
-  /// open; that may be absent.
+  /// The snapshot's folder, the showcase command, the socket to listen at, the raw value of the tab to
+  /// open, or which way a level goes; the last two are absent where they are none that is known.
   std::string_view value;
   /// The showcase command's argument; empty when there is none.
   std::string_view argument;

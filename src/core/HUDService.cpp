@@ -76,7 +76,10 @@ void HUDService::showVolume() {
 }
 
 bool HUDService::handleMediaKey(const MediaKeyEvent& event) {
-  if (!model_.settings.replaceHUD) return false;
+  return model_.settings.replaceHUD && carryOut(event);
+}
+
+bool HUDService::carryOut(const MediaKeyEvent& event) {
   const double size = event.shift && event.alt ? fineStep : step;
   AudioService& audio = model_.audio;
   switch (event.key) {

@@ -30,6 +30,8 @@ class HUDService {
   void showVolume();
   /// Does what a key stands for. @return false: the key is for the desktop
   bool handleMediaKey(const MediaKeyEvent& event);
+  /// The same whether or not the keys are to be replaced: for who has asked for it by a command.
+  bool carryOut(const MediaKeyEvent& event);
 
  private:
   void followSetting();

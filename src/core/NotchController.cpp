@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <map>
 #include <utility>
 
 #include "platform/HapticPerformer.h"
@@ -156,9 +157,19 @@ void NotchController::handleShowcase(const StringMap& payload) {
 void NotchController::handleOpen(const StringMap& payload) {
   if (valueOf(payload, "window") == "settings") {
     if (onOpenSettings) onOpenSettings();
+  } else if (const auto way = valueOf(payload, "way")) {
+    changeLevel(valueOf(payload, "action").value_or(""), *way);
   } else if (!model_.showcase) {
     act(valueOf(payload, "action").value_or(""), tabNamed(valueOf(payload, "tab").value_or("")));
   }
+}
+
+void NotchController::changeLevel(const std::string& level, const std::string& way) {
+  using enum MediaKey;
+  static const std::map<std::pair<std::string, std::string>, MediaKey> keys{{{"volume", "up"}, soundUp},
+      {{"volume", "down"}, soundDown}, {{"volume", "mute"}, mute}, {{"brightness", "up"}, brightnessUp},
+      {{"brightness", "down"}, brightnessDown}};
+  if (const auto key = keys.find({level, way}); key != keys.end()) hud_->carryOut({.key = key->second});
 }
 
 void NotchController::act(const std::string& action, std::optional<Tab> tab) {

@@ -50,6 +50,7 @@ class NotchController {
   void handleRequest(const PermissionRequests::Request& request);
   void handleShowcase(const StringMap& payload);
   void handleOpen(const StringMap& payload);
+  void changeLevel(const std::string& level, const std::string& way);
   void act(const std::string& action, std::optional<Tab> tab);
   void focusContent(bool onNext);
 

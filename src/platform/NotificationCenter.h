@@ -32,7 +32,7 @@ inline constexpr const char* machineKey = "machine";
 inline constexpr const char* showcaseNotification = "dev.tarnwick.showcase";
 /// The program was started again. Its key "window" says what is wanted: "settings", or else the notch; there
 /// "action" may be "open", "close", "toggle" or "next", for somebody at the keyboard, and "tab" the raw value
-/// of a tab.
+/// of a tab; or "volume" or "brightness", with "way" "up", "down" or "mute", to do what the key would.
 inline constexpr const char* openNotification = "dev.tarnwick.open";
 
 }  // namespace tarnwick

@@ -269,6 +269,13 @@ TEST(Program, PassesOnWhatComesFromElsewhere) {
   expectSilence({"--hook"}, environment);
 }
 
+TEST(Program, SaysWhichWaysALevelGoes) {
+  const PrivateBus bus;
+  const auto result = ChildProcess::run({program, "--volume", "louder"}, at(bus.address()));
+  EXPECT_EQ(result.status, 1);
+  EXPECT_EQ(result.error, "Tarnwick: --volume takes up, down or mute\n");
+}
+
 TEST(Program, SaysThatNoOverlayRuns) {
   const auto expectRefusal = [](const std::string& address, std::vector<std::string> arguments) {
     arguments.insert(arguments.begin(), program);
@@ -280,7 +287,7 @@ TEST(Program, SaysThatNoOverlayRuns) {
   };
   const PrivateBus bus;
   const std::initializer_list<std::vector<std::string>> roles{
-      {"--open", "tray"}, {"--next"}, {"--sessions"}, {"--sessions", "--follow"}};
+      {"--open", "tray"}, {"--next"}, {"--volume", "up"}, {"--sessions"}, {"--sessions", "--follow"}};
   for (const auto& role : roles) expectRefusal(bus.address(), role);
   expectRefusal("", {"--sessions"});
   expectRefusal(FakeBus([](int) {}).address(), {"--sessions"});

@@ -237,6 +237,26 @@ TEST_F(NotchControllerTest, ObeysTheKeyboard) {
   EXPECT_FALSE(model().isExpanded) << "the demonstration is left alone";
 }
 
+TEST_F(NotchControllerTest, ChangesLevelsByCommandsEvenWhereTheKeysStayWithTheDesktop) {
+  desktop.audioDevices.levels[{1, AudioScope::output}] = {0.5, false};
+  desktop.audioDevices.plug({{.id = 1, .name = "Speakers", .hasOutput = true}}, 1, 0);
+  desktop.brightness.plug(0.5);
+  start();
+  model().settings.replaceHUD = false;
+  const struct {
+    const char *level, *way;
+    std::optional<Transient> shown;
+  } cases[] = {{"volume", "up", Transient::hud(HUDKind::volume, 0.5625)},
+      {"volume", "mute", Transient::hud(HUDKind::mute, 0)},
+      {"brightness", "down", Transient::hud(HUDKind::brightness, 0.4375)}, {"brightness", "mute", {}}};
+  for (const auto& c : cases) {
+    pass(5);
+    desktop.notifications.post(openNotification, {{"action", c.level}, {"way", c.way}});
+    EXPECT_EQ(*model().transient, c.shown) << c.level << c.way;
+    EXPECT_FALSE(model().isExpanded);
+  }
+}
+
 TEST_F(NotchControllerTest, HandsOnDemonstrationCommands) {
   start();
   desktop.notifications.post(showcaseNotification, {{"cmd", "begin"}});

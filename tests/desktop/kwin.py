@@ -47,6 +47,12 @@ class KWin(PrivateDesktop):
     def start_hand(self):
         self.hand = self.start([BUILD / "tests/desktop/hand"], stdin=subprocess.PIPE, output=subprocess.PIPE)
 
+    def close(self):
+        super().close()
+        if hasattr(self, "hand"):
+            self.hand.stdin.close()
+            self.hand.stdout.close()
+
     def picture(self, x=0, y=0, width=None, height=None):
         width, height = width or self.size[0] - x, height or self.size[1] - y
         service = self.bus.get_object("org.kde.KWin", "/org/kde/KWin/ScreenShot2")

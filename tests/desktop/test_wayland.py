@@ -1,5 +1,6 @@
 """The overlay on a Wayland compositor that gives its window a layer."""
 
+import itertools
 from pathlib import Path
 
 from desktop import wait_until
@@ -56,7 +57,7 @@ class Wayland(DesktopTest):
         self.desktop.start_overlay()
         self.desktop.open_page("notes")
         self.desktop.wait_for_notch(*EXPANDED)
-        self.assertTrue(self.neighbour_has_keyboard(), "a click alone took the keyboard")
+        wait_until(self.neighbour_has_keyboard, "the other window to have the keyboard after a click on a tab")
         self.click_at(self.middle, 100)
         notes = self.desktop.home / ".local/share/Tarnwick/notes.txt"
         wait_until(lambda: not self.neighbour_has_keyboard(), "the keyboard")
@@ -89,19 +90,22 @@ class Wayland(DesktopTest):
         self.desktop.key("f")
         self.desktop.wait_for_notch(*CLAUDE)
 
-    def drag_from_neighbour(self, file):
-        self.desktop.move_pointer(self.middle, 600)
+    def drag(self, begin, end, arrived, x=None):
+        """Down or up, and about the end until it has arrived: a compositor may look there at the next motion only."""
+        x = x or self.middle
+        self.desktop.move_pointer(x, begin)
         self.desktop.press()
-        for y in range(600, 0, -59):
-            self.desktop.move_pointer(self.middle, y)
+        for step in range(1, 21):
+            self.desktop.move_pointer(x, begin + (end - begin) * step // 20)
+        ways = itertools.cycle((0, 2))
+        wait_until(lambda: self.desktop.move_pointer(self.middle + next(ways), end) or arrived(), "the drag to arrive")
 
     def test_files_of_other_programs_are_dropped_on_it(self):
         file = self.desktop.home / "plan.pdf"
         file.write_text("x")
         self.start_neighbour(file)
         self.desktop.start_overlay()
-        self.drag_from_neighbour(file)
-        self.desktop.wait_for_notch(*EXPANDED)
+        self.drag(600, 10, lambda: self.desktop.top().notch()[1] > 100)
         self.desktop.release()
         wait_until(lambda: self.desktop.defaults().get("trayItems") == [str(file)], "the dropped file")
         self.leave_notch()
@@ -114,12 +118,7 @@ class Wayland(DesktopTest):
         self.desktop.start_overlay({"trayItems": [str(file)]})
         self.desktop.open_page("tray")
         self.desktop.wait_for_notch(*EXPANDED)
-        self.desktop.move_pointer(self.middle - 225, 90)
-        self.desktop.press()
-        for y in range(90, 600, 30):
-            self.desktop.move_pointer(self.middle, y)
-        wait_until(lambda: self.desktop.move_pointer(self.middle, 600) or self.desktop.move_pointer(self.middle, 602)
-                   or "entered" in self.heard(), "the other window to see the drag")
+        self.drag(90, 600, lambda: "entered" in self.heard(), self.middle - 225)
         self.desktop.release()
         self.hears(file.as_uri())
         self.desktop.wait_for_notch(*HIDDEN)

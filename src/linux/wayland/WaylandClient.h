@@ -49,6 +49,9 @@ class Toplevels {
   /// In the order in which they came.
   virtual std::vector<Toplevel> all() const = 0;
   virtual void activate(uint32_t id) = 0;
+  /// Gives the keyboard, which a layer has had, to the window that had it before, where the compositor does not
+  /// do so by itself.
+  virtual void giveBackKeyboard() = 0;
   /// The list has become another one.
   std::function<void()> onChange;
   /// A window of a program was given the keyboard; also for a moment only, as with sway when somebody clicks

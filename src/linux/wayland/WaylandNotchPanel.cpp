@@ -153,12 +153,15 @@ void WaylandNotchPanel::resignKey() {
   if (window_.isActiveWindow()) QGuiApplication::inputMethod()->commit();
   if (QWidget* editor = window_.focusWidget()) editor->clearFocus();
   if (std::exchange(wantsKeyboard_, false) && layer_) layer_->setKeyboard(LayerSurface::Keyboard::none);
+  if (window_.isActiveWindow() && client_.toplevels()) client_.toplevels()->giveBackKeyboard();
 }
 
 void WaylandNotchPanel::keyChanged(bool has) {
   if (layer_ && wantsKeyboard_) {
     layer_->setKeyboard(has ? LayerSurface::Keyboard::onDemand : LayerSurface::Keyboard::none);
   }
+  // Some compositors give it to whatever is clicked on.
+  if (has && !wantsKeyboard_) return resignKey();
   wantsKeyboard_ = wantsKeyboard_ && has;
   if (onKeyChange) onKeyChange(has);
 }

@@ -75,6 +75,11 @@ void PlasmaToplevels::activate(uint32_t id) {
   wl_display_flush(toolkitDisplay());
 }
 
+void PlasmaToplevels::giveBackKeyboard() {
+  if (std::ranges::none_of(entries_, [](const auto& entry) { return entry->toplevel.active; }))
+    activate(lastActive_);
+}
+
 void PlasmaToplevels::add(uint32_t number) {
   org_kde_plasma_window* window = org_kde_plasma_window_management_get_window(manager_, number);
   auto& entry = entries_.emplace_back(std::make_unique<Entry>(Entry{*this, window, {.id = ++lastId_}}));
@@ -93,6 +98,7 @@ void PlasmaToplevels::setState(Entry& entry, uint32_t flags) {
   toplevel.active = flags & ORG_KDE_PLASMA_WINDOW_MANAGEMENT_STATE_ACTIVE;
   toplevel.fullScreen = flags & ORG_KDE_PLASMA_WINDOW_MANAGEMENT_STATE_FULLSCREEN;
   toplevel.hidden = flags & ORG_KDE_PLASMA_WINDOW_MANAGEMENT_STATE_MINIMIZED;
+  if (toplevel.active) lastActive_ = toplevel.id;
   if (toplevel.active && !wasActive && onActivate) onActivate();
   changed();
 }

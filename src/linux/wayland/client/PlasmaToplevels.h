@@ -19,6 +19,7 @@ class PlasmaToplevels : public Toplevels {
 
   std::vector<Toplevel> all() const override;
   void activate(uint32_t id) override;
+  void giveBackKeyboard() override;
 
  private:
   struct Entry {
@@ -37,6 +38,8 @@ class PlasmaToplevels : public Toplevels {
   static const org_kde_plasma_window_listener windowListener;
   org_kde_plasma_window_management* manager_;
   uint32_t lastId_ = 0;
+  /// The window that has the keyboard, or had it last.
+  uint32_t lastActive_ = 0;
   std::vector<std::unique_ptr<Entry>> entries_;
 };
 

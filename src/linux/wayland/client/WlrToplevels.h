@@ -14,6 +14,7 @@ class WlrToplevels : public Toplevels {
 
   std::vector<Toplevel> all() const override;
   void activate(uint32_t id) override;
+  void giveBackKeyboard() override {}
 
  private:
   struct Entry {
