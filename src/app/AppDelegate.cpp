@@ -42,7 +42,13 @@ QIcon applicationIcon(Scheduler& scheduler) {
 
 }  // namespace
 
-AppDelegate::AppDelegate(DisplayConnection& connection) : display_(connection.start(scheduler_)) {}
+AppDelegate::AppDelegate(DisplayConnection& connection)
+    : display_(connection.start(scheduler_)), shortcutKeys_(makeShortcuts()) {}
+
+std::unique_ptr<GlobalShortcuts> AppDelegate::makeShortcuts() {
+  auto own = display_->makeShortcuts();
+  return own ? std::move(own) : std::make_unique<PortalShortcuts>(sessionBus_);
+}
 
 void AppDelegate::openThere(bool settings) {
   notifications_.post(openNotification, {{"window", settings ? "settings" : "notch"}});
@@ -78,8 +84,12 @@ void AppDelegate::applicationDidFinishLaunching(bool withSettings) {
       .permissions = permissions_};
   controller_ =
       std::make_unique<NotchController>(desktop, [this](NotchModel& model) { return makePanel(model); });
+  shortcuts_.emplace(controller_->model().settings, *shortcutKeys_, [this](const std::string& action) {
+    notifications_.receive(openNotification, {{"window", "notch"}, {"action", action}});
+  });
   settings_.emplace(SettingsContext{.model = controller_->model(),
       .hud = controller_->hud(),
+      .shortcuts = *shortcuts_,
       .loginItem = loginItem_,
       .pages = settingsPages_,
       .hooks = hooks_,
@@ -107,6 +117,7 @@ void AppDelegate::applicationDidFinishLaunching(bool withSettings) {
     calendars_.connect();
     appearance_.connect();
     listenElsewhere();
+    shortcuts_->start();
   });
 }
 

@@ -6,6 +6,7 @@
 #include "app/HookProgram.h"
 #include "cli/EventListener.h"
 #include "core/NotchController.h"
+#include "core/ShortcutService.h"
 #include "linux/bus/BacklightBrightness.h"
 #include "linux/bus/BluezDevices.h"
 #include "linux/bus/DBusNotificationCenter.h"
@@ -14,6 +15,7 @@
 #include "linux/bus/MessageBus.h"
 #include "linux/bus/PermissionsObject.h"
 #include "linux/bus/PortalAppearance.h"
+#include "linux/bus/PortalShortcuts.h"
 #include "linux/bus/SessionsObject.h"
 #include "linux/bus/UPowerSources.h"
 #include "linux/calendar/EvolutionCalendars.h"
@@ -56,6 +58,7 @@ class AppDelegate {
   void applicationWillTerminate();
 
  private:
+  std::unique_ptr<GlobalShortcuts> makeShortcuts();
   void listenElsewhere();
   std::unique_ptr<NotchPanel> makePanel(NotchModel& model);
   void openSettings();
@@ -97,6 +100,8 @@ class AppDelegate {
   std::unique_ptr<NotchController> controller_;
   Subscription sessionChanges_, disclosures_;
   Task showing_;
+  const std::unique_ptr<GlobalShortcuts> shortcutKeys_;
+  std::optional<ShortcutService> shortcuts_;
   std::optional<Showcase> showcase_;
   AutostartEntry loginItem_{folders_, commandPath()};
   DesktopSettingsPages settingsPages_;

@@ -4,7 +4,7 @@
 
 namespace tarnwick {
 
-/// The user's preferences: switches that read and write like a `bool` and survive restarts.
+/// The user's preferences: switches that read and write like a `bool`, and texts. They survive restarts.
 class AppSettings : public ObservableObject {
  public:
   /// One switch. An assignment is stored at once, whether or not it changes anything; observers are told only
@@ -21,6 +21,21 @@ class AppSettings : public ObservableObject {
     AppSettings& owner_;
     const char* key_;
     Observed<bool> value_;
+  };
+
+  /// One text, empty unless it is set. It is stored like a switch.
+  class Text {
+   public:
+    Text(AppSettings& owner, const char* key);
+    Text(const Text&) = delete;
+    Text& operator=(const Text& other) { return *this = *other.value_; }
+    Text& operator=(const std::string& value);
+    const std::string& operator*() const { return *value_; }
+
+   private:
+    AppSettings& owner_;
+    const char* key_;
+    Observed<std::string> value_;
   };
 
   /// Reads all switches; one that is missing or no boolean in `defaults` takes its default value. `defaults`
@@ -46,6 +61,9 @@ class AppSettings : public ObservableObject {
   Flag claudeSounds{*this, "claudeSounds", true};
   /// Permissions that Claude Code asks for can be given in the notch.
   Flag answerPermissions{*this, "answerPermissions", true};
+  /// Keys of the whole session, as of `KeyChord`, for the commands of these names.
+  Text toggleShortcut{*this, "toggleShortcut"};
+  Text nextShortcut{*this, "nextShortcut"};
 };
 
 }  // namespace tarnwick

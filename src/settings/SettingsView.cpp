@@ -41,6 +41,7 @@ SettingsView::SettingsView(const SettingsContext& context) : context_(context), 
   addGeneral();
   addActivities();
   addKeys();
+  addShortcuts();
   addClaudeCode();
   auto* quit = button(text("Quit Tarnwick", "Quitter Tarnwick"));
   connect(quit, &QPushButton::clicked, this, [this] { context_.quit(); });
@@ -49,7 +50,9 @@ SettingsView::SettingsView(const SettingsContext& context) : context_(context), 
   form_->addStretch();
 
   subscriptions_ = {context_.model.settings.observe([this] { followSettings(); }),
-      context_.model.calendar.observe([this] { followSettings(); })};
+      context_.model.calendar.observe([this] { followSettings(); }),
+      context_.shortcuts.shortcuts().observe([this] { followShortcuts(); })};
+  context_.shortcuts.shortcuts().look();
   trust_ = context_.scheduler.every(trustInterval, [this] { lookForTrust(); });
   followSettings();
   lookForTrust();
@@ -132,6 +135,63 @@ void SettingsView::addKeys() {
   card.addBelow(keysCaption_);
 }
 
+void SettingsView::addShortcuts() {
+  SettingsCard& card = addSection(text("Keyboard shortcuts", "Raccourcis clavier"));
+  for (const auto& action : context_.shortcuts.actions()) {
+    auto* keys = new ShortcutButton;
+    const QString title = QString::fromStdString(action.title);
+    keys->setAccessibleName(title);
+    keys->onRecording = [this](bool recording) {
+      context_.shortcuts.pause(recording);
+      followShortcuts();
+    };
+    keys->onChord = [this, name = action.name](const auto& chord) { context_.shortcuts.assign(name, chord); };
+    shortcuts_.push_back(keys);
+    shortcutRows_.push_back(labelledRow(title, {keys}));
+    card.add(shortcutRows_.back());
+  }
+  shortcutsCaption_ = caption("");
+  card.addBelow(shortcutsCaption_);
+}
+
+void SettingsView::followShortcuts() {
+  using State = GlobalShortcuts::Result::State;
+  const GlobalShortcuts& shortcuts = context_.shortcuts.shortcuts();
+  for (QWidget* row : shortcutRows_) row->setVisible(shortcuts.available);
+  QString explanation =
+      shortcuts.available
+          ? QString()
+          : text(
+                "This desktop lets no program set shortcuts. Set some in its keyboard settings for the "
+                "commands "
+                "“Tarnwick --toggle” and “Tarnwick --next”.",
+                "Ce bureau ne laisse aucun programme définir de raccourcis. Définissez-en dans ses réglages "
+                "du "
+                "clavier pour les commandes « Tarnwick --toggle » et « Tarnwick --next ».");
+  const auto actions = context_.shortcuts.actions();
+  for (size_t index = 0; index < actions.size(); ++index) {
+    ShortcutButton* button = shortcuts_[index];
+    const auto chord = KeyChord::parse(*actions[index].chord);
+    const auto found = shortcuts.results->find(actions[index].name);
+    const auto result = found == shortcuts.results->end() ? std::nullopt : std::optional(found->second);
+    const QString keys =
+        result && !result->keys.empty() ? QString::fromStdString(result->keys)
+        : chord                         ? ShortcutButton::name(*chord)
+                                        : text("None", "Aucun");
+    button->show(keys);
+    if (button->isRecording()) {
+      explanation = text("Escape leaves it as it is, Backspace removes it.",
+          "Échap n'y change rien, Retour arrière le supprime.");
+    } else if (chord && result && result->state == State::taken) {
+      explanation = text("Another program uses ", "Un autre programme utilise ") + keys + '.';
+    } else if (chord && result && result->state == State::refused) {
+      explanation = text("The desktop does not allow ", "Le bureau ne permet pas ") + keys + '.';
+    }
+  }
+  shortcutsCaption_->setText(explanation);
+  shortcutsCaption_->setVisible(!explanation.isEmpty());
+}
+
 void SettingsView::addClaudeCode() {
   SettingsCard& card = addSection("Claude Code");
   addToggle(card, text("Notification sounds", "Sons de notification"), context_.model.settings.claudeSounds);
@@ -149,6 +209,7 @@ void SettingsView::followSettings() {
   for (const auto& [row, flag] : toggles_) row->setChecked(*flag);
   const bool isAsked = context_.model.settings.calendarEnabled && !context_.model.calendar.authorized;
   for (QWidget* row : calendarAccess_) row->setVisible(isAsked);
+  followShortcuts();
 }
 
 void SettingsView::lookForTrust() {

@@ -7,11 +7,13 @@
 
 #include "core/HUDService.h"
 #include "core/NotchModel.h"
+#include "core/ShortcutService.h"
 #include "platform/DesktopAppearance.h"
 #include "platform/HookSetup.h"
 #include "platform/LoginItem.h"
 #include "platform/SettingsPages.h"
 #include "settings/SettingsForm.h"
+#include "settings/ShortcutButton.h"
 #include "settings/SwitchRow.h"
 
 namespace tarnwick {
@@ -20,6 +22,7 @@ namespace tarnwick {
 struct SettingsContext {
   NotchModel& model;
   HUDService& hud;
+  ShortcutService& shortcuts;
   LoginItem& loginItem;
   SettingsPages& pages;
   HookSetup& hooks;
@@ -46,9 +49,11 @@ class SettingsView : public QScrollArea {
   void addGeneral();
   void addActivities();
   void addKeys();
+  void addShortcuts();
   void addClaudeCode();
 
   void followSettings();
+  void followShortcuts();
   void lookForTrust();
   void changeHooks();
 
@@ -60,6 +65,10 @@ class SettingsView : public QScrollArea {
   QLabel* allowed_ = nullptr;
   QLabel* keysCaption_ = nullptr;
   QPushButton* allow_ = nullptr;
+  /// In the order of the service's actions.
+  std::vector<ShortcutButton*> shortcuts_;
+  std::vector<QWidget*> shortcutRows_;
+  QLabel* shortcutsCaption_ = nullptr;
   QPushButton* hooks_ = nullptr;
   QLabel* hooksProblem_ = nullptr;
   /// They are being added or removed.

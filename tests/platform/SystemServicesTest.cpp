@@ -13,6 +13,7 @@
 #include "linux/bus/BluezDevices.h"
 #include "linux/bus/DesktopDeviceSharing.h"
 #include "linux/bus/PortalAppearance.h"
+#include "linux/bus/PortalShortcuts.h"
 #include "linux/bus/UPowerSources.h"
 #include "linux/calendar/EvolutionCalendar.h"
 #include "platform/TestDesktop.h"
@@ -415,6 +416,89 @@ TEST_F(SystemServicesTest, SendsFilesToWhoIsThere) {
 }
 
 /// A calendar service that opens no calendar.
+/// The shortcuts of a desktop's portal, with a user who agrees to them while `response` is 0.
+class ShortcutPortal : public QDBusVirtualObject {
+ public:
+  QString introspect(const QString&) const override { return {}; }
+  bool handleMessage(const QDBusMessage& message, const QDBusConnection& bus) override {
+    calls << message.member();
+    const auto reply = [&](const QVariant& answer) { bus.send(message.createReply(answer)); };
+    const QString client = message.service().mid(1).replace('.', '_');
+    if (message.member() == "Get") {
+      reply(QVariant::fromValue(QDBusVariant(version)));
+    } else if (message.member() == "CreateSession") {
+      const auto options = qdbus_cast<QVariantMap>(message.arguments().at(0));
+      session = "/session/" + client + "/" + options["session_handle_token"].toString();
+      answer(bus, message, options, 0, {{"session_handle", session}});
+    } else if (message.member() == "BindShortcuts") {
+      asked = message.signature();
+      QVariantMap results;
+      // What the user has agreed to is told as it was asked for, with the keys.
+      results["shortcuts"] = message.arguments().at(1);
+      answer(bus, message, qdbus_cast<QVariantMap>(message.arguments().at(3)), response, results);
+    } else if (message.member() == "Close") {
+      closed = message.path();
+      bus.send(message.createReply());
+    }
+    return true;
+  }
+  void press(const QDBusConnection& bus, const QString& whose, const QString& shortcut) {
+    auto signal = QDBusMessage::createSignal(
+        "/org/freedesktop/portal/desktop", "org.freedesktop.portal.GlobalShortcuts", "Activated");
+    signal << QVariant::fromValue(QDBusObjectPath(whose)) << shortcut << qulonglong(1) << QVariantMap();
+    bus.send(signal);
+  }
+
+  uint version = 1, response = 0;
+  QStringList calls;
+  QString session, asked, closed;
+
+ private:
+  static void answer(const QDBusConnection& bus, const QDBusMessage& message, const QVariantMap& options,
+      uint response, const QVariantMap& results) {
+    const QString request = "/request/" + options["handle_token"].toString();
+    bus.send(message.createReply(QVariant::fromValue(QDBusObjectPath(request))));
+    auto signal = QDBusMessage::createSignal(request, "org.freedesktop.portal.Request", "Response");
+    signal << response << results;
+    bus.send(signal);
+  }
+};
+
+TEST_F(SystemServicesTest, ShortcutsAreAskedOfThePortal) {
+  ShortcutPortal portal;
+  connection->registerVirtualObject("/", &portal, QDBusConnection::SubPath);
+  ASSERT_TRUE(connection->registerService("org.freedesktop.portal.Desktop"));
+  systemBus.open();
+  ASSERT_TRUE(waitUntil([&] { return systemBus.connection().has_value(); }));
+  PortalShortcuts shortcuts(systemBus);
+  std::vector<std::string> presses;
+  shortcuts.onPress = [&](const std::string& name) { presses.push_back(name); };
+  EXPECT_THAT(portal.calls, IsEmpty()) << "not before somebody wants one";
+  using State = GlobalShortcuts::Result::State;
+  shortcuts.set({{"toggle", {*KeyChord::parse("Ctrl+Super+n"), "Open it"}}});
+  const auto state = [&] { return shortcuts.results->at("toggle").state; };
+  EXPECT_EQ(state(), State::asking);
+  ASSERT_TRUE(waitUntil([&] { return state() != State::asking; }));
+  EXPECT_EQ(state(), State::works);
+  EXPECT_EQ(portal.asked, "oa(sa{sv})sa{sv}");
+  EXPECT_TRUE(shortcuts.available);
+
+  portal.press(*connection, "/session/of/another", "toggle");
+  portal.press(*connection, portal.session, "unknown");
+  portal.press(*connection, portal.session, "toggle");
+  EXPECT_TRUE(waitUntil([&] { return !presses.empty(); }));
+  EXPECT_THAT(presses, ElementsAre("toggle"));
+
+  const QString before = portal.session;
+  portal.response = 1;
+  shortcuts.set({{"toggle", {*KeyChord::parse("Super+m"), "Open it"}}});
+  ASSERT_TRUE(waitUntil([&] { return state() != State::asking; }));
+  EXPECT_EQ(state(), State::refused);
+  EXPECT_EQ(portal.closed, before);
+  shortcuts.set({});
+  EXPECT_TRUE(waitUntil([&] { return portal.closed == portal.session; }));
+}
+
 class FailingCalendarService : public QDBusVirtualObject {
  public:
   QString introspect(const QString&) const override { return {}; }

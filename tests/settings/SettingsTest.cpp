@@ -3,6 +3,7 @@
 
 #include <QApplication>
 #include <QCheckBox>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QPushButton>
 #include <optional>
@@ -10,6 +11,7 @@
 #include "settings/SettingsWindow.h"
 #include "support/ForcedLanguage.h"
 #include "support/MemoryDesktop.h"
+#include "support/MemoryShortcuts.h"
 
 namespace tarnwick {
 namespace {
@@ -80,8 +82,10 @@ class SettingsTest : public testing::Test {
   MemorySettingsPages pages;
   MemoryHookSetup hooks;
   int quits = 0;
-  SettingsWindow settings{{model, hud, loginItem, pages, hooks, desktop.appearance, desktop.scheduler, false,
-      [this] { ++quits; }}};
+  MemoryShortcuts keys;
+  ShortcutService shortcuts{model.settings, keys, {}};
+  SettingsWindow settings{{model, hud, shortcuts, loginItem, pages, hooks, desktop.appearance,
+      desktop.scheduler, false, [this] { ++quits; }}};
 };
 
 TEST_F(SettingsTest, EachSwitchIsItsPreference) {
@@ -202,6 +206,47 @@ TEST_F(SettingsTest, TheKeysAreTakenOverOnceTheyAreFree) {
   EXPECT_FALSE(hud.hasTap()) << "the desktop's own display is back at once";
   desktop.scheduler.advance(1.5);
   EXPECT_FALSE(hud.hasTap());
+}
+
+TEST_F(SettingsTest, ShortcutsAreRecorded) {
+  shortcuts.start();
+  keys.foreign = {"Alt+F4"};
+  open();
+  const auto type = [this](int key, uint32_t symbol, Qt::KeyboardModifiers held = {}) {
+    QKeyEvent press(QEvent::KeyPress, key, held, 0, symbol, 0);
+    QApplication::sendEvent(window()->focusWidget(), &press);
+  };
+  const auto says = [this](const char* text) { return find<QLabel>(text) != nullptr; };
+  press("None");
+  EXPECT_TRUE(find<QPushButton>("Press the keys…"));
+  EXPECT_TRUE(keys.isPaused);
+  EXPECT_TRUE(says("Escape leaves it as it is, Backspace removes it."));
+  type(Qt::Key_N, 'n');
+  type(Qt::Key_Super_L, 0xffeb, Qt::MetaModifier);
+  EXPECT_TRUE(keys.isPaused) << "nobody may take a letter from all programs";
+  type(Qt::Key_N, 'N', Qt::MetaModifier | Qt::ShiftModifier);
+  EXPECT_FALSE(keys.isPaused);
+  EXPECT_EQ(keys.chords, (std::map<std::string, std::string>{{"toggle", "Shift+Super+n"}}));
+  EXPECT_EQ(desktop.defaults.strings("toggleShortcut"), std::vector<std::string>{"Shift+Super+n"});
+
+  press("Shift + Super + N");
+  type(Qt::Key_F4, 0xffc1, Qt::AltModifier);
+  EXPECT_TRUE(says("Another program uses Alt + F4."));
+  press("Alt + F4");
+  type(Qt::Key_Escape, 0xff1b);
+  EXPECT_TRUE(find<QPushButton>("Alt + F4")) << "Escape has left the recording, not the window";
+  press("Alt + F4");
+  type(Qt::Key_Backspace, 0xff08);
+  EXPECT_TRUE(keys.chords.empty());
+  EXPECT_FALSE(says("Another program uses Alt + F4."));
+  press("None");
+  close();
+  EXPECT_FALSE(keys.isPaused) << "closed while it recorded";
+
+  keys.available = false;
+  open();
+  EXPECT_FALSE(find<QPushButton>("None"));
+  close();
 }
 
 TEST_F(SettingsTest, TheHooksRowTellsWhatHasCome) {

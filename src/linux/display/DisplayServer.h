@@ -9,6 +9,7 @@
 
 #include "base/Scheduler.h"
 #include "core/NotchPanel.h"
+#include "platform/GlobalShortcuts.h"
 #include "platform/MediaKeys.h"
 #include "platform/Screens.h"
 #include "platform/WindowActivation.h"
@@ -57,6 +58,8 @@ class DisplayServer {
   virtual MediaKeys& mediaKeys() = 0;
   /// The icon theme that programs on it are told; empty: they are told none.
   virtual std::string iconTheme() const { return {}; }
+  /// None where the desktop's portal has them, if anybody.
+  virtual std::unique_ptr<GlobalShortcuts> makeShortcuts() { return nullptr; }
 
   /// A window may be larger than the surface, which can cast a shadow then.
   virtual bool hasRoomForShadow() const = 0;

@@ -1,6 +1,7 @@
 #include "linux/x11/X11DisplayServer.h"
 
 #include "linux/x11/X11NotchPanel.h"
+#include "linux/x11/X11Shortcuts.h"
 
 namespace tarnwick {
 namespace {
@@ -29,6 +30,10 @@ std::unique_ptr<DisplayConnection> connectToX11() {
 
 X11DisplayServer::X11DisplayServer(X11Connection& connection, Scheduler& scheduler)
     : connection_(connection), scheduler_(scheduler) {}
+
+std::unique_ptr<GlobalShortcuts> X11DisplayServer::makeShortcuts() {
+  return connection_.isXWayland() ? nullptr : std::make_unique<X11Shortcuts>(connection_, scheduler_);
+}
 
 std::unique_ptr<HostingPanel> X11DisplayServer::makePanel(PanelContent content) {
   return std::make_unique<X11NotchPanel>(connection_, screens_, scheduler_, std::move(content));

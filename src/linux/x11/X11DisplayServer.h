@@ -19,6 +19,7 @@ class X11DisplayServer : public DisplayServer {
   WindowActivation& activation() override { return activation_; }
   MediaKeys& mediaKeys() override { return mediaKeys_; }
   std::string iconTheme() const override { return xSetting(connection_, "Net/IconThemeName"); }
+  std::unique_ptr<GlobalShortcuts> makeShortcuts() override;
 
   /// Under XWayland it is as large as the surface.
   bool hasRoomForShadow() const override { return !connection_.isXWayland(); }

@@ -4,6 +4,8 @@
 
 #include <algorithm>
 
+#include "linux/x11/X11KeyGrab.h"
+
 namespace tarnwick {
 namespace {
 
@@ -27,35 +29,19 @@ class X11MediaKeys::Tap {
   Tap(X11Connection& connection, std::vector<Key> keys, Handler handler)
       : connection_(connection), keys_(std::move(keys)), handler_(std::move(handler)) {}
 
-  ~Tap() {
-    // Also after a grab that failed in part: only own grabs are touched.
-    for (const Key& key : keys_) {
-      xcb_ungrab_key(connection_, key.keycode, connection_.root(), XCB_MOD_MASK_ANY);
-    }
-    xcb_flush(connection_);
-  }
-
   bool grab() {
-    std::vector<xcb_void_cookie_t> cookies;
-    for (const Key& key : keys_) {
-      cookies.push_back(xcb_grab_key_checked(connection_, 1, connection_.root(), XCB_MOD_MASK_ANY,
-          key.keycode, XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC));
-    }
-    bool grabbed = true;
-    for (const auto cookie : cookies) grabbed &= owned(xcb_request_check(connection_, cookie)) == nullptr;
-    return grabbed;
+    std::vector<X11KeyGrab::Key> keys;
+    for (const Key& key : keys_) keys.push_back({key.keycode, XCB_MOD_MASK_ANY});
+    grab_.emplace(connection_, std::move(keys));
+    return grab_->isComplete();
   }
 
   void handle(const xcb_key_press_event_t& event, bool down) {
     const auto key = std::find_if(
         keys_.begin(), keys_.end(), [&](const Key& candidate) { return candidate.keycode == event.detail; });
     if (key == keys_.end()) return;
-    // A key that repeats is released and pressed at the same instant.
-    const auto now = std::make_pair(event.detail, event.time);
-    const bool repeats = down && lastRelease_ == now;
-    if (!down) lastRelease_ = now;
     // Holding the mute key must not toggle for ever.
-    if (repeats && key->meaning == MediaKey::mute) return;
+    if (repeats_.isRepeat(event, down) && key->meaning == MediaKey::mute) return;
     handler_({.key = key->meaning,
         .down = down,
         .shift = (event.state & XCB_MOD_MASK_SHIFT) != 0,
@@ -70,7 +56,8 @@ class X11MediaKeys::Tap {
   X11Connection& connection_;
   const std::vector<Key> keys_;
   const Handler handler_;
-  std::optional<std::pair<xcb_keycode_t, xcb_timestamp_t>> lastRelease_;
+  X11KeyRepeats repeats_;
+  std::optional<X11KeyGrab> grab_;
 };
 
 X11MediaKeys::X11MediaKeys(X11Connection& connection, Scheduler& scheduler)
