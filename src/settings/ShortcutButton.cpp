@@ -29,8 +29,6 @@ ShortcutButton::ShortcutButton() {
   connect(this, &QPushButton::clicked, this, [this] { record(!isRecording_); });
 }
 
-ShortcutButton::~ShortcutButton() { record(false); }
-
 void ShortcutButton::show(const QString& keys) {
   keys_ = keys;
   if (!isRecording_) setText(keys);
@@ -84,6 +82,11 @@ void ShortcutButton::keyPressEvent(QKeyEvent* event) {
 void ShortcutButton::focusOutEvent(QFocusEvent* event) {
   record(false);
   QPushButton::focusOutEvent(event);
+}
+
+void ShortcutButton::hideEvent(QHideEvent* event) {
+  record(false);
+  QPushButton::hideEvent(event);
 }
 
 void ShortcutButton::record(bool recording) {

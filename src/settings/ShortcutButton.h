@@ -12,7 +12,6 @@ namespace tarnwick {
 class ShortcutButton : public QPushButton {
  public:
   ShortcutButton();
-  ~ShortcutButton() override;
 
   /// The recording begins or ends.
   std::function<void(bool recording)> onRecording;
@@ -30,6 +29,7 @@ class ShortcutButton : public QPushButton {
   bool event(QEvent* event) override;
   void keyPressEvent(QKeyEvent* event) override;
   void focusOutEvent(QFocusEvent* event) override;
+  void hideEvent(QHideEvent* event) override;
 
  private:
   void record(bool recording);
