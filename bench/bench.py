@@ -163,7 +163,7 @@ def behind_a_flood(desktop, usual):
 
 def start_to_first_frame(desktop, events):
     """Until the first pixel of the surface is to be seen; the pointer rests on it, so that it comes up."""
-    desktop.move_pointer(desktop.size[0] // 2, 10)
+    desktop.move_pointer(desktop.size[0] // 2, 0)
     nothing = events.folder / "nothing"
     nothing.touch()
     times = {"overlay": [], "window": []}

@@ -49,6 +49,8 @@ class AppSettings : public ObservableObject {
  public:
   /// The notch opens when the pointer rests on it.
   Flag expandOnHover{*this, "expandOnHover.v2", false};
+  /// On a screen without a camera, the pointer against the screen's edge brings the notch that cannot be seen.
+  Flag comesAtEdge{*this, "comesAtEdge", true};
   /// No session and now-playing wings while another program fills the screen.
   Flag hideInFullscreen{*this, "hideInFullscreen", true};
   Flag haptics{*this, "haptics", true};

@@ -76,6 +76,8 @@ class NotchModel : public ObservableObject {
   Presentation presentation() const { return presentation_.get(); }
   /// The size of the black surface, in points.
   Size size() const;
+  /// There is something of the surface on the screen: at rest it shows around a camera only.
+  bool isSeen() const { return hasNotch || isHovering || presentation() != Presentation::idle; }
 
   /// Shows an indicator for that many seconds, in place of the one on show. Nothing while expanded. @return
   /// whether it is shown

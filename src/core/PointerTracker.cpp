@@ -24,6 +24,8 @@ Rect surfaceRect(Size panel, Size surface) {
   return {(panel.width - surface.width) / 2, -2, surface.width, surface.height + 2};
 }
 Rect hoverArea(const Rect& surface) { return surface.grownBy(3, 3); }
+/// Where a pointer that is pushed against the edge of the screen ends up: its first row.
+Rect edgeArea(const Rect& surface) { return {surface.x, -2, surface.width, 3}; }
 /// The way to it from the surface counts as well.
 Rect floatingArea(const Rect& floating) { return floating.grownBy(4, 8); }
 Rect dragCatchArea(const Rect& surface) { return surface.grownBy(140, 110); }
@@ -48,6 +50,8 @@ PointerTracker::PointerTracker(
 
 void PointerTracker::start() {
   dragChangeCount_ = pointer_.dragChangeCount();
+  // A pointer that is at the edge already has rested there.
+  atEdgeSince_ = -std::numeric_limits<double>::infinity();
   trackMouse();
 }
 
@@ -77,7 +81,8 @@ PointerTracker::PointerState PointerTracker::pointerState() const {
 
 PointerTracker::NotchState PointerTracker::notchState() const {
   return {model_.size(), model_.floating, model_.isExpanded, model_.isHovering, model_.isDraggingFiles,
-      model_.isDropTargeted, model_.showcase, model_.settings.expandOnHover};
+      model_.isDropTargeted, model_.isSeen(), model_.showcase, model_.settings.expandOnHover,
+      model_.settings.comesAtEdge};
 }
 
 void PointerTracker::trackMouse() {
@@ -93,8 +98,9 @@ void PointerTracker::trackMouse() {
 
   const double now = scheduler_.uptime();
   const Rect surface = surfaceRect(panel_.size(), notch.size);
+  const bool called = callsFromEdge(pointer, surface, now);
   const bool overSurface =
-      contains(hoverArea(surface), pointer.position) ||
+      (notch.isSeen ? contains(hoverArea(surface), pointer.position) : called) ||
       (notch.floating && contains(floatingArea(*notch.floating), pointer.position));
   holding_ = holdsGesture(pointer, overSurface);
   inside_ = overSurface || holding_;
@@ -107,11 +113,7 @@ void PointerTracker::trackMouse() {
     pointerIsOutside(now);
   }
 
-  const Rect shown = surfaceRect(panel_.size(), model_.size());
-  setPointerArea(
-      model_.isDraggingFiles ? dragKeepArea(shown)
-      : draggingFiles        ? dragCatchArea(shown)
-                             : hoverArea(shown));
+  setPointerArea(takenArea(draggingFiles));
 
   // A pointer on its way is somewhere else at the next tick: looking costs less than being told of each step.
   if (moved || notchState() != notch || timeCouldChangeSomething()) {
@@ -119,6 +121,30 @@ void PointerTracker::trackMouse() {
   } else {
     sleep();
   }
+}
+
+/// @return whether the pointer has rested against the edge for long enough to bring a notch that cannot be
+/// seen
+bool PointerTracker::callsFromEdge(const PointerState& pointer, const Rect& surface, double now) {
+  const bool rests =
+      !model_.isSeen() && model_.settings.comesAtEdge && !pointer.buttonDown &&
+      contains(edgeArea(surface), pointer.position);
+  if (!rests) {
+    atEdgeSince_.reset();
+  } else if (!atEdgeSince_) {
+    atEdgeSince_ = now;
+  }
+  return atEdgeSince_ && now - *atEdgeSince_ > dwell;
+}
+
+/// A notch that cannot be seen takes no click, and no more of the pointer than it needs to feel it.
+std::optional<Rect> PointerTracker::takenArea(bool draggingFiles) const {
+  const Rect surface = surfaceRect(panel_.size(), model_.size());
+  if (model_.isDraggingFiles) return dragKeepArea(surface);
+  if (draggingFiles) return dragCatchArea(surface);
+  if (model_.isSeen()) return hoverArea(surface);
+  if (pointer_.isKnownEverywhere() || !model_.settings.comesAtEdge) return std::nullopt;
+  return edgeArea(surface);
 }
 
 bool PointerTracker::holdsGesture(const PointerState& pointer, bool overSurface) const {
@@ -189,7 +215,7 @@ void PointerTracker::setPointerArea(const std::optional<Rect>& area) {
 }
 
 bool PointerTracker::timeCouldChangeSomething() const {
-  if (letGoAt_) return true;
+  if (letGoAt_ || atEdgeSince_) return true;
   if (inside_) return model_.settings.expandOnHover && !model_.isExpanded && !pointerSeen_.buttonDown;
   return model_.isHovering || (model_.isExpanded && !heldOpen_ && !model_.isDraggingFiles);
 }

@@ -44,7 +44,7 @@ class PointerTracker {
     Size size;
     std::optional<Rect> floating;
     bool isExpanded = false, isHovering = false, isDraggingFiles = false, isDropTargeted = false;
-    bool showcase = false, expandOnHover = false;
+    bool isSeen = false, showcase = false, expandOnHover = false, comesAtEdge = false;
     friend bool operator==(const NotchState&, const NotchState&) = default;
   };
 
@@ -53,6 +53,8 @@ class PointerTracker {
 
   void trackMouse();
   bool followFileDrag(const PointerState& pointer, const Rect& surface, double now);
+  bool callsFromEdge(const PointerState& pointer, const Rect& surface, double now);
+  std::optional<Rect> takenArea(bool draggingFiles) const;
   void pointerIsInside(const PointerState& pointer, double now);
   void pointerIsOutside(double now);
   void setPointerArea(const std::optional<Rect>& area);
@@ -72,6 +74,8 @@ class PointerTracker {
   // Times are uptimes in seconds.
   double lastInside_ = -std::numeric_limits<double>::infinity();
   std::optional<double> enteredAt_;
+  /// Since when the pointer rests against the edge where a notch that cannot be seen is.
+  std::optional<double> atEdgeSince_;
   int dragChangeCount_ = 0;
   /// A button was held at some time during the drag over the notch.
   bool dragHasButton_ = false;

@@ -16,6 +16,8 @@ class Pointer {
   /// In the panel's coordinates, also beside the panel; none where the session does not tell (the pointer is
   /// over another program's window).
   virtual std::optional<Point> position() const = 0;
+  /// The session tells its position wherever it is, not over the panel only.
+  virtual bool isKnownEverywhere() const = 0;
   /// One of the buttons is held, as far as the session tells. A wheel has none.
   virtual bool buttonDown() const = 0;
 

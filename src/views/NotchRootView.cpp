@@ -63,7 +63,6 @@ View surface(NotchModel& model, Namespace names, const TextMemory& notes,
   const Shape shape = NotchShape(notchFlare, notchBottomRadius(presentation, model.isHovering));
   const bool expanded = presentation == Presentation::expanded;
   const bool casts = roomForShadow && (expanded || presentation == Presentation::banner);
-  const bool hidden = presentation == Presentation::idle && !model.hasNotch && !model.isHovering;
   return ZStack(
       UnitPoint::top, {topStrip(model, names, openSettings), banner(model), body(model, names, notes)})
       .padding(Edge::horizontal, notchFlare)
@@ -73,7 +72,7 @@ View surface(NotchModel& model, Namespace names, const TextMemory& notes,
       .clipShape(shape)
       .shadow(black(casts ? 0.35 : 0), 8, {0, 3})
       .shadow(black(casts ? 0.3 : 0), 26, {0, 10})
-      .opacity(hidden ? 0 : 1)
+      .opacity(model.isSeen() ? 1 : 0)
       .contentShape(shape)
       .accessibility(
           expanded ? Role::none : Role::button, expanded ? "" : tr("Open Tarnwick", "Ouvrir Tarnwick"))

@@ -74,6 +74,7 @@ TEST_F(NotchControllerTest, LiesOverTheNotchOfTheRightScreen) {
 }
 
 TEST_F(NotchControllerTest, LooksAtThePointerWhereThePanelGoesNext) {
+  desktop.screens.set({notched});
   desktop.pointer.move(Point{470, 10});
   start();
   EXPECT_TRUE(model().isHovering) << "before the window shows";
@@ -81,7 +82,7 @@ TEST_F(NotchControllerTest, LooksAtThePointerWhereThePanelGoesNext) {
   // It lies elsewhere on a panel that has moved, and nobody tells of that.
   desktop.pointer.setWantsActivity(false);
   desktop.pointer.move(Point{-1000, 10});
-  desktop.screens.set({notched});
+  desktop.screens.set({plain, notched});
   pass(1);
   EXPECT_FALSE(model().isHovering);
   const double before = panel->pointerArea->x;
@@ -258,6 +259,7 @@ TEST_F(NotchControllerTest, ChangesLevelsByCommandsEvenWhereTheKeysStayWithTheDe
 }
 
 TEST_F(NotchControllerTest, HandsOnDemonstrationCommands) {
+  desktop.screens.set({notched});
   start();
   desktop.notifications.post(showcaseNotification, {{"cmd", "begin"}});
   std::vector<std::string> heard;

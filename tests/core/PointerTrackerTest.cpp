@@ -71,6 +71,56 @@ TEST_F(PointerTrackerTest, HoversAtTheEdgesOfTheSurface) {
   EXPECT_FALSE(model.isHovering) << "a pointer that nobody sees is outside";
 }
 
+TEST_F(PointerTrackerTest, ComesFromTheEdgeWhereItCannotBeSeen) {
+  model.hasNotch = false;
+  pass(2 * tick);
+  EXPECT_EQ(panel.pointerArea, std::nullopt) << "what lies below loses no click";
+  const struct {
+    Point point;
+    double rest;
+    bool comes;
+  } cases[] = {
+      {{470, 0}, 0.32, true},
+      {{470, 0}, 0.28, false},
+      {{470, 1}, 1, false},
+      {{371.5, 0.9}, 1, true},
+      {{371.4, 0}, 1, false},
+      {{568.5, 0}, 1, false},
+  };
+  for (const auto& c : cases) {
+    moveTo(farAway, 1);
+    moveTo(c.point, c.rest);
+    EXPECT_EQ(model.isHovering, c.comes) << c.point.x << ", " << c.point.y << " for " << c.rest;
+    EXPECT_EQ(panel.pointerArea.has_value(), c.comes);
+  }
+  moveTo(farAway, 1);
+  desktop.pointer.press();
+  moveTo({470, 0}, 1);
+  EXPECT_FALSE(model.isHovering) << "a button is held";
+  desktop.pointer.release();
+  pass(0.35);
+  ASSERT_TRUE(model.isHovering);
+  moveTo({470, 30}, 1);
+  EXPECT_TRUE(model.isHovering) << "now it is there";
+  moveTo(farAway, 1);
+  EXPECT_FALSE(model.isHovering);
+  EXPECT_TRUE(asleep());
+
+  // Where only a window feels the pointer.
+  desktop.pointer.knownEverywhere = false;
+  model.setHovering(true);
+  pass(1);
+  EXPECT_EQ(panel.pointerArea, (Rect{371.5, -2, 197, 3}));
+  model.settings.comesAtEdge = false;
+  pass(2 * tick);
+  EXPECT_EQ(panel.pointerArea, std::nullopt);
+  moveTo({470, 0}, 1);
+  EXPECT_FALSE(model.isHovering);
+  model.claude.handle({{"hook_event_name", "PreToolUse"}});
+  moveTo({470, 10});
+  EXPECT_TRUE(model.isHovering) << "there is something to be seen";
+}
+
 TEST_F(PointerTrackerTest, EntryIsFeltOnceAndHoverEndsSoonAfterLeaving) {
   moveTo(onNotch);
   EXPECT_TRUE(model.isHovering);
@@ -415,6 +465,7 @@ TEST(PointerTrackerTwins, SleepingMakesNoDifference) {
       [](Stage& s) { s.model.collapse(); },
       [](Stage& s) { s.model.settings.expandOnHover = true; },
       [](Stage& s) { s.model.settings.expandOnHover = false; },
+      [](Stage& s) { s.model.settings.comesAtEdge = !s.model.settings.comesAtEdge; },
       [](Stage& s) {
         s.model.claude.handle({{"hook_event_name", "PreToolUse"}});
       },
@@ -430,6 +481,7 @@ TEST(PointerTrackerTwins, SleepingMakesNoDifference) {
   for (int run = 0; run < 100; ++run) {
     // One of the two is woken at every tick, whether or not something has happened.
     Stage sleepy, wakeful;
+    sleepy.model.hasNotch = wakeful.model.hasNotch = run % 2 == 0;
     const Task alarm = wakeful.desktop.scheduler.every(tick, [&] { wakeful.desktop.pointer.report(); });
     for (int step = 0; step < 300; ++step) {
       // Half of the time the pointer moves, mostly about the edges that matter.

@@ -210,7 +210,7 @@ class PrivateDesktop:
     def open_page(self, tab):
         """Opens the notch by a tap and selects a tab: home, audio, claude, tray or notes."""
         middle = self.size[0] // 2
-        self.move_pointer(middle, 10)
+        self.move_pointer(middle, 0)
         # As wide as what it shows needs.
         self.wait_for(lambda picture: picture.notch()[1] == HOVERED[1], "the hovered notch")
         self.click()
@@ -257,11 +257,11 @@ class Desktop(PrivateDesktop):
 
     def start_overlay(self, defaults=None, arguments=()):
         super().start_overlay(defaults, arguments)
-        # It hears and follows before its window shows, which is open to the pointer at the top only.
-        wait_until(lambda: self.overlay_runs() and 0 < self._height_open_to_pointer() < 100, "the overlay's window")
+        # It hears and follows before its window shows, which is open to the pointer at the top at most.
+        wait_until(lambda: self.overlay_runs() and self.height_open_to_pointer() < 100, "the overlay's window")
         return self.overlay
 
-    def _height_open_to_pointer(self):
+    def height_open_to_pointer(self):
         for window in self.root.query_tree().children:
             try:
                 process = self._property(window, "_NET_WM_PID")
@@ -271,7 +271,7 @@ class Desktop(PrivateDesktop):
                     return max((area.y + area.height for area in areas), default=0)
             except BadWindow:
                 pass  # it has gone meanwhile
-        return 0
+        return self.size[1]
 
     def paint_wallpaper(self, colour_of_row):
         """Fills the root window, for the server and for the compositor alike."""

@@ -38,7 +38,7 @@ class DesktopTest(unittest.TestCase):
             print(f"picture: {path}")
 
     def hover_notch(self):
-        self.desktop.move_pointer(self.middle, 10)
+        self.desktop.move_pointer(self.middle, 0)
 
     def leave_notch(self):
         self.desktop.move_pointer(self.middle, self.desktop.size[1] - 50)

@@ -39,6 +39,7 @@ class Pointer(DesktopTest):
         self.leave_notch()
         self.desktop.wait_for_notch(*HIDDEN)
         self.hover_notch()
+        self.desktop.wait_for_notch(*HOVERED)
         self.desktop.click()
         self.desktop.wait_for_notch(*EXPANDED)
         self.leave_notch()

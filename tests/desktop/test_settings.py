@@ -60,6 +60,7 @@ class Settings(DesktopTest):
         overlay = self.desktop.start_overlay()
         for _ in range(2):
             self.hover_notch()
+            wait_until(self.desktop.height_open_to_pointer, "the notch to come")
             self.desktop.click()
             self.wait_for_body()
             self.desktop.move_pointer(self.middle + 250, 12)

@@ -16,6 +16,7 @@ class WaylandPointer : public QObject, public Pointer {
 
   /// Also beside the window while a button is held that went down in it.
   std::optional<Point> position() const override { return position_; }
+  bool isKnownEverywhere() const override { return false; }
   bool buttonDown() const override { return buttonDown_; }
   /// Of this window's drags only.
   int dragChangeCount() const override { return dragChangeCount_; }

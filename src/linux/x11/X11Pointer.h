@@ -15,6 +15,7 @@ class X11Pointer : public Pointer {
 
   /// Under XWayland none while the pointer is over no X window: where it is then, the server is not told.
   std::optional<Point> position() const override;
+  bool isKnownEverywhere() const override { return !connection_.isXWayland(); }
   bool buttonDown() const override;
   int dragChangeCount() const override { return dragChangeCount_; }
   /// Tells files from everything else: the list holds their type or nothing.

@@ -77,6 +77,7 @@ class MemoryScreens : public Screens {
 class MemoryPointer : public Pointer {
  public:
   std::optional<Point> position() const override { return position_; }
+  bool isKnownEverywhere() const override { return knownEverywhere; }
   bool buttonDown() const override { return buttonDown_; }
   int dragChangeCount() const override { return dragChangeCount_; }
   std::optional<std::vector<std::string>> dragTypes() const override { return dragTypes_; }
@@ -94,6 +95,8 @@ class MemoryPointer : public Pointer {
   void tellDragTypes(std::vector<std::string> types);
   /// Says that something may have happened.
   void report();
+
+  bool knownEverywhere = true;
 
  private:
   std::optional<Point> position_ = Point{-10'000, -10'000};
