@@ -1,11 +1,16 @@
 """The overlay on a Wayland compositor that gives its window a layer."""
 
 import itertools
+import json
+import subprocess
+import sys
+import time
 from pathlib import Path
 
-from desktop import wait_until
+from desktop import PROGRAM, wait_until
 from desktop_test import BANNER, CLAUDE, EXPANDED, HIDDEN, HOVERED, DesktopTest
 from sway import Sway
+from test_terminals import PROGRAM_IN_TERMINAL
 
 
 class Wayland(DesktopTest):
@@ -89,6 +94,39 @@ class Wayland(DesktopTest):
         self.desktop.wait_for_notch(*BANNER)
         self.desktop.key("f")
         self.desktop.wait_for_notch(*CLAUDE)
+
+    def swaymsg(self, *arguments):
+        return subprocess.run(["swaymsg", *arguments], env=self.desktop.environment, capture_output=True,
+                              check=True).stdout
+
+    def active(self):
+        def windows(node):
+            yield node
+            for each in node["nodes"] + node["floating_nodes"]:
+                yield from windows(each)
+        tree = json.loads(self.swaymsg("-rt", "get_tree"))
+        return [each["name"] for each in windows(tree) if each["focused"]]
+
+    def test_a_click_on_a_session_leads_to_its_terminal(self):
+        # Below the notch.
+        for rule in ("floating enable", "resize set 400 200", "move position 40 500"):
+            self.swaymsg(f'for_window [app_id="foot"] {rule}')
+        self.desktop.start_overlay()
+        for name in ("shop", "bakery"):
+            said = self.desktop.root_folder / f"{name}-has-said-it"
+            self.desktop.start(["foot", "-T", name, sys.executable, "-c", PROGRAM_IN_TERMINAL, PROGRAM, name, said])
+            wait_until(said.exists, f"the session in {name}")
+            wait_until(lambda: self.active() == [name], f"{name} to be active")
+        # The one heard of last is on top.
+        for row, name in ((1, "shop"), (0, "bakery")):
+            self.desktop.open_page("claude")
+            self.desktop.wait_for_notch(*EXPANDED)
+            self.click_at(self.middle, 50 + 42 * row)
+            start = time.monotonic()
+            wait_until(lambda: self.active() == [name], f"{name} to be active")
+            print(f"to the window in {1000 * (time.monotonic() - start):.0f} ms")
+            self.leave_notch()
+            self.desktop.wait_for_notch(*CLAUDE)
 
     def drag(self, begin, end, arrived, x=None):
         """Down or up, and about the end until it has arrived: a compositor may look there at the next motion only."""

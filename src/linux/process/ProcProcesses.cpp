@@ -6,11 +6,11 @@
 
 #include <QSocketNotifier>
 #include <algorithm>
-#include <charconv>
 #include <filesystem>
 #include <fstream>
 
 #include "base/Descriptor.h"
+#include "base/ProcessStatus.h"
 
 namespace tarnwick {
 namespace {
@@ -64,18 +64,6 @@ std::string argumentsOf(int32_t process) {
   return text;
 }
 
-/// 0 when it has none here.
-int32_t parentOf(int32_t process) {
-  // A name may hold brackets and blanks; nothing behind it does.
-  const std::string line = beginning(folderOf(process) + "/stat", 512);
-  const size_t end = line.rfind(')');
-  int32_t parent = 0;
-  if (end != line.npos && line.size() > end + 4) {
-    std::from_chars(line.data() + end + 4, line.data() + line.size(), parent);
-  }
-  return parent;
-}
-
 }  // namespace
 
 Subscription ProcProcesses::watch(const ForeignProcess& process, std::function<void()> ended) {
@@ -98,8 +86,11 @@ std::vector<ForeignProcesses::Child> ProcProcesses::children(const ForeignProces
 std::vector<int32_t> ProcProcesses::ancestors(const ForeignProcess& process) {
   std::vector<int32_t> ancestors;
   if (!isKnown(process)) return ancestors;
-  for (int32_t next = process.number; next > 1 && ancestors.size() < mostAncestors; next = parentOf(next))
+  for (int32_t next = process.number; next > 1 && ancestors.size() < mostAncestors;) {
     ancestors.push_back(next);
+    const auto status = ProcessStatus::of(next);
+    next = status ? status->parent : 0;
+  }
   return ancestors;
 }
 
