@@ -257,6 +257,12 @@ TEST(SceneWidget, hostsTheToolkitsEditorInPlaceAtRestAndAsAPictureOnItsWay) {
   state.text = "rewritten";
   frame();
   EXPECT_EQ(edit->toPlainText(), "rewritten");
+  EXPECT_LT(edit->cursorRect().right(), 60);
+  state.text = "\u05e9\u05dc\u05d5\u05dd";
+  frame();
+  EXPECT_GT(edit->cursorRect().left(), 115) << "read from the right";
+  state.text = "rewritten";
+  frame();
   press(Qt::Key_Tab, "\t");
   EXPECT_EQ(Inspector(widget.scene()).focused()->interaction()->accessibilityName, "next");
   EXPECT_FALSE(edit->hasFocus());

@@ -3,6 +3,8 @@
 #include <QPainter>
 #include <QPointer>
 #include <QTextBlock>
+#include <QTextLayout>
+#include <algorithm>
 #include <utility>
 
 #include "base/L10n.h"
@@ -11,6 +13,27 @@
 #include "ui/paint/FontBook.h"
 
 namespace tarnwick::ui {
+namespace {
+
+/// Has paragraphs that are read from the right begin there.
+class BothDirections : public QPlainTextDocumentLayout {
+ public:
+  using QPlainTextDocumentLayout::QPlainTextDocumentLayout;
+
+  QRectF blockBoundingRect(const QTextBlock& block) const override {
+    // Whoever is after a place in the paragraph has to ask for this first.
+    const QRectF rect = QPlainTextDocumentLayout::blockBoundingRect(block);
+    const bool fromRight = block.isValid() && block.textDirection() == Qt::RightToLeft;
+    const QTextLayout* const lines = fromRight ? block.layout() : nullptr;
+    for (int i = 0; lines && i < lines->lineCount(); ++i) {
+      QTextLine line = lines->lineAt(i);
+      line.setPosition({std::max(0.0, line.width() - line.naturalTextWidth()), line.y()});
+    }
+    return rect;
+  }
+};
+
+}  // namespace
 
 /// Leaves to the scene what is the scene's: the background, menus, and the keys that move the focus.
 class TextWidget::Edit : public QPlainTextEdit {
@@ -20,7 +43,10 @@ class TextWidget::Edit : public QPlainTextEdit {
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     setContextMenuPolicy(Qt::NoContextMenu);
-    document()->setDocumentMargin(0);
+    auto* text = new QTextDocument(this);
+    text->setDocumentLayout(new BothDirections(text));
+    text->setDocumentMargin(0);
+    setDocument(text);
     viewport()->setAutoFillBackground(false);
     setAutoFillBackground(false);
     hide();
@@ -100,6 +126,8 @@ void TextWidget::setLook(const Font& font, Color color) {
   QPalette palette = edit_->palette();
   palette.setColor(QPalette::Text, toQt(color));
   palette.setColor(QPalette::Base, Qt::transparent);
+  palette.setColor(QPalette::Highlight, toQt(color.opacity(0.3)));
+  palette.setColor(QPalette::HighlightedText, toQt(color));
   edit_->setPalette(palette);
 }
 
