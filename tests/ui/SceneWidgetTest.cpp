@@ -207,11 +207,13 @@ TEST(SceneWidget, hostsTheToolkitsEditorInPlaceAtRestAndAsAPictureOnItsWay) {
   const State<bool> focus(false);
   std::string keyboard;
   SceneWidget widget(scheduler, {200, 100}, observing([&, memory = makeTextMemory()] {
-    const View editor = TextEditor({.name = "Notes",
-        .text = state.text,
-        .changed = [&](const auto& text) { state.text = text; },
-        .focus = focus,
-        .memory = memory});
+    const View editor = TextEditor(
+        {.name = "Notes",
+            .text = state.text,
+            .changed = [&](const auto& text) { state.text = text; },
+            .focus = focus,
+            .memory = memory})
+                            .id("editor");
     return VStack({}, {state.shown ? editor.frame({.width = 120, .height = 60}) : View(),
                           Button({.name = "next", .label = Text("Next"), .action = [] {}})})
         .opacity(state.opacity);
@@ -300,6 +302,11 @@ TEST(SceneWidget, hostsTheToolkitsEditorInPlaceAtRestAndAsAPictureOnItsWay) {
   state.shown = false;
   frame();
   showAgain();
+  QApplication::focusWidget()->clearFocus();
+  frame();
+  EXPECT_FALSE(focus.get());
+  EXPECT_TRUE(widget.scene().input().focus("editor"));
+  EXPECT_TRUE(edit->hasFocus()) << "it had the scene's focus all the time";
   const auto undo = [&] {
     static_cast<QPlainTextEdit*>(QApplication::focusWidget())->undo();
     frame();

@@ -52,7 +52,8 @@ void Focus::moveTo(Node* node, bool shown) {
   }
   shown_ = shown;
   showRing(true);
-  if (another) tell(true);
+  // Also what has it already, which may have lost it to the window.
+  tell(true);
   if (next && shown) reveal(*next);
 }
 
