@@ -13,16 +13,17 @@ from sway import Sway
 from test_terminals import PROGRAM_IN_TERMINAL
 
 
+def start_neighbour(desktop, *arguments):
+    return desktop.start(["/usr/bin/python3", Path(__file__).with_name("neighbour.py"), *arguments],
+                         environment={"GDK_BACKEND": "wayland"})
+
+
 class Wayland(DesktopTest):
     def make_desktop(self):
         return Sway()
 
-    def start_neighbour(self, *arguments, platform="wayland"):
-        # Fixed as it is here: its cursor and icon themes are not looked for.
-        self.neighbour = self.desktop.start(
-            ["/usr/bin/python3", Path(__file__).with_name("neighbour.py"), *arguments],
-            environment={"GDK_BACKEND": platform})
-        self.hears("ready")
+    def start_neighbour(self, *arguments):
+        self.neighbour = start_neighbour(self.desktop, *arguments)
         wait_until(self.neighbour_has_keyboard, "the other window to have the keyboard")
 
     def heard(self):

@@ -89,6 +89,7 @@ void X11NotchPanel::orderFrontRegardless() {
 void X11NotchPanel::setPointerArea(const std::optional<Rect>& area) {
   if (area == pointerArea_) return;
   pointerArea_ = area;
+  if (connection_.isXWayland()) applySurface();
   applyPointerArea();
 }
 
@@ -101,7 +102,10 @@ void X11NotchPanel::surfaceChanged() {
 void X11NotchPanel::applySurface() {
   if (connection_.isXWayland()) {
     // Clicks on the empty part of a window never reach Wayland windows below it, whatever its shape.
-    const QRect surface = roundedOut(surface_().frame.united(floating_), 1) & content_.rect();
+    // While nothing is to be seen, it is there for the pointer only.
+    const PanelContent::Surface shown = surface_();
+    const Rect seen = shown.outline.isEmpty() ? pointerArea_.value_or(Rect{}) : shown.frame;
+    const QRect surface = roundedOut(seen.united(floating_), 1) & content_.rect();
     // Before its first layout there is nothing to cover.
     const QRect part = surface.isEmpty() ? QRect(content_.width() / 2, 0, 1, 1) : surface;
     const QRect place = part.translated(int(frame_.x), int(frame_.y));
