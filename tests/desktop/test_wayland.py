@@ -129,6 +129,30 @@ class Wayland(DesktopTest):
             self.leave_notch()
             self.desktop.wait_for_notch(*CLAUDE)
 
+    def test_two_fingers_open_and_close_it(self):
+        self.desktop.start_overlay()
+        self.hover_notch()
+        self.desktop.wait_for_notch(*HOVERED)
+        for way, size in ((4, EXPANDED), (-4, HOVERED)):
+            for _ in range(6):
+                self.desktop.play("scroll", 0, way)
+            self.desktop.play("lift")
+            self.desktop.wait_for_notch(*size)
+
+    def test_it_follows_its_output_and_ends_with_the_compositor(self):
+        self.desktop.start_overlay()
+        self.start_working_session()
+        for command, points in (("resolution 1000x700", 1000), ("scale 2", 500), ("transform 90", 350)):
+            with self.subTest(command):
+                self.desktop.command("output HEADLESS-1", command)
+                def notch_is_in_the_middle(points=points):
+                    picture = self.desktop.picture(0, 0, points, 20)
+                    begin = picture.width // 2 - 5
+                    return picture.count((0, 0, 0), begin, 2, begin + 10, 8) == 60
+                wait_until(notch_is_in_the_middle, "the notch in the middle of the output")
+        self.desktop.compositor.kill()
+        wait_until(lambda: self.desktop.overlay.poll() is not None, "the overlay to end")
+
     def drag(self, begin, end, arrived, x=None):
         """Down or up, and about the end until it has arrived: a compositor may look there at the next motion only."""
         x = x or self.middle
@@ -144,7 +168,7 @@ class Wayland(DesktopTest):
         file.write_text("x")
         self.start_neighbour(file)
         self.desktop.start_overlay()
-        self.drag(600, 10, lambda: self.desktop.top().notch()[1] > 100)
+        self.drag(600, 0, lambda: self.desktop.top().notch()[1] > 100)
         self.desktop.release()
         wait_until(lambda: self.desktop.defaults().get("trayItems") == [str(file)], "the dropped file")
         self.leave_notch()

@@ -82,7 +82,8 @@ static void play(const char* line) {
     }
   } else if (!strncmp(line, "lift", 4)) {
     zwlr_virtual_pointer_v1_axis_source(mouse, WL_POINTER_AXIS_SOURCE_FINGER);
-    for (uint32_t axis = 0; axis < 2; ++axis) zwlr_virtual_pointer_v1_axis_stop(mouse, now(), axis);
+    // That of an axis along which nothing was scrolled would end sway 1.7.
+    zwlr_virtual_pointer_v1_axis_stop(mouse, now(), WL_POINTER_AXIS_VERTICAL_SCROLL);
   } else if (sscanf(line, "key %u", &code) == 1 && keyboard) {
     zwp_virtual_keyboard_v1_key(keyboard, now(), code, WL_KEYBOARD_KEY_STATE_PRESSED);
     zwp_virtual_keyboard_v1_key(keyboard, now(), code, WL_KEYBOARD_KEY_STATE_RELEASED);
