@@ -139,7 +139,7 @@ class Wayland(DesktopTest):
             self.desktop.play("lift")
             self.desktop.wait_for_notch(*size)
 
-    def test_it_follows_its_output_and_ends_with_the_compositor(self):
+    def test_it_follows_its_output(self):
         self.desktop.start_overlay()
         self.start_working_session()
         for command, points in (("resolution 1000x700", 1000), ("scale 2", 500), ("transform 90", 350)):
@@ -150,8 +150,24 @@ class Wayland(DesktopTest):
                     begin = picture.width // 2 - 5
                     return picture.count((0, 0, 0), begin, 2, begin + 10, 8) == 60
                 wait_until(notch_is_in_the_middle, "the notch in the middle of the output")
+
+    def test_notes_survive_the_end_of_the_compositor(self):
+        self.start_neighbour()
+        self.desktop.start_overlay()
+        self.desktop.run("--open", "notes")
+        wait_until(lambda: not self.neighbour_has_keyboard(), "the keyboard")
+        self.desktop.wait_for_notch(*EXPANDED)
+        before = self.desktop.top().data
+        self.desktop.key("a")
+
+        def letter_shows():
+            now = self.desktop.top().data
+            # The caret alone is sixteen pixels.
+            return sum(before[i:i + 4] != now[i:i + 4] for i in range(0, len(now), 4)) > 100
+        wait_until(letter_shows, "the letter")
         self.desktop.compositor.kill()
         wait_until(lambda: self.desktop.overlay.poll() is not None, "the overlay to end")
+        self.assertEqual((self.desktop.home / ".local/share/Tarnwick/notes.txt").read_text(), "a")
 
     def drag(self, begin, end, arrived, x=None):
         """Down or up, and about the end until it has arrived: a compositor may look there at the next motion only."""

@@ -4,12 +4,22 @@
 #include <QDir>
 #include <algorithm>
 #include <cstdio>
+#include <cstdlib>
 
 #include "linux/process/Module.h"
 #include "linux/wayland/WaylandNotchPanel.h"
 
 namespace tarnwick {
 namespace {
+
+QtMessageHandler printMessage = nullptr;
+
+/// When the compositor goes, the toolkit says so and ends the process without its exit handlers, which write
+/// what is not written yet. They are run before it gets to that.
+void noteMessage(QtMsgType type, const QMessageLogContext& context, const QString& text) {
+  printMessage(type, context, text);
+  if (text.startsWith("The Wayland connection")) std::exit(EXIT_FAILURE);
+}
 
 class WaylandConnection : public DisplayConnection {
  public:
@@ -19,6 +29,7 @@ class WaylandConnection : public DisplayConnection {
   std::unique_ptr<DisplayServer> start(Scheduler& scheduler) override {
     // A window that bypasses the window manager gets no role from the toolkit then, and can have another one.
     qputenv("QT_WAYLAND_USE_BYPASSWINDOWMANAGERHINT", "1");
+    printMessage = qInstallMessageHandler(noteMessage);
     client_->start();
     return std::make_unique<WaylandDisplayServer>(*client_, scheduler);
   }
