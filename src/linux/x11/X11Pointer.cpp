@@ -162,7 +162,8 @@ void X11Pointer::conversionArrived(const xcb_selection_notify_event_t& event) {
 /// Some sources refuse whoever does not ask at the very time of their last message to the window below the
 /// pointer: when they handled a motion, or no time at all before the first one.
 void X11Pointer::askAgain() {
-  constexpr size_t mostTimes = 4;
+  // A source that is slow has handled none of the last motions yet: now and then it is asked about many.
+  const size_t mostTimes = refusals_ % 5 == 0 ? 64 : 4;
   queryTurn_.reset();
   if (!buttonDown()) return;
   const auto reply = owned(xcb_get_motion_events_reply(connection_,
