@@ -13,6 +13,9 @@ namespace {
 /// longer the user lets it wait.
 constexpr double firstLook = 0.25, lastLook = 10, growth = 1.1;
 
+/// In seconds: a prompt's own hook may still be under way when Claude Code is found idle.
+constexpr double statusDelay = 3;
+
 constexpr std::string_view interruption = "[Request interrupted by user";
 
 /// Whether a line of a transcript is the entry that says so, and not one that quotes it.
@@ -46,6 +49,28 @@ bool holds(std::string_view arguments, std::string_view command) {
     command.remove_prefix(std::min(end + 1, command.size()));
   }
   return !isEmpty;
+}
+
+/// Where Claude Code keeps what one of its processes is doing: "sessions/PROCESS.json" beside the folder
+/// "projects" of the transcripts. Empty when the transcript lies elsewhere.
+FilePath statusFile(const FilePath& transcript, int32_t process) {
+  const size_t project = transcript.rfind('/');
+  const size_t projects =
+      project == transcript.npos || project == 0 ? transcript.npos : transcript.rfind('/', project - 1);
+  if (projects == transcript.npos) return {};
+  const std::string_view folder = std::string_view(transcript).substr(0, projects);
+  if (!folder.ends_with("/projects")) return {};
+  const size_t root = folder.rfind('/') + 1;
+  return transcript.substr(0, root) + "sessions/" + std::to_string(process) + ".json";
+}
+
+/// What that file says of the session: "busy", "idle" …; empty when it is about none or another one.
+std::string statusIn(const std::string& text, const std::string& id) {
+  const auto value = parseJson(text);
+  const auto* object = value ? value->as<JsonObject>() : nullptr;
+  const auto* session = object ? memberOf<std::string>(*object, "sessionId") : nullptr;
+  const auto* status = object ? memberOf<std::string>(*object, "status") : nullptr;
+  return session && status && *session == id ? *status : "";
 }
 
 }  // namespace
@@ -83,7 +108,34 @@ void SessionWatch::update(const Session& session, Watched& watched) {
       });
     }
   }
+  followStatus(session, watched);
   await(session, watched);
+}
+
+void SessionWatch::followStatus(const Session& session, Watched& watched) {
+  const bool isFollowed = session.phase == Phase::working && session.process;
+  const FilePath status = isFollowed ? statusFile(session.transcript, session.process->number) : FilePath();
+  if (watched.status == status) return;
+  watched.status = status;
+  watched.statusChanges = {};
+  watched.rest = {};
+  watched.wasBusy = false;
+  if (status.empty()) return;
+  watched.statusChanges = files_.followWhole(status, [this, id = session.id](const std::string& text) {
+    Watched& changed = watched_[id];
+    changed.rest = {};
+    const std::string now = statusIn(text, id);
+    // What works in the background says so while nothing else does.
+    changed.wasBusy = changed.wasBusy || now == "busy";
+    if (!changed.wasBusy || now != "idle") return;
+    // Who ends in the usual way says so at the same time.
+    const Date heard = claude_.sessions->at(id).updatedAt;
+    changed.rest = scheduler_.after(statusDelay, [this, id, heard] {
+      const auto found = claude_.sessions->find(id);
+      const bool isSilent = found != claude_.sessions->end() && found->second.updatedAt == heard;
+      if (isSilent) withAnimation(notchOpen, [&] { claude_.interrupt(id); });
+    });
+  });
 }
 
 void SessionWatch::await(const Session& session, Watched& watched) {

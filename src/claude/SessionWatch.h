@@ -24,6 +24,11 @@ class SessionWatch {
     /// Empty while it is not followed.
     FilePath transcript;
     Subscription lines;
+    /// What Claude Code says itself of what it is doing. Empty while it is not followed.
+    FilePath status;
+    Subscription statusChanges;
+    bool wasBusy = false;
+    Task rest;
     /// The commands that are waited for.
     std::vector<Session::Request> commands;
     /// The children that none of them is.
@@ -33,6 +38,7 @@ class SessionWatch {
 
   void update();
   void update(const Session& session, Watched& watched);
+  void followStatus(const Session& session, Watched& watched);
   void await(const Session& session, Watched& watched);
   void lookLater(const std::string& id, double pause);
   std::optional<Session::Request> grantedCommand(Watched& watched);

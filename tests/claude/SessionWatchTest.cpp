@@ -31,6 +31,42 @@ class SessionWatchTest : public testing::Test {
   SessionWatch watch{claude, desktop.scheduler, desktop.foreignProcesses, desktop.growingFiles};
 };
 
+TEST_F(SessionWatchTest, RestsWhenThePromptIsTakenBack) {
+  const std::string status = "/c/sessions/77.json";
+  const auto write = [&](const std::string& what, const std::string& id = "s") {
+    desktop.growingFiles.append(status, R"({"pid":77,"sessionId":")" + id + R"(","status":")" + what + "\"}");
+  };
+  const auto prompt = [&] {
+    send("UserPromptSubmit", {{"transcript_path", "/c/projects/-src-shop/s.jsonl"}});
+  };
+  prompt();
+  ASSERT_TRUE(desktop.growingFiles.isFollowed(status));
+  write("idle");
+  desktop.scheduler.advance(20);
+  EXPECT_EQ(session().phase, Phase::working) << "it has not begun, or works in the background";
+  write("busy");
+  write("idle", "another");
+  desktop.growingFiles.append(status, "{");
+  desktop.scheduler.advance(20);
+  EXPECT_EQ(session().phase, Phase::working);
+  write("idle");
+  write("busy");
+  desktop.scheduler.advance(20);
+  EXPECT_EQ(session().phase, Phase::working);
+  write("idle");
+  desktop.scheduler.advance(1);
+  send("PreToolUse", {{"transcript_path", "/c/projects/-src-shop/s.jsonl"}});
+  desktop.scheduler.advance(20);
+  EXPECT_EQ(session().phase, Phase::working) << "something was heard of it";
+  write("idle");
+  desktop.scheduler.advance(4);
+  EXPECT_EQ(session().phase, Phase::idle);
+  EXPECT_EQ(session().activity, "Interrupted");
+  EXPECT_FALSE(desktop.growingFiles.isFollowed(status));
+  send("UserPromptSubmit");
+  EXPECT_FALSE(desktop.growingFiles.isFollowed(status)) << "the transcript lies elsewhere";
+}
+
 TEST_F(SessionWatchTest, WorksAgainOnceTheGrantedCommandRuns) {
   struct Case {
     std::string command, arguments;

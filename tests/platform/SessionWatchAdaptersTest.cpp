@@ -117,3 +117,26 @@ TEST(InotifyFiles, HandsOverWholeLinesThatAreAppendedToTheUsersOwnFiles) {
   std::ofstream(folder.path() + "/later") << "first\n";
   EXPECT_TRUE(waitUntil([&] { return later == std::vector<std::string>{"first"}; }));
 }
+
+TEST(InotifyFiles, HandsOverFilesThatAreWrittenAnew) {
+  const TemporaryFolder folder;
+  const std::string path = folder.write("status", "first");
+  QtScheduler scheduler;
+  InotifyFiles files(scheduler);
+  std::string told;
+  auto subscription = files.followWhole(path, [&](const std::string& text) { told = text; });
+  EXPECT_TRUE(waitUntil([&] { return told == "first"; }));
+  // In place, and twice by another file of that name.
+  folder.write("status", "second");
+  EXPECT_TRUE(waitUntil([&] { return told == "second"; }));
+  for (const char* text : {"third", "fourth"}) {
+    std::filesystem::rename(folder.write("next", text), path);
+    EXPECT_TRUE(waitUntil([&] { return told == text; })) << text;
+  }
+  folder.write("status", std::string(1 << 20, 'x'));
+  EXPECT_TRUE(waitUntil([&] { return told == std::string(64 << 10, 'x'); }));
+  subscription = {};
+  folder.write("status", "unheard");
+  const auto again = files.followWhole(path, [&](const std::string& text) { told = text; });
+  EXPECT_TRUE(waitUntil([&] { return told == "unheard"; }));
+}

@@ -14,7 +14,7 @@ namespace {
 /// Seconds in which changes are gathered.
 constexpr double pause = 0.1;
 constexpr double firstRetry = 0.25, lastRetry = 300;
-constexpr size_t mostAtOnce = 256 << 10;
+constexpr size_t mostAtOnce = 256 << 10, longestWhole = 64 << 10;
 
 off_t lengthOf(int file) {
   struct stat status;
@@ -37,13 +37,19 @@ Descriptor openOwn(const FilePath& path) {
 /// One file. What is used off the main thread is shared with the work there, which may outlive this.
 class InotifyFiles::Followed : public std::enable_shared_from_this<Followed> {
  public:
-  Followed(Scheduler& scheduler, std::function<void(const std::string&)> line)
-      : scheduler_(scheduler), line_(std::move(line)) {}
+  /// @param opened the file was opened, for the first time or, when it is told `whole`, again
+  Followed(Scheduler& scheduler, const FilePath& path, std::function<void(const std::string&)> told,
+      bool whole, std::function<void()> opened)
+      : scheduler_(scheduler),
+        path_(path),
+        told_(std::move(told)),
+        isWhole_(whole),
+        opened_(std::move(opened)) {}
 
   /// A file that does not exist yet is tried again after `retry` seconds, then less and less often.
-  void open(const FilePath& path, std::function<void()> then, double retry = firstRetry) {
+  void open(double retry = firstRetry) {
     work_ = scheduler_.background(
-        [state = state_, path] {
+        [state = state_, path = path_] {
           state->file = openOwn(path);
           if (state->file < 0) {
             state->isNew = errno == ENOENT;
@@ -51,15 +57,17 @@ class InotifyFiles::Followed : public std::enable_shared_from_this<Followed> {
             state->position = lengthOf(state->file);
           }
         },
-        [this, path, then = std::move(then), retry] {
+        [this, retry] {
           if (state_->file >= 0) {
-            then();
+            opened_();
           } else if (state_->isNew && retry < lastRetry) {
-            work_ = scheduler_.after(retry, [=, this] { open(path, then, retry * 2); });
+            work_ = scheduler_.after(retry, [=, this] { open(retry * 2); });
           }
         });
   }
   int file() const { return state_->file; }
+  /// Of a file that may be replaced also what happens to its name.
+  uint32_t notices() const { return isWhole_ ? IN_MODIFY | IN_ATTRIB : IN_MODIFY; }
 
   void changed() {
     if (isReading_) {
@@ -68,7 +76,12 @@ class InotifyFiles::Followed : public std::enable_shared_from_this<Followed> {
     }
     isReading_ = true;
     work_ = scheduler_.after(pause, [this] {
-      work_ = scheduler_.background([state = state_] { state->read(); }, [this] { handOver(); });
+      if (isWhole_) {
+        work_ = scheduler_.background(
+            [state = state_, path = path_] { state->readWhole(path); }, [this] { handOverWhole(); });
+      } else {
+        work_ = scheduler_.background([state = state_] { state->read(); }, [this] { handOver(); });
+      }
     });
   }
 
@@ -97,7 +110,22 @@ class InotifyFiles::Followed : public std::enable_shared_from_this<Followed> {
       text.resize(old + static_cast<size_t>(std::max<ssize_t>(count, 0)));
       position += std::max<ssize_t>(count, 0);
     }
+
+    void readWhole(const FilePath& path) {
+      file = openOwn(path);
+      text.resize(longestWhole);
+      text.resize(static_cast<size_t>(std::max<ssize_t>(::pread(file, text.data(), text.size(), 0), 0)));
+    }
   };
+
+  void handOverWhole() {
+    const auto self = shared_from_this();
+    isReading_ = false;
+    if (state_->file >= 0) opened_();
+    if (std::exchange(hasChanged_, false)) changed();
+    const auto told = told_;
+    told(state_->text);
+  }
 
   void handOver() {
     const auto self = shared_from_this();
@@ -108,23 +136,38 @@ class InotifyFiles::Followed : public std::enable_shared_from_this<Followed> {
     if (std::exchange(hasChanged_, false)) changed();
     for (size_t begin = 0; begin < lines.size() && self.use_count() > 1;) {
       const size_t length = lines.find('\n', begin) - begin;
-      line_(lines.substr(begin, length));
+      told_(lines.substr(begin, length));
       begin += length + 1;
     }
   }
 
   Scheduler& scheduler_;
-  const std::function<void(const std::string&)> line_;
+  const FilePath path_;
+  const std::function<void(const std::string&)> told_;
+  const bool isWhole_;
+  const std::function<void()> opened_;
   const std::shared_ptr<State> state_ = std::make_shared<State>();
   bool isReading_ = false, hasChanged_ = false;
   Task work_;
 };
 
 Subscription InotifyFiles::follow(const FilePath& file, std::function<void(const std::string& line)> line) {
-  auto followed = std::make_shared<Followed>(scheduler_, std::move(line));
-  followed->open(file, [this, weak = std::weak_ptr(followed)] {
-    if (const auto opened = weak.lock()) watch(opened);
+  return follow(file, std::move(line), false);
+}
+
+Subscription InotifyFiles::followWhole(
+    const FilePath& file, std::function<void(const std::string& text)> told) {
+  return follow(file, std::move(told), true);
+}
+
+Subscription InotifyFiles::follow(
+    const FilePath& file, std::function<void(const std::string&)> told, bool whole) {
+  const auto made = std::make_shared<std::weak_ptr<Followed>>();
+  auto followed = std::make_shared<Followed>(scheduler_, file, std::move(told), whole, [this, made] {
+    if (const auto opened = made->lock()) watch(opened);
   });
+  *made = followed;
+  followed->open();
   return Subscription(std::move(followed));
 }
 
@@ -138,8 +181,11 @@ void InotifyFiles::watch(const std::shared_ptr<Followed>& followed) {
   }
   // By the open file: looking its path up again could wait for its folder.
   const std::string open = "/proc/self/fd/" + std::to_string(followed->file());
-  const int number = ::inotify_add_watch(notices_, open.c_str(), IN_MODIFY);
+  const int number = ::inotify_add_watch(notices_, open.c_str(), followed->notices());
   if (number < 0) return;
+  const auto [begin, end] = watched_.equal_range(number);
+  const auto isThis = [&](const auto& entry) { return entry.second.lock() == followed; };
+  if (std::any_of(begin, end, isThis)) return;
   watched_.emplace(number, followed);
   // What came while it was being opened.
   followed->changed();
@@ -157,9 +203,9 @@ void InotifyFiles::takeNotices() {
       bool isFollowed = false;
       for (auto entry = begin; entry != end;) {
         const auto followed = entry->second.lock();
-        if (followed) followed->changed();
+        if (followed && !(notice->mask & IN_IGNORED)) followed->changed();
         isFollowed = isFollowed || followed;
-        entry = followed ? std::next(entry) : watched_.erase(entry);
+        entry = followed && !(notice->mask & IN_IGNORED) ? std::next(entry) : watched_.erase(entry);
       }
       if (!isFollowed && !(notice->mask & IN_IGNORED)) ::inotify_rm_watch(notices_, notice->wd);
     }

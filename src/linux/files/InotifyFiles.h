@@ -15,10 +15,12 @@ class InotifyFiles : public GrowingFiles {
   /// `scheduler` must outlive it.
   explicit InotifyFiles(Scheduler& scheduler) : scheduler_(scheduler) {}
   Subscription follow(const FilePath& file, std::function<void(const std::string& line)> line) override;
+  Subscription followWhole(const FilePath& file, std::function<void(const std::string& text)> told) override;
 
  private:
   class Followed;
 
+  Subscription follow(const FilePath& file, std::function<void(const std::string&)> told, bool whole);
   void watch(const std::shared_ptr<Followed>& followed);
   void takeNotices();
 

@@ -340,6 +340,11 @@ class MemoryForeignProcesses : public ForeignProcesses {
 class MemoryGrowingFiles : public GrowingFiles {
  public:
   Subscription follow(const FilePath& file, std::function<void(const std::string& line)> line) override;
+  /// Nothing until somebody writes.
+  Subscription followWhole(const FilePath& file, std::function<void(const std::string& text)> told) override {
+    return follow(file, std::move(told));
+  }
+  /// A line, or the whole of a file that is written anew.
   void append(const FilePath& file, const std::string& line);
   bool isFollowed(const FilePath& file) const;
 
