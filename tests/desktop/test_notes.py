@@ -36,6 +36,8 @@ class Notes(DesktopTest):
         wait_until(lambda: self.focus() != self.other, "the keyboard")
 
     def test_what_is_typed_is_kept_and_the_keyboard_given_back(self):
+        # It has a key for the accent: one that xdotool makes for the moment programs may not know yet.
+        subprocess.run(["setxkbmap", "us", "-variant", "intl"], env=self.desktop.environment, check=True)
         self.desktop.start_overlay()
         self.open_and_click()
         self.keys("c", "a", "f", "dead_acute", "e", "Return", "a")

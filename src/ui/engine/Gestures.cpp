@@ -219,11 +219,12 @@ void Gestures::tellDrags(std::function<void(const DragValue&)> DragGesture::*han
   }
 }
 
-/// A quick hand clicks where something will be that is still on its way there. Instead of what passes by,
-/// which nobody aims at, that gets the tap; null: there is nothing like that.
+/// A quick hand clicks where something will be that is still on its way there. Instead of what passes by on a
+/// way of its own, which nobody aims at, that gets the tap; null: there is nothing like that.
 Node* Gestures::comingTo(Point point, const std::vector<Node*>& under) const {
   Node* const coming = hitTest::atRest(scene_.root(), point, takesPointer);
-  const bool counts = coming && takesTap(*coming) && (under.empty() || coming->arrives());
+  const bool counts =
+      coming && takesTap(*coming) && (under.empty() || (coming->arrives() && under.front()->arrives()));
   return counts ? coming : nullptr;
 }
 
