@@ -33,8 +33,8 @@ class KWin(PrivateDesktop):
                                 KWIN_SCREENSHOT_NO_PERMISSION_CHECKS="1")
         if not self.permission_checks:
             self.environment["KWIN_WAYLAND_NO_PERMISSION_CHECKS"] = "1"
-        self.compositor = self.start([program, "--virtual", "--width", round(self.size[0] * self.scale), "--height",
-                                      round(self.size[1] * self.scale), "--scale", self.scale, "--output-count",
+        self.compositor = self.start([program, "--virtual", "--width", self.size[0], "--height", self.size[1],
+                                      "--scale", self.scale, "--output-count",
                                       self.outputs, "--xwayland", "--no-lockscreen", teller])
         wait_until(told.exists, "the compositor")
         for line in told.read_text().splitlines():
