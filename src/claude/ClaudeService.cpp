@@ -279,6 +279,15 @@ void ClaudeService::interrupt(const std::string& id) {
   });
 }
 
+void ClaudeService::refuse(const std::string& id) {
+  const auto session = sessions->find(id);
+  if (session == sessions->end() || session->second.requests.empty()) return;
+  change(id, [](Session& refused) {
+    refused.requests.clear();
+    goOn(refused, thinking());
+  });
+}
+
 void ClaudeService::resume(const std::string& id, Session::Request request, bool isGranted) {
   change(id, [&](Session& session) {
     removeFirst(session.requests, [&](const auto& one) { return one == request; });

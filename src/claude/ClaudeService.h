@@ -50,6 +50,8 @@ class ClaudeService : public ObservableObject {
   void end(const std::string& id);
   /// The user has refused or interrupted what that session does: it rests.
   void interrupt(const std::string& id);
+  /// The user has refused what that session waits for, but not interrupted it: it works again.
+  void refuse(const std::string& id);
   /// What that session waits for was granted or refused: it works again, unless it waits for more.
   void resume(const std::string& id, Session::Request request, bool isGranted = true);
   /// That request can be answered in the terminal only from now on.

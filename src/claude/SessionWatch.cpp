@@ -10,28 +10,30 @@ namespace tarnwick {
 namespace {
 
 /// In seconds. Nothing tells that a process has started another, so it is looked for; the less often the
-/// longer the user lets it wait.
-constexpr double firstLook = 0.25, lastLook = 10, growth = 1.1;
+/// longer the user lets it wait: a tenth of that time too late.
+constexpr double firstLook = 0.25, lastLook = 60, growth = 1.1;
 
 /// In seconds: a prompt's own hook may still be under way when Claude Code is found idle.
 constexpr double statusDelay = 3;
 
-constexpr std::string_view interruption = "[Request interrupted by user";
+constexpr std::string_view interruption = "[Request interrupted by user",
+                           refusal = "The user doesn't want to proceed with this tool use.";
 
-/// Whether a line of a transcript is the entry that says so, and not one that quotes it.
-bool isInterruption(const std::string& line) {
-  if (line.find(interruption) == line.npos) return false;
+/// Whether a line of a transcript is the entry by which the user says that, and not one that quotes it.
+/// @param key under which a part of the entry says it
+bool says(const std::string& line, std::string_view phrase, std::string_view key) {
+  if (line.find(phrase) == line.npos) return false;
   const auto entry = parseJson(line);
   const auto* object = entry ? entry->as<JsonObject>() : nullptr;
   const auto* type = object ? memberOf<std::string>(*object, "type") : nullptr;
   const auto* message = object ? memberOf<JsonObject>(*object, "message") : nullptr;
   if (!type || *type != "user" || !message) return false;
-  const auto says = [](const std::string* text) { return text && text->starts_with(interruption); };
-  if (says(memberOf<std::string>(*message, "content"))) return true;
+  const auto isIt = [&](const std::string* text) { return text && text->starts_with(phrase); };
+  if (isIt(memberOf<std::string>(*message, "content"))) return true;
   const auto* parts = memberOf<JsonArray>(*message, "content");
   return parts && std::ranges::any_of(*parts, [&](const JsonValue& part) {
     const auto* fields = part.as<JsonObject>();
-    return fields && says(memberOf<std::string>(*fields, "text"));
+    return fields && isIt(memberOf<std::string>(*fields, key));
   });
 }
 
@@ -104,7 +106,9 @@ void SessionWatch::update(const Session& session, Watched& watched) {
     watched.lines = {};
     if (!transcript.empty()) {
       watched.lines = files_.follow(transcript, [this, id](const std::string& line) {
-        if (isInterruption(line)) withAnimation(notchOpen, [&] { claude_.interrupt(id); });
+        if (says(line, interruption, "text")) withAnimation(notchOpen, [&] { claude_.interrupt(id); });
+        // The user has told what to do in its place.
+        if (says(line, refusal, "content")) withAnimation(notchOpen, [&] { claude_.refuse(id); });
       });
     }
   }
@@ -146,22 +150,35 @@ void SessionWatch::await(const Session& session, Watched& watched) {
   if (watched.commands == commands) return;
   const bool hasMore = commands.size() >= watched.commands.size();
   watched.commands = std::move(commands);
-  watched.look = {};
   if (watched.commands.empty()) return watched.children.clear();
   if (hasMore) {
     for (const auto& child : processes_.children(*session.process)) watched.children.insert(child.number);
   }
-  lookLater(session.id, firstLook);
+  watched.pause = firstLook;
+  watched.due = scheduler_.uptime() + firstLook;
+  lookLater();
 }
 
-void SessionWatch::lookLater(const std::string& id, double pause) {
-  watched_[id].look = scheduler_.after(pause, [this, id, pause] {
-    if (const auto granted = grantedCommand(watched_[id])) {
-      withAnimation(notchOpen, [&] { claude_.resume(id, *granted); });
-    } else {
-      lookLater(id, std::min(pause * growth, lastLook));
-    }
-  });
+void SessionWatch::lookLater() {
+  std::optional<double> first;
+  for (const auto& [id, watched] : watched_) {
+    if (!watched.commands.empty()) first = std::min(first.value_or(watched.due), watched.due);
+  }
+  look_ = first ? scheduler_.after(std::max(0.0, *first - scheduler_.uptime()), [this] { look(); }) : Task();
+}
+
+void SessionWatch::look() {
+  const double now = scheduler_.uptime();
+  std::vector<std::pair<std::string, Session::Request>> granted;
+  for (auto& [id, watched] : watched_) {
+    // Those that are due soon come along: however many wait, the looks are few.
+    if (watched.commands.empty() || watched.due - now > watched.pause / 2) continue;
+    watched.pause = std::min(watched.pause * growth, lastLook);
+    watched.due = now + watched.pause;
+    if (const auto command = grantedCommand(watched)) granted.emplace_back(id, *command);
+  }
+  lookLater();
+  for (const auto& [id, command] : granted) withAnimation(notchOpen, [&] { claude_.resume(id, command); });
 }
 
 std::optional<Session::Request> SessionWatch::grantedCommand(Watched& watched) {

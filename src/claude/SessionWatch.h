@@ -33,14 +33,16 @@ class SessionWatch {
     std::vector<Session::Request> commands;
     /// The children that none of them is.
     std::set<int32_t> children;
-    Task look;
+    /// When they are looked for next, as of `uptime`, and how long that is after the last time.
+    double due = 0, pause = 0;
   };
 
   void update();
   void update(const Session& session, Watched& watched);
   void followStatus(const Session& session, Watched& watched);
   void await(const Session& session, Watched& watched);
-  void lookLater(const std::string& id, double pause);
+  void lookLater();
+  void look();
   std::optional<Session::Request> grantedCommand(Watched& watched);
 
   ClaudeService& claude_;
@@ -48,6 +50,7 @@ class SessionWatch {
   ForeignProcesses& processes_;
   GrowingFiles& files_;
   std::map<std::string, Watched> watched_;
+  Task look_;
   Subscription changes_;
 };
 

@@ -127,12 +127,40 @@ TEST_F(SessionWatchTest, LooksLessAndLessOftenAndOnlyWhileACommandWaits) {
   desktop.scheduler.advance(3600);
   const int before = desktop.foreignProcesses.looks;
   desktop.scheduler.advance(3600);
-  EXPECT_LE(desktop.foreignProcesses.looks - before, 361);
+  EXPECT_LE(desktop.foreignProcesses.looks - before, 61);
   send("PostToolUse");
   send("PermissionRequest", {{"tool_name", "Write"}, {"tool_detail", "/a"}});
   const int after = desktop.foreignProcesses.looks;
   desktop.scheduler.advance(100);
   EXPECT_EQ(desktop.foreignProcesses.looks, after);
+}
+
+TEST_F(SessionWatchTest, LooksForTheCommandsOfManyAtOnce) {
+  for (int i = 0; i < 50; ++i) {
+    claude.handle({{"hook_event_name", "PermissionRequest"}, {"session_id", std::to_string(i)},
+        {"tool_name", "Bash"}, {"tool_detail", "make"}, {"process", std::to_string(process)},
+        {"process_namespace", "1"}});
+    desktop.scheduler.advance(0.3);
+  }
+  desktop.scheduler.advance(600);
+  std::set<double> times;
+  desktop.foreignProcesses.onLook = [&] { times.insert(desktop.scheduler.uptime()); };
+  desktop.scheduler.advance(600);
+  EXPECT_LE(times.size(), 21u);
+  EXPECT_GE(times.size(), 10u);
+}
+
+TEST_F(SessionWatchTest, WorksOnWhenTheTranscriptSaysThatTheUserRefused) {
+  ask("make");
+  const std::string said = "The user doesn't want to proceed with this tool use. The user said: no";
+  for (const char* type : {"assistant", "user"}) {
+    EXPECT_EQ(session().phase, Phase::waiting);
+    desktop.growingFiles.append(transcript,
+        R"({"type":")" + std::string(type) + R"(","message":{"content":[{"type":"tool_result","content":")" +
+            said + "\"}]}}");
+  }
+  EXPECT_EQ(session().phase, Phase::working);
+  EXPECT_FALSE(session().request());
 }
 
 TEST_F(SessionWatchTest, RestsWhenTheTranscriptSaysThatTheUserInterrupted) {

@@ -179,6 +179,7 @@ Subscription MemoryForeignProcesses::watch(const ForeignProcess& process, std::f
 
 std::vector<ForeignProcesses::Child> MemoryForeignProcesses::children(const ForeignProcess& process) {
   ++looks;
+  onLook();
   return running[process.number];
 }
 

@@ -332,6 +332,7 @@ class MemoryForeignProcesses : public ForeignProcesses {
   std::set<FilePath> sockets;
   /// How often was looked.
   int looks = 0;
+  std::function<void()> onLook = [] {};
 
  private:
   std::multimap<int32_t, std::weak_ptr<std::function<void()>>> watchers_;
