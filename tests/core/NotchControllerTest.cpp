@@ -149,7 +149,17 @@ TEST_F(NotchControllerTest, HandsHookEventsToTheTracker) {
   desktop.notifications.post(eventNotification, {});
   EXPECT_EQ(model().claude.sessions->size(), 1u);
 
+  const StringMap request{
+      {"hook_event_name", "PermissionRequest"}, {"session_id", "a"}, {toolInputKey, "{}"}};
+  desktop.permissions.ask({1, request});
+  EXPECT_EQ(PermissionService::requestOf(model().claude.sessions->at("a"))->number, 1u);
+  EXPECT_THAT(animations.back(), notchOpen);
+
   model().showcase = true;
+  desktop.permissions.ask({2, request});
+  EXPECT_EQ(desktop.permissions.answers.at(2), PermissionAnswer()) << "a demonstration answers nothing";
+  desktop.notifications.post(eventNotification, {{"hook_event_name", "Stop"}, {"session_id", "showcase"}});
+  EXPECT_EQ(model().claude.sessions->at("a").requests.size(), 1u);
   for (const char* id : {"b", "", "Showcase", "showcase-1", "showcase"}) {
     desktop.notifications.post(eventNotification, {{"hook_event_name", "PreToolUse"}, {"session_id", id}});
   }
@@ -157,6 +167,7 @@ TEST_F(NotchControllerTest, HandsHookEventsToTheTracker) {
   std::vector<std::string> ids;
   for (const auto& [id, session] : *model().claude.sessions) ids.push_back(id);
   EXPECT_THAT(ids, ElementsAre("a", "showcase", "showcase-1"));
+  model().claude.interrupt("a");
   pass(1300);
   EXPECT_TRUE(model().claude.sessions->empty()) << "stale ones are forgotten";
 }

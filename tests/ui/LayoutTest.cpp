@@ -159,5 +159,61 @@ TEST(Layout, buildsOnlyRowsInView) {
   EXPECT_FALSE(stage.inspect.scroll(*stage.inspect.id("list"), {0, -10}));
 }
 
+TEST(Layout, ListsHaveOneItemThatIsLonger) {
+  const auto place = [](size_t longer, double scrolled) {
+    Stage stage(ScrollView(Axis::vertical,
+        LazyVStack({.count = 100,
+            .length = 40,
+            .longer = longer,
+            .excess = 200,
+            .spacing = 2,
+            .key = [](size_t i) { return "row" + std::to_string(i); },
+            .item = [](size_t) { return Rectangle().fill(white()); }}))
+                    .frame({.width = 300, .height = 84})
+                    .id("list"));
+    stage.inspect.scroll(*stage.inspect.id("list"), {0, -scrolled});
+    stage.scene.frame();
+    const double top = stage.inspect.id("list")->frame().y;
+    std::vector<std::pair<std::string, std::pair<double, double>>> seen;
+    for (const auto& row : stage.inspect.all([](const auto& node) { return node.id().starts_with("row"); })) {
+      const Rect frame = row.frame();
+      if (frame.bottom() > top && frame.y < top + 84)
+        seen.push_back({row.id(), {frame.y - top, frame.height}});
+    }
+    return seen;
+  };
+  using Seen = std::vector<std::pair<std::string, std::pair<double, double>>>;
+  EXPECT_EQ(place(1, 0), (Seen{{"row0", {0, 40}}, {"row1", {42, 240}}}));
+  EXPECT_EQ(place(50, 50 * 42 + 190), (Seen{{"row50", {-190, 240}}, {"row51", {52, 40}}}));
+  EXPECT_EQ(place(0, 1e9), (Seen{{"row98", {2, 40}}, {"row99", {44, 40}}}));
+}
+
+TEST(Layout, WrapsLinesThatAreReadToTheLetter) {
+  const View hundred =
+      HStack({}, {Text(std::string(100, 'x')).font({11, Weight::regular, Design::monospaced}).id("x")});
+  const double cell = Stage(hundred, {2000, 300}).inspect.id("x")->frame().width / 100;
+  const auto heightOf = [&](std::string text) {
+    Stage stage(VStack({},
+        {TextLines({{{{std::move(text)}}}})
+                .font({11, Weight::regular, Design::monospaced})
+                .frame({.width = std::ceil(cell * 20)})
+                .id("x")}));
+    return stage.inspect.id("x")->frame().height;
+  };
+  const double line = heightOf("x");
+  const std::pair<std::string, int> cases[] = {
+      {"", 1},
+      {std::string(20, 'x'), 1},
+      {std::string(21, ' '), 2},
+      // What goes on is indented by two.
+      {std::string(20 + 18, 'x'), 2},
+      {std::string(20 + 18 + 1, 'x'), 3},
+      {"!= => -> === !== <=> a", 2},
+      // Wide ones take more.
+      {"😀😀😀😀😀😀😀😀😀😀😀😀", 2},
+  };
+  for (const auto& [text, lines] : cases) EXPECT_EQ(heightOf(text), lines * line) << text;
+}
+
 }  // namespace
 }  // namespace tarnwick::ui
