@@ -327,6 +327,62 @@ def settings(desktop, window_memory):
            2, f"{memory:.0f} MB")
 
 
+def permissions(desktop, events):
+    """From the press of the button to the end of the hook that waits for it; and a hundred hooks that wait."""
+    def ask(session):
+        event = events.file(session, "PermissionRequest", session, tool_name="Bash",
+                            tool_input={"command": "make " + "x" * 4000})
+        with event.open() as file:
+            return subprocess.Popen([PROGRAM, "--hook"], stdin=file, stdout=subprocess.PIPE, env=desktop.environment)
+
+    def end(session):
+        measure(desktop, PROGRAMS / "spawn-times", 1, events.file("end", "SessionEnd", session), PROGRAM, "--hook")
+
+    x, y = desktop.size[0] // 2 + 202, 96  # the button to allow
+    hook = ask("asks")
+    desktop.wait_for_notch(*CLAUDE)
+    desktop.open_page("claude")
+    times = []
+    for _ in range(20):
+        time.sleep(0.9)  # past the time in which the buttons take no click
+        desktop.move_pointer(x, y)
+        time.sleep(0.1)
+        desktop.press()
+        time.sleep(0.05)
+        pressed = time.monotonic()
+        desktop.release()
+        hook.wait()
+        times.append((time.monotonic() - pressed) * 1000)
+        if b"allow" not in hook.stdout.read():
+            sys.exit("the hook does not print the answer")
+        hook = ask("asks")
+    report("press of Allow to the end of the hook, 95th percentile", percentile(times, 95), "ms", 50,
+           f"median {statistics.median(times):.1f} ms")
+    end("asks")
+    hook.wait()
+    desktop.move_pointer(x, desktop.size[1] - 50)
+    desktop.wait_for_notch(*HIDDEN)
+
+    # The hand keeps moving: one session that waits costs that, too.
+    measure(desktop, PROGRAMS / "spawn-times", 1, events.file("waits", "PermissionRequest", "0",
+            tool_name="ExitPlanMode"), PROGRAM, "--hook")
+    time.sleep(12)
+    usual = usage_over(desktop.overlay, 20)
+    hooks = [ask(str(number)) for number in range(100)]
+    time.sleep(40)  # past what their coming leaves to be done
+    before = [Usage(hook) for hook in hooks]
+    wake_ups, processor = usage_over(desktop.overlay, 20)
+    used = [Usage(hook).since(then) for hook, then in zip(hooks, before)]
+    report("wake-ups a second while 100 hooks wait, beyond those of one hand", wake_ups - usual[0], "", 0.5)
+    report("processor while 100 hooks wait, beyond that of one hand", processor - usual[1], "% of a core", 0.1)
+    report("processor that the 100 hooks use meanwhile", sum(each[0] for each in used), "s", 0,
+           f"{resident_megabytes(hooks[0].pid):.1f} MB resident each")
+    for number, waiting in enumerate(hooks):
+        end(str(number))
+        waiting.wait()
+    desktop.wait_for_notch(*HIDDEN)
+
+
 def snapshots(desktop):
     times = []
     for _ in range(5):
@@ -350,6 +406,7 @@ def main():
         flood(desktop)
         behind_a_flood(desktop, usual)
         pages(desktop)
+        permissions(desktop, events)
         typing(desktop)
         settings(desktop, window_memory)
         snapshots(desktop)

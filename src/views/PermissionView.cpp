@@ -109,7 +109,7 @@ View buttons(PermissionService& permissions, const Session::Request& request) {
         .opacity(settled ? 1 : 0.3)
         .onAppear([&permissions, number, settled] {
           permissions.appeared(number);
-          withAnimation(easeOut(PermissionService::settling), [&] { settled.set(true); });
+          withAnimation(easeIn(PermissionService::settling), [&] { settled.set(true); });
         });
   });
 }
