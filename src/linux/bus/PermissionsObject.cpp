@@ -27,9 +27,7 @@ PermissionsObject::PermissionsObject(MessageBus& bus, DBusNotificationCenter& no
   connect(&bus_, &MessageBus::opened, this, [this] {
     callers_.emplace(nullptr).setConnection(*bus_.connection());
     callers_->setWatchMode(QDBusServiceWatcher::WatchForUnregistration);
-    connect(&*callers_, &QDBusServiceWatcher::serviceUnregistered, this, [this](const QString& name) {
-      forget([&](const QDBusMessage& call) { return call.service() == name; });
-    });
+    connect(&*callers_, &QDBusServiceWatcher::serviceUnregistered, this, &PermissionsObject::forgetCaller);
     bus_.connection()->registerObject(
         "/dev/tarnwick/permissions", this, QDBusConnection::ExportScriptableSlots);
   });
@@ -57,6 +55,13 @@ void PermissionsObject::Ask(const QDBusMessage& call) {
   const uint64_t number = ++last_;
   calls_[number] = call;
   callers_->addWatchedService(call.service());
+  // It may have left before the bus was asked to tell.
+  auto question = QDBusMessage::createMethodCall(
+      "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", "NameHasOwner");
+  question << call.service();
+  bus_.call(question, this, [this, name = call.service()](const QDBusMessage& reply) {
+    if (!reply.arguments().value(0).toBool()) forgetCaller(name);
+  });
   size_t length = 0;
   for (const auto& [key, value] : event) length += key.size() + value.size();
   const bool isTaken =
@@ -79,6 +84,10 @@ void PermissionsObject::answer(uint64_t number, const PermissionAnswer& answer) 
   bus_.connection()->send(call.createReply({word(answer.behavior), QString::fromStdString(answer.message)}));
   const auto isSame = [&](const auto& other) { return other.second.service() == call.service(); };
   if (std::ranges::none_of(calls_, isSame)) callers_->removeWatchedService(call.service());
+}
+
+void PermissionsObject::forgetCaller(const QString& name) {
+  forget([&](const QDBusMessage& call) { return call.service() == name; });
 }
 
 void PermissionsObject::forget(const std::function<bool(const QDBusMessage&)>& isGone) {

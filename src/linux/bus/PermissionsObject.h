@@ -34,6 +34,7 @@ class PermissionsObject : public QObject, public PermissionRequests {
   using Gone = std::function<void(uint64_t)>;
 
   void ask(uint64_t number, const StringMap& event);
+  void forgetCaller(const QString& name);
   void forget(const std::function<bool(const QDBusMessage&)>& isGone);
 
   MessageBus& bus_;
