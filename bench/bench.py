@@ -184,10 +184,10 @@ def start_to_first_frame(desktop, events):
 class Usage:
     """What each thread of a process has used so far: processor seconds and wake-ups."""
 
-    def __init__(self, process):
+    def __init__(self, process_id):
         self.time = time.monotonic()
         self.threads = {}
-        for task in Path(f"/proc/{process.pid}/task").iterdir():
+        for task in Path(f"/proc/{process_id}/task").iterdir():
             status = (task / "status").read_text()
             self.threads[task.name] = (int((task / "schedstat").read_text().split()[0]) / 1e9,
                                        int(status.split("\nvoluntary_ctxt_switches:")[1].split()[0]))
@@ -200,9 +200,9 @@ class Usage:
 
 def usage_over(process, seconds):
     """Wake-ups a second and the share of a core."""
-    before = Usage(process)
+    before = Usage(process.pid)
     time.sleep(seconds)
-    after = Usage(process)
+    after = Usage(process.pid)
     processor_seconds, wake_ups = after.since(before)
     passed = after.time - before.time
     return wake_ups / passed, processor_seconds / passed * 100
@@ -329,11 +329,12 @@ def settings(desktop, window_memory):
 
 def permissions(desktop, events):
     """From the press of the button to the end of the hook that waits for it; and a hundred hooks that wait."""
-    def ask(session):
+    def ask(session, *caller):
         event = events.file(session, "PermissionRequest", session, tool_name="Bash",
                             tool_input={"command": "make " + "x" * 4000})
         with event.open() as file:
-            return subprocess.Popen([PROGRAM, "--hook"], stdin=file, stdout=subprocess.PIPE, env=desktop.environment)
+            return subprocess.Popen([*caller, PROGRAM, "--hook"], stdin=file, stdout=subprocess.PIPE,
+                                    env=desktop.environment)
 
     def end(session):
         measure(desktop, PROGRAMS / "spawn-times", 1, events.file("end", "SessionEnd", session), PROGRAM, "--hook")
@@ -368,18 +369,20 @@ def permissions(desktop, events):
             tool_name="ExitPlanMode"), PROGRAM, "--hook")
     time.sleep(12)
     usual = usage_over(desktop.overlay, 20)
-    hooks = [ask(str(number)) for number in range(100)]
+    # Each has a caller of its own, as sessions have.
+    callers = [ask(str(number), "timeout", "900") for number in range(100)]
     time.sleep(40)  # past what their coming leaves to be done
+    hooks = [child for caller in callers for child in children(caller)]
     before = [Usage(hook) for hook in hooks]
     wake_ups, processor = usage_over(desktop.overlay, 20)
     used = [Usage(hook).since(then) for hook, then in zip(hooks, before)]
     report("wake-ups a second while 100 hooks wait, beyond those of one hand", wake_ups - usual[0], "", 0.5)
     report("processor while 100 hooks wait, beyond that of one hand", processor - usual[1], "% of a core", 0.1)
     report("processor that the 100 hooks use meanwhile", sum(each[0] for each in used), "s", 0,
-           f"{resident_megabytes(hooks[0].pid):.1f} MB resident each")
-    for number, waiting in enumerate(hooks):
+           f"{len(hooks)} hooks, {resident_megabytes(hooks[0]):.1f} MB resident each")
+    for number, caller in enumerate(callers):
         end(str(number))
-        waiting.wait()
+        caller.wait()
     desktop.wait_for_notch(*HIDDEN)
 
 
