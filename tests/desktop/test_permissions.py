@@ -60,6 +60,7 @@ class Permissions(DesktopTest):
         self.assertEqual(self.decision(first), {"behavior": "allow"})
         self.answer(1, second)
         self.assertEqual(self.decision(second), {"behavior": "deny", "message": "The user has denied this."})
+        self.desktop.wait_for(lambda picture: not self.buttons_are_ready(picture), "the buttons to go")
         # One that nobody answers leaves it to the terminal, as soon as that has answered, and takes its buttons along.
         self.desktop.move_pointer(self.middle, 150)
         third = self.claude.ask("Bash", command="make")
