@@ -156,6 +156,7 @@ class Wayland(DesktopTest):
         self.desktop.start_overlay()
         self.desktop.run("--open", "notes")
         wait_until(lambda: not self.neighbour_has_keyboard(), "the keyboard")
+        self.desktop.wait_for_notch(*EXPANDED)
         notes = self.desktop.home / ".local/share/Tarnwick/notes.txt"
         self.desktop.key("w")
         wait_until(lambda: notes.exists() and notes.read_text() == "w", "the first letter to be saved")

@@ -2,9 +2,12 @@
 
 #include <QCoreApplication>
 #include <QDir>
+#include <QThread>
 #include <algorithm>
+#include <chrono>
 #include <cstdio>
 #include <cstdlib>
+#include <thread>
 
 #include "linux/process/Module.h"
 #include "linux/wayland/WaylandNotchPanel.h"
@@ -14,11 +17,19 @@ namespace {
 
 QtMessageHandler printMessage = nullptr;
 
+/// More than the main thread needs to write what is not written yet.
+constexpr auto endingTime = std::chrono::seconds(2);
+
 /// When the compositor goes, the toolkit says so and ends the process without its exit handlers, which write
-/// what is not written yet. They are run before it gets to that.
+/// what is not written yet. They are run before it gets to that, on the main thread alone; the toolkit's own
+/// thread, which may be the first to know, waits meanwhile.
 void noteMessage(QtMsgType type, const QMessageLogContext& context, const QString& text) {
   printMessage(type, context, text);
-  if (text.startsWith("The Wayland connection")) std::exit(EXIT_FAILURE);
+  if (!text.startsWith("The Wayland connection")) return;
+  const auto end = [] { std::exit(EXIT_FAILURE); };
+  if (QThread::currentThread() == qApp->thread()) end();
+  QMetaObject::invokeMethod(qApp, end, Qt::QueuedConnection);
+  std::this_thread::sleep_for(endingTime);
 }
 
 class WaylandConnection : public DisplayConnection {
