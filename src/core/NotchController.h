@@ -69,10 +69,10 @@ class NotchController {
 
   /// How far the fingers of the current trackpad gesture have moved, in points.
   Point swipe_;
-  /// The current gesture has done its one action.
   /// The gesture scrolls what lies below the pointer, and so is none for the notch, also at the content's
   /// end.
   bool scrollsContent_ = false;
+  /// The current gesture has done its one action.
   bool swipeHandled_ = false;
 
   Task calendarStart_, fullscreenCheck_;
